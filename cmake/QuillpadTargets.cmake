@@ -1,0 +1,46 @@
+# How every target of the project is made: one set of warnings, one language level, one include root (src/), one
+# folder for programs (bin/ of the build folder).
+
+set(CMAKE_CXX_STANDARD 23)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+set(QUILLPAD_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined")
+
+add_library(quillpad_options INTERFACE)
+target_include_directories(quillpad_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(
+  quillpad_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                             $<$<CXX_COMPILER_ID:GNU>:-Wno-psabi>)
+if(QUILLPAD_SANITIZE)
+  target_compile_options(
+    quillpad_options INTERFACE -fsanitize=${QUILLPAD_SANITIZE} -fno-omit-frame-pointer
+                               -fno-sanitize-recover=all)
+  target_link_options(quillpad_options INTERFACE -fsanitize=${QUILLPAD_SANITIZE})
+endif()
+
+# quillpad_library(NAME SOURCES ... LINKS ... PRIVATE_LINKS ...): a static library; LINKS is what its headers show,
+# PRIVATE_LINKS what stays behind them.
+function(quillpad_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC quillpad_options ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
+endfunction()
+
+# quillpad_program(NAME SOURCES ... LINKS ...): a program in bin/.
+function(quillpad_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE quillpad_options ${ARG_LINKS})
+endfunction()
+
+# quillpad_test(NAME SOURCES ... LINKS ...): a GoogleTest program, each of its cases a test of CTest.
+function(quillpad_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE quillpad_options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+endfunction()

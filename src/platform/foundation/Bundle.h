@@ -1,0 +1,32 @@
+// The resources that are built beside the programs: localised texts and pictures. Immutable after
+// it is made; the main bundle is callable from any thread.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace foundation {
+
+class Bundle {
+ public:
+  // The bundle of this program: share/quillpad-widgets in the folder above the one that the program
+  // lies in.
+  static const Bundle& main();
+
+  explicit Bundle(std::filesystem::path folder) : folder_(std::move(folder)) {}
+
+  // The text under the key in Localizable.strings of the best <language>.lproj for the locale, or
+  // the key itself.
+  std::string localizedString(std::string_view key, const std::string& locale) const;
+
+  // The file of a picture at a scale of 1 to 3 ("Graph@2x.png"), or nothing if there is no such
+  // file. A name with a slash names no picture.
+  std::optional<std::filesystem::path> picture(std::string_view name, int scale) const;
+
+ private:
+  std::filesystem::path folder_;
+};
+
+}  // namespace foundation

@@ -1,0 +1,31 @@
+// Reading and writing JSON. Functions of their arguments alone, callable from any thread.
+#pragma once
+
+#include <expected>
+#include <string>
+#include <string_view>
+
+#include "platform/foundation/Value.h"
+
+namespace foundation {
+
+enum class JsonFragments { refused, allowed };
+
+struct JsonError {
+  // What the phone shows a person; where in the text, and why, stands in `reason`.
+  std::string localizedDescription;
+  std::string reason;
+};
+
+// Parses one JSON document in UTF-8: strict syntax, at most 512 containers deep, of two members
+// with one key the first one kept. With fragments refused the top level must be an array or an
+// object.
+std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fragments);
+
+enum class JsonLayout { compact, pretty };
+
+// The value as JSON text. Fails for a value that JSON cannot hold (a date, bytes, a number that is
+// not finite, text that is not UTF-8).
+std::expected<std::string, JsonError> writeJson(const Value& value, JsonLayout layout);
+
+}  // namespace foundation

@@ -1,0 +1,19 @@
+// Reading numbers out of text, independent of the locale. Functions of their argument alone,
+// callable from any thread.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace foundation {
+
+// The number that the whole text is ("." as decimal point; exponents, hexadecimal, "inf" and "nan"
+// are numbers too; out of range gives infinity or zero), or nothing: no blanks, no separators.
+std::optional<double> doubleFromText(std::string_view text);
+
+// The whole number that the text begins with: leading white space skipped, an optional sign,
+// digits; 0 without digits, the nearest bound where it does not fit.
+std::int64_t integerValue(std::string_view text);
+
+}  // namespace foundation
