@@ -1,0 +1,29 @@
+// The extension's main operation: serves a bundle of widgets to the home screen that started this
+// process.
+#pragma once
+
+#include <concepts>
+#include <vector>
+
+#include "platform/widgets/StaticConfiguration.h"
+
+namespace widgets {
+
+// A stateless value whose `body()` lists the widgets' declarations in the order in which the home
+// screen lists them.
+template <class T>
+concept WidgetBundle = requires(const T& bundle) {
+  { bundle.body() } -> std::same_as<std::vector<WidgetConfiguration>>;
+};
+
+// Serves the widgets on the channel whose descriptor the environment names, until the home screen
+// closes it. Without a channel one line on standard error says how the program is started. Returns
+// the process's exit status.
+int serve(std::vector<WidgetConfiguration> widgets);
+
+template <WidgetBundle Bundle>
+int main(const Bundle& bundle) {
+  return serve(bundle.body());
+}
+
+}  // namespace widgets
