@@ -2,9 +2,10 @@
 // one inherited socketpair. Plain values and pure functions, callable from any thread.
 // docs/channel.md shows the lines.
 //
-//   home screen -> extension: a request with an id; each gets one reply, in any order, unless the
-//   extension ends extension -> home screen: replies, and a `transfer` notification at the end of
-//   each of its network transfers
+//   home screen -> extension: requests with an id; each gets one reply, in any order, unless the
+//     extension ends
+//   extension -> home screen: replies, and a `transfer` notification at the end of each of its
+//     network transfers
 #pragma once
 
 #include <cstddef>
@@ -100,12 +101,14 @@ inline constexpr int parseError = -32700;
 inline constexpr int invalidRequest = -32600;
 inline constexpr int methodNotFound = -32601;
 inline constexpr int invalidParams = -32602;
+inline constexpr int internalError = -32603;
 
 // "systemSmall" or "systemMedium".
 std::string_view familyName(ui::WidgetFamily family);
 std::optional<ui::WidgetFamily> familyFromName(std::string_view name);
 
-// One line each, without the line feed.
+// One line each, without the line feed. A reply that JSON cannot hold, or that would be longer than
+// a frame, becomes a refusal that says so.
 std::string encode(const NumberedRequest& request);
 std::string encode(const NumberedReply& reply);
 std::string encode(const TransferNotice& notice);

@@ -21,9 +21,12 @@ concept WidgetBundle = requires(const T& bundle) {
 // the process's exit status.
 int serve(std::vector<WidgetConfiguration> widgets);
 
+// Ends the process without waiting for transfers that are under way.
+[[noreturn]] void leave(int status);
+
 template <WidgetBundle Bundle>
 int main(const Bundle& bundle) {
-  return serve(bundle.body());
+  leave(serve(bundle.body()));
 }
 
 }  // namespace widgets

@@ -1,0 +1,29 @@
+// The extension's end of the channel. One thread reads; any thread may send, whole lines at a time.
+#pragma once
+
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "platform/channel/FileDescriptor.h"
+#include "platform/channel/LineReader.h"
+
+namespace widgets {
+
+class Connection {
+ public:
+  explicit Connection(channel::FileDescriptor socket);
+
+  // The next line, waited for; nothing once the home screen has closed the channel.
+  std::optional<channel::Line> receive();
+
+  // Sends the line. What the home screen no longer takes is lost.
+  void send(std::string line);
+
+ private:
+  channel::FileDescriptor socket_;
+  channel::LineReader lines_;
+  std::mutex sending_;
+};
+
+}  // namespace widgets

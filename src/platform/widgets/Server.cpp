@@ -1,0 +1,146 @@
+#include "platform/widgets/Server.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "platform/foundation/Activity.h"
+#include "platform/foundation/Bundle.h"
+#include "platform/foundation/Locale.h"
+#include "platform/foundation/URLSession.h"
+#include "platform/ui/ViewCodec.h"
+
+namespace widgets {
+namespace {
+
+using channel::Refused;
+using channel::Reply;
+
+// The answer of a request whose provider may let it go.
+template <class Answer, class Convert>
+Completion<Answer> replying(
+    std::shared_ptr<Connection> connection, std::uint64_t id, Convert convert) {
+  return Completion<Answer>(
+      [connection, id, convert](Answer answer) {
+        connection->send(channel::encode(channel::NumberedReply{id, convert(std::move(answer))}));
+      },
+      [connection, id] {
+        connection->send(channel::encode(channel::NumberedReply{id, channel::Dropped{}}));
+      });
+}
+
+std::string lookUp(const std::string& key, const std::string& locale) {
+  return foundation::Bundle::main().localizedString(key, locale);
+}
+
+}  // namespace
+
+Server::Server(std::vector<WidgetConfiguration> widgets, std::shared_ptr<Connection> connection)
+    : widgets_(std::move(widgets)), connection_(std::move(connection)) {}
+
+void Server::run() {
+  while (const auto line = connection_->receive()) {
+    if (line->tooLong) {
+      const Refused refused{channel::invalidRequest, "the line is longer than 8 MiB"};
+      connection_->send(channel::encode(channel::NumberedReply{std::nullopt, refused}));
+    } else {
+      answer(line->text);
+    }
+  }
+}
+
+void Server::answer(std::string_view line) {
+  const auto request = channel::decodeRequest(line);
+  if (!request) {
+    connection_->send(channel::encode(request.error()));
+    return;
+  }
+  const foundation::ActivityScope activity(request->id);
+  auto reply =
+      std::visit([&](const auto& one) { return handle(request->id, one); }, request->request);
+  if (reply) {
+    connection_->send(channel::encode(channel::NumberedReply{request->id, std::move(*reply)}));
+  }
+}
+
+std::optional<Reply> Server::handle(
+    std::uint64_t /*id*/, const channel::CatalogueRequest& /*request*/) {
+  const std::string locale = foundation::currentLocale();
+  channel::Catalogue catalogue;
+  for (const WidgetConfiguration& widget : widgets_) {
+    catalogue.items.push_back(
+        {widget.kind,
+         lookUp(widget.displayNameKey, locale),
+         lookUp(widget.descriptionKey, locale),
+         widget.families});
+  }
+  return catalogue;
+}
+
+std::optional<Reply> Server::handle(
+    std::uint64_t /*id*/, const channel::PlaceholderRequest& request) {
+  const WidgetConfiguration* widget = find(request.kind);
+  if (widget == nullptr) return unknownKind(request.kind);
+  return channel::Entry{widget->placeholder({})};
+}
+
+std::optional<Reply> Server::handle(std::uint64_t id, const channel::SnapshotRequest& request) {
+  const WidgetConfiguration* widget = find(request.kind);
+  if (widget == nullptr) return unknownKind(request.kind);
+  widget->snapshot({}, replying<foundation::Value>(connection_, id, [](foundation::Value entry) {
+                     return channel::Entry{std::move(entry)};
+                   }));
+  return std::nullopt;
+}
+
+std::optional<Reply> Server::handle(std::uint64_t id, const channel::TimelineRequest& request) {
+  const WidgetConfiguration* widget = find(request.kind);
+  if (widget == nullptr) return unknownKind(request.kind);
+  watchTransfers();
+  widget->timeline({}, replying<EncodedTimeline>(connection_, id, [](EncodedTimeline timeline) {
+                     return channel::Timeline{std::move(timeline.entries), timeline.reloadAfter};
+                   }));
+  return std::nullopt;
+}
+
+std::optional<Reply> Server::handle(std::uint64_t /*id*/, const channel::RenderRequest& request) {
+  const WidgetConfiguration* widget = find(request.kind);
+  if (widget == nullptr) return unknownKind(request.kind);
+  const ui::WidgetFamily family = request.family.value_or(widget->families.front());
+  if (std::ranges::find(widget->families, family) == widget->families.end()) {
+    return Refused{
+        channel::invalidParams,
+        request.kind + " is not offered as " + std::string(channel::familyName(family))};
+  }
+  const std::string locale = request.locale.empty() ? foundation::currentLocale() : request.locale;
+  return channel::Rendering{ui::localized(
+      widget->render({family}, request.entry),
+      [&](const std::string& key) { return lookUp(key, locale); })};
+}
+
+const WidgetConfiguration* Server::find(std::string_view kind) const {
+  const auto widget = std::ranges::find(widgets_, kind, &WidgetConfiguration::kind);
+  return widget == widgets_.end() ? nullptr : &*widget;
+}
+
+Refused Server::unknownKind(const std::string& kind) const {
+  std::string message = "there is no widget of kind \"" + kind + "\"; the kinds are";
+  for (const WidgetConfiguration& widget : widgets_) {
+    message += (&widget == &widgets_.front() ? " " : ", ") + widget.kind;
+  }
+  return {channel::invalidParams, std::move(message)};
+}
+
+// The session is made at the first timeline: nothing else needs the network, and making it takes
+// time.
+void Server::watchTransfers() {
+  if (std::exchange(watching_, true)) {
+    return;
+  }
+  foundation::URLSession::shared().watchTransfers(
+      [connection = connection_](const foundation::TransferReport& report) {
+        connection->send(channel::encode(channel::TransferNotice{report}));
+      });
+}
+
+}  // namespace widgets
