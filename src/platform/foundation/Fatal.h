@@ -14,6 +14,10 @@ namespace foundation {
 // The message must hold no secret.
 [[noreturn]] void fatal(std::string_view message);
 
+// Keeps this process from leaving a core file, which would hold the access token. For programs that
+// read the settings, at their start; `fatal` does it too.
+void forbidCoreFiles();
+
 // Ends the process with "<unit> line <line>: <what>", the caller's source unit and line.
 [[noreturn]] void fatalAt(const std::source_location& where, std::string_view what);
 

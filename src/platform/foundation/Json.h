@@ -22,6 +22,9 @@ struct JsonError {
 // object.
 std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fragments);
 
+// compact: without blanks, a slash as it is, a double in its shortest text that reads back as the
+// same value (a whole one reads back as a whole number). pretty: as the phone writes, two blanks
+// for each level, `"key" : value`, a slash escaped, a double with 17 digits.
 enum class JsonLayout { compact, pretty };
 
 // The value as JSON text. Fails for a value that JSON cannot hold (a date, bytes, a number that is

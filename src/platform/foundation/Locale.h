@@ -1,5 +1,6 @@
-// The locale of this process, from LC_ALL, LC_NUMERIC or LC_TIME and LANG, as the standard tools
-// read them.
+// The locale of this process, from LC_ALL, the category's own variable (LC_NUMERIC, ...) and LANG,
+// as the standard tools read them; read anew at each call. From any thread, as long as none sets
+// the environment.
 #pragma once
 
 #include <string>
@@ -7,12 +8,14 @@
 
 namespace foundation {
 
-// The identifier of the current locale, for example "en_US", "de_DE" or "zh_Hans_CN"; "en_US_POSIX"
-// for C and POSIX.
-std::string currentLocale();
+enum class LocaleCategory { messages, numbers, dates };
+
+// The identifier of the current locale, for example "en_US", "de" or "sr_Latn_RS"; "en_US_POSIX"
+// for C and POSIX, where nothing is set and where what is set names no locale.
+std::string currentLocale(LocaleCategory category = LocaleCategory::messages);
 
 // The languages to look resources up in for a locale identifier, best first: "zh-Hans" and "zh" for
-// "zh_CN".
+// "zh_CN", "de" for "de_DE".
 std::vector<std::string> languagesOf(const std::string& locale);
 
 }  // namespace foundation

@@ -1,8 +1,45 @@
 #include "platform/foundation/Value.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <type_traits>
 
 namespace foundation {
+namespace {
+
+std::string textOf(double value) {
+  if (std::isnan(value)) return "nan";
+  if (std::isinf(value)) return value < 0 ? "-inf" : "inf";
+  char buffer[32];
+  const auto written =
+      std::to_chars(std::begin(buffer), std::end(buffer), value, std::chars_format::scientific);
+  const std::string_view scientific(buffer, written.ptr);
+  const int exponent = std::atoi(std::string(scientific.substr(scientific.find('e') + 1)).c_str());
+  if (exponent < -4 || exponent >= 16) return std::string(scientific);
+  const auto plain =
+      std::to_chars(std::begin(buffer), std::end(buffer), value, std::chars_format::fixed);
+  return {buffer, plain.ptr};
+}
+
+}  // namespace
+
+double Number::doubleValue() const {
+  return std::visit([](auto value) { return static_cast<double>(value); }, storage_);
+}
+
+std::string Number::stringValue() const {
+  return std::visit(
+      [](auto value) {
+        if constexpr (std::is_same_v<decltype(value), double>) {
+          return textOf(value);
+        } else {
+          return std::to_string(value);
+        }
+      },
+      storage_);
+}
 
 Dictionary::Dictionary() = default;
 Dictionary::Dictionary(const Dictionary&) = default;
@@ -17,6 +54,33 @@ Dictionary::Dictionary(std::initializer_list<Member> members) {
   }
 }
 
+Dictionary Dictionary::ofMembers(std::vector<Member> members) {
+  std::vector<const Member*> byKey;
+  byKey.reserve(members.size());
+  for (const Member& member : members) {
+    byKey.push_back(&member);
+  }
+  const auto keyOf = [](const Member* member) -> const std::string& { return member->key; };
+  std::ranges::stable_sort(byKey, {}, keyOf);
+  std::vector<bool> repeated(members.size(), false);
+  bool anyRepeated = false;
+  for (std::size_t i = 1; i < byKey.size(); ++i) {
+    if (byKey[i]->key == byKey[i - 1]->key) {
+      repeated[static_cast<std::size_t>(byKey[i] - members.data())] = true;
+      anyRepeated = true;
+    }
+  }
+  Dictionary dictionary;
+  if (!anyRepeated) {
+    dictionary.members_ = std::move(members);
+    return dictionary;
+  }
+  for (std::size_t i = 0; i < members.size(); ++i) {
+    if (!repeated[i]) dictionary.members_.push_back(std::move(members[i]));
+  }
+  return dictionary;
+}
+
 const Value* Dictionary::find(std::string_view key) const {
   const auto member = std::ranges::find(members_, key, &Member::key);
   return member == members_.end() ? nullptr : &member->value;
@@ -29,6 +93,10 @@ void Dictionary::set(std::string key, Value value) {
   } else {
     member->value = std::move(value);
   }
+}
+
+void Dictionary::remove(std::string_view key) {
+  std::erase_if(members_, [&](const Member& member) { return member.key == key; });
 }
 
 std::size_t Dictionary::size() const { return members_.size(); }

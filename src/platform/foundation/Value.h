@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -72,11 +73,18 @@ class Dictionary {
   Dictionary& operator=(Dictionary&&) noexcept;
   ~Dictionary();
 
-  // The value under the key, or nullptr.
+  // The members in their order, of several with one key the first; fit for any number of them.
+  static Dictionary ofMembers(std::vector<Member> members);
+
+  // The value under the key, or nullptr. Takes time in proportion to the number of members, as the
+  // objects of this system have few.
   const Value* find(std::string_view key) const;
 
   // Sets the key's value, in place where the key stands already.
   void set(std::string key, Value value);
+
+  // Takes the key and its value away, if they are there.
+  void remove(std::string_view key);
 
   std::size_t size() const;
   bool empty() const;

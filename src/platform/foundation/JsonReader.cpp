@@ -1,0 +1,130 @@
+#include <algorithm>
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <utility>
+#include <vector>
+
+#include "platform/foundation/Json.h"
+
+namespace foundation {
+namespace {
+
+constexpr std::size_t kDeepestNesting = 512;
+constexpr const char* kUnreadable =
+    "The data couldn’t be read because it isn’t in the correct format.";
+
+// Builds a Value from the parser's events: the containers that are open, innermost last, and the
+// document once it is whole.
+class ValueBuilder {
+ public:
+  using number_integer_t = nlohmann::json::number_integer_t;
+  using number_unsigned_t = nlohmann::json::number_unsigned_t;
+  using number_float_t = nlohmann::json::number_float_t;
+  using string_t = nlohmann::json::string_t;
+  using binary_t = nlohmann::json::binary_t;
+
+  bool null() { return put(Null()); }
+  bool boolean(bool value) { return put(value); }
+  bool number_integer(number_integer_t value) { return put(std::int64_t{value}); }
+  bool number_unsigned(number_unsigned_t value) {
+    if (std::in_range<std::int64_t>(value)) return put(static_cast<std::int64_t>(value));
+    return put(std::uint64_t{value});
+  }
+  bool number_float(number_float_t value, const string_t&) { return put(value); }
+  bool string(string_t& value) { return put(std::move(value)); }
+  bool binary(binary_t&) { return false; }  // JSON text has none
+
+  bool start_object(std::size_t) { return open(true); }
+  bool key(string_t& value) {
+    open_.back().key = std::move(value);
+    return true;
+  }
+  bool end_object() {
+    Container object = close();
+    return put(Dictionary::ofMembers(std::move(object.members)));
+  }
+  bool start_array(std::size_t) { return open(false); }
+  bool end_array() {
+    Container array = close();
+    return put(std::move(array.elements));
+  }
+  bool parse_error(std::size_t position, const std::string&, const nlohmann::json::exception&) {
+    errorPosition_ = position;
+    return false;
+  }
+
+  Value takeDocument() { return std::move(document_); }
+  std::size_t errorPosition() const { return errorPosition_; }
+  bool tooDeep() const { return tooDeep_; }
+
+ private:
+  struct Container {
+    bool isObject;
+    std::string key;
+    std::vector<Dictionary::Member> members;
+    Array elements;
+  };
+
+  bool open(bool isObject) {
+    tooDeep_ = open_.size() == kDeepestNesting;
+    if (tooDeep_) return false;
+    open_.push_back({isObject, {}, {}, {}});
+    return true;
+  }
+
+  Container close() {
+    Container closed = std::move(open_.back());
+    open_.pop_back();
+    return closed;
+  }
+
+  bool put(Value value) {
+    if (open_.empty()) {
+      document_ = std::move(value);
+    } else if (open_.back().isObject) {
+      open_.back().members.push_back({std::move(open_.back().key), std::move(value)});
+    } else {
+      open_.back().elements.push_back(std::move(value));
+    }
+    return true;
+  }
+
+  std::vector<Container> open_;
+  Value document_;
+  std::size_t errorPosition_ = 0;
+  bool tooDeep_ = false;
+};
+
+// Without any of the text itself, which may be private.
+std::string reasonAt(std::string_view text, std::size_t position) {
+  const std::string_view before = text.substr(0, position);
+  const auto line = 1 + std::ranges::count(before, '\n');
+  const std::size_t column = before.size() - (before.rfind('\n') + 1);
+  return "no JSON from line " + std::to_string(line) + ", column " + std::to_string(column) + " on";
+}
+
+std::unexpected<JsonError> refused(std::string reason) {
+  return std::unexpected(JsonError{kUnreadable, std::move(reason)});
+}
+
+}  // namespace
+
+std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fragments) {
+  // The parser takes a zero byte for the end of the text.
+  const std::size_t zero = text.find('\0');
+  if (zero != std::string_view::npos) return refused(reasonAt(text, zero + 1));
+
+  ValueBuilder builder;
+  if (!nlohmann::json::sax_parse(text.begin(), text.end(), &builder)) {
+    if (builder.tooDeep()) return refused("more than 512 arrays and objects within each other");
+    return refused(reasonAt(text, builder.errorPosition()));
+  }
+  Value document = builder.takeDocument();
+  const bool isContainer = document.as<Array>() != nullptr || document.as<Dictionary>() != nullptr;
+  if (!isContainer && fragments == JsonFragments::refused) {
+    return refused("the outermost value is neither an array nor an object");
+  }
+  return document;
+}
+
+}  // namespace foundation

@@ -1,0 +1,46 @@
+#include "platform/foundation/NumberText.h"
+
+#include <clocale>
+#include <cstdlib>
+#include <limits>
+#include <string>
+
+namespace foundation {
+namespace {
+
+bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+}  // namespace
+
+std::optional<double> doubleFromText(std::string_view text) {
+  static const locale_t kPlainLocale = newlocale(LC_ALL_MASK, "C", nullptr);
+  if (text.empty() || isBlank(text.front())) return std::nullopt;
+  const std::string terminated(text);
+  char* end = nullptr;
+  const double value = strtod_l(terminated.c_str(), &end, kPlainLocale);
+  if (end != terminated.c_str() + terminated.size()) return std::nullopt;
+  return value;
+}
+
+std::int64_t integerValue(std::string_view text) {
+  using Limits = std::numeric_limits<std::int64_t>;
+  while (!text.empty() && isBlank(text.front())) {
+    text.remove_prefix(1);
+  }
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+
+  std::int64_t value = 0;
+  while (!text.empty() && isDigit(text.front())) {
+    const int digit = text.front() - '0';
+    if (__builtin_mul_overflow(value, 10, &value) ||
+        __builtin_add_overflow(value, negative ? -digit : digit, &value)) {
+      return negative ? Limits::min() : Limits::max();
+    }
+    text.remove_prefix(1);
+  }
+  return value;
+}
+
+}  // namespace foundation

@@ -1,0 +1,236 @@
+#include "platform/foundation/PropertyList.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <pugixml.hpp>
+
+#include "platform/foundation/Base64.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/NumberText.h"
+#include "platform/foundation/Utf8.h"
+
+namespace foundation {
+namespace {
+
+constexpr int kDeepestNesting = 512;
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const std::size_t start = text.find_first_not_of(kBlanks);
+  if (start == std::string_view::npos) return {};
+  return text.substr(start, text.find_last_not_of(kBlanks) - start + 1);
+}
+
+bool isText(const pugi::xml_node& node) {
+  return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+}
+
+// The text of an element that holds nothing else.
+std::optional<std::string> textOf(const pugi::xml_node& element) {
+  std::string text;
+  for (const pugi::xml_node& child : element.children()) {
+    if (!isText(child)) return std::nullopt;
+    text += child.value();
+  }
+  if (!isUtf8(text)) return std::nullopt;
+  return text;
+}
+
+template <class Integer>
+std::optional<Integer> integerOf(std::string_view digits, int base) {
+  Integer value{};
+  const auto [end, error] =
+      std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+  if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+  return value;
+}
+
+std::optional<Value> numberOf(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
+  const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
+  if (hexadecimal) text.remove_prefix(2);
+  const int base = hexadecimal ? 16 : 10;
+  if (const auto value = integerOf<std::int64_t>(text, base)) return Value(*value);
+  if (const auto value = integerOf<std::uint64_t>(text, base)) return Value(*value);
+  return std::nullopt;
+}
+
+// Property lists write whole seconds: "2026-03-07T09:05:03Z".
+std::optional<Value> dateOf(std::string_view text) {
+  if (!text.ends_with('Z')) return std::nullopt;
+  text.remove_suffix(1);
+  const std::optional<Date> date = dateFromIso8601(std::string(text) + ".000Z");
+  if (!date) return std::nullopt;
+  return Value(*date);
+}
+
+std::optional<Value> scalarOf(std::string_view kind, const std::string& text) {
+  if (kind == "string") return Value(text);
+  if (kind == "true") return Value(true);
+  if (kind == "false") return Value(false);
+  if (kind == "integer") return numberOf(trimmed(text));
+  if (kind == "date") return dateOf(trimmed(text));
+  if (kind == "real") {
+    const std::optional<double> value = doubleFromText(trimmed(text));
+    return value ? std::optional(Value(*value)) : std::nullopt;
+  }
+  if (kind == "data") {
+    std::optional<std::string> bytes = bytesFromBase64(text);
+    return bytes ? std::optional(Value(Data{std::move(*bytes)})) : std::nullopt;
+  }
+  return std::nullopt;
+}
+
+std::optional<Value> valueOf(const pugi::xml_node& element, int depth);
+
+std::optional<Value> arrayOf(const pugi::xml_node& element, int depth) {
+  Array array;
+  for (const pugi::xml_node& child : element.children()) {
+    if (isText(child)) continue;
+    std::optional<Value> value = valueOf(child, depth);
+    if (!value) return std::nullopt;
+    array.push_back(std::move(*value));
+  }
+  return Value(std::move(array));
+}
+
+std::optional<Value> dictionaryOf(const pugi::xml_node& element, int depth) {
+  std::vector<Dictionary::Member> members;
+  std::optional<std::string> key;
+  for (const pugi::xml_node& child : element.children()) {
+    if (isText(child)) continue;
+    const bool isKey = std::string_view(child.name()) == "key";
+    if (isKey == key.has_value()) return std::nullopt;
+    if (isKey) {
+      key = textOf(child);
+      if (!key) return std::nullopt;
+      continue;
+    }
+    std::optional<Value> value = valueOf(child, depth);
+    if (!value) return std::nullopt;
+    members.push_back({std::move(*key), std::move(*value)});
+    key.reset();
+  }
+  if (key) return std::nullopt;
+  return Value(Dictionary::ofMembers(std::move(members)));
+}
+
+std::optional<Value> valueOf(const pugi::xml_node& element, int depth) {
+  const std::string_view kind = element.name();
+  if (kind == "dict" || kind == "array") {
+    if (depth == kDeepestNesting) return std::nullopt;
+    return kind == "dict" ? dictionaryOf(element, depth + 1) : arrayOf(element, depth + 1);
+  }
+  const std::optional<std::string> text = textOf(element);
+  if (!text) return std::nullopt;
+  return scalarOf(kind, *text);
+}
+
+class PropertyListWriter {
+ public:
+  void write(pugi::xml_node parent, const Value& value) {
+    std::visit([&](const auto& content) { writeContent(parent, content); }, value.storage());
+  }
+
+  // Why the value is no property list; empty where it is one.
+  const std::string& fault() const { return fault_; }
+
+ private:
+  void writeText(pugi::xml_node parent, const char* kind, const std::string& text) {
+    if (!isUtf8(text)) fault_ = "it holds text that is not UTF-8";
+    for (const char c : text) {
+      const bool isControl = static_cast<unsigned char>(c) < 0x20;
+      if (isControl && c != '\t' && c != '\n' && c != '\r') {
+        fault_ = "it holds a control character, which a settings file cannot keep";
+      }
+    }
+    if (text.contains("\xEF\xBF\xBE") || text.contains("\xEF\xBF\xBF")) {
+      fault_ = "it holds a character that a settings file cannot keep";
+    }
+    parent.append_child(kind).text().set(text.c_str());
+  }
+
+  void writeContent(pugi::xml_node, Null) {
+    fault_ = "it holds a null, which a settings file cannot keep";
+  }
+
+  void writeContent(pugi::xml_node parent, const Number& number) {
+    if (const bool* truth = std::get_if<bool>(&number.storage())) {
+      parent.append_child(*truth ? "true" : "false");
+    } else if (std::holds_alternative<double>(number.storage())) {
+      writeText(parent, "real", number.stringValue());
+    } else {
+      writeText(parent, "integer", number.stringValue());
+    }
+  }
+
+  void writeContent(pugi::xml_node parent, const std::string& text) {
+    writeText(parent, "string", text);
+  }
+
+  void writeContent(pugi::xml_node parent, Date date) {
+    const std::string text = iso8601(date);
+    writeText(parent, "date", text.substr(0, text.find('.')) + "Z");
+  }
+
+  void writeContent(pugi::xml_node parent, const Data& data) {
+    writeText(parent, "data", base64(data.bytes));
+  }
+
+  void writeContent(pugi::xml_node parent, const Array& array) {
+    const pugi::xml_node node = parent.append_child("array");
+    for (const Value& element : array) {
+      write(node, element);
+    }
+  }
+
+  void writeContent(pugi::xml_node parent, const Dictionary& dictionary) {
+    const pugi::xml_node node = parent.append_child("dict");
+    for (const Dictionary::Member& member : dictionary) {
+      writeText(node, "key", member.key);
+      write(node, member.value);
+    }
+  }
+
+  std::string fault_;
+};
+
+struct StringSink : pugi::xml_writer {
+  std::string text;
+  void write(const void* data, std::size_t size) override {
+    text.append(static_cast<const char*>(data), size);
+  }
+};
+
+}  // namespace
+
+std::optional<Value> readPropertyList(std::string_view text) {
+  pugi::xml_document document;
+  // Without the flag a text of blanks alone would be lost.
+  constexpr unsigned kFlags = pugi::parse_default | pugi::parse_ws_pcdata_single;
+  if (!document.load_buffer(text.data(), text.size(), kFlags)) return std::nullopt;
+  const pugi::xml_node root = document.document_element();
+  if (std::string_view(root.name()) != "plist") return std::nullopt;
+  const std::optional<Value> contents = arrayOf(root, 0);
+  if (!contents || contents->as<Array>()->size() != 1) return std::nullopt;
+  return contents->as<Array>()->front();
+}
+
+std::expected<std::string, std::string> writePropertyList(const Value& value) {
+  pugi::xml_document document;
+  pugi::xml_node declaration = document.append_child(pugi::node_declaration);
+  declaration.append_attribute("version") = "1.0";
+  declaration.append_attribute("encoding") = "UTF-8";
+  pugi::xml_node root = document.append_child("plist");
+  root.append_attribute("version") = "1.0";
+
+  PropertyListWriter writer;
+  writer.write(root, value);
+  if (!writer.fault().empty()) return std::unexpected(writer.fault());
+  StringSink sink;
+  document.save(sink, "\t", pugi::format_default, pugi::encoding_utf8);
+  return std::move(sink.text);
+}
+
+}  // namespace foundation

@@ -1,0 +1,15 @@
+// UTF-8 at the edges of the system. Functions of their arguments alone, callable from any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace foundation {
+
+// Whether the bytes are UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
+bool isUtf8(std::string_view bytes);
+
+// Appends the character, which must be a Unicode scalar value.
+void appendUtf8(std::string& text, char32_t character);
+
+}  // namespace foundation
