@@ -1,0 +1,98 @@
+#include "gateway/GatewayRequest.h"
+
+#include <cstdio>
+
+#include "gateway/GatewayOrigin.h"
+#include "gateway/SharedSettings.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/DateFormatter.h"
+#include "platform/foundation/Fatal.h"
+#include "platform/foundation/Json.h"
+#include "platform/foundation/URL.h"
+#include "platform/foundation/URLRequest.h"
+
+namespace quillpad {
+namespace {
+
+constexpr std::string_view businessIdKey = "businessId";
+constexpr std::string_view tokenKey = "token";
+
+// Flushed at once: whoever reads along learns it before the request's end is known.
+void printLine(const std::string& line) {
+  std::puts(line.c_str());
+  std::fflush(stdout);
+}
+
+std::string serialized(const foundation::Dictionary& body) {
+  auto text = foundation::writeJson(body, foundation::JsonLayout::pretty);
+  if (!text) {
+    printLine(text.error().localizedDescription);
+    return {};
+  }
+  return *std::move(text);
+}
+
+}  // namespace
+
+std::optional<std::string> checkedBusinessId() {
+  std::string businessId = foundation::forced(
+      readSharedString(businessIdKey), "the text \"businessId\" in the shared settings");
+  if (businessId.empty()) {
+    printLine("没有获取到businessID");
+    return std::nullopt;
+  }
+  const std::string token =
+      foundation::forced(readSharedString(tokenKey), "the text \"token\" in the shared settings");
+  if (token.empty()) {
+    printLine("没有token");
+    return std::nullopt;
+  }
+  return businessId;
+}
+
+std::string currentTimeString() {
+  foundation::DateFormatter formatter;
+  formatter.setDateFormat("yyyy-MM-dd HH:mm:ss");
+  return formatter.string(foundation::currentDate());
+}
+
+foundation::Dictionary dictionaryFromJSONString(std::string_view text, std::source_location where) {
+  const auto document = foundation::readJson(text, foundation::JsonFragments::allowed);
+  if (!document) {
+    return {};
+  }
+  return foundation::forcedAs<foundation::Dictionary>(
+      *document, "the document inside the answer's \"data\"", where);
+}
+
+void postToGateway(
+    std::string_view path,
+    const foundation::Dictionary& body,
+    FetchCallback<std::string> callback) {
+  std::string bodyText = serialized(body);
+  const auto url = foundation::URL::parse(std::string(gatewayOrigin()).append(path));
+  foundation::URLRequest request(foundation::forced(url, "the URL of the gateway's operation"));
+  request.setValue(std::to_string(bodyText.size()), "content-length");
+  request.setValue("application/json", "Content-type");
+  // Read again, not kept from the check: the host application may have renewed it.
+  request.setValue(readSharedString(tokenKey), "Authorization");
+  request.httpMethod = "POST";
+  request.httpBody = std::move(bodyText);
+
+  foundation::URLSession::shared()
+      .dataTask(
+          std::move(request),
+          [callback = std::move(callback)](
+              std::optional<std::string> data,
+              const std::optional<foundation::URLResponse>&,
+              std::optional<foundation::TransportError> error) mutable {
+            if (error) {
+              callback(std::unexpected(*std::move(error)));
+              return;
+            }
+            callback(foundation::forced(std::move(data), "the answer's data"));
+          })
+      .resume();
+}
+
+}  // namespace quillpad

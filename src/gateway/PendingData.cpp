@@ -1,0 +1,12 @@
+#include "gateway/PendingData.h"
+
+#include "gateway/DocumentList.h"
+
+namespace quillpad {
+
+void getPendingData(FetchCallback<foundation::Array> callback) {
+  const ListSource source{"PendingData line 83", std::source_location::current()};
+  getRecords({"estimateStatus", "0", "2"}, source, std::move(callback));
+}
+
+}  // namespace quillpad

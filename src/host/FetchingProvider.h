@@ -1,0 +1,50 @@
+// What all providers have in common: one entry per timeline, freshly fetched, and the next one five
+// minutes later. A stateless value; completions of a timeline are called on the thread of the URL
+// session.
+#pragma once
+
+#include <optional>
+#include <utility>
+
+#include "platform/foundation/Calendar.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/Fatal.h"
+#include "platform/widgets/TimelineProvider.h"
+
+namespace quillpad {
+
+// `fetch` starts a request with a FetchCallback; `fallback()` is what its result would be, shown
+// before anything is fetched and where the transport failed. The entry's record is made of either.
+template <class EntryType, auto fetch, auto fallback>
+struct FetchingProvider {
+  using Entry = EntryType;
+  using Context = widgets::TimelineProviderContext;
+
+  Entry placeholder(const Context&) const { return entry(foundation::currentDate(), fallback()); }
+
+  void getSnapshot(const Context& context, widgets::Completion<Entry> completion) const {
+    completion(placeholder(context));
+  }
+
+  void getTimeline(const Context&, widgets::Completion<widgets::Timeline<Entry>> completion) const {
+    const foundation::Date now = foundation::currentDate();
+    const auto nextUpdate = foundation::Calendar::current().dateByAdding(
+        foundation::CalendarComponent::minute, minutesToNextUpdate, now);
+    fetch([now, nextUpdate, completion = std::move(completion)](auto result) mutable {
+      const Entry fetched = entry(now, result ? *std::move(result) : fallback());
+      const auto policy = widgets::TimelineReloadPolicy::after(
+          foundation::forced(nextUpdate, "the time of the next update"));
+      completion({.entries = {fetched}, .policy = policy});
+    });
+  }
+
+ private:
+  static constexpr int minutesToNextUpdate = 5;
+
+  template <class Fetched>
+  static Entry entry(foundation::Date date, Fetched fetched) {
+    return {date, {std::move(fetched)}};
+  }
+};
+
+}  // namespace quillpad

@@ -1,0 +1,13 @@
+// The timeline of PendingMediumWidget. A stateless value.
+#pragma once
+
+#include "gateway/PendingData.h"
+#include "host/FetchingProvider.h"
+#include "host/PendingMediumEntry.h"
+#include "host/SampleRows.h"
+
+namespace quillpad {
+
+struct PendingMediumProvider : FetchingProvider<PendingMediumEntry, getPendingData, sampleRows> {};
+
+}  // namespace quillpad

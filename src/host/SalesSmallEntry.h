@@ -1,0 +1,14 @@
+// What the widget SalesSmallWidget shows from a moment on. A plain value.
+#pragma once
+
+#include "gateway/Sales.h"
+#include "platform/foundation/Value.h"
+
+namespace quillpad {
+
+struct SalesSmallEntry {
+  foundation::Date date;
+  Sales data;
+};
+
+}  // namespace quillpad

@@ -1,0 +1,13 @@
+// The timeline of SalesSmallWidget. A stateless value.
+#pragma once
+
+#include "gateway/SalesData.h"
+#include "host/FetchingProvider.h"
+#include "host/SalesSmallEntry.h"
+#include "host/ZeroSummary.h"
+
+namespace quillpad {
+
+struct SalesSmallProvider : FetchingProvider<SalesSmallEntry, getSalesData, zeroSummary> {};
+
+}  // namespace quillpad

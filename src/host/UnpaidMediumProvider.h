@@ -1,0 +1,13 @@
+// The timeline of UnpaidMediumWidget. A stateless value.
+#pragma once
+
+#include "gateway/UnpaidData.h"
+#include "host/FetchingProvider.h"
+#include "host/SampleRows.h"
+#include "host/UnpaidMediumEntry.h"
+
+namespace quillpad {
+
+struct UnpaidMediumProvider : FetchingProvider<UnpaidMediumEntry, getUnpaidData, sampleRows> {};
+
+}  // namespace quillpad

@@ -1,0 +1,13 @@
+// The timeline of UnpaidSmallWidget. A stateless value.
+#pragma once
+
+#include "gateway/SalesData.h"
+#include "host/FetchingProvider.h"
+#include "host/UnpaidSmallEntry.h"
+#include "host/ZeroSummary.h"
+
+namespace quillpad {
+
+struct UnpaidSmallProvider : FetchingProvider<UnpaidSmallEntry, getSalesData, zeroSummary> {};
+
+}  // namespace quillpad

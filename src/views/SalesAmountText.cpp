@@ -1,0 +1,25 @@
+#include "views/SalesAmountText.h"
+
+#include <optional>
+
+#include "platform/foundation/Fatal.h"
+#include "platform/foundation/NumberText.h"
+#include "support/CurrencySymbol.h"
+#include "support/FormattedTotal.h"
+
+namespace quillpad {
+
+std::string salesAmountText(const std::string& salesMonth) {
+  const std::optional<double> amount = foundation::doubleFromText(salesMonth);
+  // Before the amount is forced: a broken currency is reported first.
+  const std::string symbol = currencySymbol();
+  std::string text =
+      symbol + formattedAmount(foundation::forced(amount, "a number in \"salesMonth\""));
+  // Not "at least 9999.99": a not-a-number is capped, too.
+  if (!(*amount < 9999.99)) {
+    text = ">" + currencySymbol() + "9,999.99";
+  }
+  return text;
+}
+
+}  // namespace quillpad
