@@ -11,6 +11,7 @@ struct Point {
 struct Size {
   double width = 0;
   double height = 0;
+  friend bool operator==(const Size&, const Size&) = default;
 };
 
 struct Rect {
