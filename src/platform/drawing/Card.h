@@ -13,13 +13,13 @@
 namespace drawing {
 
 struct CardRequest {
-  std::string kind;
+  std::string kind{};
   std::string family = "systemSmall";
   Size size{158, 158};
   ui::Appearance appearance = ui::Appearance::unspecified;
   int scale = 2;             // device pixels per point
   bool rightToLeft = false;  // whether the card is mirrored, as right-to-left languages have it
-  std::string language;      // for example "en" or "zh-Hans"
+  std::string language{};    // for example "en" or "zh-Hans"
 };
 
 // The natural size of a named picture, in points; of none for a missing one.

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/drawing/Utf8.h"
+#include "platform/foundation/Utf8.h"
 
 namespace drawing {
 namespace {
@@ -70,7 +71,7 @@ ShapedText::Piece ShapedText::readPiece() {
     if (isControl(character)) {
       continue;
     }
-    append(text_, character);
+    foundation::appendUtf8(text_, character);
     piece.isSimple = piece.isSimple && isSimple(character);
     hasLetter = hasLetter || isLatinLetter(character);
     if (length >= longestPiece || (length >= pieceLength && character == U' ')) {

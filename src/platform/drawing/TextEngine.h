@@ -20,7 +20,7 @@ namespace drawing {
 
 // What the place where a text stands adds to it.
 struct TextPlace {
-  std::string language;      // for example "en" or "zh-Hans"
+  std::string language{};    // for example "en" or "zh-Hans"
   bool rightToLeft = false;  // the direction of texts that have none of their own
   double scale = 2;          // device pixels per point
 };

@@ -60,23 +60,4 @@ char32_t nextCharacter(std::string_view text, std::size_t& at) {
   return character;
 }
 
-void append(std::string& text, char32_t character) {
-  const auto byte = [&](char32_t bits) { text.push_back(static_cast<char>(bits)); };
-  if (character < 0x80) {
-    byte(character);
-  } else if (character < 0x800) {
-    byte(0xC0U | (character >> 6U));
-    byte(0x80U | (character & 0x3FU));
-  } else if (character < 0x10000) {
-    byte(0xE0U | (character >> 12U));
-    byte(0x80U | ((character >> 6U) & 0x3FU));
-    byte(0x80U | (character & 0x3FU));
-  } else {
-    byte(0xF0U | (character >> 18U));
-    byte(0x80U | ((character >> 12U) & 0x3FU));
-    byte(0x80U | ((character >> 6U) & 0x3FU));
-    byte(0x80U | (character & 0x3FU));
-  }
-}
-
 }  // namespace drawing
