@@ -6,11 +6,15 @@
 #include <fcntl.h>
 #include <iterator>
 #include <spawn.h>
-#include <sys/pidfd.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
+
+// This header of glibc 2.36 forgets to say that it is C.
+extern "C" {
+#include <sys/pidfd.h>
+}
 
 namespace home {
 namespace {

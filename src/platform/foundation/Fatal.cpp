@@ -4,17 +4,15 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 namespace foundation {
 
 void forbidCoreFiles() {
-  constexpr rlimit kNone{.rlim_cur = 0, .rlim_max = 0};
-  setrlimit(RLIMIT_CORE, &kNone);
-  // The limit does not hold where the system hands cores to a program instead of writing files.
-  prctl(PR_SET_DUMPABLE, 0);
+  // One byte, unlike zero, also holds where the system hands cores to a program.
+  constexpr rlimit kOneByte{.rlim_cur = 1, .rlim_max = 1};
+  setrlimit(RLIMIT_CORE, &kOneByte);
 }
 
 void fatal(std::string_view message) {

@@ -9,13 +9,13 @@
 #include <optional>
 #include <string_view>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <utility>
 
 #include "platform/channel/FileDescriptor.h"
 #include "platform/channel/Messages.h"
+#include "platform/foundation/Fatal.h"
 #include "platform/widgets/Server.h"
 
 namespace widgets {
@@ -42,13 +42,6 @@ std::optional<channel::FileDescriptor> inheritedChannel() {
   return channel::FileDescriptor(number);
 }
 
-// A core file could hold the access token. A limit of one byte, unlike zero, also keeps the kernel
-// from handing the core to a program.
-void forbidCoreFiles() {
-  const rlimit limit{1, 1};
-  ::setrlimit(RLIMIT_CORE, &limit);
-}
-
 }  // namespace
 
 int serve(std::vector<WidgetConfiguration> widgets) {
@@ -60,7 +53,7 @@ int serve(std::vector<WidgetConfiguration> widgets) {
         stderr);
     return wrongUsage;
   }
-  forbidCoreFiles();
+  foundation::forbidCoreFiles();  // the access token may be in memory
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   std::signal(SIGPIPE, SIG_IGN);
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);

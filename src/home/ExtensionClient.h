@@ -1,0 +1,57 @@
+// Asks an extension and waits for its answer, for commands that ask and leave. What the extension
+// prints meanwhile goes to standard error. Belongs to one thread.
+#pragma once
+
+#include <chrono>
+#include <expected>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "home/ExtensionProcess.h"
+#include "home/Failure.h"
+#include "platform/channel/Messages.h"
+#include "platform/foundation/URLSession.h"
+
+namespace home {
+
+class ExtensionClient {
+ public:
+  static std::expected<ExtensionClient, Failure> start(const std::filesystem::path& program);
+
+  // How long an answer may take: 30 s, and 90 s for a timeline, which is longer than the extension
+  // itself waits for the network.
+  static std::chrono::seconds deadline(const channel::Request& request);
+
+  // The answer to the request, of the type expected.
+  template <class Answer>
+  std::expected<Answer, Failure> ask(const channel::Request& request) {
+    auto reply = answerTo(request);
+    if (!reply) return std::unexpected(std::move(reply.error()));
+    if (auto* answer = std::get_if<Answer>(&*reply)) return std::move(*answer);
+    return failure(ExitStatus::notPossible, "the extension answered something else than was asked");
+  }
+
+  // How the network transfers ended that the extension has told of so far.
+  const std::vector<foundation::TransferReport>& transfers() const { return transfers_; }
+
+ private:
+  explicit ExtensionClient(ExtensionProcess process) : process_(std::move(process)) {}
+  std::expected<channel::Reply, Failure> answerTo(const channel::Request& request);
+  // What the event means for the request that is waited for; nothing: wait on.
+  std::optional<std::expected<channel::Reply, Failure>> consider(
+      std::uint64_t id, ExtensionEvent& event);
+  std::expected<channel::Reply, Failure> ended(const ExtensionEnd& end);
+  void relayHeldLine();
+
+  ExtensionProcess process_;
+  std::vector<foundation::TransferReport> transfers_;
+  // The latest line of the extension's standard error, held back because it may turn out to be its
+  // last words.
+  std::optional<std::string> heldLine_;
+};
+
+}  // namespace home

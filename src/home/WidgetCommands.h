@@ -1,0 +1,24 @@
+// The commands that ask the extension and print its answer: list, placeholder, snapshot, timeline,
+// tap.
+#pragma once
+
+#include <string>
+
+#include "home/ExtensionClient.h"
+#include "home/Failure.h"
+
+namespace home {
+
+enum class OutputForm { text, json };
+enum class EntryState { placeholder, snapshot, timeline };
+
+Done list(ExtensionClient& extension, OutputForm form);
+
+Done show(ExtensionClient& extension, EntryState state, const std::string& kind, OutputForm form);
+
+enum class TapAction { open, print };
+
+// Opens the deep link of the widget's snapshot with the desktop's handler, or prints it.
+Done tap(ExtensionClient& extension, const std::string& kind, TapAction action);
+
+}  // namespace home
