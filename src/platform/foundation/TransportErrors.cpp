@@ -86,8 +86,6 @@ TransportErrorCode transportErrorCode(CURLcode result, CURL* handle) {
       return badURL;
     case CURLE_OPERATION_TIMEDOUT:
       return timedOut;
-    case CURLE_UNSUPPORTED_PROTOCOL:
-      return unsupportedURL;
     case CURLE_COULDNT_RESOLVE_HOST:
       return cannotFindHost;
     case CURLE_COULDNT_CONNECT:
@@ -101,6 +99,8 @@ TransportErrorCode transportErrorCode(CURLcode result, CURL* handle) {
       return networkConnectionLost;
     case CURLE_BAD_CONTENT_ENCODING:
       return cannotDecodeRawData;
+    // An answer without an HTTP head: only https addresses come this far.
+    case CURLE_UNSUPPORTED_PROTOCOL:
     // A header line without an end: libcurl runs out of the room that it allows for one.
     case CURLE_OUT_OF_MEMORY:
     case CURLE_WEIRD_SERVER_REPLY:
