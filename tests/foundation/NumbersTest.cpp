@@ -5,10 +5,10 @@
 #include <limits>
 #include <random>
 
-#include "foundation/ScopedEnvironment.h"
 #include "platform/foundation/NumberFormatter.h"
 #include "platform/foundation/NumberText.h"
 #include "platform/foundation/Value.h"
+#include "support/ScopedVariable.h"
 
 namespace foundation {
 namespace {
@@ -126,7 +126,7 @@ std::string amount(double number, std::string pattern = "#,###.##;") {
 class AmountsWithoutALocale : public testing::TestWithParam<const char*> {};
 
 TEST_P(AmountsWithoutALocale, AreGroupedWithCommasAndRoundedHalfEvenOnTheirShortestText) {
-  const ScopedEnvironment locale("LC_ALL", GetParam());
+  const support::ScopedVariable locale("LC_ALL", GetParam());
   const struct {
     double number;
     const char* text;
@@ -172,13 +172,13 @@ TEST(NumberFormatter, TakesTheSignsOfTheLocale) {
       {"hi_IN", "-1,234.5"},
   };
   for (const auto& [locale, text] : cases) {
-    const ScopedEnvironment all("LC_ALL", locale);
+    const support::ScopedVariable all("LC_ALL", locale);
     EXPECT_EQ(amount(-1234.5), text) << locale;
   }
 }
 
 TEST(NumberFormatter, KeepsAnIntegerDigitThatThePatternNamesAndRefusesABadPattern) {
-  const ScopedEnvironment locale("LC_ALL", "C");
+  const support::ScopedVariable locale("LC_ALL", "C");
   EXPECT_EQ(amount(0.5, "0.##"), "0.5");
   EXPECT_EQ(amount(0.5, "#.00"), ".50");
   EXPECT_EQ(amount(0.5, "#,###.##;;"), "(nothing)");

@@ -1,7 +1,6 @@
 #include "platform/foundation/PropertyList.h"
 
 #include <charconv>
-#include <cmath>
 #include <cstdint>
 #include <pugixml.hpp>
 
@@ -127,80 +126,108 @@ std::optional<Value> valueOf(const pugi::xml_node& element, int depth) {
   return scalarOf(kind, *text);
 }
 
+constexpr std::string_view kHead =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<plist version=\"1.0\">\n";
+
 class PropertyListWriter {
  public:
-  void write(pugi::xml_node parent, const Value& value) {
-    std::visit([&](const auto& content) { writeContent(parent, content); }, value.storage());
+  void write(const Value& value) {
+    std::visit([&](const auto& content) { writeContent(content); }, value.storage());
   }
 
   // Why the value is no property list; empty where it is one.
   const std::string& fault() const { return fault_; }
+  std::string takeText() { return std::move(text_); }
 
  private:
-  void writeText(pugi::xml_node parent, const char* kind, const std::string& text) {
-    if (!isUtf8(text)) fault_ = "it holds text that is not UTF-8";
-    for (const char c : text) {
-      const bool isControl = static_cast<unsigned char>(c) < 0x20;
-      if (isControl && c != '\t' && c != '\n' && c != '\r') {
-        fault_ = "it holds a control character, which a settings file cannot keep";
-      }
+  void writeContent(Null) { fault_ = "it holds a null, which a settings file cannot keep"; }
+  void writeContent(const std::string& text) { writeText("string", text); }
+  void writeContent(const Data& data) { writeText("data", base64(data.bytes)); }
+
+  void writeContent(Date date) {
+    const std::string text = iso8601(date);
+    writeText("date", text.substr(0, text.find('.')) + "Z");
+  }
+
+  void writeContent(const Number& number) {
+    if (const bool* truth = std::get_if<bool>(&number.storage())) {
+      writeLine(*truth ? "<true/>" : "<false/>");
+    } else if (std::holds_alternative<double>(number.storage())) {
+      writeText("real", number.stringValue());
+    } else {
+      writeText("integer", number.stringValue());
     }
+  }
+
+  void writeContent(const Array& array) {
+    writeLine("<array>");
+    ++depth_;
+    for (const Value& element : array) {
+      write(element);
+    }
+    --depth_;
+    writeLine("</array>");
+  }
+
+  void writeContent(const Dictionary& dictionary) {
+    writeLine("<dict>");
+    ++depth_;
+    for (const Dictionary::Member& member : dictionary) {
+      writeText("key", member.key);
+      write(member.value);
+    }
+    --depth_;
+    writeLine("</dict>");
+  }
+
+  void writeText(std::string_view kind, std::string_view text) {
+    if (!isUtf8(text)) fault_ = "it holds text that is not UTF-8";
     if (text.contains("\xEF\xBF\xBE") || text.contains("\xEF\xBF\xBF")) {
       fault_ = "it holds a character that a settings file cannot keep";
     }
-    parent.append_child(kind).text().set(text.c_str());
+    std::string line = "<" + std::string(kind) + ">";
+    for (const char c : text) {
+      appendEscaped(line, c);
+    }
+    writeLine(line + "</" + std::string(kind) + ">");
   }
 
-  void writeContent(pugi::xml_node, Null) {
-    fault_ = "it holds a null, which a settings file cannot keep";
-  }
-
-  void writeContent(pugi::xml_node parent, const Number& number) {
-    if (const bool* truth = std::get_if<bool>(&number.storage())) {
-      parent.append_child(*truth ? "true" : "false");
-    } else if (std::holds_alternative<double>(number.storage())) {
-      writeText(parent, "real", number.stringValue());
-    } else {
-      writeText(parent, "integer", number.stringValue());
+  void appendEscaped(std::string& line, char c) {
+    switch (c) {
+      case '&':
+        line += "&amp;";
+        break;
+      case '<':
+        line += "&lt;";
+        break;
+      case '>':
+        line += "&gt;";
+        break;
+      case '\r':
+        line += "&#13;";
+        break;  // a bare one would be read as a line feed
+      case '\t':
+      case '\n':
+        line += c;
+        break;
+      default:
+        if (static_cast<unsigned char>(c) < 0x20) {
+          fault_ = "it holds a control character, which a settings file cannot keep";
+        }
+        line += c;
     }
   }
 
-  void writeContent(pugi::xml_node parent, const std::string& text) {
-    writeText(parent, "string", text);
+  void writeLine(std::string_view line) {
+    text_.append(depth_, '\t');
+    text_ += line;
+    text_ += '\n';
   }
 
-  void writeContent(pugi::xml_node parent, Date date) {
-    const std::string text = iso8601(date);
-    writeText(parent, "date", text.substr(0, text.find('.')) + "Z");
-  }
-
-  void writeContent(pugi::xml_node parent, const Data& data) {
-    writeText(parent, "data", base64(data.bytes));
-  }
-
-  void writeContent(pugi::xml_node parent, const Array& array) {
-    const pugi::xml_node node = parent.append_child("array");
-    for (const Value& element : array) {
-      write(node, element);
-    }
-  }
-
-  void writeContent(pugi::xml_node parent, const Dictionary& dictionary) {
-    const pugi::xml_node node = parent.append_child("dict");
-    for (const Dictionary::Member& member : dictionary) {
-      writeText(node, "key", member.key);
-      write(node, member.value);
-    }
-  }
-
+  std::size_t depth_ = 0;
+  std::string text_{kHead};
   std::string fault_;
-};
-
-struct StringSink : pugi::xml_writer {
-  std::string text;
-  void write(const void* data, std::size_t size) override {
-    text.append(static_cast<const char*>(data), size);
-  }
 };
 
 }  // namespace
@@ -218,19 +245,10 @@ std::optional<Value> readPropertyList(std::string_view text) {
 }
 
 std::expected<std::string, std::string> writePropertyList(const Value& value) {
-  pugi::xml_document document;
-  pugi::xml_node declaration = document.append_child(pugi::node_declaration);
-  declaration.append_attribute("version") = "1.0";
-  declaration.append_attribute("encoding") = "UTF-8";
-  pugi::xml_node root = document.append_child("plist");
-  root.append_attribute("version") = "1.0";
-
   PropertyListWriter writer;
-  writer.write(root, value);
+  writer.write(value);
   if (!writer.fault().empty()) return std::unexpected(writer.fault());
-  StringSink sink;
-  document.save(sink, "\t", pugi::format_default, pugi::encoding_utf8);
-  return std::move(sink.text);
+  return writer.takeText() + "</plist>\n";
 }
 
 }  // namespace foundation

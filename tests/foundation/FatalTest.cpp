@@ -1,0 +1,39 @@
+#include <gtest/gtest.h>
+#include <sys/prctl.h>
+
+#include "platform/foundation/Fatal.h"
+
+namespace foundation {
+namespace {
+
+TEST(FatalDeathTest, PrintsOneLineAndAborts) {
+  EXPECT_EXIT(
+      fatal("SalesData line 58: the answer\nis no JSON"),
+      testing::KilledBySignal(SIGABRT),
+      "^SalesData line 58: the answer is no JSON\n$");
+}
+
+TEST(FatalDeathTest, NamesTheLineOfWhoForcesAnAbsentValue) {
+  const std::optional<int> nothing;
+  const Dictionary row{{"total", "12"}};
+  const std::string line = std::to_string(__LINE__ + 1);
+  EXPECT_DEATH(forced(nothing, "the token"), "^FatalTest line " + line + ": the token is absent");
+  EXPECT_DEATH(forcedMember<Number>(row, "no"), "^FatalTest line [0-9]+: no is absent");
+  EXPECT_DEATH(
+      forcedMember<Number>(row, "total"),
+      "^FatalTest line [0-9]+: total is of another kind than expected");
+  EXPECT_EQ(forcedMember<std::string>(row, "total"), "12");
+}
+
+TEST(FatalDeathTest, AProcessThatForbidsCoreFilesLeavesNone) {
+  EXPECT_EXIT(
+      {
+        forbidCoreFiles();
+        std::exit(prctl(PR_GET_DUMPABLE));
+      },
+      testing::ExitedWithCode(0),
+      "");
+}
+
+}  // namespace
+}  // namespace foundation

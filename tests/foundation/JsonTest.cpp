@@ -1,0 +1,217 @@
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <string>
+
+#include "platform/foundation/Json.h"
+
+namespace foundation {
+namespace {
+
+std::expected<Value, JsonError> read(std::string_view text) {
+  return readJson(text, JsonFragments::allowed);
+}
+
+std::string nested(std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); }
+
+TEST(JsonReading, KeepsEachKindOfValue) {
+  const struct {
+    std::string_view text;
+    Value value;
+  } cases[] = {
+      {"null", Null()},
+      {"true", true},
+      {" \t\r\n 12 ", 12},
+      {"-0", 0},
+      {"-0.0", -0.0},
+      {"23.89", 23.89},
+      {"1.0", 1.0},
+      {"1e2", 100.0},
+      {"1e-999", 0.0},
+      {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
+      {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
+      {"18446744073709551615", std::numeric_limits<std::uint64_t>::max()},
+      {"18446744073709551616", 18446744073709551616.0},
+      {"\"\"", ""},
+      {R"("\"\\\/\b\f\n\r\t\u00e9\ud83d\ude00")", "\"\\/\b\f\n\r\té😀"},
+      {R"("a\u0000b")", std::string("a\0b", 3)},
+      {"\"\x7F 张\"", "\x7F 张"},
+      {"\xEF\xBB\xBF[]", Array()},
+      {R"({"a":[1,{"b":null}],"c":{}})",
+       Dictionary{{"a", Array{1, Dictionary{{"b", Null()}}}}, {"c", Dictionary()}}},
+      {R"({"a":null,"b":1,"a":2,"a":3})", Dictionary{{"a", Null()}, {"b", 1}}},
+  };
+  for (const auto& [text, value] : cases) {
+    const auto result = read(text);
+    ASSERT_TRUE(result) << text << ": " << result.error().reason;
+    EXPECT_EQ(*result, value) << text;
+  }
+}
+
+TEST(JsonReading, RefusesWhatIsNotStrictJson) {
+  const std::string_view cases[] = {
+      "",
+      "  ",
+      "{",
+      "[1,]",
+      "[,]",
+      R"({"a":1,})",
+      R"({"a"})",
+      R"({1:2})",
+      R"({"a":1}})",
+      "[] []",
+      std::string_view("[]\0", 3),
+      std::string_view("\"a\0b\"", 5),
+      "01",
+      "+1",
+      ".5",
+      "1.",
+      "1e",
+      "0x1",
+      "1e309",
+      "-1e400",
+      "NaN",
+      "Infinity",
+      "True",
+      "'a'",
+      "\"a",
+      "\"\n\"",
+      R"("\x")",
+      R"("\u12")",
+      R"("\ud800")",
+      R"("\udc00")",
+      R"("\ud800\u0041")",
+      "\"\xFF\"",
+      "\"\xC0\x80\"",
+      "\"\xED\xA0\x80\"",
+      "\"\xF4\x90\x80\x80\"",
+      "// a\n1",
+      "\xFE\xFF\0[\0]",
+  };
+  for (const std::string_view text : cases) {
+    const auto result = read(text);
+    ASSERT_FALSE(result) << text;
+    EXPECT_EQ(
+        result.error().localizedDescription,
+        "The data couldn’t be read because it isn’t in the correct format.");
+  }
+}
+
+TEST(JsonReading, SaysWhereTheTextIsBadWithoutQuotingIt) {
+  const auto result = read("{\n  \"token\": \"secret\" oops}");
+  ASSERT_FALSE(result);
+  EXPECT_EQ(result.error().reason, "no JSON from line 2, column 21 on");
+}
+
+TEST(JsonReading, TakesFragmentsOnlyWhereTheyAreAllowed) {
+  EXPECT_TRUE(readJson("[]", JsonFragments::refused));
+  EXPECT_TRUE(readJson("{}", JsonFragments::refused));
+  for (const char* fragment : {"1", "\"{}\"", "null", "true"}) {
+    EXPECT_FALSE(readJson(fragment, JsonFragments::refused)) << fragment;
+  }
+}
+
+TEST(JsonReading, StopsAt512ContainersWithinEachOther) {
+  EXPECT_TRUE(read(nested(512)));
+  EXPECT_FALSE(read(nested(513)));
+  EXPECT_FALSE(read(std::string(5'000'000, '[')));
+  EXPECT_TRUE(read("[" + nested(511) + "," + nested(511) + "]"));
+}
+
+TEST(JsonReading, ReadsLongAnswers) {
+  std::string rows = "[";
+  for (int i = 0; i < 20'000; ++i) {
+    rows += R"({"no":")" + std::to_string(i) + R"(","clientName":"Preivon","total":23.89},)";
+  }
+  rows.back() = ']';
+  const auto list = read(rows);
+  ASSERT_TRUE(list);
+  EXPECT_EQ(list->as<Array>()->size(), 20'000U);
+
+  std::string members = "{";
+  for (int i = 0; i < 40'000; ++i) {
+    members += "\"" + std::to_string(i % 30'000) + "\":" + std::to_string(i) + ",";
+  }
+  members.back() = '}';
+  const auto object = read(members);
+  ASSERT_TRUE(object);
+  EXPECT_EQ(object->as<Dictionary>()->size(), 30'000U);
+  EXPECT_EQ(*object->as<Dictionary>()->find("29999"), Value(29'999));
+  EXPECT_EQ(*object->as<Dictionary>()->find("7"), Value(7));
+
+  const auto text = read("\"" + std::string(5'000'000, 'x') + "\"");
+  ASSERT_TRUE(text);
+  EXPECT_EQ(text->as<std::string>()->size(), 5'000'000U);
+}
+
+TEST(JsonWriting, LaysPrettyTextOutAsThePhoneDoes) {
+  const Value value = Dictionary{
+      {"businessId", "7/8"},
+      {"list", Array{1, 0.1, true, Null(), Array(), Dictionary()}},
+      {"100", 100.0},
+  };
+  EXPECT_EQ(
+      writeJson(value, JsonLayout::pretty).value(),
+      "{\n"
+      "  \"businessId\" : \"7\\/8\",\n"
+      "  \"list\" : [\n"
+      "    1,\n"
+      "    0.10000000000000001,\n"
+      "    true,\n"
+      "    null,\n"
+      "    [\n"
+      "\n"
+      "    ],\n"
+      "    {\n"
+      "\n"
+      "    }\n"
+      "  ],\n"
+      "  \"100\" : 100\n"
+      "}");
+  EXPECT_EQ(writeJson(Array(), JsonLayout::pretty).value(), "[\n\n]");
+}
+
+TEST(JsonWriting, KeepsCompactTextOnOneLineAndEscapesControls) {
+  const Value value = Dictionary{
+      {"a\"\\", "/\b\f\n\r\t\x1F\x7F 张"},
+      {"n", Array{23.89, -0.0, 1e16, 5e-324, std::numeric_limits<std::uint64_t>::max()}},
+  };
+  EXPECT_EQ(
+      writeJson(value, JsonLayout::compact).value(),
+      "{\"a\\\"\\\\\":\"/\\b\\f\\n\\r\\t\\u001f\x7F 张\","
+      "\"n\":[23.89,-0.0,1e+16,5e-324,18446744073709551615]}");
+}
+
+TEST(JsonWriting, WritesWhatReadsBackTheSame) {
+  const Value value = Dictionary{
+      {"",
+       Array{0, -1, 0.1 + 0.2, 1e300, -1.5, false, Null(), "\u0001\u00e9😀", std::string(1, 0)}},
+      {"nested", Dictionary{{"x", Array{Array{Array()}}}}},
+  };
+  for (const JsonLayout layout : {JsonLayout::compact, JsonLayout::pretty}) {
+    const std::string text = writeJson(value, layout).value();
+    const std::string again = writeJson(read(text).value(), layout).value();
+    EXPECT_EQ(again, text);
+  }
+  EXPECT_EQ(read(writeJson(value, JsonLayout::compact).value()).value(), value);
+}
+
+TEST(JsonWriting, RefusesWhatJsonCannotHold) {
+  const Value cases[] = {
+      Date(),
+      Data{"x"},
+      std::nan(""),
+      Array{std::numeric_limits<double>::infinity()},
+      Dictionary{{"a", "\xFF"}},
+      Dictionary{{"\xED\xA0\x80", 1}},
+  };
+  for (const Value& value : cases) {
+    const auto text = writeJson(value, JsonLayout::pretty);
+    ASSERT_FALSE(text);
+    EXPECT_FALSE(text.error().localizedDescription.empty());
+    EXPECT_FALSE(text.error().reason.empty());
+  }
+}
+
+}  // namespace
+}  // namespace foundation
