@@ -1,0 +1,34 @@
+// Masks of quarter circles, kept by radius. Belongs to one thread.
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "platform/drawing/Cover.h"
+
+namespace drawing {
+
+// The top left corner of a round rectangle: side x side levels, rows from the top.
+struct CornerMask {
+  int side = 0;
+  std::vector<CoverLevel> levels;
+  std::vector<CoverLevel> mirrored;  // each row backwards: the top right corner
+
+  const CoverLevel* row(int y) const {
+    return levels.data() + static_cast<std::ptrdiff_t>(y) * side;
+  }
+  const CoverLevel* mirroredRow(int y) const {
+    return mirrored.data() + static_cast<std::ptrdiff_t>(y) * side;
+  }
+};
+
+class CornerMasks {
+ public:
+  // The mask of a radius in device pixels, good until the next call.
+  const CornerMask& find(double radius);
+
+ private:
+  std::map<double, CornerMask> kept_;
+};
+
+}  // namespace drawing

@@ -1,0 +1,27 @@
+#include "platform/drawing/Pictures.h"
+
+namespace drawing {
+
+const Picture* Pictures::find(const std::string& name, int scale) {
+  const auto [entry, isNew] = read_.try_emplace({name, scale});
+  std::optional<Picture>& picture = entry->second;
+  if (isNew) {
+    if (const auto file = bundle_.picture(name, scale)) {
+      if (auto decoded = readPngFile(*file)) picture = *std::move(decoded);
+    }
+  }
+  return picture ? &*picture : nullptr;
+}
+
+Size Pictures::naturalSize(const std::string& name) {
+  for (const int scale : {1, 2, 3}) {
+    if (const Picture* picture = find(name, scale)) {
+      return {
+          static_cast<double>(picture->width) / scale,
+          static_cast<double>(picture->height) / scale};
+    }
+  }
+  return {};
+}
+
+}  // namespace drawing
