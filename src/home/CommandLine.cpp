@@ -33,6 +33,8 @@ class Parser {
         ->default_str("quillpad-widgets beside this program");
     app_.require_subcommand(1);
     app_.fallthrough();
+    app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app_.get_formatter()->label("Subcommands", "Commands");
     addList();
     addShow("placeholder", "Print the widget's placeholder", EntryState::placeholder);
     addShow("snapshot", "Print the widget's snapshot", EntryState::snapshot);

@@ -50,10 +50,10 @@ std::chrono::seconds ExtensionClient::deadline(const channel::Request& request) 
   return std::chrono::seconds(std::holds_alternative<channel::TimelineRequest>(request) ? 90 : 30);
 }
 
-Answer ExtensionClient::answerTo(const channel::Request& request) {
+Answer ExtensionClient::answerTo(
+    const channel::Request& request, std::chrono::milliseconds allowed) {
   const std::uint64_t id = process_.send(request);
-  const auto timeAllowed = deadline(request);
-  const auto end = Clock::now() + timeAllowed;
+  const auto end = Clock::now() + allowed;
   while (wait(process_, end)) {
     std::optional<Answer> answer;
     for (ExtensionEvent& event : process_.takeEvents()) {
@@ -70,7 +70,8 @@ Answer ExtensionClient::answerTo(const channel::Request& request) {
   process_.kill();
   return failure(
       ExitStatus::notPossible,
-      "the extension has not answered within " + std::to_string(timeAllowed.count()) +
+      "the extension has not answered within " +
+          std::to_string(std::chrono::ceil<std::chrono::seconds>(allowed).count()) +
           " seconds and was stopped; try again");
 }
 

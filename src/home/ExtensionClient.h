@@ -26,13 +26,20 @@ class ExtensionClient {
   // itself waits for the network.
   static std::chrono::seconds deadline(const channel::Request& request);
 
-  // The answer to the request, of the type expected.
+  // The answer to the request, of the type expected. Without one in the time allowed the extension
+  // is stopped.
   template <class Answer>
-  std::expected<Answer, Failure> ask(const channel::Request& request) {
-    auto reply = answerTo(request);
+  std::expected<Answer, Failure> ask(
+      const channel::Request& request, std::chrono::milliseconds allowed) {
+    auto reply = answerTo(request, allowed);
     if (!reply) return std::unexpected(std::move(reply.error()));
     if (auto* answer = std::get_if<Answer>(&*reply)) return std::move(*answer);
     return failure(ExitStatus::notPossible, "the extension answered something else than was asked");
+  }
+
+  template <class Answer>
+  std::expected<Answer, Failure> ask(const channel::Request& request) {
+    return ask<Answer>(request, deadline(request));
   }
 
   // How the network transfers ended that the extension has told of so far.
@@ -40,7 +47,8 @@ class ExtensionClient {
 
  private:
   explicit ExtensionClient(ExtensionProcess process) : process_(std::move(process)) {}
-  std::expected<channel::Reply, Failure> answerTo(const channel::Request& request);
+  std::expected<channel::Reply, Failure> answerTo(
+      const channel::Request& request, std::chrono::milliseconds allowed);
   // What the event means for the request that is waited for; nothing: wait on.
   std::optional<std::expected<channel::Reply, Failure>> consider(
       std::uint64_t id, ExtensionEvent& event);
