@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/foundation/Activity.h"
+#include "platform/foundation/Locale.h"
 
 namespace foundation {
 namespace {
@@ -56,6 +57,15 @@ std::string_view trimmed(std::string_view text) {
 
 bool fitsOnOneLine(std::string_view text) {
   return std::ranges::none_of(text, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
+}
+
+// The current locale as a wish: "de-DE, de;q=0.9".
+std::string acceptedLanguages() {
+  std::string tag = currentLocale();
+  tag.erase(std::min(tag.find("_POSIX"), tag.size()));
+  std::ranges::replace(tag, '_', '-');
+  const std::string language = tag.substr(0, tag.find('-'));
+  return language == tag ? tag : tag + ", " + language + ";q=0.9";
 }
 
 const char* orNull(const std::string& text) { return text.empty() ? nullptr : text.c_str(); }
@@ -140,7 +150,9 @@ void Transfer::setHeaders(CURL* handle) {
   const auto add = [this](const std::string& line) {
     headers_.reset(curl_slist_append(headers_.release(), line.c_str()));
   };
+  static const std::string languages = "Accept-Language: " + acceptedLanguages();
   add("Expect:");
+  add(languages);
   for (const auto& [field, text] : request_.headers) {
     const std::string_view value = trimmed(text);
     if (isReserved(lowercase(field)) || !fitsOnOneLine(field) || !fitsOnOneLine(value)) {

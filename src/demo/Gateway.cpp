@@ -1,0 +1,358 @@
+#include "demo/Gateway.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <expected>
+#include <optional>
+#include <utility>
+
+#include "platform/foundation/Json.h"
+
+namespace demo {
+namespace {
+
+using foundation::Array;
+using foundation::Dictionary;
+using foundation::Number;
+using foundation::Value;
+
+constexpr std::string_view summaryPath = "/invoice/invoice/getDataMap";
+constexpr std::string_view listPath = "/invoice/invoice/listFast";
+constexpr std::string_view faultPath = "/demo/fault";
+constexpr std::string_view documentsPath = "/demo/documents";
+
+std::string jsonText(const Value& value) {
+  return foundation::writeJson(value, foundation::JsonLayout::compact).value_or("null");
+}
+
+double amount(std::int64_t cents) { return static_cast<double>(cents) / 100; }
+
+// "2026-03-07 09:05:03"
+bool isMoment(std::string_view text) {
+  constexpr std::string_view form = "dddd-dd-dd dd:dd:dd";
+  return std::ranges::equal(text, form, [](char c, char wanted) {
+    return wanted == 'd' ? '0' <= c && c <= '9' : c == wanted;
+  });
+}
+
+// The fields of a request's body, all of them texts. The first thing that is wrong is kept as the
+// problem; reading goes on with defaults.
+class Fields {
+ public:
+  explicit Fields(const Dictionary& body) : body_(body) {}
+
+  std::optional<std::string> optionalText(std::string_view key) {
+    asked_.emplace_back(key);
+    const Value* value = body_.find(key);
+    if (value == nullptr) {
+      return {};
+    }
+    const std::string* text = value->as<std::string>();
+    if (text == nullptr) {
+      fail(key, "must be a text");
+      return {};
+    }
+    return *text;
+  }
+
+  std::string text(std::string_view key) {
+    std::optional<std::string> value = optionalText(key);
+    if (!value) {
+      fail(key, "is missing");
+    }
+    return value.value_or("");
+  }
+
+  std::string moment(std::string_view key) {
+    std::string value = text(key);
+    if (!isMoment(value)) {
+      fail(key, "must be a moment like 2026-03-07 09:05:03");
+    }
+    return value;
+  }
+
+  std::size_t count(std::string_view key, std::size_t most) {
+    const std::string value = text(key);
+    std::size_t number = 0;
+    const char* end = value.data() + value.size();
+    const auto result = std::from_chars(value.data(), end, number);
+    if (result.ec != std::errc() || result.ptr != end || number < 1 || number > most) {
+      fail(key, "must be a whole number from 1 to " + std::to_string(most));
+      return 1;
+    }
+    return number;
+  }
+
+  // The choice that the text stands for; nothing where the field is absent.
+  template <class Choice>
+  std::optional<Choice> choice(
+      std::string_view key, std::initializer_list<std::pair<std::string_view, Choice>> choices) {
+    const std::optional<std::string> value = optionalText(key);
+    if (!value) {
+      return {};
+    }
+    std::string names;
+    for (const auto& [name, chosen] : choices) {
+      if (name == *value) {
+        return chosen;
+      }
+      names.append(names.empty() ? "" : ", ").append(name);
+    }
+    fail(key, "must be one of " + names);
+    return {};
+  }
+
+  void fail(std::string_view key, std::string_view what) {
+    if (problem_.empty()) {
+      problem_ = "field '" + std::string(key) + "' " + std::string(what);
+    }
+  }
+
+  // What is wrong with the body, a field that nobody asked for included; empty if nothing.
+  std::string problem() {
+    for (const Dictionary::Member& member : body_) {
+      if (std::ranges::find(asked_, member.key) == asked_.end()) {
+        fail(member.key, "is unknown here");
+      }
+    }
+    return problem_;
+  }
+
+ private:
+  const Dictionary& body_;
+  std::vector<std::string> asked_;
+  std::string problem_;
+};
+
+Query queryOf(Fields& fields) {
+  Query query;
+  const auto type = fields.choice<DocumentType>(
+      "type", {{"1", DocumentType::invoice}, {"2", DocumentType::estimate}});
+  if (!type) {
+    fields.fail("type", "is missing");
+  }
+  query.type = type.value_or(DocumentType::invoice);
+  query.startTime = fields.moment("startTime");
+  query.endTime = fields.moment("endTime");
+  query.dated =
+      fields
+          .choice<Query::Dated>(
+              "searchType", {{"1", Query::Dated::byDueDate}, {"2", Query::Dated::byCreateTime}})
+          .value_or(query.dated);
+  if (query.type == DocumentType::invoice) {
+    query.paid = fields.choice<bool>("isFullPaid", {{"Unpaid", false}, {"Paid", true}});
+  } else {
+    query.estimateStatus = fields.choice<EstimateStatus>(
+        "estimateStatus",
+        {{"0", EstimateStatus::pending},
+         {"1", EstimateStatus::approved},
+         {"2", EstimateStatus::declined}});
+  }
+  query.valid = fields.choice<bool>("isValid", {{"1", true}, {"0", false}}).value_or(query.valid);
+  query.sort = fields
+                   .choice<Query::Sort>(
+                       "sort",
+                       {{"createTime", Query::Sort::createTime},
+                        {"dueDate", Query::Sort::dueDate},
+                        {"no", Query::Sort::no},
+                        {"clientName", Query::Sort::clientName},
+                        {"total", Query::Sort::total}})
+                   .value_or(query.sort);
+  query.descending =
+      fields.choice<bool>("sortType", {{"desc", true}, {"asc", false}}).value_or(query.descending);
+  query.page = fields.count("currentPage", 1'000'000);
+  query.pageSize = fields.count("pageSize", 1000);
+  return query;
+}
+
+Dictionary summaryDocument(const std::vector<Document>& documents, std::string_view currentTime) {
+  const Summary summary = summarize(documents, currentTime);
+  return {
+      {"salesMonth", amount(summary.salesMonthCents)},
+      {"unpaidInvoices", summary.unpaidInvoices},
+      {"pendingEstimates", summary.pendingEstimates}};
+}
+
+Dictionary listDocument(const std::vector<Document>& documents, const Query& query) {
+  const Page page = list(documents, query);
+  Array records;
+  for (const Document& document : page.documents) {
+    records.emplace_back(rowOf(document));
+  }
+  const auto whole = [](std::size_t number) { return static_cast<std::int64_t>(number); };
+  return {
+      {"records", std::move(records)},
+      {"total", whole(page.total)},
+      {"current", whole(query.page)},
+      {"size", whole(query.pageSize)},
+      {"pages", whole((page.total + query.pageSize - 1) / query.pageSize)}};
+}
+
+// Numbers as texts, in the document and in its rows.
+Dictionary withTexts(const Dictionary& document) {
+  Dictionary texts;
+  for (const auto& [key, value] : document) {
+    if (const auto* number = value.as<Number>()) {
+      texts.set(key, number->stringValue());
+    } else if (const auto* rows = value.as<Array>()) {
+      Array changed;
+      for (const Value& row : *rows) {
+        changed.emplace_back(withTexts(*row.as<Dictionary>()));
+      }
+      texts.set(key, std::move(changed));
+    } else {
+      texts.set(key, value);
+    }
+  }
+  return texts;
+}
+
+Dictionary without(const Dictionary& document, std::string_view key) {
+  Dictionary rest;
+  for (const Dictionary::Member& member : document) {
+    if (member.key != key) {
+      rest.set(member.key, member.value);
+    }
+  }
+  return rest;
+}
+
+// What stands under "data", damaged or not.
+Value payload(const Dictionary& document, Damage damage) {
+  const bool isList = document.find("records") != nullptr;
+  switch (damage) {
+    case Damage::dataObject:
+      return document;
+    case Damage::innerNotJson:
+      return R"({"records":[)";
+    case Damage::innerArray:
+      return "[]";
+    case Damage::missingKey:
+      return jsonText(without(document, isList ? "records" : "unpaidInvoices"));
+    case Damage::figureText:
+      return jsonText(withTexts(document));
+    case Damage::recordsObject: {
+      Dictionary changed = document;
+      if (isList) {
+        changed.set("records", Dictionary());
+      }
+      return jsonText(changed);
+    }
+    default:
+      return jsonText(document);
+  }
+}
+
+std::string packed(const Dictionary& document, Damage damage) {
+  if (damage == Damage::fragment) {
+    return "42";
+  }
+  Dictionary answer{{"code", 200}, {"message", "success"}};
+  if (damage != Damage::noData) {
+    answer.set("data", payload(document, damage));
+  }
+  return jsonText(answer);
+}
+
+}  // namespace
+
+Answer refuse(int status, std::string_view message) {
+  return {.status = status, .body = jsonText(Dictionary{{"code", status}, {"message", message}})};
+}
+
+Gateway::Gateway(std::string token, std::function<Day()> clock)
+    : token_(std::move(token)), clock_(std::move(clock)) {}
+
+Answer Gateway::answer(const Request& request) {
+  const bool isPost = request.path == summaryPath || request.path == listPath;
+  const bool isKnown = isPost || request.path == faultPath || request.path == documentsPath;
+  if (!isKnown) {
+    return refuse(404, "there is nothing at this path");
+  }
+  const std::string_view method = request.path == documentsPath ? "GET" : "POST";
+  if (request.method != method) {
+    return refuse(405, "this path takes " + std::string(method));
+  }
+  if (!isPost) {
+    if (!knows(request.authorization)) {
+      return refuse(401, "the token in 'Authorization' is missing or wrong");
+    }
+    return request.path == faultPath ? setFault(request.body) : listDocuments();
+  }
+  return answerPost(request);
+}
+
+Answer Gateway::answerPost(const Request& request) {
+  const Fault fault = faults_.take(request.path);
+  const auto faulty = [&fault](Answer answer) {
+    answer.delay = fault.delay;
+    answer.status = fault.status.value_or(answer.status);
+    if (fault.damage == Damage::notJson) {
+      answer.body = "<!DOCTYPE html><title>Bad gateway</title><h1>Bad gateway</h1>\n";
+      answer.contentType = "text/html";
+    } else if (fault.damage == Damage::drop) {
+      answer.delivery = Answer::Delivery::dropped;
+    } else if (fault.damage == Damage::truncate) {
+      answer.delivery = Answer::Delivery::truncated;
+    }
+    return answer;
+  };
+
+  if (!knows(request.authorization)) {
+    return faulty(refuse(401, "the token in 'Authorization' is missing or wrong"));
+  }
+  if (!request.contentType.starts_with("application/json")) {
+    return faulty(refuse(415, "the content type must be application/json"));
+  }
+  const auto body = foundation::readJson(request.body, foundation::JsonFragments::refused);
+  const Dictionary* members = body ? body->as<Dictionary>() : nullptr;
+  if (members == nullptr) {
+    return faulty(refuse(400, "the body must be one JSON object"));
+  }
+
+  Fields fields(*members);
+  const bool isSummary = request.path == summaryPath;
+  const std::string business = fields.text("businessId");
+  const std::string currentTime = isSummary ? fields.moment("currentTime") : "";
+  const Query query = isSummary ? Query{} : queryOf(fields);
+  if (const std::string problem = fields.problem(); !problem.empty()) {
+    return faulty(refuse(400, problem));
+  }
+  if (business != businessId) {
+    return faulty(refuse(403, "the token gives no access to this business"));
+  }
+  const std::vector<Document> documents = documentsOn(clock_());
+  const Dictionary document =
+      isSummary ? summaryDocument(documents, currentTime) : listDocument(documents, query);
+  return faulty({.body = packed(document, fault.damage)});
+}
+
+Answer Gateway::setFault(std::string_view specification) {
+  std::expected<Fault, std::string> fault = Fault::parse(specification);
+  if (!fault) {
+    return refuse(400, fault.error() + "; known: " + std::string(faultHelp()));
+  }
+  setFault(*std::move(fault));
+  return {.body = jsonText(Dictionary{{"code", 200}, {"message", "success"}})};
+}
+
+Answer Gateway::listDocuments() const {
+  Array rows;
+  for (const Document& document : documentsOn(clock_())) {
+    rows.emplace_back(rowOf(document));
+  }
+  return {.body = jsonText(rows)};
+}
+
+// In a time that does not tell how much of the token is right.
+bool Gateway::knows(std::string_view token) const {
+  unsigned difference = token.size() == token_.size() ? 0U : 1U;
+  for (std::size_t i = 0; i < token_.size(); ++i) {
+    const char given = i < token.size() ? token[i] : '\0';
+    difference |= static_cast<unsigned char>(given ^ token_[i]);
+  }
+  return difference == 0;
+}
+
+}  // namespace demo

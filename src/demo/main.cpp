@@ -1,0 +1,202 @@
+// quillpad-demo-gateway: a small real gateway with a made-up business, for a first run without an
+// account.
+
+#include <array>
+#include <charconv>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <expected>
+#include <fcntl.h>
+#include <filesystem>
+#include <getopt.h>
+#include <optional>
+#include <pthread.h>
+#include <string>
+#include <string_view>
+#include <sys/file.h>
+#include <sys/random.h>
+#include <unistd.h>
+
+#include "demo/Certificate.h"
+#include "demo/Faults.h"
+#include "demo/Gateway.h"
+#include "demo/Server.h"
+#include "platform/foundation/WholeFile.h"
+
+namespace {
+
+struct Options {
+  std::uint16_t port = 8443;
+  std::filesystem::path state;
+  demo::Fault fault{};
+};
+
+constexpr int cannotBeDone = 1;
+constexpr int wrongUsage = 2;
+
+void printHelp() {
+  std::printf(
+      "Usage: quillpad-demo-gateway [--port N] [--state DIR] [--fault SPEC]\n"
+      "\n"
+      "Serves the documents of a made-up business over HTTPS on the loopback addresses.\n"
+      "\n"
+      "  --port N      the port to listen on; 0 for a free one (8443)\n"
+      "  --state DIR   where its certificate and token are kept\n"
+      "                (${XDG_STATE_HOME:-$HOME/.local/state}/quillpad/demo-gateway)\n"
+      "  --fault SPEC  answers with a fault\n"
+      "\n"
+      "Faults: %s.\n"
+      "\n"
+      "With the token in 'Authorization', POST /demo/fault takes another SPEC as its body, and\n"
+      "GET /demo/documents lists the documents.\n",
+      std::string(demo::faultHelp()).c_str());
+}
+
+int fail(int status, const std::string& sentence) {
+  std::fprintf(stderr, "quillpad-demo-gateway: %s\n", sentence.c_str());
+  return status;
+}
+
+std::filesystem::path defaultState() {
+  const char* state = std::getenv("XDG_STATE_HOME");
+  const char* home = std::getenv("HOME");
+  const std::filesystem::path folder =
+      state != nullptr && *state == '/'
+          ? std::filesystem::path(state)
+          : std::filesystem::path(home != nullptr ? home : "") / ".local/state";
+  return folder / "quillpad/demo-gateway";
+}
+
+// The options, or the status with which to end.
+std::expected<Options, int> readOptions(int count, char** arguments) {
+  static constexpr std::array<option, 5> known = {{
+      {"port", required_argument, nullptr, 'p'},
+      {"state", required_argument, nullptr, 's'},
+      {"fault", required_argument, nullptr, 'f'},
+      {"help", no_argument, nullptr, 'h'},
+      {nullptr, 0, nullptr, 0},
+  }};
+  Options options{.state = defaultState()};
+  int chosen = 0;
+  while ((chosen = getopt_long(count, arguments, "h", known.data(), nullptr)) != -1) {
+    const std::string_view value(optarg == nullptr ? "" : optarg);
+    if (chosen == 'h') {
+      printHelp();
+      return std::unexpected(0);
+    }
+    if (chosen == 'p') {
+      const char* end = value.data() + value.size();
+      const auto result = std::from_chars(value.data(), end, options.port);
+      if (result.ec != std::errc() || result.ptr != end) {
+        return std::unexpected(fail(wrongUsage, "--port takes a number from 0 to 65535."));
+      }
+    } else if (chosen == 's') {
+      options.state = value;
+    } else if (chosen == 'f') {
+      auto fault = demo::Fault::parse(value);
+      if (!fault) {
+        return std::unexpected(
+            fail(wrongUsage, "--fault: " + fault.error() + "; see --help for those it knows."));
+      }
+      options.fault = *std::move(fault);
+    } else {
+      return std::unexpected(wrongUsage);
+    }
+  }
+  if (optind < count) {
+    return std::unexpected(
+        fail(wrongUsage, std::string("there is no use for '") + arguments[optind] + "'."));
+  }
+  return options;
+}
+
+// The token kept in the file, or a new random one, written first.
+std::expected<std::string, std::string> loadOrMakeToken(const std::filesystem::path& file) {
+  constexpr std::size_t mostBytes = 4096;
+  if (const auto kept = foundation::readWholeFile(file, mostBytes); kept && kept->size() >= 32) {
+    return *kept;
+  }
+  std::array<unsigned char, 24> random{};
+  if (getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) {
+    return std::unexpected("The system gives no random bytes for a token.");
+  }
+  std::string token;
+  for (const unsigned char byte : random) {
+    token += "0123456789abcdef"[byte >> 4];
+    token += "0123456789abcdef"[byte & 15];
+  }
+  if (const std::error_code error = foundation::writeWholeFile(file, token)) {
+    return std::unexpected(
+        file.string() + " cannot be written (" + error.message() + "): choose another --state.");
+  }
+  return token;
+}
+
+struct Identity {
+  demo::Certificate certificate;
+  std::string token;
+};
+
+// One gateway at a time makes or reads what lies in the folder.
+std::expected<Identity, std::string> loadOrMakeIdentity(const std::filesystem::path& folder) {
+  std::error_code error;
+  if (std::filesystem::create_directories(folder, error)) {
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
+  }
+  const int lock = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (lock < 0) {
+    return std::unexpected(
+        "The folder " + folder.string() + " cannot be made or opened: choose another --state.");
+  }
+  flock(lock, LOCK_EX);
+  auto certificate = demo::Certificate::loadOrMake(folder);
+  auto token = loadOrMakeToken(folder / "token");
+  close(lock);
+  if (!certificate) {
+    return std::unexpected(certificate.error());
+  }
+  if (!token) {
+    return std::unexpected(token.error());
+  }
+  return Identity{.certificate = *std::move(certificate), .token = *std::move(token)};
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  const std::expected<Options, int> options = readOptions(count, arguments);
+  if (!options) {
+    return options.error();
+  }
+
+  // Waited for below, so blocked in every thread.
+  sigset_t stopSignals;
+  sigemptyset(&stopSignals);
+  sigaddset(&stopSignals, SIGINT);
+  sigaddset(&stopSignals, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+  std::signal(SIGPIPE, SIG_IGN);
+
+  const std::expected<Identity, std::string> identity = loadOrMakeIdentity(options->state);
+  if (!identity) {
+    return fail(cannotBeDone, identity.error());
+  }
+  demo::Gateway gateway(identity->token);
+  gateway.setFault(options->fault);
+  const auto server = demo::Server::start(options->port, identity->certificate, gateway);
+  if (!server) {
+    return fail(cannotBeDone, server.error());
+  }
+  std::printf(
+      "Serving https://localhost:%u to business %s; certificate %s; token in %s\n",
+      unsigned{(*server)->port()},
+      std::string(demo::Gateway::businessId).c_str(),
+      demo::Certificate::file(options->state).c_str(),
+      (options->state / "token").c_str());
+  std::fflush(stdout);
+
+  int signal = 0;
+  sigwait(&stopSignals, &signal);
+  return 0;
+}
