@@ -72,7 +72,7 @@ Answer ExtensionClient::answerTo(
       ExitStatus::notPossible,
       "the extension has not answered within " +
           std::to_string(std::chrono::ceil<std::chrono::seconds>(allowed).count()) +
-          " seconds and was stopped; try again");
+          " s and was stopped; try again");
 }
 
 std::optional<Answer> ExtensionClient::consider(std::uint64_t id, ExtensionEvent& event) {

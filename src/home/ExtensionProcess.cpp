@@ -76,6 +76,7 @@ class SpawnPlan {
     ::posix_spawn_file_actions_adddup2(&actions_, output.writeEnd.get(), STDOUT_FILENO);
     ::posix_spawn_file_actions_adddup2(&actions_, error.writeEnd.get(), STDERR_FILENO);
     ::posix_spawn_file_actions_adddup2(&actions_, channel.get(), childChannel);
+    ::posix_spawn_file_actions_addclosefrom_np(&actions_, childChannel + 1);
 
     sigset_t none;
     sigset_t all;
@@ -262,6 +263,7 @@ std::vector<ExtensionEvent> ExtensionProcess::takeEvents() {
   if (ended) {
     addPrinted(PrintedLine::Stream::output, outputLines_.takeRest(), events);
     addPrinted(PrintedLine::Stream::error, errorLines_.takeRest(), events);
+    kill();  // what it may have started itself
     ExtensionEnd ending = reap(std::exchange(pid_, 0));
     ending.lastWords = std::move(lastWords_);
     events.emplace_back(std::move(ending));
@@ -300,7 +302,7 @@ void ExtensionProcess::addPrinted(
 
 void ExtensionProcess::kill() const {
   if (pid_ != 0) {
-    ::kill(pid_, SIGKILL);
+    ::kill(-pid_, SIGKILL);
   }
 }
 

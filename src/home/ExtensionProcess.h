@@ -67,7 +67,7 @@ class ExtensionProcess {
   // Also sends what could not be sent before.
   std::vector<ExtensionEvent> takeEvents();
 
-  // Ends the extension at once; its end is the last event.
+  // Ends the extension at once, with what it may have started; its end is the last event.
   void kill() const;
 
  private:

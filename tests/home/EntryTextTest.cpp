@@ -1,0 +1,73 @@
+#include <ctime>
+#include <gtest/gtest.h>
+
+#include "home/EntryText.h"
+#include "home/TextTable.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/Json.h"
+#include "support/ScopedVariable.h"
+
+namespace {
+
+using home::describe;
+using home::TextTable;
+
+foundation::Value json(std::string_view text) {
+  return foundation::readJson(text, foundation::JsonFragments::refused).value();
+}
+
+class EntryTextTest : public testing::Test {
+ protected:
+  EntryTextTest() { ::tzset(); }
+  ~EntryTextTest() override { ::tzset(); }
+  support::ScopedVariable zone_{"TZ", "Asia/Kolkata"};
+};
+
+TEST_F(EntryTextTest, ShowsFiguresAndTheReloadTimeInLocalTime) {
+  const auto entry = json(
+      R"({"date":"2026-03-07T20:05:03.250Z","data":{"salesMonth":"1234.5","unpaidInvoices":"7"}})");
+  EXPECT_EQ(
+      describe(
+          channel::Timeline{{entry}, *foundation::dateFromIso8601("2026-03-07T20:10:03.250Z")}),
+      "2026-03-08 01:35:03\n"
+      "  salesMonth      1234.5\n"
+      "  unpaidInvoices  7\n"
+      "Reloads after 2026-03-08 01:40:03\n");
+}
+
+TEST_F(EntryTextTest, ShowsRowsAsATableWhateverTheyHold) {
+  EXPECT_EQ(
+      describe(channel::Entry{
+          json(R"({"date":"2026-03-07T20:05:03.250Z","data":{"records":[)"
+               R"({"no":"32","clientName":"宝石","total":23.89},)"
+               R"({"no":"7","clientName":"Zoë\u001b[31m","total":1132.23,"lines":[1,2]},{}]}})")}),
+      "2026-03-08 01:35:03\n"
+      "  records\n"
+      "    no  clientName    total  lines\n"
+      "    32  宝石          23.89\n"
+      "    7   Zoë [31m    1132.23  [1,2]\n"
+      "\n");
+}
+
+TEST_F(EntryTextTest, ShowsWhatIsNoEntryAsItCame) {
+  EXPECT_EQ(describe(channel::Entry{json(R"({"date":"never","data":[1]})")}), "never\n  [1]\n");
+  EXPECT_EQ(describe(channel::Entry{json(R"(["a"])")}), "[\"a\"]\n");
+  EXPECT_EQ(
+      describe(
+          channel::Entry{json(R"({"date":"2026-03-07T20:05:03.250Z","data":{"records":[]}})")}),
+      "2026-03-08 01:35:03\n  records  (none)\n");
+}
+
+TEST(TextTableTest, AlignsByTheWidthOnTheTerminal) {
+  TextTable table;
+  table.addRow({{"é"}, {"1", true}, {"x"}});
+  table.addRow({{"e\xCC\x81\xCC\xA3"}, {"100", true}});
+  table.addRow({{"日本"}, {"\xFF", true}, {"y"}});
+  EXPECT_EQ(
+      table.text(1),
+      " é       1  x\n"
+      " e\xCC\x81\xCC\xA3     100\n"
+      " 日本    \xFF  y\n");
+}
+
+}  // namespace

@@ -1,0 +1,163 @@
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "home/ExtensionClient.h"
+#include "support/TemporaryHome.h"
+
+namespace {
+
+using home::ExitStatus;
+using home::ExtensionClient;
+using testing::AllOf;
+using testing::HasSubstr;
+using namespace std::chrono_literals;
+
+// Extensions are shell scripts here: they do what no product would. Their end of the channel is
+// descriptor 3.
+class ExtensionClientTest : public testing::Test {
+ protected:
+  std::filesystem::path script(const std::string& commands) {
+    const auto path = folder_.path() / "extension";
+    std::ofstream(path) << "#!/bin/sh\n" << commands << '\n';
+    ::chmod(path.c_str(), 0755);
+    return path;
+  }
+
+  std::expected<channel::Entry, home::Failure> askSnapshot(
+      const std::string& commands, std::chrono::milliseconds allowed = 20s) {
+    auto extension = ExtensionClient::start(script(commands));
+    if (!extension) return std::unexpected(extension.error());
+    return extension->ask<channel::Entry>(channel::SnapshotRequest{"A"}, allowed);
+  }
+
+  support::TemporaryFolder folder_;
+};
+
+constexpr const char* goodAnswer =
+    R"(echo '{"jsonrpc":"2.0","id":1,"result":{"date":"d","data":"x"}}' >&3)";
+
+TEST_F(ExtensionClientTest, GivesTheAnswerAndRelaysWhatIsPrinted) {
+  testing::internal::CaptureStderr();
+  testing::internal::CaptureStdout();
+  const auto entry = askSnapshot(
+      "read request <&3\necho \"heard $request\"\necho grumble >&2\n" + std::string(goodAnswer) +
+      "\nsleep 60");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_THAT(
+      testing::internal::GetCapturedStderr(),
+      AllOf(
+          HasSubstr("heard {\"jsonrpc\":\"2.0\",\"id\":1,\"method\":\"snapshot\""),
+          HasSubstr("grumble\n")));
+  ASSERT_TRUE(entry) << entry.error().message;
+}
+
+TEST_F(ExtensionClientTest, TellsTheWaysToFailApart) {
+  const struct {
+    std::string commands;
+    ExitStatus status;
+    std::string message;
+  } cases[] = {
+      {"exit 7", ExitStatus::extensionEnded, "exit status 7) without a word"},
+      {"read r <&3; echo one >&2; echo 'Unit line 8: broken' >&2; kill -ABRT $$",
+       ExitStatus::extensionEnded,
+       "signal 6, Aborted): Unit line 8: broken"},
+      {"read r <&3; printf 'no line end' >&2; exit 1", ExitStatus::extensionEnded, ": no line end"},
+      {"exec 3>&-; sleep 60", ExitStatus::extensionEnded, "signal 9"},
+      {"echo 'not a message' >&3; sleep 60", ExitStatus::notPossible, "not JSON"},
+      {"head -c 8388609 /dev/zero >&3; sleep 60", ExitStatus::notPossible, "more than 8 MiB"},
+      {R"(echo '{"id":1,"result":{"dropped":true}}' >&3; sleep 60)",
+       ExitStatus::dropped,
+       "sign-in"},
+      {R"(echo '{"id":1,"result":[]}' >&3; sleep 60)", ExitStatus::notPossible, "something else"},
+      {R"(echo '{"id":1,"error":{"code":-32602,"message":"no such kind"}}' >&3; sleep 60)",
+       ExitStatus::wrongUsage,
+       "no such kind"},
+      {R"(echo '{"id":null,"error":{"code":-32700,"message":"what?"}}' >&3; sleep 60)",
+       ExitStatus::notPossible,
+       "refused the request: what?"},
+  };
+  for (const auto& [commands, status, message] : cases) {
+    testing::internal::CaptureStderr();
+    const auto entry = askSnapshot(commands);
+    testing::internal::GetCapturedStderr();
+    ASSERT_FALSE(entry) << commands;
+    EXPECT_EQ(entry.error().status, status) << commands;
+    EXPECT_THAT(entry.error().message, HasSubstr(message)) << commands;
+  }
+}
+
+TEST_F(ExtensionClientTest, StopsAnExtensionThatDoesNotAnswer) {
+  const auto entry = askSnapshot("trap '' TERM; sleep 60", 200ms);
+  ASSERT_FALSE(entry);
+  EXPECT_EQ(entry.error().status, ExitStatus::notPossible);
+  EXPECT_THAT(entry.error().message, HasSubstr("not answered within 1 s"));
+}
+
+TEST_F(ExtensionClientTest, AnAnswerBeforeTheEndCounts) { EXPECT_TRUE(askSnapshot(goodAnswer)); }
+
+TEST_F(ExtensionClientTest, AnAnswerToAnotherRequestIsNotTaken) {
+  EXPECT_TRUE(askSnapshot(
+      R"(echo '{"id":9,"result":{"dropped":true}}' >&3; )" + std::string(goodAnswer) +
+      "; sleep 60"));
+}
+
+TEST_F(ExtensionClientTest, SendsARequestThatIsLargerThanTheChannelTakesAtOnce) {
+  auto extension = ExtensionClient::start(
+      script("head -n 1 <&3 | wc -c >&2; " + std::string(goodAnswer) + "; sleep 60"));
+  ASSERT_TRUE(extension);
+  testing::internal::CaptureStderr();
+  const auto entry = extension->ask<channel::Entry>(
+      channel::RenderRequest{"A", std::string(4'000'000, 'x'), std::nullopt, ""});
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::StartsWith("40000"));
+  EXPECT_TRUE(entry);
+}
+
+TEST_F(ExtensionClientTest, AProgramThatCannotBeStartedIsNamed) {
+  const auto plain = folder_.path() / "plain";
+  std::ofstream(plain) << "#!/bin/sh\n";
+  const auto noProgram = folder_.path() / "no program";
+  std::ofstream(noProgram) << "text";
+  ::chmod(noProgram.c_str(), 0755);
+  for (const auto& path : {folder_.path() / "absent", folder_.path(), plain, noProgram}) {
+    const auto extension = ExtensionClient::start(path);
+    ASSERT_FALSE(extension) << path;
+    EXPECT_EQ(extension.error().status, ExitStatus::notPossible);
+    EXPECT_THAT(extension.error().message, HasSubstr(path.string() + ": "));
+  }
+}
+
+TEST_F(ExtensionClientTest, LeavesNoProcessBehind) {
+  pid_t pid = 0;
+  {
+    auto process = home::ExtensionProcess::start(script("exec sleep 60"));
+    ASSERT_TRUE(process);
+    const home::ExtensionProcess moved = std::move(*process);
+    pid = moved.pid();
+  }
+  EXPECT_EQ(::kill(pid, 0), -1);
+  EXPECT_EQ(errno, ESRCH);
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+}
+
+TEST_F(ExtensionClientTest, TheExtensionInheritsNothingButItsOwnDescriptors) {
+  const int leaked = ::open("/dev/null", O_RDONLY);
+  testing::internal::CaptureStderr();
+  const auto entry = askSnapshot(
+      "test -e /proc/$$/fd/" + std::to_string(leaked) +
+      " && echo leak >&2; echo \"channel $QUILLPAD_CHANNEL\" >&2; exit 1");
+  ::close(leaked);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  ASSERT_FALSE(entry);
+  EXPECT_THAT(entry.error().message, testing::EndsWith("): channel 3"));
+}
+
+}  // namespace
