@@ -7,7 +7,9 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include "platform/drawing/FontFinder.h"
 #include "platform/ui/Font.h"
 
 struct FT_FaceRec_;
@@ -25,15 +27,21 @@ class FontBook {
   FontBook(const FontBook&) = delete;
   FontBook& operator=(const FontBook&) = delete;
 
-  // The system font in a weight. Falls back to any installed sans-serif where its file is missing.
+  // The system font in a weight. Any installed sans-serif stands in where its file is missing.
   FontId system(ui::Weight weight);
 
-  // An installed font of the weight that has the character, chosen by script and language; nothing
-  // if none has it.
+  // An installed font that has all the characters, chosen by script and language; nothing if none
+  // has them.
   std::optional<FontId> fallback(
-      char32_t character, ui::Weight weight, const std::string& language);
+      std::u32string_view characters,
+      Script script,
+      ui::Weight weight,
+      const std::string& language);
 
-  // The face, unscaled state: whoever uses it sets the size first.
+  // Whether the font has a glyph for each of the characters.
+  bool covers(FontId font, std::u32string_view characters);
+
+  // The face, unscaled state: whoever uses it sets the size first. None where the file is damaged.
   FT_FaceRec_* face(FontId font);
 
   // The same face for shaping, scaled to its units per em.

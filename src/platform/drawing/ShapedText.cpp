@@ -13,8 +13,6 @@ namespace {
 constexpr std::size_t pieceLength = 1024;
 constexpr std::size_t longestPiece = 2048;
 
-constexpr std::uint32_t latinScript = 0x4C61746E;  // "Latn"
-
 bool endsLine(char32_t character) {
   return (character >= U'\n' && character <= U'\r') || character == 0x85 || character == 0x2028 ||
          character == 0x2029;
@@ -79,14 +77,14 @@ ShapedText::Piece ShapedText::readPiece() {
     }
   }
   piece.end = text_.size();
-  piece.isSimple = piece.isSimple && (hasLetter || !style_.rightToLeft);
+  piece.isSimple = piece.isSimple && !isRightToLeft_.value_or(style_.rightToLeft && !hasLetter);
   return piece;
 }
 
-void ShapedText::shapePiece(Shaper& shaper) {
+void ShapedText::shapePiece(TextTools& tools) {
   const Piece piece = readPiece();
-  if (piece.end > piece.begin) {
-    shapeSimply(piece, shaper);
+  if (piece.end > piece.begin && !(piece.isSimple && shapeSimply(piece, tools))) {
+    shapeItems(piece, tools);
   }
   if (piece.endsLine) {
     text_.push_back('\n');
@@ -95,21 +93,30 @@ void ShapedText::shapePiece(Shaper& shaper) {
          .textEnd = static_cast<std::uint32_t>(text_.size()),
          .firstGlyph = static_cast<std::uint32_t>(glyphs_.size()),
          .breakAfter = Break::required});
+    isRightToLeft_.reset();
   }
 }
 
-bool ShapedText::shapeSimply(const Piece& piece, Shaper& shaper) {
+bool ShapedText::shapeSimply(const Piece& piece, TextTools& tools) {
   const Stretch stretch{
-      .begin = piece.begin,
-      .end = piece.end,
-      .font = shaper.fonts().system(style_.weight),
-      .script = latinScript};
-  const auto glyphs = shaper.shape(text_, stretch, style_.language);
+      .begin = piece.begin, .end = piece.end, .font = tools.shaper.fonts().system(style_.weight)};
+  const auto glyphs = tools.shaper.shape(text_, stretch, style_.language);
   if (std::ranges::any_of(glyphs, [](const ShapedGlyph& glyph) { return glyph.id == 0; })) {
     return false;
   }
   addRun({.font = stretch.font}, stretch, glyphs);
+  isRightToLeft_ = false;
   return true;
+}
+
+void ShapedText::shapeItems(const Piece& piece, TextTools& tools) {
+  const Itemizer::Items items =
+      tools.itemizer.itemize(text_, piece.begin, piece.end, style_, isRightToLeft_);
+  for (const Stretch& stretch : items.stretches) {
+    const Run run{stretch.font, stretch.level, items.rightToLeft};
+    addRun(run, stretch, tools.shaper.shape(text_, stretch, style_.language));
+  }
+  isRightToLeft_ = items.rightToLeft;
 }
 
 void ShapedText::addRun(Run run, const Stretch& stretch, std::span<const ShapedGlyph> glyphs) {
@@ -140,10 +147,21 @@ void ShapedText::addRun(Run run, const Stretch& stretch, std::span<const ShapedG
   }
 }
 
-void ShapedText::findBreaks() {
+void ShapedText::findBreaks(TextTools& tools) {
+  if (brokenClusters_ == clusters_.size()) {
+    return;
+  }
+  const std::size_t begin = clusters_[brokenClusters_].textBegin;
+  const auto breaks =
+      tools.itemizer.lineBreaks(std::string_view(text_).substr(begin), style_.language);
+  auto place = breaks.begin();
   for (; brokenClusters_ < clusters_.size(); ++brokenClusters_) {
     Cluster& cluster = clusters_[brokenClusters_];
-    if (cluster.isSpace && cluster.breakAfter == Break::none) {
+    while (place != breaks.end() && begin + *place < cluster.textEnd) {
+      ++place;
+    }
+    const bool mayEnd = place != breaks.end() && begin + *place == cluster.textEnd;
+    if (mayEnd && cluster.breakAfter == Break::none) {
       cluster.breakAfter = Break::allowed;
     }
   }

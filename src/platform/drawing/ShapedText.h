@@ -8,17 +8,17 @@
 #include <vector>
 
 #include "platform/drawing/FontBook.h"
+#include "platform/drawing/Itemizer.h"
 #include "platform/drawing/Shaper.h"
 #include "platform/ui/Font.h"
 
 namespace drawing {
 
-// What the shape of a text depends on, beside its characters.
-struct TextStyle {
-  ui::Weight weight = ui::Weight::regular;
-  std::string language{};    // for example "en" or "zh-Hans"
-  bool rightToLeft = false;  // the direction where the text itself has none
-  friend bool operator==(const TextStyle&, const TextStyle&) = default;
+struct TextTools {
+  explicit TextTools(FontBook& fonts) : shaper(fonts), itemizer(fonts) {}
+
+  Shaper shaper;
+  Itemizer itemizer;
 };
 
 class ShapedText {
@@ -54,35 +54,37 @@ class ShapedText {
   const std::vector<ShapedGlyph>& glyphs() const { return glyphs_; }
 
   // Whether clusters() has an element at `index`, shaping on until it has.
-  bool reaches(std::size_t index, Shaper& shaper) {
+  bool reaches(std::size_t index, TextTools& tools) {
     while (index >= clusters_.size() && read_ < source_.size()) {
-      shapePiece(shaper);
+      shapePiece(tools);
     }
     return index < clusters_.size();
   }
 
   // Finds where the shaped clusters allow a break. Required breaks are known without.
-  void findBreaks();
+  void findBreaks(TextTools& tools);
 
   // Roughly the bytes that it takes in memory.
   std::size_t footprint() const;
 
  private:
-  void shapePiece(Shaper& shaper);
+  void shapePiece(TextTools& tools);
   // Copies the source's next piece, up to a line feed or a good place to cut; whether it needs
-  // neither bidirectional ordering nor a second font.
+  // neither bidirectional ordering nor, most likely, a second font.
   struct Piece {
     std::size_t begin = 0, end = 0;  // in text_, without its line feed
     bool isSimple = true;
     bool endsLine = false;
   };
   Piece readPiece();
-  bool shapeSimply(const Piece& piece, Shaper& shaper);
+  bool shapeSimply(const Piece& piece, TextTools& tools);
+  void shapeItems(const Piece& piece, TextTools& tools);
   void addRun(Run run, const Stretch& stretch, std::span<const ShapedGlyph> glyphs);
 
   std::string source_;
   TextStyle style_;
-  std::size_t read_ = 0;  // of source_
+  std::size_t read_ = 0;                 // of source_
+  std::optional<bool> isRightToLeft_{};  // the paragraph that is being read, if begun
   std::string text_;
   std::vector<Cluster> clusters_;
   std::vector<Run> runs_;

@@ -29,8 +29,8 @@ struct Stretch {
   std::size_t begin = 0;
   std::size_t end = 0;
   FontId font = 0;
-  std::uint8_t level = 0;    // of bidirectional embedding: odd is right to left
-  std::uint32_t script = 0;  // its four letters in ISO 15924, the first one highest
+  std::uint8_t level = 0;  // of bidirectional embedding: odd is right to left
+  Script script = latinScript;
 };
 
 class Shaper {

@@ -2,6 +2,7 @@
 // the glyphs come from, so that texts stand where they do on the phone. Plain values.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 
 namespace drawing {
@@ -15,7 +16,7 @@ constexpr double systemLineHeight(double size) { return 1.1934 * size; }
 // The smallest whole number of device pixels, in points, that holds the length.
 inline double roundedUpToPixel(double length, double scale) {
   constexpr double tolerance = 1e-6;
-  return std::ceil(length * scale - tolerance) / scale;
+  return std::max(std::ceil(length * scale - tolerance) / scale, 0.0);
 }
 
 }  // namespace drawing

@@ -84,7 +84,7 @@ ShapedText& TextEngine::ellipsis(ui::Weight weight) {
   auto& text = ellipses_.at(static_cast<std::size_t>(weight));
   if (!text) {
     text = std::make_unique<ShapedText>("…", TextStyle{.weight = weight});
-    text->reaches(0, shaper_);
+    text->reaches(0, tools_);
   }
   return *text;
 }
@@ -100,7 +100,7 @@ TextEngine::Line TextEngine::cutWithEllipsis(
   std::size_t kept = begin;
   double length = 0;
   double keptLength = 0;
-  for (; text.reaches(end, shaper_); ++end) {
+  for (; text.reaches(end, tools_); ++end) {
     const ShapedText::Cluster& cluster = text.clusters()[end];
     length += cluster.advance * size;
     if (cluster.breakAfter == ShapedText::Break::required || length + sign > width + tolerance) {
@@ -118,12 +118,12 @@ void TextEngine::breakLines(ShapedText& text, double size, Size proposed) {
   lines_.clear();
   const std::size_t most = linesThatFit(proposed.height, size);
   const double limit = std::min(proposed.width, furthest) + tolerance;
-  for (std::size_t begin = 0; text.reaches(begin, shaper_) && lines_.size() < most;) {
+  for (std::size_t begin = 0; text.reaches(begin, tools_) && lines_.size() < most;) {
     std::size_t next = begin;
     bool ends = false;
     Line line{.begin = begin, .end = begin};
     double length = 0;
-    for (; !ends && text.reaches(next, shaper_); ++next) {
+    for (; !ends && text.reaches(next, tools_); ++next) {
       const ShapedText::Cluster& cluster = text.clusters()[next];
       ends = cluster.breakAfter == ShapedText::Break::required;
       if (cluster.isSpace || ends) {
@@ -137,14 +137,14 @@ void TextEngine::breakLines(ShapedText& text, double size, Size proposed) {
       line.end = next + 1;
       line.width = length;
     }
-    const bool isLast = !text.reaches(next, shaper_);
+    const bool isLast = !text.reaches(next, tools_);
     if (!isLast && !ends) {
       if (std::isinf(proposed.width)) {
         lines_.push_back(line);
         return;
       }
       // Back to the last place where the line may end; a word that has none is cut where it is.
-      text.findBreaks();
+      text.findBreaks(tools_);
       std::size_t word = next;
       while (word > begin && text.clusters()[word - 1].breakAfter == ShapedText::Break::none) {
         --word;

@@ -13,7 +13,6 @@
 #include "platform/drawing/FontBook.h"
 #include "platform/drawing/Geometry.h"
 #include "platform/drawing/ShapedText.h"
-#include "platform/drawing/Shaper.h"
 #include "platform/ui/View.h"
 
 namespace drawing {
@@ -27,9 +26,9 @@ struct TextPlace {
 
 class TextEngine {
  public:
-  explicit TextEngine(FontBook& fonts) : shaper_(fonts) {}
+  explicit TextEngine(FontBook& fonts) : tools_(fonts) {}
 
-  FontBook& fonts() { return shaper_.fonts(); }
+  FontBook& fonts() { return tools_.shaper.fonts(); }
 
   // The size that the text takes when offered one: the width of its longest line and the lines that
   // fit, at least one. Both are whole device pixels.
@@ -59,7 +58,7 @@ class TextEngine {
   Line cutWithEllipsis(ShapedText& text, double size, double width, std::size_t begin);
   ShapedText& ellipsis(ui::Weight weight);
 
-  Shaper shaper_;
+  TextTools tools_;
   std::vector<Line> lines_;
 
   std::array<std::unique_ptr<ShapedText>, 3> ellipses_;  // by weight
