@@ -14,6 +14,12 @@ using namespace ui;
 
 constexpr Rgba black = blackColor;
 
+std::string thousandths(double length) {
+  std::ostringstream text;
+  text << std::round(length * 1000) / 1000 + 0.0;
+  return text.str();
+}
+
 // What stands where, one item a line: "text abc 0,0 30x10". Colours are "fill", clips by number.
 std::string describe(const Layout& layout) {
   std::string lines;
@@ -25,10 +31,9 @@ std::string describe(const Layout& layout) {
     } else {
       lines += "fill";
     }
-    char frame[96];
     const Rect& at = item.frame;
-    std::snprintf(frame, sizeof frame, " %g,%g %gx%g", at.x, at.y, at.width, at.height);
-    lines += frame;
+    lines += " " + thousandths(at.x) + "," + thousandths(at.y) + " " + thousandths(at.width) + "x" +
+             thousandths(at.height);
     lines += item.clip >= 0 ? " clip " + std::to_string(item.clip) + "\n" : "\n";
   }
   return lines;
@@ -62,8 +67,6 @@ struct Case {
   Size size;
   const char* placed;
 };
-
-void PrintTo(const Case& one, std::ostream* out) { *out << one.what; }
 
 TEST(Layout, PlacesWhatItIsGiven) {
   const Case cases[] = {
