@@ -84,7 +84,7 @@ TEST_F(SettingsTest, CannotBeOpenedWhenDamaged) {
        {storeOf("<array/>"),
         storeOf("<string>a</string>"),
         std::string("not XML"),
-        std::string("{\"token\":\"abc\"}"),
+        std::string(R"({"token":"abc"})"),
         storeOf("<dict/><!--" + std::string(std::size_t{1} << 20, 'x') + "-->")}) {
     put(bytes);
     EXPECT_FALSE(UserDefaults::open(kSuite)) << bytes.substr(0, 80);
@@ -179,7 +179,7 @@ TEST_F(SettingsTest, AreSeenBeforeOrAfterAChangeByWhoReadsMeanwhile) {
   const std::string longText(50'000, 'x');
   ASSERT_TRUE(set("token", longText));
   std::atomic<bool> done = false;
-  std::jthread writer([&] {
+  const std::jthread writer([&] {
     for (int i = 0; i < 100; ++i) EXPECT_TRUE(set("token", i % 2 == 0 ? "short" : longText));
     done = true;
   });
@@ -205,8 +205,8 @@ TEST_F(SettingsTest, LoseNothingToManyWritersAtOnce) {
     processes.push_back(process);
   }
   {
-    std::jthread one([&] { EXPECT_TRUE(write("c")); });
-    std::jthread two([&] { EXPECT_TRUE(write("d")); });
+    const std::jthread one([&] { EXPECT_TRUE(write("c")); });
+    const std::jthread two([&] { EXPECT_TRUE(write("d")); });
   }
   for (const pid_t process : processes) {
     int status = 0;
