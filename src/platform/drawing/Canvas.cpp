@@ -211,6 +211,7 @@ void RgbaCanvas::span(int x, int y, int count) {
 void RgbaCanvas::uncover(int x, int y, const CoverLevel* levels, int count) {
   std::uint8_t* pixel = at(x, y);
   for (int i = 0; i < count; ++i, pixel += 4) {
+    if (levels[i] == fullCover) continue;
     const ui::Rgba color = withAlpha(ground_, ground_.alpha * alphaOf(levels[i]) / 255);
     std::memcpy(pixel, &color, 4);
   }
