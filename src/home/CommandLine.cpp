@@ -4,11 +4,15 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <algorithm>
+#include <functional>
 #include <iostream>
 #include <optional>
-#include <sstream>
+#include <string>
 #include <system_error>
 #include <vector>
+
+#include "platform/channel/Messages.h"
+#include "platform/foundation/NumberText.h"
 
 namespace home {
 namespace {
@@ -40,16 +44,19 @@ class Parser {
     addShow("snapshot", "Print the widget's snapshot", EntryState::snapshot);
     addShow("timeline", "Fetch the widget's timeline and print it", EntryState::timeline);
     addTap();
+    addRender();
+    addTree();
+    addGallery();
     addSettings();
   }
 
   std::expected<CommandLine, Failure> parse(int argc, const char* const* argv) {
     try {
       app_.parse(argc, argv);
+      return CommandLine{chosen_(), extension_};
     } catch (const CLI::ParseError& error) {
       return told(error);
     }
-    return CommandLine{std::move(*command_), extension_};
   }
 
  private:
@@ -67,12 +74,12 @@ class Parser {
         ExitStatus::wrongUsage, reason + "; \"quillpad-home --help\" tells the commands");
   }
 
-  // A command whose choice is made when its options are known.
+  // A command that is chosen by its name and made once all options are known.
   template <class Choose>
   CLI::App* add(CLI::App& parent, const char* name, const char* description, Choose choose) {
     CLI::App* command = parent.add_subcommand(name, description);
     command->fallthrough();
-    command->parse_complete_callback([this, choose] { command_ = choose(); });
+    command->parse_complete_callback([this, choose] { chosen_ = choose; });
     return command;
   }
 
@@ -107,6 +114,103 @@ class Parser {
     command->add_flag("--print", print_, "Print the link instead");
   }
 
+  void addChoiceOfEntry(CLI::App* command) {
+    command->add_option("--state", state_, "The entry to draw")
+        ->check(CLI::IsMember({"placeholder", "snapshot", "timeline"}))
+        ->capture_default_str();
+  }
+
+  void addViewOptions(CLI::App* command) {
+    addKind(command);
+    addChoiceOfEntry(command);
+    command->add_option("--entry", entryFile_, "An entry of your own, as snapshot --json prints it")
+        ->type_name("FILE");
+    command->add_option("--family", family_, "The widget's size class")
+        ->check(CLI::IsMember({"systemSmall", "systemMedium"}));
+  }
+
+  void addScale(CLI::App* command) {
+    command->add_option("--scale", scale_, "Device pixels per point")
+        ->check(CLI::IsMember({"1", "2", "3"}))
+        ->capture_default_str();
+  }
+
+  void addRender() {
+    CLI::App* command = add(app_, "render", "Draw a widget", [this] {
+      return RenderCommand{{view(), output_, format(), appearance(), std::stoi(scale_), size()}};
+    });
+    addViewOptions(command);
+    command->add_option("-o,--output", output_, "Where to; -: standard output")
+        ->type_name("FILE")
+        ->required();
+    command->add_option("--format", formatName_, "png, svg or json; else by the file's ending")
+        ->check(CLI::IsMember({"png", "svg", "json"}));
+    command->add_option("--appearance", appearance_, "The appearance to draw in")
+        ->check(CLI::IsMember({"light", "dark", "unspecified"}))
+        ->capture_default_str();
+    addScale(command);
+    command->add_option("--size", size_, "The card's size in points, for example 170x170")
+        ->type_name("WxH");
+  }
+
+  void addTree() {
+    addViewOptions(add(app_, "tree", "Print a widget's view tree as JSON", [this] {
+      return TreeCommand{view()};
+    }));
+  }
+
+  void addGallery() {
+    CLI::App* command =
+        add(app_, "gallery", "Draw all widgets, light and dark, with an index page", [this] {
+          return GalleryCommand{{output_, state(), std::stoi(scale_)}};
+        });
+    command->add_option("-o,--output", output_, "Where to")->type_name("FOLDER")->required();
+    addChoiceOfEntry(command);
+    addScale(command);
+  }
+
+  ViewChoice view() const { return {kind_, state(), entryFile_, channel::familyFromName(family_)}; }
+
+  EntryState state() const {
+    if (state_ == "placeholder") return EntryState::placeholder;
+    return state_ == "snapshot" ? EntryState::snapshot : EntryState::timeline;
+  }
+
+  ui::Appearance appearance() const {
+    if (appearance_ == "light") return ui::Appearance::light;
+    return appearance_ == "dark" ? ui::Appearance::dark : ui::Appearance::unspecified;
+  }
+
+  PictureFormat format() const {
+    const std::string ending = std::filesystem::path(output_).extension();
+    const auto format = pictureFormatFromName(
+        !formatName_.empty() ? formatName_
+                             : ending.substr(std::min<std::size_t>(1, ending.size())));
+    if (!format) {
+      throw CLI::ValidationError(
+          output_ == "-" ? "-o - needs --format png, svg or json"
+                         : "\"" + output_ + "\" ends in none of .png, .svg, .json");
+    }
+    return *format;
+  }
+
+  std::optional<drawing::Size> size() const {
+    if (size_.empty()) return std::nullopt;
+    constexpr double longest = 10'000;
+    const std::size_t cross = size_.find('x');
+    const auto width = foundation::doubleFromText(size_.substr(0, cross));
+    const auto height = foundation::doubleFromText(
+        cross == std::string::npos ? std::string() : size_.substr(cross + 1));
+    const auto fits = [](std::optional<double> length) {
+      return length && *length > 0 && *length <= longest;
+    };
+    if (!fits(width) || !fits(height)) {
+      throw CLI::ValidationError(
+          "--size is width and height in points, above 0 and at most 10000, for example 170x170");
+    }
+    return drawing::Size{*width, *height};
+  }
+
   void addSettings() {
     CLI::App* settings = app_.add_subcommand(
         "settings", "Show and change what the application shares with the extension");
@@ -134,11 +238,19 @@ class Parser {
   }
 
   CLI::App app_{"The home screen of the Quillpad widgets.", "quillpad-home"};
-  std::optional<Command> command_;
+  std::function<Command()> chosen_;
   std::string extension_ = defaultExtension();
   std::string kind_;
   bool json_ = false;
   bool print_ = false;
+  std::string state_ = "timeline";
+  std::string entryFile_;
+  std::string family_;
+  std::string output_;
+  std::string formatName_;
+  std::string appearance_ = "light";
+  std::string scale_ = "2";
+  std::string size_;
   std::string businessId_;
   std::string tokenFile_;
   std::string currency_;

@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "home/Failure.h"
+#include "home/PictureCommands.h"
 #include "home/WidgetCommands.h"
 
 namespace home {
@@ -23,6 +24,15 @@ struct TapCommand {
   std::string kind;
   TapAction action = TapAction::open;
 };
+struct RenderCommand {
+  RenderChoice choice;
+};
+struct TreeCommand {
+  ViewChoice choice;
+};
+struct GalleryCommand {
+  GalleryChoice choice;
+};
 struct ShowSettingsCommand {};
 struct SignInCommand {
   std::string businessId;
@@ -37,6 +47,9 @@ using Command = std::variant<
     ListCommand,
     ShowCommand,
     TapCommand,
+    RenderCommand,
+    TreeCommand,
+    GalleryCommand,
     ShowSettingsCommand,
     SignInCommand,
     SetCurrencyCommand,

@@ -1,20 +1,17 @@
 #include "home/SettingsCommands.h"
 
-#include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstring>
+#include <cstddef>
 #include <expected>
-#include <fcntl.h>
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
 #include <system_error>
-#include <unistd.h>
+#include <utility>
 
+#include "home/InputFile.h"
 #include "home/Output.h"
 #include "home/TextTable.h"
-#include "platform/channel/FileDescriptor.h"
 #include "platform/foundation/SettingsWriter.h"
 #include "platform/foundation/UserDefaults.h"
 
@@ -45,34 +42,14 @@ Done checkText(const std::string& name, const std::string& text) {
 }
 
 std::expected<std::string, Failure> readToken(const std::string& tokenFile) {
-  const bool standardInput = tokenFile == "-";
-  const std::string name = standardInput ? "standard input" : tokenFile;
-  const channel::FileDescriptor file(
-      standardInput ? ::dup(STDIN_FILENO) : ::open(tokenFile.c_str(), O_RDONLY | O_CLOEXEC));
-  std::string token;
-  std::array<char, 4096> buffer{};
-  ssize_t count = file ? 1 : -1;
-  while (count > 0 && token.size() <= longestToken) {
-    count = ::read(file.get(), buffer.data(), buffer.size());
-    if (count > 0) {
-      token.append(buffer.data(), static_cast<std::size_t>(count));
-    } else if (count < 0 && errno == EINTR) {
-      count = 1;
-    }
-  }
-  if (count < 0) {
-    return failure(
-        ExitStatus::notPossible,
-        "cannot read the token from " + name + ": " + std::strerror(errno));
-  }
-  if (token.size() > longestToken) {
-    return failure(ExitStatus::wrongUsage, name + " is no token file: it is longer than 64 KiB");
-  }
+  auto input = readInput(tokenFile, longestToken);
+  if (!input) return input;
+  std::string token = std::move(*input);
   if (token.ends_with('\n')) {
     token.pop_back();
     if (token.ends_with('\r')) token.pop_back();
   }
-  if (auto checked = checkText("the token in " + name, token); !checked) {
+  if (auto checked = checkText("the token in " + inputName(tokenFile), token); !checked) {
     return std::unexpected(checked.error());
   }
   return token;

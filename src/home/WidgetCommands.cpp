@@ -26,18 +26,6 @@ Done printJson(const foundation::Value& value) {
   return print(*text + '\n');
 }
 
-// A failed transfer shows in the answer as zeros or sample rows, so it is told beside it.
-void tellFailedTransfers(const ExtensionClient& extension) {
-  for (const foundation::TransferReport& transfer : extension.transfers()) {
-    if (transfer.error) {
-      std::fprintf(
-          stderr,
-          "quillpad-home: the gateway was not reached (%s); the figures are stand-ins\n",
-          transfer.error->localizedDescription.c_str());
-    }
-  }
-}
-
 template <class Answer>
 Done askAndPrint(ExtensionClient& extension, const channel::Request& request, OutputForm form) {
   const auto answer = extension.ask<Answer>(request);
@@ -102,6 +90,17 @@ Done openLink(const std::string& link) {
 }
 
 }  // namespace
+
+void tellFailedTransfers(const ExtensionClient& extension) {
+  for (const foundation::TransferReport& transfer : extension.transfers()) {
+    if (transfer.error) {
+      std::fprintf(
+          stderr,
+          "quillpad-home: the gateway was not reached (%s); the figures are stand-ins\n",
+          transfer.error->localizedDescription.c_str());
+    }
+  }
+}
 
 Done list(ExtensionClient& extension, OutputForm form) {
   return askAndPrint<channel::Catalogue>(extension, channel::CatalogueRequest{}, form);

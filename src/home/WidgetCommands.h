@@ -16,6 +16,10 @@ Done list(ExtensionClient& extension, OutputForm form);
 
 Done show(ExtensionClient& extension, EntryState state, const std::string& kind, OutputForm form);
 
+// A failed transfer shows in the answer as zeros or sample rows; this tells of it on standard
+// error.
+void tellFailedTransfers(const ExtensionClient& extension);
+
 enum class TapAction { open, print };
 
 // Opens the deep link of the widget's snapshot with the desktop's handler, or prints it.

@@ -35,6 +35,18 @@ struct Run {
       return tap(extension, command.kind, command.action);
     });
   }
+  Done operator()(const RenderCommand& command) const {
+    return withExtension(
+        line, [&](ExtensionClient& extension) { return render(extension, command.choice); });
+  }
+  Done operator()(const TreeCommand& command) const {
+    return withExtension(
+        line, [&](ExtensionClient& extension) { return tree(extension, command.choice); });
+  }
+  Done operator()(const GalleryCommand& command) const {
+    return withExtension(
+        line, [&](ExtensionClient& extension) { return gallery(extension, command.choice); });
+  }
   Done operator()(const ShowSettingsCommand& /*command*/) const { return showSettings(); }
   Done operator()(const SignInCommand& command) const {
     return signIn(command.businessId, command.tokenFile);

@@ -1,0 +1,49 @@
+// The commands that draw: render, tree, gallery.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "home/ExtensionClient.h"
+#include "home/Failure.h"
+#include "home/Studio.h"
+#include "home/WidgetCommands.h"
+#include "platform/drawing/Geometry.h"
+#include "platform/ui/Color.h"
+#include "platform/ui/Environment.h"
+
+namespace home {
+
+// Which entry of a widget is drawn, and as which family.
+struct ViewChoice {
+  std::string kind;
+  EntryState state = EntryState::timeline;
+  std::string entryFile;                   // an entry of one's own in place of the state's
+  std::optional<ui::WidgetFamily> family;  // absent: the kind's own
+};
+
+struct RenderChoice {
+  ViewChoice view;
+  std::string output;  // a file, or "-" for standard output
+  PictureFormat format = PictureFormat::png;
+  ui::Appearance appearance = ui::Appearance::light;
+  int scale = 2;
+  std::optional<drawing::Size> size;  // absent: the family's on the default screen
+};
+
+Done render(ExtensionClient& extension, const RenderChoice& choice);
+
+// Prints the view tree of the entry.
+Done tree(ExtensionClient& extension, const ViewChoice& choice);
+
+struct GalleryChoice {
+  std::filesystem::path folder;
+  EntryState state = EntryState::timeline;
+  int scale = 2;
+};
+
+// Draws every widget in light and in dark appearance, with a page that shows them.
+Done gallery(ExtensionClient& extension, const GalleryChoice& choice);
+
+}  // namespace home

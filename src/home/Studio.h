@@ -1,0 +1,48 @@
+// Draws widgets: the fonts, shaped texts and pictures that drawing needs, kept from card to card.
+// Belongs to one thread.
+#pragma once
+
+#include <expected>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/drawing/Card.h"
+#include "platform/drawing/DisplayList.h"
+#include "platform/drawing/FontBook.h"
+#include "platform/drawing/Pictures.h"
+#include "platform/drawing/PngWriter.h"
+#include "platform/drawing/TextEngine.h"
+#include "platform/ui/Environment.h"
+#include "platform/ui/View.h"
+
+namespace home {
+
+enum class PictureFormat { png, svg, json };
+
+std::optional<PictureFormat> pictureFormatFromName(std::string_view name);
+
+// The size of a family's card on the default screen, in points.
+drawing::Size defaultSize(ui::WidgetFamily family);
+
+class Studio {
+ public:
+  Studio();
+
+  // The card's display list. The language is that of the locale, for example "zh_Hans_CN", and
+  // with it the direction.
+  drawing::DisplayList compose(
+      const ui::View& view, drawing::CardRequest request, const std::string& locale);
+
+  // The list as a file of the format, or one line that tells why it cannot be drawn.
+  std::expected<std::string, std::string> write(
+      const drawing::DisplayList& list, PictureFormat format);
+
+ private:
+  drawing::FontBook fonts_;
+  drawing::TextEngine texts_;
+  drawing::Pictures pictures_;
+  drawing::PngWriter png_;
+};
+
+}  // namespace home
