@@ -172,10 +172,12 @@ void TextEngine::breakLines(ShapedText& text, double size, Size proposed) {
 
 Size TextEngine::measure(const ui::Text& text, const TextPlace& place, Size proposed) {
   const double size = text.textFont.size;
-  breakLines(shaped(text, place), size, proposed);
+  // Lines may take what the frame will have; otherwise they would break differently in it.
+  const double most = roundedUpToPixel(proposed.width, place.scale);
+  breakLines(shaped(text, place), size, {most, proposed.height});
   double width = 0;
   for (const Line& line : lines_) {
-    width = std::max(width, line.width);
+    width = std::max(width, std::min(line.width, most));
   }
   const double height = static_cast<double>(lines_.size()) * systemLineHeight(size);
   return {roundedUpToPixel(width, place.scale), roundedUpToPixel(height, place.scale)};
