@@ -100,11 +100,11 @@ int IndexedCanvas::ramp() {
   return rampBase_;
 }
 
-// Where pixels of one ink meet, the stronger cover stays.
 std::uint8_t IndexedCanvas::mixed(std::uint8_t under, int level) {
   const int step = under - rampBase_;
-  if (rampBase_ >= 0 && step >= 1 && step <= fullCover) {
-    return static_cast<std::uint8_t>(rampBase_ + std::max(step, level));
+  if (rampBase_ >= 0 && step >= 1 && step <= fullCover && ink_.alpha == 255) {
+    // Where pixels of one ink meet, the ground shows through what neither covers.
+    return static_cast<std::uint8_t>(rampBase_ + step + masked(fullCover - step, level));
   }
   if (under != mixedUnder_) {
     mixedUnder_ = under;
@@ -118,15 +118,13 @@ std::uint8_t IndexedCanvas::mixed(std::uint8_t under, int level) {
 void IndexedCanvas::stamp(int x, int y, const CoverLevel* levels, int count) {
   std::uint8_t* pixels = row(x, y);
   if (const int base = ramp(); base >= 0) {
-    int strangers = 0;  // pixels that are neither ground nor of this ink
+    int met = 0;  // whether the ink falls on anything but the ground
     for (int i = 0; i < count; ++i) {
-      const auto step = static_cast<std::uint8_t>(pixels[i] - base - 1);
-      strangers |= static_cast<int>(pixels[i] != 0) & static_cast<int>(step >= fullCover);
+      met |= static_cast<int>(pixels[i] != 0) & static_cast<int>(levels[i] != 0);
     }
-    if (strangers == 0) {
+    if (met == 0) {
       for (int i = 0; i < count; ++i) {
-        const auto ink = static_cast<std::uint8_t>(levels[i] != 0 ? base + levels[i] : 0);
-        pixels[i] = std::max(pixels[i], ink);
+        pixels[i] |= static_cast<std::uint8_t>(levels[i] != 0 ? base + levels[i] : 0);
       }
       return;
     }

@@ -2,19 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <png.h>
 #include <string>
 
 namespace drawing {
 
-std::expected<Picture, std::string> readPng(std::span<const std::uint8_t> bytes) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) {
-    return std::unexpected(std::string(image.message));
-  }
+namespace {
+
+// Reads what was begun.
+std::expected<Picture, std::string> finished(png_image& image) {
   image.format = PNG_FORMAT_RGBA;
   if (std::int64_t{image.width} * image.height > maximumPixels) {
     png_image_free(&image);
@@ -31,11 +27,22 @@ std::expected<Picture, std::string> readPng(std::span<const std::uint8_t> bytes)
   return picture;
 }
 
+}  // namespace
+
+std::expected<Picture, std::string> readPng(std::span<const std::uint8_t> bytes) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) {
+    return std::unexpected(std::string(image.message));
+  }
+  return finished(image);
+}
+
 std::expected<Picture, std::string> readPngFile(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) return std::unexpected(file.string() + ": the file cannot be opened");
-  const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
-  auto picture = readPng({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  const bool begun = png_image_begin_read_from_file(&image, file.c_str()) != 0;
+  auto picture = begun ? finished(image) : std::unexpected(std::string(image.message));
   if (!picture) {
     return std::unexpected(file.string() + ": not a readable PNG file: " + picture.error());
   }
