@@ -1,0 +1,193 @@
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/foundation/Json.h"
+#include "platform/ui/ViewCodec.h"
+
+namespace ui {
+namespace {
+
+using enum Weight;
+using foundation::Array;
+using foundation::Dictionary;
+using foundation::Value;
+using ::testing::HasSubstr;
+
+std::string json(const Value& value) {
+  return foundation::writeJson(value, foundation::JsonLayout::compact).value();
+}
+
+Value parsed(const std::string& text) {
+  return foundation::readJson(text, foundation::JsonFragments::allowed).value();
+}
+
+// A tree with every content and every modifier.
+View everything() {
+  return VStack(
+             Text("Sales").font({17, semibold}).foregroundColor(Rgba{17, 184, 38}),
+             HStack(
+                 Text::verbatim("<b>\"1\"</b>").font({12.5, medium}),
+                 Spacer(),
+                 Image("Graph").frame({.minWidth = 20, .idealHeight = 1, .maxHeight = 30}))
+                 .background(Color(Rgba{1, 2, 3, 4}, whiteColor))
+                 .clipShape({.cornerRadius = 16}),
+             Rectangle(Rgba{220, 220, 220}).frame({.height = 0.5}).padding(0))
+      .padding({.top = 20, .leading = 1, .bottom = 2, .trailing = 3})
+      .widgetURL(foundation::URL::parse("quillpad://Report"));
+}
+
+TEST(ViewCodec, WritesATreeThatReadsAsItLooks) {
+  EXPECT_EQ(
+      json(toValue(everything())),
+      R"({"type":"vstack","children":[)"
+      R"({"type":"text","text":"Sales","localized":true,"font":{"size":17,"weight":"semibold"},)"
+      R"("color":{"light":"#11B826","dark":"#11B826"}},)"
+      R"({"type":"hstack","children":[)"
+      R"({"type":"text","text":"<b>\"1\"</b>","font":{"size":12.5,"weight":"medium"}},)"
+      R"({"type":"spacer"},)"
+      R"({"type":"image","name":"Graph","modifiers":[)"
+      R"({"flexibleFrame":{"minWidth":20,"idealHeight":1,"maxHeight":30}}]}],)"
+      R"("modifiers":[{"background":{"light":"#01020304","dark":"#FFFFFF"}},)"
+      R"({"clipShape":{"cornerRadius":16}}]},)"
+      R"({"type":"rectangle","color":{"light":"#DCDCDC","dark":"#DCDCDC"},)"
+      R"("modifiers":[{"frame":{"height":0.5}},)"
+      R"({"padding":{"top":0,"leading":0,"bottom":0,"trailing":0}}]}],)"
+      R"("modifiers":[{"padding":{"top":20,"leading":1,"bottom":2,"trailing":3}},)"
+      R"({"widgetURL":"quillpad://Report"}]})");
+}
+
+TEST(ViewCodec, ReadsBackWhatItWrote) {
+  const std::string written = json(toValue(everything()));
+  const auto read = viewFromValue(parsed(written));
+  ASSERT_TRUE(read) << read.error();
+  EXPECT_EQ(json(toValue(*read)), written);
+}
+
+TEST(ViewCodec, LooksUpKeysAndLeavesVerbatimTextsAlone) {
+  const View view = localized(
+      VStack(HStack(Text("Sales")), Text::verbatim("Sales"), Text("unknown")).padding(1),
+      [](const std::string& key) { return key == "Sales" ? "Umsatz" : key; });
+  EXPECT_EQ(
+      json(toValue(view)),
+      json(toValue(
+          VStack(
+              HStack(Text::verbatim("Umsatz")), Text::verbatim("Sales"), Text::verbatim("unknown"))
+              .padding(1))));
+}
+
+TEST(ViewCodec, NamesTheFirstThingWrongByItsPlace) {
+  struct Case {
+    const char* json;
+    const char* error;
+  };
+  const std::vector<Case> cases{
+      {"null", "view: not an object"},
+      {"[]", "view: not an object"},
+      {"{}", "view: no \"type\""},
+      {R"({"type":5})", "view.type: not a text"},
+      {R"({"type":"grid"})", "view: unknown type"},
+      {R"({"type":"image"})", "view: no \"name\""},
+      {R"({"type":"text","text":"a"})", "view: no \"font\""},
+      {R"({"type":"text","text":"a","font":{"size":0,"weight":"regular"}})",
+       "view.font: the size is not above 0"},
+      {R"({"type":"text","text":"a","font":{"size":9,"weight":"bold"}})",
+       "view.font: unknown weight"},
+      {R"({"type":"text","text":"a","localized":1,"font":{"size":9,"weight":"regular"}})",
+       "view.localized: not true or false"},
+      {R"({"type":"hstack","children":{}})", "view.children: not an array"},
+      {R"({"type":"vstack","children":[{"type":"spacer"},{"type":"hstack","children":[7]}]})",
+       "view.children[1].children[0]: not an object"},
+      {R"({"type":"rectangle","color":"#11B826"})",
+       "view.color: not an object with \"light\" and \"dark\""},
+      {R"({"type":"rectangle","color":{"light":"#11B826","dark":"#11B82"}})",
+       "view.color.dark: not a colour like \"#11B826\""},
+      {R"({"type":"rectangle","color":{"light":"#-1B826","dark":"#11B826"}})",
+       "view.color.light: not a colour like \"#11B826\""},
+      {R"({"type":"spacer","modifiers":[{}]})", "view.modifiers[0]: not an object with one member"},
+      {R"({"type":"spacer","modifiers":[{"blur":{}}]})", "view.modifiers[0]: unknown modifier"},
+      {R"({"type":"spacer","modifiers":[{"padding":{"top":0,"leading":0,"bottom":0}}]})",
+       "view.modifiers[0]: no \"trailing\""},
+      {R"({"type":"spacer","modifiers":[{"frame":{"width":"9"}}]})",
+       "view.modifiers[0].width: not a number"},
+      {R"({"type":"spacer","modifiers":[{"clipShape":{"cornerRadius":1e300}}]})",
+       "view.modifiers[0].cornerRadius: longer than 1000000 points"}};
+  for (const auto& [text, error] : cases) {
+    const auto view = viewFromValue(parsed(text));
+    ASSERT_FALSE(view) << text;
+    EXPECT_EQ(view.error(), error) << text;
+  }
+}
+
+Value nested(int depth) {
+  Value view = Dictionary{{"type", "spacer"}};
+  for (int i = 1; i < depth; ++i) {
+    view = Dictionary{{"type", "vstack"}, {"children", Array{std::move(view)}}};
+  }
+  return view;
+}
+
+TEST(ViewCodec, Takes256LevelsAndNoMore) {
+  EXPECT_TRUE(viewFromValue(nested(256)));
+  const auto tooDeep = viewFromValue(nested(257));
+  ASSERT_FALSE(tooDeep);
+  EXPECT_THAT(tooDeep.error(), HasSubstr("more than 256 views deep"));
+}
+
+TEST(ViewCodec, Takes100000ViewsAndNoMore) {
+  const auto stackOf = [](std::size_t count) {
+    return Value(Dictionary{
+        {"type", "hstack"}, {"children", Array(count, Value(Dictionary{{"type", "spacer"}}))}});
+  };
+  EXPECT_TRUE(viewFromValue(stackOf(99'999)));
+  const auto tooMany = viewFromValue(stackOf(100'000));
+  ASSERT_FALSE(tooMany);
+  EXPECT_THAT(tooMany.error(), HasSubstr("more than 100000 views"));
+}
+
+// Replaces the values inside `value` one after another by `replacement` and calls `visit` with the
+// whole each time.
+void forEachReplacement(
+    const Value& value, const Value& replacement, const std::function<void(const Value&)>& visit) {
+  visit(replacement);
+  if (const auto* array = value.as<Array>()) {
+    for (std::size_t i = 0; i < array->size(); ++i) {
+      forEachReplacement((*array)[i], replacement, [&](const Value& changed) {
+        Array copy = *array;
+        copy[i] = changed;
+        visit(Value(std::move(copy)));
+      });
+    }
+  } else if (const auto* dictionary = value.as<Dictionary>()) {
+    for (const auto& member : *dictionary) {
+      forEachReplacement(member.value, replacement, [&](const Value& changed) {
+        Dictionary copy = *dictionary;
+        copy.set(member.key, changed);
+        visit(Value(std::move(copy)));
+      });
+    }
+  }
+}
+
+TEST(ViewCodec, TakesOnlyTreesThatItCouldHaveWritten) {
+  int taken = 0;
+  int refused = 0;
+  const std::vector<Value> replacements{
+      Value(), true, -1, 1e7, "text", Array{}, Array{1}, Dictionary{}, Dictionary{{"a", 1}}};
+  for (const Value& replacement : replacements) {
+    forEachReplacement(toValue(everything()), replacement, [&](const Value& changed) {
+      const auto view = viewFromValue(changed);
+      if (!view) {
+        ++refused;
+        return;
+      }
+      ++taken;
+      EXPECT_TRUE(viewFromValue(toValue(*view))) << json(changed);
+    });
+  }
+  EXPECT_GT(taken, 0);
+  EXPECT_GT(refused, taken);
+}
+
+}  // namespace
+}  // namespace ui
