@@ -47,6 +47,7 @@ class Parser {
     addRender();
     addTree();
     addGallery();
+    addServe();
     addSettings();
   }
 
@@ -211,6 +212,16 @@ class Parser {
     return drawing::Size{*width, *height};
   }
 
+  void addServe() {
+    CLI::App* command = add(app_, "serve", "Show the live home screen on this machine", [this] {
+      return ServeCommand{static_cast<std::uint16_t>(port_)};
+    });
+    command->add_option("--port", port_, "The port of 127.0.0.1; 0: a free one")
+        ->type_name("N")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+  }
+
   void addSettings() {
     CLI::App* settings = app_.add_subcommand(
         "settings", "Show and change what the application shares with the extension");
@@ -251,6 +262,7 @@ class Parser {
   std::string appearance_ = "light";
   std::string scale_ = "2";
   std::string size_;
+  int port_ = 8480;
   std::string businessId_;
   std::string tokenFile_;
   std::string currency_;

@@ -1,6 +1,7 @@
 // The command line, parsed: what a person asked for, as values.
 #pragma once
 
+#include <cstdint>
 #include <expected>
 #include <filesystem>
 #include <string>
@@ -33,6 +34,9 @@ struct TreeCommand {
 struct GalleryCommand {
   GalleryChoice choice;
 };
+struct ServeCommand {
+  std::uint16_t port = 0;  // 0: a free one
+};
 struct ShowSettingsCommand {};
 struct SignInCommand {
   std::string businessId;
@@ -50,6 +54,7 @@ using Command = std::variant<
     RenderCommand,
     TreeCommand,
     GalleryCommand,
+    ServeCommand,
     ShowSettingsCommand,
     SignInCommand,
     SetCurrencyCommand,

@@ -14,12 +14,12 @@ namespace {
 constexpr std::array<std::string_view, 8> rightToLeftLanguages{
     "ar", "ckb", "dv", "fa", "he", "ps", "ur", "yi"};
 
-bool isRightToLeft(std::string_view language) {
-  const std::string_view plain = language.substr(0, language.find('-'));
-  return std::ranges::find(rightToLeftLanguages, plain) != rightToLeftLanguages.end();
-}
-
 }  // namespace
+
+bool isRightToLeft(const std::string& locale) {
+  const std::string_view language = std::string_view(locale).substr(0, locale.find_first_of("_-"));
+  return std::ranges::find(rightToLeftLanguages, language) != rightToLeftLanguages.end();
+}
 
 std::optional<PictureFormat> pictureFormatFromName(std::string_view name) {
   if (name == "png") return PictureFormat::png;
@@ -39,16 +39,16 @@ drawing::DisplayList Studio::compose(
     const ui::View& view, drawing::CardRequest request, const std::string& locale) {
   const auto languages = foundation::languagesOf(locale);
   request.language = languages.empty() ? "en" : languages.front();
-  request.rightToLeft = isRightToLeft(request.language);
+  request.rightToLeft = isRightToLeft(locale);
   const auto imageSize = [this](const std::string& name) { return pictures_.naturalSize(name); };
   return drawing::compose(view, request, imageSize, texts_);
 }
 
 std::expected<std::string, std::string> Studio::write(
-    const drawing::DisplayList& list, PictureFormat format) {
+    const drawing::DisplayList& list, PictureFormat format, std::string_view idPrefix) {
   switch (format) {
     case PictureFormat::svg:
-      return drawing::writeSvg(list, fonts_, pictures_, "card");
+      return drawing::writeSvg(list, fonts_, pictures_, idPrefix);
     case PictureFormat::json:
       return drawing::toJson(list);
     case PictureFormat::png:

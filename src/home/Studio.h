@@ -25,6 +25,9 @@ std::optional<PictureFormat> pictureFormatFromName(std::string_view name);
 // The size of a family's card on the default screen, in points.
 drawing::Size defaultSize(ui::WidgetFamily family);
 
+// Whether the language of the locale, for example "ar_EG", is written from right to left.
+bool isRightToLeft(const std::string& locale);
+
 class Studio {
  public:
   Studio();
@@ -34,9 +37,10 @@ class Studio {
   drawing::DisplayList compose(
       const ui::View& view, drawing::CardRequest request, const std::string& locale);
 
-  // The list as a file of the format, or one line that tells why it cannot be drawn.
+  // The list as a file of the format, or one line that tells why it cannot be drawn. The ids of an
+  // SVG document begin with the prefix, so that several can stand in a page.
   std::expected<std::string, std::string> write(
-      const drawing::DisplayList& list, PictureFormat format);
+      const drawing::DisplayList& list, PictureFormat format, std::string_view idPrefix = "card");
 
  private:
   drawing::FontBook fonts_;

@@ -6,6 +6,7 @@
 
 #include "home/CommandLine.h"
 #include "home/SettingsCommands.h"
+#include "home/live/Serve.h"
 
 namespace {
 
@@ -46,6 +47,9 @@ struct Run {
   Done operator()(const GalleryCommand& command) const {
     return withExtension(
         line, [&](ExtensionClient& extension) { return gallery(extension, command.choice); });
+  }
+  Done operator()(const ServeCommand& command) const {
+    return serve({.extension = line.extension, .port = command.port});
   }
   Done operator()(const ShowSettingsCommand& /*command*/) const { return showSettings(); }
   Done operator()(const SignInCommand& command) const {

@@ -1,0 +1,16 @@
+// The files of the page folder, as they were when the program was built.
+#pragma once
+
+#include <string_view>
+
+namespace home::page {
+
+extern const std::string_view homeHtml;
+extern const std::string_view cardHtml;
+extern const std::string_view badgeHtml;
+extern const std::string_view galleryItemHtml;
+extern const std::string_view styleCss;
+extern const std::string_view appearanceJs;
+extern const std::string_view homeJs;
+
+}  // namespace home::page
