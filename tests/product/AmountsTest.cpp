@@ -1,0 +1,118 @@
+#include <gtest/gtest.h>
+
+#include "product/ProductSettings.h"
+#include "support/CurrencySymbol.h"
+#include "support/FormattedTotal.h"
+#include "views/SalesAmountText.h"
+
+namespace quillpad {
+namespace {
+
+using foundation::Dictionary;
+using foundation::Value;
+
+class AmountsTest : public ::testing::Test {
+ protected:
+  ProductSettings settings;
+};
+
+TEST_F(AmountsTest, TakesTheSymbolFromBeforeTheFirstDash) {
+  struct Case {
+    const char* currency;
+    const char* symbol;
+  };
+  const std::vector<Case> cases{
+      {"€ - EUR", "€"}, {"USD", "USD"}, {" - ", ""}, {"A B-C", "AB"}, {"", ""}, {"\tkr -", "\tkr"}};
+  for (const auto& [currency, symbol] : cases) {
+    settings.setCurrency(currency);
+    EXPECT_EQ(currencySymbol(), symbol) << currency;
+  }
+}
+
+TEST_F(AmountsTest, UsesTheDollarWhereNoCurrencyIsSet) {
+  EXPECT_EQ(currencySymbol(), "$");
+  settings.set("currentBusiness", "€ - EUR");
+  EXPECT_EQ(currencySymbol(), "$");
+  settings.set("currentBusiness", Dictionary{{"name", "Quill & Co"}});
+  EXPECT_EQ(currencySymbol(), "$");
+}
+
+TEST_F(AmountsTest, EndsTheProcessForACurrencyThatIsNotAText) {
+  settings.setCurrency(5);
+  EXPECT_DEATH(currencySymbol(), "CurrencySymbol line [0-9]+: .*\"currency\"");
+}
+
+TEST_F(AmountsTest, WritesTotalsBehindTheSymbol) {
+  struct Case {
+    Value total;
+    const char* text;
+  };
+  const std::vector<Case> cases{
+      {1234.5, "$1,234.5"},
+      {1234.567, "$1,234.57"},
+      {1000, "$1,000"},
+      {1234567.891, "$1,234,567.89"},
+      {0.5, "$.5"},
+      {0, "$0"},
+      {12.001, "$12"},
+      {-1234.5, "$-1,234.5"},
+      {-3.5, "$-3.5"},
+      {0.125, "$.12"},
+      {0.375, "$.38"},
+      {true, "$1"},
+      {"12.5", "$0"},
+      {Value(), "$0"}};
+  for (const auto& [total, text] : cases) {
+    EXPECT_EQ(formattedTotal({{"total", total}}), text);
+  }
+  EXPECT_EQ(formattedTotal({}), "$0");
+  EXPECT_EQ(formattedTotal({{"clientName", "Preivon"}}), "$0");
+}
+
+TEST_F(AmountsTest, FollowsTheLocaleButForTheSymbolsPlaceAndTheCap) {
+  const support::ScopedVariable german("LC_ALL", "de_DE.UTF-8");
+  settings.setCurrency("€ - EUR");
+  EXPECT_EQ(formattedTotal({{"total", 1234567.5}}), "€1.234.567,5");
+  EXPECT_EQ(salesAmountText("1234.5"), "€1.234,5");
+  EXPECT_EQ(salesAmountText("12000"), ">€9,999.99");
+}
+
+TEST_F(AmountsTest, ReadsTheCurrencyAfreshEachTime) {
+  settings.setCurrency("");
+  EXPECT_EQ(formattedTotal({{"total", 5}}), "5");
+  settings.setCurrency("£ - GBP");
+  EXPECT_EQ(formattedTotal({{"total", 5}}), "£5");
+}
+
+TEST_F(AmountsTest, CapsTheSalesFigure) {
+  struct Case {
+    const char* salesMonth;
+    const char* text;
+  };
+  const std::vector<Case> cases{
+      {"0", "$0"},
+      {"1234.5", "$1,234.5"},
+      {"9999.98", "$9,999.98"},
+      {"9999.989999", "$9,999.99"},
+      {"9999.99", ">$9,999.99"},
+      {"12000", ">$9,999.99"},
+      {"1e300", ">$9,999.99"},
+      {"inf", ">$9,999.99"},
+      {"nan", ">$9,999.99"},
+      {"-20", "$-20"},
+      {"-12000", "$-12,000"}};
+  for (const auto& [salesMonth, text] : cases) {
+    EXPECT_EQ(salesAmountText(salesMonth), text) << salesMonth;
+  }
+}
+
+TEST_F(AmountsTest, EndsTheProcessForASalesFigureThatIsNotANumber) {
+  for (const char* salesMonth : {"", "abc", "1,234", "12 "}) {
+    EXPECT_DEATH(salesAmountText(salesMonth), "SalesAmountText line [0-9]+: .*\"salesMonth\"");
+  }
+  settings.setCurrency(5);
+  EXPECT_DEATH(salesAmountText("abc"), "CurrencySymbol line");
+}
+
+}  // namespace
+}  // namespace quillpad
