@@ -52,8 +52,8 @@ struct Query {
   std::string startTime;  // included
   std::string endTime;    // not included
   Dated dated = Dated::byCreateTime;
-  std::optional<bool> paid{};
-  std::optional<EstimateStatus> estimateStatus{};
+  std::optional<bool> paid;
+  std::optional<EstimateStatus> estimateStatus;
   bool valid = true;
   Sort sort = Sort::createTime;
   bool descending = true;

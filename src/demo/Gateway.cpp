@@ -48,7 +48,7 @@ class Fields {
     if (value == nullptr) {
       return {};
     }
-    const std::string* text = value->as<std::string>();
+    const auto* text = value->as<std::string>();
     if (text == nullptr) {
       fail(key, "must be a text");
       return {};
@@ -57,7 +57,7 @@ class Fields {
   }
 
   std::string text(std::string_view key) {
-    std::optional<std::string> value = optionalText(key);
+    const std::optional<std::string> value = optionalText(key);
     if (!value) {
       fail(key, "is missing");
     }

@@ -86,8 +86,8 @@ std::expected<Options, int> readOptions(int count, char** arguments) {
       return std::unexpected(0);
     }
     if (chosen == 'p') {
-      const char* end = value.data() + value.size();
-      const auto result = std::from_chars(value.data(), end, options.port);
+      const char* end = optarg + value.size();
+      const auto result = std::from_chars(optarg, end, options.port);
       if (result.ec != std::errc() || result.ptr != end) {
         return std::unexpected(fail(wrongUsage, "--port takes a number from 0 to 65535."));
       }

@@ -208,14 +208,13 @@ TEST_F(DemoGatewayTest, SummaryIsThatOfTheDocuments) {
 TEST(DemoDocumentsTest, ThereIsSomethingToShowOnEveryDay) {
   for (const Day day : {Day{2026, 1, 1}, Day{2028, 2, 29}, Day{2026, 12, 31}}) {
     const std::vector<Document> documents = documentsOn(day);
-    const std::string year = std::to_string(day.year);
-    Query query{
-        .startTime = year + "-01-01 00:00:00",
-        .endTime = std::to_string(day.year + 1) + "-01-01 00:00:00"};
+    Query query;
+    query.startTime = std::to_string(day.year) + "-01-01 00:00:00";
+    query.endTime = std::to_string(day.year + 1) + "-01-01 00:00:00";
     query.paid = false;
     EXPECT_GE(list(documents, query).total, 3U);
-    query = {
-        .type = DocumentType::estimate, .startTime = query.startTime, .endTime = query.endTime};
+    query.type = DocumentType::estimate;
+    query.paid.reset();
     query.estimateStatus = EstimateStatus::pending;
     EXPECT_GE(list(documents, query).total, 3U);
     std::set<std::string> names;

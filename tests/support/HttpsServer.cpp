@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <arpa/inet.h>
+#include <cctype>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
@@ -10,7 +11,6 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <openssl/ssl.h>
-#include <strings.h>
 #include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
@@ -22,7 +22,9 @@ namespace support {
 namespace {
 
 bool sameField(std::string_view left, std::string_view right) {
-  return left.size() == right.size() && strncasecmp(left.data(), right.data(), left.size()) == 0;
+  return std::ranges::equal(left, right, [](unsigned char a, unsigned char b) {
+    return std::tolower(a) == std::tolower(b);
+  });
 }
 
 CertificateWish wishFor(HttpsServer::Certificate certificate) {
