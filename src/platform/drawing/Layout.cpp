@@ -190,6 +190,8 @@ class Arranger {
 
   Layout arrange(const ui::View& view) {
     nodes_.reserve(64);
+    children_.reserve(16);
+    order_.reserve(16);
     add(view, view.modifiers.size(), ui::Axis::vertical, 0);
     const Size size = measure(0, card_);
     place(0, card_, {(card_.width - size.width) / 2, (card_.height - size.height) / 2}, size);
@@ -217,6 +219,9 @@ class Arranger {
   Size measureAnew(std::size_t node, Size proposed);
   // The children's sizes, at children_[from] and after, and the stack's own.
   Size measureChildren(std::size_t stack, ui::Axis axis, Size proposed, std::size_t from);
+  // Offers the children in order_[from, end) equal shares of what is left, the least flexible
+  // first.
+  void serve(std::size_t from, std::size_t end, ui::Axis axis, double proposedAcross, double& left);
   double flexibility(std::size_t node, ui::Axis axis, double proposedAcross);
 
   void place(std::size_t node, Size proposed, Point origin, Size size);
@@ -236,7 +241,8 @@ class Arranger {
   Size card_;
   bool mirrored_;
   std::vector<Node> nodes_;
-  std::vector<Child> children_;  // of the stacks being measured, the innermost's last
+  std::vector<Child> children_;     // of the stacks being measured, the innermost's last
+  std::vector<std::size_t> order_;  // the same children, each stack's in the order of serving
   Layout layout_;
   int clip_ = -1;
 };
@@ -406,6 +412,7 @@ Size Arranger::measureAnew(std::size_t node, Size proposed) {
             const std::size_t from = children_.size();
             const Size size = measureChildren(node, stack->axis, proposed, from);
             children_.resize(from);
+            order_.resize(from);
             return size;
           },
           [&](const ui::Padding* padding) {
@@ -452,57 +459,67 @@ double Arranger::flexibility(std::size_t node, ui::Axis axis, double proposedAcr
 Size Arranger::measureChildren(std::size_t stack, ui::Axis axis, Size proposed, std::size_t from) {
   const double proposedAcross = across(axis, proposed);
   double gaps = 0;
-  for (std::size_t child = nodes_[stack].firstChild; child != nobody;
-       child = nodes_[child].nextSibling) {
-    gaps += nodes_[child].gapBefore;
-    children_.push_back({.node = child});
+  for (std::size_t node = nodes_[stack].firstChild; node != nobody;
+       node = nodes_[node].nextSibling) {
+    gaps += nodes_[node].gapBefore;
+    if (!nodes_[node].isSpacer) {
+      order_.push_back(children_.size());
+    }
+    children_.push_back({.node = node});
   }
 
   // Spacers come after everything else, and what they need at least is held back for them.
-  const std::size_t count = children_.size() - from;
-  std::vector<std::size_t> order(count);
-  double left = along(axis, proposed) - gaps;
+  const std::size_t spacers = order_.size();
+  const std::size_t end = children_.size();
   double heldBack = 0;
-  std::size_t plain = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    order[i] = from + i;
-    const std::size_t node = children_[from + i].node;
+  for (std::size_t child = from; child < end; ++child) {
+    const std::size_t node = children_[child].node;
     if (nodes_[node].isSpacer) {
+      order_.push_back(child);
       heldBack += along(axis, measure(node, sizeAlong(axis, 0, proposedAcross)));
-    } else {
-      ++plain;
     }
-    const double range = count > 1 ? flexibility(node, axis, proposedAcross) : 0;
-    children_[from + i].flexibility = range;
   }
-  std::ranges::stable_sort(order, [&](std::size_t one, std::size_t other) {
-    const Child& a = children_[one];
-    const Child& b = children_[other];
-    const bool aSpacer = nodes_[a.node].isSpacer;
-    const bool bSpacer = nodes_[b.node].isSpacer;
-    return aSpacer != bSpacer ? bSpacer : a.flexibility < b.flexibility;
-  });
+  double left = along(axis, proposed) - gaps - heldBack;
+  serve(from, spacers, axis, proposedAcross, left);
+  left += heldBack;
+  serve(spacers, end, axis, proposedAcross, left);
 
   double length = gaps;
   double breadth = 0;
-  left -= heldBack;
-  for (std::size_t i = 0; i < count; ++i) {
-    if (i == plain) {
-      left += heldBack;
+  for (std::size_t child = from; child < end; ++child) {
+    length += along(axis, children_[child].size);
+    breadth = std::max(breadth, across(axis, children_[child].size));
+  }
+  return sizeAlong(axis, length, breadth);
+}
+
+void Arranger::serve(
+    std::size_t from, std::size_t end, ui::Axis axis, double proposedAcross, double& left) {
+  if (end - from > 1) {
+    for (std::size_t turn = from; turn < end; ++turn) {
+      const std::size_t child = order_[turn];
+      const double range = flexibility(children_[child].node, axis, proposedAcross);
+      children_[child].flexibility = range;
     }
-    const std::size_t sharing = (i < plain ? plain : count) - i;
-    const double share = std::max(left / static_cast<double>(sharing), 0.0);
+    const auto first = order_.begin() + static_cast<std::ptrdiff_t>(from);
+    const auto last = order_.begin() + static_cast<std::ptrdiff_t>(end);
+    std::sort(first, last, [&](std::size_t one, std::size_t other) {
+      const double range = children_[one].flexibility;
+      const double otherRange = children_[other].flexibility;
+      return range != otherRange ? range < otherRange : one < other;
+    });
+  }
+  for (std::size_t turn = from; turn < end; ++turn) {
+    const std::size_t child = order_[turn];
+    const double share = std::max(left / static_cast<double>(end - turn), 0.0);
     const Size offer = sizeAlong(axis, share, proposedAcross);
-    const Size size = measure(children_[order[i]].node, offer);
-    children_[order[i]].proposed = offer;
-    children_[order[i]].size = size;
-    length += along(axis, size);
-    breadth = std::max(breadth, across(axis, size));
+    const Size size = measure(children_[child].node, offer);
+    children_[child].proposed = offer;
+    children_[child].size = size;
     if (std::isfinite(left)) {
       left -= along(axis, size);
     }
   }
-  return sizeAlong(axis, length, breadth);
 }
 
 void Arranger::place(std::size_t node, Size proposed, Point origin, Size size) {
@@ -571,6 +588,7 @@ void Arranger::placeChildren(
     position += along(axis, child.size);
   }
   children_.resize(from);
+  order_.resize(from);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 namespace drawing {
 namespace {
 
-constexpr std::size_t longestGeneration = 1U << 20U;  // bytes
+constexpr std::size_t longestGeneration = 8U << 20U;  // bytes
 
 // A text is not measured further than this, in either dimension: no card is as large.
 constexpr double furthest = 32768;
