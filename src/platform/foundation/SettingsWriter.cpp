@@ -40,8 +40,8 @@ std::expected<FileDescriptor, std::error_code> lockedBeside(const std::filesyste
   const std::string lock = file.string() + ".lock";
   FileDescriptor descriptor(
       open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
-  if (!descriptor.isOpen()) return std::unexpected(lastError());
-  while (flock(descriptor.number(), LOCK_EX) != 0) {
+  if (!descriptor) return std::unexpected(lastError());
+  while (flock(descriptor.get(), LOCK_EX) != 0) {
     if (errno != EINTR) return std::unexpected(lastError());
   }
   return descriptor;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <tuple>
 #include <type_traits>
 
 namespace foundation {
@@ -60,8 +61,9 @@ Dictionary Dictionary::ofMembers(std::vector<Member> members) {
   for (const Member& member : members) {
     byKey.push_back(&member);
   }
-  const auto keyOf = [](const Member* member) -> const std::string& { return member->key; };
-  std::ranges::stable_sort(byKey, {}, keyOf);
+  std::ranges::sort(byKey, [](const Member* left, const Member* right) {
+    return std::tie(left->key, left) < std::tie(right->key, right);
+  });
   std::vector<bool> repeated(members.size(), false);
   bool anyRepeated = false;
   for (std::size_t i = 1; i < byKey.size(); ++i) {

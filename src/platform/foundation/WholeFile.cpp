@@ -24,7 +24,7 @@ std::error_code writeAll(int descriptor, std::string_view bytes) {
 
 std::error_code syncFolder(const std::filesystem::path& folder) {
   const FileDescriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!descriptor.isOpen() || fsync(descriptor.number()) != 0) return lastError();
+  if (!descriptor || fsync(descriptor.get()) != 0) return lastError();
   return {};
 }
 
@@ -35,7 +35,7 @@ std::expected<std::string, std::error_code> readWholeFile(
   // Opening a pipe that nobody writes to would wait without O_NONBLOCK.
   const FileDescriptor descriptor(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   struct stat status{};
-  if (!descriptor.isOpen() || fstat(descriptor.number(), &status) != 0) {
+  if (!descriptor || fstat(descriptor.get(), &status) != 0) {
     return std::unexpected(lastError());
   }
   if (!S_ISREG(status.st_mode)) {
@@ -45,7 +45,7 @@ std::expected<std::string, std::error_code> readWholeFile(
   std::string bytes;
   std::array<char, 16384> piece{};
   while (true) {
-    const ssize_t count = read(descriptor.number(), piece.data(), piece.size());
+    const ssize_t count = read(descriptor.get(), piece.data(), piece.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return std::unexpected(lastError());
     if (count == 0) return bytes;
@@ -60,10 +60,10 @@ std::error_code writeWholeFile(const std::filesystem::path& file, std::string_vi
   const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
   std::string temporary = (folder / ("." + file.filename().string() + ".XXXXXX")).string();
   const FileDescriptor descriptor(mkostemp(temporary.data(), O_CLOEXEC));  // mode 0600
-  if (!descriptor.isOpen()) return lastError();
+  if (!descriptor) return lastError();
 
-  std::error_code error = writeAll(descriptor.number(), bytes);
-  if (!error && fsync(descriptor.number()) != 0) error = lastError();
+  std::error_code error = writeAll(descriptor.get(), bytes);
+  if (!error && fsync(descriptor.get()) != 0) error = lastError();
   if (!error && rename(temporary.c_str(), file.c_str()) != 0) error = lastError();
   if (error) {
     unlink(temporary.c_str());
