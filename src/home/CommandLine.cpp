@@ -13,6 +13,7 @@
 
 #include "platform/channel/Messages.h"
 #include "platform/foundation/NumberText.h"
+#include "platform/foundation/Utf8.h"
 
 namespace home {
 namespace {
@@ -34,6 +35,7 @@ class Parser {
     app_.set_help_all_flag("--help-all", "Print the help of every command and exit");
     app_.add_option("--extension", extension_, "The extension to start")
         ->type_name("PATH")
+        ->take_last()
         ->default_str("quillpad-widgets beside this program");
     app_.require_subcommand(1);
     app_.fallthrough();
@@ -87,6 +89,10 @@ class Parser {
   void addKind(CLI::App* command) {
     command->add_option("kind", kind_, "The widget's kind, for example SalesSmallWidget")
         ->type_name("KIND")
+        ->check([](const std::string& kind) {
+          return foundation::isUtf8(kind) ? std::string()
+                                          : "there is no widget of kind \"" + kind + '"';
+        })
         ->required();
   }
 

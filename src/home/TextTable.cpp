@@ -57,13 +57,15 @@ std::string TextTable::text(std::size_t indent) const {
 }
 
 std::string printable(std::string text) {
-  std::ranges::replace_if(
-      text,
-      [](char character) {
-        const auto byte = static_cast<unsigned char>(character);
-        return byte < 0x20 || byte == 0x7F;
-      },
-      ' ');
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    const auto next = static_cast<unsigned char>(at + 1 < text.size() ? text[at + 1] : 0);
+    if (byte < 0x20 || byte == 0x7F) {
+      text[at] = ' ';
+    } else if (byte == 0xC2 && next >= 0x80 && next < 0xA0) {  // U+0080 to U+009F
+      text.replace(at, 2, 1, ' ');
+    }
+  }
   return text;
 }
 

@@ -6,6 +6,7 @@
 
 #include "home/CommandLine.h"
 #include "home/SettingsCommands.h"
+#include "home/TextTable.h"
 #include "home/live/Serve.h"
 
 namespace {
@@ -84,7 +85,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (!done.error().message.empty()) {
-    std::fprintf(stderr, "quillpad-home: %s\n", done.error().message.c_str());
+    std::fprintf(stderr, "quillpad-home: %s\n", home::printable(done.error().message).c_str());
   }
   return static_cast<int>(done.error().status);
 }

@@ -37,15 +37,15 @@ TEST_F(EntryTextTest, ShowsFiguresAndTheReloadTimeInLocalTime) {
 
 TEST_F(EntryTextTest, ShowsRowsAsATableWhateverTheyHold) {
   EXPECT_EQ(
-      describe(channel::Entry{
-          json(R"({"date":"2026-03-07T20:05:03.250Z","data":{"records":[)"
-               R"({"no":"32","clientName":"宝石","total":23.89},)"
-               R"({"no":"7","clientName":"Zoë\u001b[31m","total":1132.23,"lines":[1,2]},{}]}})")}),
+      describe(channel::Entry{json(
+          R"({"date":"2026-03-07T20:05:03.250Z","data":{"records":[)"
+          R"({"no":"32","clientName":"宝石","total":23.89},)"
+          R"({"no":"7","clientName":"Zoë\u001b[\u009b1m","total":1132.23,"lines":[1,2]},{}]}})")}),
       "2026-03-08 01:35:03\n"
       "  records\n"
       "    no  clientName    total  lines\n"
       "    32  宝石          23.89\n"
-      "    7   Zoë [31m    1132.23  [1,2]\n"
+      "    7   Zoë [ 1m    1132.23  [1,2]\n"
       "\n");
 }
 

@@ -1,0 +1,180 @@
+// render, tree, gallery: what is written, and what is left as it was.
+#include <fstream>
+#include <sys/stat.h>
+
+#include "system/HomeScreen.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class PicturesTest : public HomeScreenTest {
+ protected:
+  Outcome render(const std::string& kind, std::vector<std::string> options) const {
+    options.insert(options.begin(), {"render", kind, "--state", "snapshot"});
+    return run(std::move(options));
+  }
+};
+
+TEST_F(PicturesTest, TheEndingOrTheFormatDecides) {
+  for (const auto& [ending, start] :
+       {std::pair{"png", "\x89PNG\r\n"},
+        {"svg", "<svg"},
+        {"json", "{\"kind\":\"SalesSmallWidget\""}}) {
+    const auto picture = file(std::string("card.") + ending);
+    const Outcome toFile = render("SalesSmallWidget", {"-o", picture});
+    EXPECT_EQ(toFile.status, 0) << toFile.err;
+    EXPECT_THAT(contents(picture), StartsWith(start));
+    const Outcome toOutput = render("SalesSmallWidget", {"-o", "-", "--format", ending});
+    EXPECT_EQ(toOutput.out, contents(picture));
+  }
+}
+
+TEST_F(PicturesTest, AnEntryThatWasPrintedDrawsAsItDid) {
+  const std::string entry = run({"snapshot", "UnpaidMediumWidget", "--json"}).out;
+  std::ofstream(file("entry.json")) << entry;
+  const auto drawn = render("UnpaidMediumWidget", {"-o", "-", "--format", "json"}).out;
+  const Outcome again = run(
+      {"render",
+       "UnpaidMediumWidget",
+       "--entry",
+       file("entry.json"),
+       "-o",
+       "-",
+       "--format",
+       "json"});
+  EXPECT_EQ(again.out, drawn) << again.err;
+  EXPECT_THAT(drawn, AllOf(HasSubstr("\"Preivon\""), HasSubstr("\"$132.23\"")));
+
+  std::ofstream(file("other.json"))
+      << R"({"date":"2026-03-07T09:05:03.250Z","data":{"records":[{"clientName":"<b>&\"","total":5}]}})";
+  const Outcome other = run(
+      {"render",
+       "UnpaidMediumWidget",
+       "--entry",
+       file("other.json"),
+       "-o",
+       "-",
+       "--format",
+       "svg"});
+  EXPECT_EQ(other.status, 0) << other.err;
+  EXPECT_THAT(other.out, HasSubstr("&lt;b&gt;&amp;"));
+}
+
+TEST_F(PicturesTest, SizeScaleAndAppearanceAreTheOnesAskedFor) {
+  const Outcome run = render(
+      "SalesSmallWidget",
+      {"-o",
+       "-",
+       "--format",
+       "json",
+       "--size",
+       "170x141.5",
+       "--scale",
+       "3",
+       "--appearance",
+       "dark"});
+  EXPECT_THAT(
+      run.out,
+      AllOf(
+          HasSubstr(R"("appearance":"dark","scale":3,"size":{"width":170,"height":141.5})"),
+          HasSubstr("#1C1C1E"),
+          HasSubstr(R"("link":"quillpad://Report")")));
+}
+
+TEST_F(PicturesTest, WhatCannotBeDrawnLeavesTheOldFile) {
+  const auto picture = file("card.png");
+  std::ofstream(picture) << "old";
+  std::ofstream(file("no.json")) << "{\"date\":";
+  std::ofstream(file("shape.json")) << R"({"date":"2026-03-07T09:05:03.250Z"})";
+  const struct {
+    std::vector<std::string> options;
+    int status;
+    const char* message;
+  } cases[] = {
+      {{"--scale", "0"}, 2, "--scale"},
+      {{"--scale", "4"}, 2, "--scale"},
+      {{"--size", "0x10"}, 2, "--size"},
+      {{"--size", "10"}, 2, "--size"},
+      {{"--size", "nanx10"}, 2, "--size"},
+      {{"--size", "10000x10000"}, 2, "pixels"},
+      {{"--size", "10000.5x1"}, 2, "--size"},
+      {{"--family", "systemMedium"}, 2, "not offered as systemMedium"},
+      {{"--family", "systemLarge"}, 2, "--family"},
+      {{"--appearance", "sepia"}, 2, "--appearance"},
+      {{"--entry", file("absent.json")}, 1, "absent.json"},
+      {{"--entry", file("no.json")}, 2, "no.json is not JSON"},
+      {{"--entry", file("shape.json")}, 4, "the extension ended"},
+  };
+  for (const auto& [options, status, message] : cases) {
+    std::vector<std::string> all = options;
+    all.insert(all.end(), {"-o", picture});
+    const Outcome run = render("SalesSmallWidget", all);
+    EXPECT_EQ(run.status, status) << message;
+    EXPECT_THAT(run.err, HasSubstr(message));
+    EXPECT_EQ(contents(picture), "old");
+  }
+}
+
+TEST_F(PicturesTest, ATargetThatCannotBeWrittenIsNamed) {
+  const auto folder = file("folder.png");
+  std::filesystem::create_directory(folder);
+  for (const std::string& target :
+       {file("absent/card.png").string(), folder.string(), std::string("/proc/card.png")}) {
+    const Outcome run = render("SalesSmallWidget", {"-o", target});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("cannot write " + target + ": "));
+  }
+  const Outcome full = render("SalesSmallWidget", {"-o", "/dev/full", "--format", "png"});
+  EXPECT_EQ(full.status, 1);
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
+  EXPECT_EQ(render("SalesSmallWidget", {"-o", file("card.gif")}).status, 2);
+  EXPECT_EQ(render("SalesSmallWidget", {"-o", "-"}).status, 2);
+}
+
+TEST_F(PicturesTest, ALinkToAFileStaysALink) {
+  std::ofstream(file("real.svg")) << "old";
+  std::filesystem::create_symlink("real.svg", file("link.svg"));
+  EXPECT_EQ(render("SalesSmallWidget", {"-o", file("link.svg")}).status, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(file("link.svg")));
+  EXPECT_THAT(contents(file("real.svg")), StartsWith("<svg"));
+}
+
+TEST_F(PicturesTest, TheTreeIsTheViewThatTheExtensionSent) {
+  const Outcome run = this->run({"tree", "SalesSmallWidget", "--state", "placeholder"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_THAT(run.out, AllOf(HasSubstr("\"this month\""), HasSubstr("\"widgetURL\"")));
+  EXPECT_EQ(this->run({"tree", "Sales", "--state", "snapshot"}).status, 2);
+}
+
+TEST_F(PicturesTest, TheGalleryHasEveryWidgetInBothAppearancesAndAPage) {
+  const auto folder = file("a/gallery");
+  const Outcome run = this->run({"gallery", "-o", folder, "--state", "snapshot"});
+  ASSERT_EQ(run.status, 0) << run.err;
+  const std::string page = contents(folder / "index.html");
+  for (const auto& kinds : {smallKinds, mediumKinds}) {
+    for (const std::string& kind : kinds) {
+      for (const char* appearance : {"light", "dark"}) {
+        const std::string name = kind + "-" + appearance + ".png";
+        EXPECT_THAT(contents(folder / name), StartsWith("\x89PNG"));
+        EXPECT_THAT(page, HasSubstr("src=\"" + name + "\""));
+      }
+    }
+  }
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 11);
+  EXPECT_THAT(page, HasSubstr("alt=\"Sales, this month, $0\""));
+
+  std::ofstream(file("plain")) << "";
+  EXPECT_EQ(this->run({"gallery", "-o", file("plain"), "--state", "snapshot"}).status, 1);
+}
+
+TEST_F(PicturesTest, AGalleryWithoutATimelineWritesNothing) {
+  signIn();
+  ASSERT_EQ(run({"settings", "sign-out"}).status, 0);
+  EXPECT_EQ(run({"gallery", "-o", file("gallery")}).status, 3);
+  EXPECT_FALSE(std::filesystem::exists(file("gallery")));
+}
+
+}  // namespace

@@ -1,0 +1,243 @@
+// list, placeholder, snapshot, timeline: what they print and how they fail.
+#include <fcntl.h>
+#include <fstream>
+#include <regex>
+
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/Json.h"
+#include "system/HomeScreen.h"
+
+namespace {
+
+using foundation::Array;
+using foundation::Dictionary;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* summary =
+    R"({"data":"{\"salesMonth\":1234.5,\"unpaidInvoices\":7,\"pendingEstimates\":3}"})";
+constexpr const char* documents =
+    R"({"data":"{\"records\":[{\"no\":\"41\",\"clientName\":\"Zoë\",\"total\":12.5}],\"pages\":1}"})";
+
+Dictionary parsed(const std::string& text) {
+  const auto value = foundation::readJson(text, foundation::JsonFragments::refused);
+  EXPECT_TRUE(value) << text;
+  return value ? *value->as<Dictionary>() : Dictionary();
+}
+
+// The data of the one entry in what `timeline --json` printed.
+std::string onlyData(const std::string& text) {
+  const auto entries = *parsed(text).find("entries")->as<Array>();
+  EXPECT_EQ(entries.size(), 1U);
+  const auto* data = entries.at(0).as<Dictionary>()->find("data");
+  return foundation::writeJson(*data, foundation::JsonLayout::compact).value_or("");
+}
+
+class TimelinesTest : public HomeScreenTest {};
+
+constexpr const char* zeros = R"({"salesMonth":"0","unpaidInvoices":"0","pendingEstimates":"0"})";
+constexpr const char* sample = R"({"records":[{"no":"32","clientName":"Preivon","total":23.89},)"
+                               R"({"no":"28","clientName":"Dreifles","total":132.23},)"
+                               R"({"no":"15","clientName":"Lucien Holmes ","total":98.13}]})";
+
+TEST_F(TimelinesTest, ListsTheCatalogueInTheBundlesOrder) {
+  const Outcome run = this->run({"list", "--json"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.err, "");
+  std::vector<std::string> kinds;
+  const std::regex kind("\"kind\":\"([A-Za-z]+)\"");
+  for (std::sregex_iterator at(run.out.begin(), run.out.end(), kind), end; at != end; ++at) {
+    kinds.push_back((*at)[1]);
+  }
+  EXPECT_THAT(
+      kinds,
+      testing::ElementsAre(
+          "SalesSmallWidget",
+          "PendingSmallWidget",
+          "UnpaidSmallWidget",
+          "PendingMediumWidget",
+          "UnpaidMediumWidget"));
+  EXPECT_THAT(run.out, HasSubstr(R"("displayName":"Unpaid Invocies")"));
+  EXPECT_THAT(this->run({"list"}).out, HasSubstr("\nUnpaidMediumWidget   systemMedium  Unpaid"));
+}
+
+TEST_F(TimelinesTest, PlaceholdersAndSnapshotsNeedNeitherSignInNorGateway) {
+  for (const char* command : {"placeholder", "snapshot"}) {
+    for (const auto& [kinds, data] : {std::pair{smallKinds, zeros}, {mediumKinds, sample}}) {
+      for (const std::string& kind : kinds) {
+        const Outcome run = this->run({command, kind, "--json"});
+        EXPECT_EQ(run.status, 0) << run.err;
+        const auto date =
+            foundation::dateFromIso8601(*parsed(run.out).find("date")->as<std::string>());
+        EXPECT_TRUE(date);
+        EXPECT_THAT(run.out, HasSubstr("\"data\":" + std::string(data) + "}"));
+      }
+    }
+  }
+}
+
+TEST_F(TimelinesTest, ATimelineBringsTheGatewaysFiguresAndFiveMinutes) {
+  signIn();
+  support::HttpsServer& gateway =
+      serve([](const support::HttpsServer::Request& request, auto& exchange) {
+        exchange.respond(200, request.path.ends_with("getDataMap") ? summary : documents);
+      });
+  const Outcome sales = run({"timeline", "SalesSmallWidget", "--json"});
+  EXPECT_EQ(sales.status, 0);
+  EXPECT_EQ(sales.err, "");
+  EXPECT_EQ(
+      onlyData(sales.out),
+      R"({"salesMonth":"1234.5","unpaidInvoices":"7","pendingEstimates":"3"})");
+  const Dictionary timeline = parsed(sales.out);
+  const auto& entry = timeline.find("entries")->as<Array>()->at(0);
+  const auto moment = [](const foundation::Value* text) {
+    return foundation::dateFromIso8601(*text->as<std::string>()).value();
+  };
+  EXPECT_EQ(
+      moment(timeline.find("policy")->as<Dictionary>()->find("after")) -
+          moment(entry.as<Dictionary>()->find("date")),
+      std::chrono::minutes(5));
+
+  const Outcome unpaid = run({"timeline", "UnpaidMediumWidget", "--json"});
+  EXPECT_EQ(onlyData(unpaid.out), R"({"records":[{"no":"41","clientName":"Zoë","total":12.5}]})");
+  EXPECT_THAT(run({"timeline", "UnpaidMediumWidget"}).out, HasSubstr("41  Zoë          12.5\n"));
+
+  for (const auto& request : gateway.requests()) {
+    EXPECT_EQ(request.header("Authorization"), token);
+  }
+  EXPECT_EQ(gateway.requests().size(), 3U);
+}
+
+TEST_F(TimelinesTest, WithoutAGatewayThereAreStandInsAndAWord) {
+  signIn();
+  for (const auto& [kinds, data] : {std::pair{smallKinds, zeros}, {mediumKinds, sample}}) {
+    for (const std::string& kind : kinds) {
+      const Outcome run = this->run({"timeline", kind, "--json"});
+      EXPECT_EQ(run.status, 0);
+      EXPECT_EQ(onlyData(run.out), data);
+      EXPECT_THAT(run.err, HasSubstr("the gateway was not reached (Could not connect"));
+    }
+  }
+}
+
+TEST_F(TimelinesTest, AStatusOfFailureIsNoFailureOfTheTransfer) {
+  signIn();
+  serve([](const auto&, support::HttpsServer::Exchange& exchange) {
+    exchange.respond(500, summary);
+  });
+  const Outcome run = this->run({"timeline", "SalesSmallWidget", "--json"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_THAT(run.out, HasSubstr("1234.5"));
+}
+
+TEST_F(TimelinesTest, AnswersOfAnotherShapeEndTheExtension) {
+  signIn();
+  const struct {
+    const char* body;
+    const char* kind;
+    const char* lastWords;
+  } cases[] = {
+      {"<html>", "SalesSmallWidget", "SalesData line 58: "},
+      {"<html>", "UnpaidMediumWidget", "UnpaidData line 82: "},
+      {"<html>", "PendingMediumWidget", "PendingData line 83: "},
+      {"", "PendingSmallWidget", "SalesData line 58: "},
+      {"7", "UnpaidMediumWidget", "UnpaidData line 82: "},
+      {"7", "SalesSmallWidget", "SalesData line "},
+      {"{}", "SalesSmallWidget", "SalesData line "},
+      {R"({"data":{}})", "UnpaidMediumWidget", " line "},
+      {R"({"data":"[]"})", "PendingMediumWidget", " line "},
+      {R"({"data":"{\"records\":{}}"})", "PendingMediumWidget", " line "},
+      {R"({"data":"{\"salesMonth\":\"1\"}"})", "SalesSmallWidget", " line "},
+  };
+  for (const auto& [body, kind, lastWords] : cases) {
+    serveBody(body);
+    const Outcome run = this->run({"timeline", kind});
+    EXPECT_EQ(run.status, 4) << body;
+    EXPECT_EQ(run.out, "") << body;
+    EXPECT_THAT(
+        run.err,
+        AllOf(
+            HasSubstr("quillpad-home: the extension ended (signal 6, Aborted): "),
+            HasSubstr(lastWords),
+            Not(HasSubstr(token))));
+  }
+}
+
+TEST_F(TimelinesTest, AnEmptyIdentifierOrTokenDropsTheRequest) {
+  signIn();
+  const support::HttpsServer& gateway = serveBody(summary);
+  ASSERT_EQ(run({"settings", "sign-out"}).status, 0);
+  for (const std::string& kind : {smallKinds.front(), mediumKinds.front()}) {
+    const Outcome run = this->run({"timeline", kind, "--json"});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(
+        run.err,
+        AllOf(testing::StartsWith("没有获取到businessID\n"), HasSubstr("settings sign-in")));
+  }
+  EXPECT_TRUE(gateway.requests().empty());
+}
+
+TEST_F(TimelinesTest, AStoreThatWasNeverSignedInToEndsTheExtension) {
+  const Outcome run = this->run({"timeline", "SalesSmallWidget"});
+  EXPECT_EQ(run.status, 4);
+  EXPECT_THAT(run.err, HasSubstr("businessId"));
+}
+
+TEST_F(TimelinesTest, WrongUsageIsOneLineAndStatusTwo) {
+  const struct {
+    std::vector<std::string> arguments;
+    const char* message;
+  } cases[] = {
+      {{}, "required"},
+      {{"lst"}, "unknown argument \"lst\""},
+      {{"list", "--jsn"}, "unknown argument \"--jsn\""},
+      {{"timeline"}, "kind is required"},
+      {{"timeline", "SalesSmallWidget", "UnpaidSmallWidget"}, "unknown argument"},
+      {{"timeline", "Sales"}, "the kinds are SalesSmallWidget, PendingSmallWidget"},
+      {{"snapshot", ""}, "no widget of kind \"\""},
+      {{"snapshot", "a\nb\x1B[31m"}, "no widget of kind"},
+      {{"snapshot", "\xFF"}, "no widget of kind"},
+      {{"settings"}, "required"},
+      {{"settings", "sign-in", "--business-id", "b"}, "--token-file is required"},
+      {{"tap", "Sales", "--print"}, "no widget of kind"},
+  };
+  for (const auto& [arguments, message] : cases) {
+    const Outcome run = this->run(arguments);
+    EXPECT_EQ(run.status, 2) << message;
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, HasSubstr(message));
+    EXPECT_EQ(std::ranges::count(run.err, '\n'), 1) << run.err;
+    EXPECT_THAT(run.err, Not(HasSubstr("\x1B")));
+  }
+}
+
+TEST_F(TimelinesTest, AFullStandardOutputIsTold) {
+  const std::string command = std::string(HOME_PROGRAM) + " --extension " + EXTENSION_PROGRAM +
+                              " list >/dev/full 2>" + file("err").string();
+  EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+  EXPECT_THAT(contents(file("err")), HasSubstr("cannot write to standard output: No space left"));
+}
+
+TEST_F(TimelinesTest, TapOpensTheDeepLinkWithoutAShell) {
+  EXPECT_EQ(run({"tap", "SalesSmallWidget", "--print"}).out, "quillpad://Report\n");
+  EXPECT_EQ(run({"tap", "UnpaidMediumWidget", "--print"}).out, "quillpad://invoiceUnpaidList\n");
+  EXPECT_EQ(run({"tap", "PendingSmallWidget", "--print"}).out, "quillpad://EstimatesPendingList\n");
+
+  std::ofstream(file("xdg-open")) << "#!/bin/sh\necho \"$#:$1\" >" << file("opened")
+                                  << "\nexit $STATUS\n";
+  std::filesystem::permissions(file("xdg-open"), std::filesystem::perms::owner_all);
+  const support::ScopedVariable path("PATH", folder_.path().string() + ":/usr/bin:/bin");
+  {
+    const support::ScopedVariable status("STATUS", "0");
+    EXPECT_EQ(run({"tap", "SalesSmallWidget"}).status, 0);
+    EXPECT_EQ(contents(file("opened")), "1:quillpad://Report\n");
+  }
+  const support::ScopedVariable status("STATUS", "3");
+  const Outcome run = this->run({"tap", "SalesSmallWidget"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("no application here opens quillpad://Report"));
+}
+
+}  // namespace
