@@ -1,0 +1,220 @@
+// The three fetches, over real HTTPS.
+#include <future>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <utility>
+
+#include "gateway/PendingData.h"
+#include "gateway/SalesData.h"
+#include "gateway/SharedSettings.h"
+#include "gateway/UnpaidData.h"
+#include "platform/foundation/Clock.h"
+#include "product/GatewayOfTest.h"
+#include "product/ProductSettings.h"
+
+namespace quillpad {
+namespace {
+
+using foundation::Array;
+using foundation::Dictionary;
+using ::testing::HasSubstr;
+using ::testing::internal::CaptureStdout;
+using ::testing::internal::GetCapturedStdout;
+
+// A callback that keeps what it gets and tells when it is destroyed.
+template <class T>
+struct Watch {
+  std::optional<FetchResult<T>> result;
+  std::promise<void> end;
+};
+
+template <class T>
+class WatchedCallback {
+ public:
+  explicit WatchedCallback(Watch<T>& watch) : watch_(&watch) {}
+  WatchedCallback(WatchedCallback&& other) noexcept
+      : watch_(std::exchange(other.watch_, nullptr)) {}
+  WatchedCallback& operator=(WatchedCallback&&) = delete;
+  ~WatchedCallback() {
+    if (watch_ != nullptr) watch_->end.set_value();
+  }
+
+  void operator()(FetchResult<T> result) {
+    EXPECT_FALSE(watch_->result) << "called twice";
+    watch_->result.emplace(std::move(result));
+  }
+
+ private:
+  Watch<T>* watch_;
+};
+
+// Starts the fetch and waits for its end: what the callback got, or nothing where it was destroyed
+// uncalled.
+template <class T>
+std::optional<FetchResult<T>> outcome(void (*fetch)(FetchCallback<T>)) {
+  Watch<T> watch;
+  fetch(WatchedCallback<T>(watch));
+  watch.end.get_future().wait();
+  return std::move(watch.result);
+}
+
+// The request as it came, without the fields that the transport adds by itself. The length is the
+// transport's, too: like the phone's it writes what it sends.
+std::string raw(const support::HttpsServer::Request& request) {
+  std::string text = request.method + " " + request.path + "\n";
+  for (const auto& [name, value] : request.headers) {
+    if (name != "Host" && name != "User-Agent" && name != "Accept" && name != "Accept-Encoding" &&
+        name != "Accept-Language") {
+      text += name + ": " + value + "\n";
+    }
+  }
+  return text + "\n" + request.body;
+}
+
+class FetchesTest : public ::testing::Test {
+ protected:
+  FetchesTest() { settings.signIn("business-1", "abc"); }
+
+  ProductSettings settings;
+  GatewayOfTest gateway;
+  foundation::HeldClock clock{foundation::dateFromIso8601("2025-03-07T09:05:03.000Z").value()};
+};
+
+TEST_F(FetchesTest, AsksForTheSummary) {
+  gateway.answerWithDocument(R"({"salesMonth":1520.5,"unpaidInvoices":3,"pendingEstimates":0})");
+  const auto sales = outcome(getSalesData);
+  ASSERT_TRUE(sales && *sales);
+  EXPECT_EQ(**sales, (Sales{"1520.5", "3", "0"}));
+  ASSERT_EQ(gateway.server().requests().size(), 1U);
+  EXPECT_EQ(
+      raw(gateway.server().requests()[0]),
+      "POST /invoice/invoice/getDataMap\n"
+      "Content-type: application/json\n"
+      "Authorization: abc\n"
+      "Content-Length: 74\n"
+      "\n"
+      "{\n"
+      "  \"businessId\" : \"business-1\",\n"
+      "  \"currentTime\" : \"2025-03-07 09:05:03\"\n"
+      "}");
+}
+
+TEST_F(FetchesTest, AsksForUnpaidInvoicesOfTheYear) {
+  gateway.answerWithDocument(R"({"records":[{"no":"9","total":5}]})");
+  const auto rows = outcome(getUnpaidData);
+  ASSERT_TRUE(rows && *rows);
+  EXPECT_EQ(**rows, (Array{Dictionary{{"no", "9"}, {"total", 5}}}));
+  EXPECT_EQ(
+      raw(gateway.server().requests().at(0)),
+      "POST /invoice/invoice/listFast\n"
+      "Content-type: application/json\n"
+      "Authorization: abc\n"
+      "Content-Length: 276\n"
+      "\n"
+      "{\n"
+      "  \"businessId\" : \"business-1\",\n"
+      "  \"currentPage\" : \"1\",\n"
+      "  \"endTime\" : \"2026-01-01 00:00:00\",\n"
+      "  \"isFullPaid\" : \"Unpaid\",\n"
+      "  \"isValid\" : \"1\",\n"
+      "  \"pageSize\" : \"3\",\n"
+      "  \"searchType\" : \"2\",\n"
+      "  \"sort\" : \"no\",\n"
+      "  \"sortType\" : \"desc\",\n"
+      "  \"startTime\" : \"2025-01-01 00:00:00\",\n"
+      "  \"type\" : \"1\"\n"
+      "}");
+}
+
+TEST_F(FetchesTest, AsksForPendingEstimatesWithTwoOtherMembers) {
+  gateway.answerWithDocument(R"({"records":[]})");
+  const auto rows = outcome(getPendingData);
+  ASSERT_TRUE(rows && *rows);
+  EXPECT_EQ(**rows, Array{});
+  const std::string body = gateway.server().requests().at(0).body;
+  EXPECT_THAT(
+      body,
+      HasSubstr("\"endTime\" : \"2026-01-01 00:00:00\",\n"
+                "  \"estimateStatus\" : \"0\",\n"
+                "  \"isValid\" : \"1\","));
+  EXPECT_THAT(body, HasSubstr("\"type\" : \"2\"\n}"));
+  EXPECT_THAT(body, ::testing::Not(HasSubstr("isFullPaid")));
+}
+
+TEST_F(FetchesTest, TakesAnAnswerOfAnyStatus) {
+  for (const int status : {200, 401, 404, 500}) {
+    gateway.answerWith(status, R"({"data":"{\"records\":[1]}"})");
+    const auto rows = outcome(getUnpaidData);
+    ASSERT_TRUE(rows && *rows) << status;
+    EXPECT_EQ(**rows, Array{1});
+  }
+}
+
+TEST_F(FetchesTest, ReportsATransportErrorOnce) {
+  gateway.fail();
+  const auto sales = outcome(getSalesData);
+  ASSERT_TRUE(sales);
+  ASSERT_FALSE(*sales);
+  EXPECT_LT(sales->error().code, 0);
+  const auto rows = outcome(getPendingData);
+  ASSERT_TRUE(rows);
+  EXPECT_FALSE(*rows);
+}
+
+TEST_F(FetchesTest, RefusesWithoutABusinessOrAToken) {
+  struct Case {
+    const char* businessId;
+    const char* token;
+    const char* line;
+  };
+  const std::vector<Case> cases{
+      {"", "abc", "没有获取到businessID\n"},
+      {"", "", "没有获取到businessID\n"},
+      {"business-1", "", "没有token\n"}};
+  for (const auto& [businessId, token, line] : cases) {
+    settings.signIn(businessId, token);
+    CaptureStdout();
+    EXPECT_FALSE(outcome(getSalesData));
+    EXPECT_EQ(GetCapturedStdout(), line);
+    CaptureStdout();
+    EXPECT_FALSE(outcome(getUnpaidData));
+    EXPECT_FALSE(outcome(getPendingData));
+    EXPECT_EQ(GetCapturedStdout(), std::string(line) + line);
+  }
+  EXPECT_TRUE(gateway.server().requests().empty());
+}
+
+TEST_F(FetchesTest, EndsTheProcessWithoutSettings) {
+  settings.set("businessId", 12);
+  EXPECT_DEATH(outcome(getSalesData), "GatewayRequest line [0-9]+: .*\"businessId\".* is absent");
+  settings.signIn("", "abc");
+  settings.set("token", Dictionary{});
+  CaptureStdout();
+  EXPECT_FALSE(outcome(getSalesData)) << "the business is checked first";
+  GetCapturedStdout();
+  settings.set("businessId", "business-1");
+  EXPECT_DEATH(outcome(getUnpaidData), "GatewayRequest line [0-9]+: .*\"token\".* is absent");
+}
+
+TEST_F(FetchesTest, EndsTheProcessForAnAnswerThatIsNotJson) {
+  gateway.answerWith(200, "<html>maintenance</html>");
+  EXPECT_DEATH(outcome(getSalesData), "SalesData line 58: ");
+  EXPECT_DEATH(outcome(getUnpaidData), "UnpaidData line 82: ");
+  EXPECT_DEATH(outcome(getPendingData), "PendingData line 83: ");
+  gateway.answerWithDocument(R"({"records":1})");
+  EXPECT_DEATH(outcome(getSalesData), "SalesData line [0-9]+: salesMonth is absent");
+  EXPECT_DEATH(outcome(getUnpaidData), "UnpaidData line [0-9]+: records is of another kind");
+  EXPECT_DEATH(outcome(getPendingData), "PendingData line [0-9]+: records is of another kind");
+}
+
+TEST_F(FetchesTest, ReadsOnlyTextsFromTheSharedSettings) {
+  EXPECT_EQ(readSharedString("token"), "abc");
+  EXPECT_EQ(readSharedString("other"), std::nullopt);
+  settings.set("token", true);
+  EXPECT_EQ(readSharedString("token"), std::nullopt);
+  const support::TemporaryHome empty;
+  EXPECT_EQ(readSharedString("businessId"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace quillpad

@@ -1,0 +1,172 @@
+// The widgets as the home screen sees them: catalogue, placeholders, snapshots and timelines.
+#include <future>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "host/Widgets.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/Json.h"
+#include "product/GatewayOfTest.h"
+#include "product/ProductSettings.h"
+
+namespace quillpad {
+namespace {
+
+using foundation::Value;
+using ::testing::ElementsAre;
+using widgets::Completion;
+using widgets::EncodedTimeline;
+using widgets::WidgetConfiguration;
+
+constexpr const char* zeros = R"({"salesMonth":"0","unpaidInvoices":"0","pendingEstimates":"0"})";
+constexpr const char* sample = R"({"records":[{"no":"32","clientName":"Preivon","total":23.89},)"
+                               R"({"no":"28","clientName":"Dreifles","total":132.23},)"
+                               R"({"no":"15","clientName":"Lucien Holmes ","total":98.13}]})";
+
+bool isSmall(const WidgetConfiguration& widget) {
+  return widget.families == std::vector{ui::WidgetFamily::systemSmall};
+}
+
+std::string expectedFallback(const WidgetConfiguration& widget) {
+  return isSmall(widget) ? zeros : sample;
+}
+
+std::string entryText(const std::string& date, const std::string& data) {
+  return R"({"date":")" + date + R"(","data":)" + data + "}";
+}
+
+std::string json(const Value& value) {
+  return foundation::writeJson(value, foundation::JsonLayout::compact).value();
+}
+
+// The timeline of the widget, or nothing where the request was let go.
+std::optional<EncodedTimeline> timelineOf(const WidgetConfiguration& widget) {
+  std::promise<std::optional<EncodedTimeline>> end;
+  widget.timeline(
+      {},
+      Completion<EncodedTimeline>(
+          [&](EncodedTimeline timeline) { end.set_value(std::move(timeline)); },
+          [&] { end.set_value(std::nullopt); }));
+  return end.get_future().get();
+}
+
+class ProvidersTest : public ::testing::Test {
+ protected:
+  ProvidersTest() { settings.signIn("business-1", "abc"); }
+
+  ProductSettings settings;
+  GatewayOfTest gateway;
+  foundation::HeldClock clock{foundation::dateFromIso8601("2026-03-07T09:05:03.250Z").value()};
+  const std::string now = "2026-03-07T09:05:03.250Z";
+  const std::string fiveMinutesLater = "2026-03-07T09:10:03.250Z";
+  const std::vector<WidgetConfiguration> catalogue = Widgets().body();
+};
+
+TEST_F(ProvidersTest, ListTheWidgetsInTheirOrder) {
+  using enum ui::WidgetFamily;
+  std::vector<std::string> kinds;
+  for (const WidgetConfiguration& widget : catalogue) {
+    kinds.push_back(widget.kind);
+    const bool small = widget.kind.contains("Small");
+    EXPECT_THAT(widget.families, ElementsAre(small ? systemSmall : systemMedium)) << widget.kind;
+  }
+  EXPECT_THAT(
+      kinds,
+      ElementsAre(
+          "SalesSmallWidget",
+          "PendingSmallWidget",
+          "UnpaidSmallWidget",
+          "PendingMediumWidget",
+          "UnpaidMediumWidget"));
+  EXPECT_EQ(catalogue[2].displayNameKey, "Unpaid Invocies");
+  EXPECT_EQ(catalogue[2].displayNameKey, catalogue[4].displayNameKey);
+  EXPECT_EQ(catalogue[2].descriptionKey, catalogue[4].descriptionKey);
+  EXPECT_EQ(catalogue[1].displayNameKey, catalogue[3].displayNameKey);
+  EXPECT_EQ(catalogue[1].descriptionKey, catalogue[3].descriptionKey);
+}
+
+TEST_F(ProvidersTest, AnswerPlaceholderAndSnapshotAtOnceAndWithoutARequest) {
+  for (const WidgetConfiguration& widget : catalogue) {
+    const std::string expected = entryText(now, expectedFallback(widget));
+    EXPECT_EQ(json(widget.placeholder({})), expected);
+    int calls = 0;
+    widget.snapshot(
+        {.isPreview = true},
+        Completion<Value>(
+            [&](const Value& entry) {
+              ++calls;
+              EXPECT_EQ(json(entry), expected);
+            },
+            nullptr));
+    EXPECT_EQ(calls, 1) << widget.kind;
+  }
+  EXPECT_TRUE(gateway.server().requests().empty());
+}
+
+TEST_F(ProvidersTest, MakeATimelineOfOneFetchedEntry) {
+  const std::string sales =
+      R"({"salesMonth":"1520.5","unpaidInvoices":"3","pendingEstimates":"0"})";
+  const std::string rows = R"({"records":[{"no":"7"},{"no":"6"},{"no":"5"},{"no":"4"},true]})";
+  for (const WidgetConfiguration& widget : catalogue) {
+    gateway.answerWithDocument(
+        isSmall(widget) ? R"({"salesMonth":1520.5,"unpaidInvoices":3,"pendingEstimates":0})"
+                        : rows);
+    const auto timeline = timelineOf(widget);
+    ASSERT_TRUE(timeline) << widget.kind;
+    ASSERT_EQ(timeline->entries.size(), 1U);
+    EXPECT_EQ(json(timeline->entries[0]), entryText(now, isSmall(widget) ? sales : rows));
+    EXPECT_EQ(foundation::iso8601(timeline->reloadAfter), fiveMinutesLater);
+  }
+  EXPECT_EQ(gateway.server().requests().size(), catalogue.size());
+}
+
+TEST_F(ProvidersTest, MakeATimelineOfZerosOrTheSampleAfterATransportError) {
+  gateway.fail();
+  for (const WidgetConfiguration& widget : catalogue) {
+    const auto timeline = timelineOf(widget);
+    ASSERT_TRUE(timeline) << widget.kind;
+    ASSERT_EQ(timeline->entries.size(), 1U);
+    EXPECT_EQ(json(timeline->entries[0]), entryText(now, expectedFallback(widget)));
+    EXPECT_EQ(foundation::iso8601(timeline->reloadAfter), fiveMinutesLater);
+  }
+}
+
+TEST_F(ProvidersTest, ShowAnEmptyListAsEmpty) {
+  gateway.answerWithDocument(R"({"records":[]})");
+  const auto timeline = timelineOf(catalogue[4]);
+  ASSERT_TRUE(timeline);
+  EXPECT_EQ(json(timeline->entries[0]), entryText(now, R"({"records":[]})"));
+}
+
+TEST_F(ProvidersTest, LetARefusedRequestGo) {
+  settings.signIn("business-1", "");
+  for (const WidgetConfiguration& widget : catalogue) {
+    EXPECT_FALSE(timelineOf(widget)) << widget.kind;
+  }
+  EXPECT_TRUE(gateway.server().requests().empty());
+}
+
+TEST_F(ProvidersTest, FetchEachTimelineByItself) {
+  gateway.answerWithDocument(R"({"salesMonth":1,"unpaidInvoices":2,"pendingEstimates":3})");
+  auto first = std::async(std::launch::async, [&] { return timelineOf(catalogue[0]); });
+  const auto second = timelineOf(catalogue[0]);
+  EXPECT_TRUE(first.get());
+  EXPECT_TRUE(second);
+  EXPECT_EQ(gateway.server().requests().size(), 2U);
+}
+
+TEST_F(ProvidersTest, RenderAnEntryThatComesBack) {
+  for (const WidgetConfiguration& widget : catalogue) {
+    const Value entry = widget.placeholder({});
+    const auto view = widget.render({.widgetFamily = widget.families.front()}, entry);
+    EXPECT_FALSE(view.modifiers.empty()) << widget.kind;
+    EXPECT_DEATH(widget.render({}, 7), "the entry is of another kind");
+    EXPECT_DEATH(
+        widget.render({}, foundation::Dictionary{{"date", now}, {"data", 7}}),
+        "(Sales|Unpaid|Pending) line [0-9]+: the record is of another kind");
+  }
+}
+
+}  // namespace
+}  // namespace quillpad
