@@ -13,7 +13,6 @@
 #include "drawing/DrawnCard.h"
 #include "platform/drawing/Card.h"
 #include "platform/drawing/Comparison.h"
-#include "platform/drawing/PngEncoder.h"
 #include "platform/drawing/PngWriter.h"
 #include "platform/drawing/TextEngine.h"
 #include "platform/foundation/Bundle.h"
@@ -222,40 +221,6 @@ INSTANTIATE_TEST_SUITE_P(
     Widths,
     PngRoundTrip,
     ::testing::Values(1, 2, 3, 4, 5, 63, 64, 65, 66, 129, 256, 257, 258, 259, 8191, 8193, 40000));
-
-// Rows of a palette, of which some are marked and hold something, and the others are blank.
-TEST(PngEncoder, PassesOverBlankRows) {
-  std::mt19937 random(7);
-  for (const int width : {1, 2, 3, 86, 257, 258, 259, 1014}) {
-    const int height = 40;
-    const std::size_t stride = 1 + static_cast<std::size_t>(width);
-    Bytes data(stride * height + PixelRows::slack, 0);
-    Bytes marked(height, 0);
-    std::vector<ui::Rgba> palette;
-    for (int i = 0; i < 256; ++i) palette.push_back({static_cast<std::uint8_t>(i), 1, 2});
-    for (std::size_t y = 0; y < marked.size(); ++y) {
-      marked[y] = static_cast<std::uint8_t>(random() % 3 == 0);
-      for (std::size_t x = 1; marked[y] != 0 && x < stride; x += 1 + random() % 30) {
-        data[y * stride + x] = static_cast<std::uint8_t>(random());
-      }
-    }
-    const auto back = readPng(encodePng(
-        {.width = width,
-         .height = height,
-         .bytesPerPixel = 1,
-         .data = data.data(),
-         .marked = marked,
-         .palette = palette}));
-    ASSERT_TRUE(back.has_value()) << back.error();
-    for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) {
-        ASSERT_EQ(
-            at(*back, x, y).red,
-            data[static_cast<std::size_t>(y) * stride + 1 + static_cast<std::size_t>(x)]);
-      }
-    }
-  }
-}
 
 TEST_F(PngWriterTest, PngcheckAcceptsTheFiles) {
   if (std::system("command -v pngcheck > /dev/null") != 0) GTEST_SKIP() << "pngcheck is missing";

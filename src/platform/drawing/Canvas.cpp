@@ -50,7 +50,7 @@ void IndexedCanvas::start(int width, int height, ui::Rgba ground) {
   } else {
     width_ = width;
     height_ = height;
-    bytes_.assign(stride * static_cast<std::size_t>(height) + PixelRows::slack, 0);
+    bytes_.assign(stride * static_cast<std::size_t>(height), 0);
   }
   marked_.assign(static_cast<std::size_t>(height), 0);
   palette_.assign(1, ground);
@@ -162,7 +162,6 @@ PixelRows IndexedCanvas::rows() const {
       .height = height_,
       .bytesPerPixel = 1,
       .data = bytes_.data(),
-      .marked = marked_,
       .palette = palette_};
 }
 
@@ -171,7 +170,7 @@ void RgbaCanvas::start(int width, int height, ui::Rgba ground) {
   height_ = height;
   ground_ = ground;
   const std::size_t stride = 1 + std::size_t{4} * static_cast<std::size_t>(width);
-  bytes_.assign(stride * static_cast<std::size_t>(height) + PixelRows::slack, 0);
+  bytes_.assign(stride * static_cast<std::size_t>(height), 0);
   chooseInk(ground);
   for (int y = 0; y < height; ++y) {
     std::uint8_t* pixel = at(0, y);

@@ -17,9 +17,10 @@ namespace drawing {
 // The ink over what lies under it.
 ui::Rgba over(ui::Rgba under, ui::Rgba ink, int level);
 
-// One byte a pixel. Index 0 is the ground, so that a fresh canvas is all zeros and the encoder can
-// pass over the rows that nobody marked. Where the colours do not fit into 256 entries, the canvas
-// is `full` and its pixels are wrong: the card is then drawn again on an RgbaCanvas.
+// One byte a pixel. Index 0 is the ground, so that a fresh canvas is all zeros and only the rows
+// that were marked need to be cleared for the next card. Where the colours do not fit into 256
+// entries, the canvas is `full` and its pixels are wrong: the card is then drawn again on an
+// RgbaCanvas.
 class IndexedCanvas {
  public:
   void start(int width, int height, ui::Rgba ground);

@@ -15,7 +15,7 @@ constexpr int linesPerPixel = 16;
 CornerMask quarterCircle(double radius) {
   const int side = static_cast<int>(std::ceil(radius));
   const auto width = static_cast<std::size_t>(side);
-  CornerMask mask{.side = side, .levels = {}, .mirrored = {}};
+  CornerMask mask{.side = side, .levels = {}, .mirrored = {}, .open = {}};
   mask.levels.reserve(width * width);
   std::vector<double> cover(width);
   for (int y = 0; y < side; ++y) {
@@ -34,6 +34,7 @@ CornerMask quarterCircle(double radius) {
   }
   mask.mirrored = mask.levels;
   for (auto row = mask.mirrored.begin(); row != mask.mirrored.end(); row += side) {
+    mask.open.push_back(static_cast<int>(std::find(row, row + side, fullCover) - row));
     std::reverse(row, row + side);
   }
   return mask;

@@ -13,6 +13,7 @@ struct CornerMask {
   int side = 0;
   std::vector<CoverLevel> levels;
   std::vector<CoverLevel> mirrored;  // each row backwards: the top right corner
+  std::vector<int> open;             // for each row, how many levels from the left are not full
 
   const CoverLevel* row(int y) const {
     return levels.data() + static_cast<std::ptrdiff_t>(y) * side;

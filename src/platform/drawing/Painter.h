@@ -91,9 +91,10 @@ class Painter {
     if (radius <= 0) return;
     const CornerMask& mask = box_.corners.find(radius);
     for (int y = 0; y < mask.side; ++y) {
+      const int open = mask.open[static_cast<std::size_t>(y)];
       for (const int line : {y, height_ - 1 - y}) {
-        canvas_.uncover(0, line, mask.row(y), mask.side);
-        canvas_.uncover(width_ - mask.side, line, mask.mirroredRow(y), mask.side);
+        canvas_.uncover(0, line, mask.row(y), open);
+        canvas_.uncover(width_ - open, line, mask.mirroredRow(y) + (mask.side - open), open);
       }
     }
   }

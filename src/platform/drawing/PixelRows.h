@@ -10,15 +10,10 @@
 namespace drawing {
 
 struct PixelRows {
-  // Bytes that stand behind the rows and may be read (their values do not matter).
-  static constexpr std::size_t slack = 16;
-
   int width = 0;
   int height = 0;
   int bytesPerPixel = 4;               // 1: palette indices, 4: RGBA
   const std::uint8_t* data = nullptr;  // each row begins with the byte of its filter, 0 for none
-  std::span<const std::uint8_t> marked{};  // for each row, whether any byte of it may not be 0; all
-                                           // rows may, if empty
   std::span<const ui::Rgba> palette{};
 
   std::size_t stride() const {

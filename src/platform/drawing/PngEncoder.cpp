@@ -1,11 +1,10 @@
 #include "platform/drawing/PngEncoder.h"
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <isa-l/crc.h>
+#include <isa-l/igzip_lib.h>
 #include <string_view>
-
-#include "platform/drawing/Deflate.h"
 
 namespace drawing {
 
@@ -60,7 +59,41 @@ std::size_t translucentEntries(std::span<const ui::Rgba> colors) {
 
 }  // namespace
 
-std::vector<std::uint8_t> encodePng(const PixelRows& rows) {
+struct PngEncoder::Compressor {
+  // Appends the zlib stream of the rows.
+  void compress(const PixelRows& rows, std::vector<std::uint8_t>& out) {
+    isal_deflate_init(&stream);
+    stream.level = 1;
+    stream.level_buf = memory.data();
+    stream.level_buf_size = static_cast<std::uint32_t>(memory.size());
+    stream.gzip_flag = IGZIP_ZLIB;
+    stream.end_of_stream = 1;
+    stream.flush = NO_FLUSH;
+    // The library reads only, though it does not promise so.
+    stream.next_in = const_cast<std::uint8_t*>(rows.data);
+    stream.avail_in =
+        static_cast<std::uint32_t>(rows.stride() * static_cast<std::size_t>(rows.height));
+    std::size_t used = out.size();
+    while (stream.internal_state.state != ZSTATE_END) {
+      out.resize(std::max(2 * used, used + roomAtFirst));
+      stream.next_out = out.data() + used;
+      stream.avail_out = static_cast<std::uint32_t>(out.size() - used);
+      isal_deflate(&stream);
+      used = out.size() - stream.avail_out;
+    }
+    out.resize(used);
+  }
+
+  static constexpr std::size_t roomAtFirst = std::size_t{1} << 15;
+  isal_zstream stream{};
+  std::vector<std::uint8_t> memory = std::vector<std::uint8_t>(ISAL_DEF_LVL1_DEFAULT);
+};
+
+PngEncoder::PngEncoder() : compressor_(std::make_unique<Compressor>()) {}
+
+PngEncoder::~PngEncoder() = default;
+
+std::vector<std::uint8_t> PngEncoder::encode(const PixelRows& rows) {
   Chunks png;
   png.bytes.reserve(32768);
   png.begin("IHDR");
@@ -83,7 +116,7 @@ std::vector<std::uint8_t> encodePng(const PixelRows& rows) {
     }
   }
   png.begin("IDAT");
-  deflateRows(rows, png.bytes);
+  compressor_->compress(rows, png.bytes);
   png.end();
   png.begin("IEND");
   png.end();

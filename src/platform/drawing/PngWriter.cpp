@@ -33,7 +33,7 @@ class PngWriter::Easel {
     if (fewColors_.full()) Painter(manyColors, box_, list).paint();
     const Clock::time_point painted = Clock::now();
     std::vector<std::uint8_t> file =
-        encodePng(fewColors_.full() ? manyColors.rows() : fewColors_.rows());
+        encoder_.encode(fewColors_.full() ? manyColors.rows() : fewColors_.rows());
     split = {
         .raster = std::chrono::duration<double, std::milli>(painted - start).count(),
         .encode = millisecondsSince(painted)};
@@ -45,6 +45,7 @@ class PngWriter::Easel {
  private:
   PaintBox box_;
   IndexedCanvas fewColors_;
+  PngEncoder encoder_;
 };
 
 PngWriter::PngWriter(FontBook& fonts, Pictures& pictures)
@@ -62,14 +63,13 @@ PngWriter::Split PngWriter::lastSplit() const { return easel_->split; }
 std::vector<std::uint8_t> writePng(const Picture& picture) {
   PixelRows rows{.width = picture.width, .height = picture.height};
   const std::size_t stride = rows.stride();
-  std::vector<std::uint8_t> bytes(
-      stride * static_cast<std::size_t>(picture.height) + PixelRows::slack);
+  std::vector<std::uint8_t> bytes(stride * static_cast<std::size_t>(picture.height));
   for (int y = 0; y < picture.height; ++y) {
     std::memcpy(
         bytes.data() + static_cast<std::size_t>(y) * stride + 1, picture.row(y), stride - 1);
   }
   rows.data = bytes.data();
-  return encodePng(rows);
+  return PngEncoder().encode(rows);
 }
 
 }  // namespace drawing
