@@ -19,7 +19,7 @@ extern "C" {
 namespace home {
 namespace {
 
-using channel::FileDescriptor;
+using foundation::FileDescriptor;
 
 // Where the extension finds its end of the channel.
 constexpr int childChannel = 3;

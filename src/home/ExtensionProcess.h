@@ -13,9 +13,9 @@
 #include <variant>
 #include <vector>
 
-#include "platform/channel/FileDescriptor.h"
 #include "platform/channel/LineReader.h"
 #include "platform/channel/Messages.h"
+#include "platform/foundation/FileDescriptor.h"
 
 namespace home {
 
@@ -74,7 +74,7 @@ class ExtensionProcess {
   ExtensionProcess() = default;
   void writePending();
   void readPrinted(
-      channel::FileDescriptor& descriptor,
+      foundation::FileDescriptor& descriptor,
       channel::LineReader& reader,
       PrintedLine::Stream stream,
       std::vector<ExtensionEvent>& events);
@@ -82,10 +82,10 @@ class ExtensionProcess {
       PrintedLine::Stream stream, std::string text, std::vector<ExtensionEvent>& events);
 
   pid_t pid_ = 0;
-  channel::FileDescriptor process_;  // readable once the child has ended
-  channel::FileDescriptor channel_;
-  channel::FileDescriptor output_;
-  channel::FileDescriptor error_;
+  foundation::FileDescriptor process_;  // readable once the child has ended
+  foundation::FileDescriptor channel_;
+  foundation::FileDescriptor output_;
+  foundation::FileDescriptor error_;
   std::uint64_t lastId_ = 0;
   std::string pending_;  // of the requests, what the channel has not taken yet
   channel::LineReader messages_{channel::longestFrame};

@@ -6,12 +6,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "platform/channel/FileDescriptor.h"
+#include "platform/foundation/FileDescriptor.h"
 
 namespace home {
 
 std::expected<std::string, Failure> readInput(const std::string& file, std::size_t maximumBytes) {
-  const channel::FileDescriptor descriptor(
+  const foundation::FileDescriptor descriptor(
       file == "-" ? ::dup(STDIN_FILENO) : ::open(file.c_str(), O_RDONLY | O_CLOEXEC));
   std::string bytes;
   std::array<char, 65536> buffer{};

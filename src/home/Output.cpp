@@ -8,7 +8,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "platform/channel/FileDescriptor.h"
+#include "platform/foundation/FileDescriptor.h"
 
 namespace home {
 namespace {
@@ -32,14 +32,14 @@ int writeAll(int descriptor, std::string_view bytes) {
 }
 
 int writeInPlace(const std::filesystem::path& file, std::string_view bytes) {
-  const channel::FileDescriptor descriptor(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
+  const foundation::FileDescriptor descriptor(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
   return descriptor ? writeAll(descriptor.get(), bytes) : errno;
 }
 
 int replace(const std::filesystem::path& file, std::string_view bytes) {
   const auto part = file.parent_path() / (".quillpad-" + std::to_string(::getpid()) + ".part");
   ::unlink(part.c_str());
-  channel::FileDescriptor descriptor(
+  foundation::FileDescriptor descriptor(
       ::open(part.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
   if (!descriptor) return errno;
   int error = writeAll(descriptor.get(), bytes);

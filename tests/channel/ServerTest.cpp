@@ -88,9 +88,9 @@ class ServerTest : public testing::Test {
   ServerTest() {
     std::array<int, 2> ends{};
     EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()), 0);
-    home_ = std::make_unique<widgets::Connection>(channel::FileDescriptor(ends[0]));
+    home_ = std::make_unique<widgets::Connection>(foundation::FileDescriptor(ends[0]));
     homeDescriptor_ = ends[0];
-    auto connection = std::make_shared<widgets::Connection>(channel::FileDescriptor(ends[1]));
+    auto connection = std::make_shared<widgets::Connection>(foundation::FileDescriptor(ends[1]));
     thread_ = std::jthread(
         [this, connection] { widgets::Server(noteWidgets(script_), connection).run(); });
   }

@@ -9,7 +9,7 @@
 
 namespace widgets {
 
-Connection::Connection(channel::FileDescriptor socket)
+Connection::Connection(foundation::FileDescriptor socket)
     : socket_(std::move(socket)), lines_(channel::longestFrame) {}
 
 std::optional<channel::Line> Connection::receive() {

@@ -5,14 +5,14 @@
 #include <optional>
 #include <string>
 
-#include "platform/channel/FileDescriptor.h"
 #include "platform/channel/LineReader.h"
+#include "platform/foundation/FileDescriptor.h"
 
 namespace widgets {
 
 class Connection {
  public:
-  explicit Connection(channel::FileDescriptor socket);
+  explicit Connection(foundation::FileDescriptor socket);
 
   // The next line, waited for; nothing once the home screen has closed the channel.
   std::optional<channel::Line> receive();
@@ -21,7 +21,7 @@ class Connection {
   void send(std::string line);
 
  private:
-  channel::FileDescriptor socket_;
+  foundation::FileDescriptor socket_;
   channel::LineReader lines_;
   std::mutex sending_;
 };

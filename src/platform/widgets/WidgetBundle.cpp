@@ -13,9 +13,9 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/channel/FileDescriptor.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/Fatal.h"
+#include "platform/foundation/FileDescriptor.h"
 #include "platform/widgets/Server.h"
 
 namespace widgets {
@@ -25,7 +25,7 @@ constexpr int wrongUsage = 2;
 
 // The extension's end of the channel, out of the environment, so that nothing that this process
 // might start inherits it.
-std::optional<channel::FileDescriptor> inheritedChannel() {
+std::optional<foundation::FileDescriptor> inheritedChannel() {
   const char* variable = std::getenv(channel::descriptorVariable);
   if (variable == nullptr) return std::nullopt;
   const std::string_view text = variable;
@@ -39,7 +39,7 @@ std::optional<channel::FileDescriptor> inheritedChannel() {
   }
   ::unsetenv(channel::descriptorVariable);
   ::fcntl(number, F_SETFD, FD_CLOEXEC);
-  return channel::FileDescriptor(number);
+  return foundation::FileDescriptor(number);
 }
 
 }  // namespace
