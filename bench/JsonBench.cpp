@@ -13,7 +13,7 @@ using namespace foundation;
 std::string listOf(std::int64_t rows) {
   Array records;
   for (std::int64_t i = 0; i < rows; ++i) {
-    records.push_back(Dictionary{
+    records.emplace_back(Dictionary{
         {"id", i},
         {"no", "INV" + std::to_string(i)},
         {"clientName", "Näher & Söhne"},
