@@ -87,7 +87,9 @@ HomeScreen::HomeScreen(std::filesystem::path extension)
       stateFile_(stateFile()),
       token_(secret()),
       instance_(secret()),
-      locale_(foundation::currentLocale()) {}
+      locale_(foundation::currentLocale()),
+      workbench_(extensionProgram_, {}),
+      engineer_(supervisor_, workbench_, studio_, locale_) {}
 
 void HomeScreen::restore() {
   if (!stateFile_) {
@@ -113,6 +115,7 @@ void HomeScreen::addDescriptors(std::vector<pollfd>& descriptors) const {
     const auto theirs = extension_->descriptors();
     descriptors.insert(descriptors.end(), theirs.begin(), theirs.end());
   }
+  workbench_.addDescriptors(descriptors);
 }
 
 int HomeScreen::patience() const {
@@ -120,6 +123,9 @@ int HomeScreen::patience() const {
   std::chrono::milliseconds patience = server_->patience();
   const auto consider = [&](Uptime moment) { patience = std::min(patience, moment - now); };
   if (const auto wakeUp = supervisor_.wakeUp()) {
+    consider(*wakeUp);
+  }
+  if (const auto wakeUp = workbench_.wakeUp()) {
     consider(*wakeUp);
   }
   if (saveAt_) {
@@ -139,7 +145,8 @@ void HomeScreen::run() {
   supervisor_.timePassed(now);
   carryOut(now);
   saveWhenDue(now, saveDelay);
-  if (supervisor_.version() != shownVersion_) {
+  const bool tried = workbench_.run(now);
+  if (tried || supervisor_.version() != shownVersion_) {
     shownVersion_ = supervisor_.version();
     server_->wake();
   }
@@ -147,6 +154,7 @@ void HomeScreen::run() {
 
 void HomeScreen::stop() {
   extension_.reset();
+  workbench_.stop();
   saveWhenDue(presentMoment(), 0s);
 }
 
@@ -225,7 +233,16 @@ WebReply HomeScreen::answer(const WebRequest& request) {
     return change(request);
   }
   if (request.path == "/") {
+    if (request.parameter("view") == "engineer") {
+      return engineer_.page(presentMoment(), request, newFrame());
+    }
     return homeAnswer();
+  }
+  if (request.path == "/picture.svg" || request.path == "/picture.png") {
+    return engineer_.picture(
+        presentMoment(),
+        request,
+        request.path.ends_with("svg") ? PictureFormat::svg : PictureFormat::png);
   }
   if (request.path == "/gallery") {
     supervisor_.openGallery(presentMoment());
@@ -264,12 +281,16 @@ WebReply HomeScreen::change(const WebRequest& request) {
                : WebAnswer{.status = 404, .body = "There is no such widget or change.\n"};
 }
 
-WebAnswer HomeScreen::homeAnswer() {
-  const PageFrame frame{
+PageFrame HomeScreen::newFrame() const {
+  return {
       .token = token_,
       .instance = instance_,
       .nonce = secret(),
       .rightToLeft = isRightToLeft(locale_)};
+}
+
+WebAnswer HomeScreen::homeAnswer() {
+  const PageFrame frame = newFrame();
   HomeModel model{
       .cards = {},
       .notice = noticeOf(supervisor_.life(), supervisor_.lastEnd()),

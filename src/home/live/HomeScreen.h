@@ -16,9 +16,11 @@
 
 #include "home/ExtensionProcess.h"
 #include "home/Studio.h"
+#include "home/live/EngineerView.h"
 #include "home/live/Page.h"
 #include "home/live/Supervisor.h"
 #include "home/live/WebServer.h"
+#include "home/live/Workbench.h"
 
 namespace home {
 
@@ -61,6 +63,7 @@ class HomeScreen {
   WebReply answer(const WebRequest& request);
   WebReply change(const WebRequest& request);
   WebAnswer homeAnswer();
+  PageFrame newFrame() const;
   LaterAnswer galleryAnswer();
   EventStream eventsSince(std::uint64_t version);
   std::shared_ptr<const std::string> changesSince(std::uint64_t version);
@@ -80,6 +83,8 @@ class HomeScreen {
   Supervisor supervisor_;
   std::optional<ExtensionProcess> extension_;
   Studio studio_;
+  Workbench workbench_;
+  EngineerView engineer_;
   std::map<std::string, Drawn, std::less<>> drawings_;
   std::map<std::string, DrawnCard, std::less<>> offers_;
   std::optional<WebServer> server_;

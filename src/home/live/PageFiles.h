@@ -12,5 +12,11 @@ extern const std::string_view galleryItemHtml;
 extern const std::string_view styleCss;
 extern const std::string_view appearanceJs;
 extern const std::string_view homeJs;
+extern const std::string_view engineerHtml;
+extern const std::string_view engineerColumnHtml;
+extern const std::string_view engineerPictureHtml;
+extern const std::string_view engineerDetailsHtml;
+extern const std::string_view engineerCss;
+extern const std::string_view engineerJs;
 
 }  // namespace home::page
