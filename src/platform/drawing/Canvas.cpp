@@ -50,18 +50,23 @@ void IndexedCanvas::start(int width, int height, ui::Rgba ground) {
   } else {
     width_ = width;
     height_ = height;
-    bytes_.assign(stride * static_cast<std::size_t>(height), 0);
+    bytes_.assign(stride * static_cast<std::size_t>(height) + GlyphMask::step, 0);
   }
   marked_.assign(static_cast<std::size_t>(height), 0);
   palette_.assign(1, ground);
   ramps_.clear();
   corner_.fill(unknown);
   full_ = false;
-  chooseInk({});
+  forgetInk();
 }
 
 void IndexedCanvas::chooseInk(ui::Rgba ink) {
+  if (ink == ink_) return;
   ink_ = ink;
+  forgetInk();
+}
+
+void IndexedCanvas::forgetInk() {
   rampBase_ = unknown;
   mixed_.fill(unknown);
 }
@@ -116,21 +121,41 @@ std::uint8_t IndexedCanvas::mixed(std::uint8_t under, int level) {
 }
 
 void IndexedCanvas::stamp(int x, int y, const CoverLevel* levels, int count) {
-  std::uint8_t* pixels = row(x, y);
-  if (const int base = ramp(); base >= 0) {
-    int met = 0;  // whether the ink falls on anything but the ground
-    for (int i = 0; i < count; ++i) {
-      met |= static_cast<int>(pixels[i] != 0) & static_cast<int>(levels[i] != 0);
-    }
-    if (met == 0) {
-      for (int i = 0; i < count; ++i) {
-        pixels[i] |= static_cast<std::uint8_t>(levels[i] != 0 ? base + levels[i] : 0);
-      }
-      return;
-    }
-  }
+  mix(row(x, y), levels, count);
+}
+
+void IndexedCanvas::mix(std::uint8_t* pixels, const CoverLevel* levels, int count) {
   for (int i = 0; i < count; ++i) {
     if (levels[i] != 0) pixels[i] = mixed(pixels[i], levels[i]);
+  }
+}
+
+// On the bare ground a level is a step on the ink's ramp. Padding lies on whatever follows and
+// leaves it as it is.
+void IndexedCanvas::stamp(int x, int y, const GlyphMask& mask) {
+  using Pixels [[gnu::vector_size(GlyphMask::step)]] = std::uint8_t;
+  const int base = ramp();
+  const int height = mask.height;
+  const int stride = mask.stride;
+  for (int line = 0; line < height; ++line) {
+    std::uint8_t* pixels = row(x, y + line);
+    const CoverLevel* levels = mask.row(line);
+    for (int at = 0; at < stride; at += GlyphMask::step) {
+      Pixels under;
+      Pixels ink;
+      std::memcpy(&under, pixels + at, sizeof under);
+      std::memcpy(&ink, levels + at, sizeof ink);
+      const auto inked = reinterpret_cast<Pixels>(ink != 0);
+      std::array<std::uint64_t, 2> met{};  // what other than the ground the ink falls on
+      const Pixels meeting = under & inked;
+      std::memcpy(met.data(), &meeting, sizeof meeting);
+      if ((met[0] | met[1]) != 0 || base < 0) {
+        mix(pixels + at, levels + at, GlyphMask::step);
+      } else {
+        under |= (ink + static_cast<std::uint8_t>(base)) & inked;
+        std::memcpy(pixels + at, &under, sizeof under);
+      }
+    }
   }
 }
 
@@ -193,6 +218,10 @@ void RgbaCanvas::stamp(int x, int y, const CoverLevel* levels, int count) {
     color = over(color, ink_, levels[i]);
     std::memcpy(pixel, &color, 4);
   }
+}
+
+void RgbaCanvas::stamp(int x, int y, const GlyphMask& mask) {
+  for (int line = 0; line < mask.height; ++line) stamp(x, y + line, mask.row(line), mask.width);
 }
 
 void RgbaCanvas::span(int x, int y, int count) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/drawing/Cover.h"
+#include "platform/drawing/GlyphMasks.h"
 #include "platform/drawing/PixelRows.h"
 #include "platform/ui/Color.h"
 
@@ -28,6 +29,8 @@ class IndexedCanvas {
   void chooseInk(ui::Rgba ink);
   // Lays down `count` pixels of the ink from (x, y) on, each with its cover.
   void stamp(int x, int y, const CoverLevel* levels, int count);
+  // Lays down a glyph with its top left corner at (x, y).
+  void stamp(int x, int y, const GlyphMask& mask);
   // The same with full cover.
   void span(int x, int y, int count);
   // Takes the ground away but for the given cover: the card's round corners.
@@ -38,8 +41,11 @@ class IndexedCanvas {
 
  private:
   std::uint8_t* row(int x, int y);
+  // Forgets what was found out for the ink.
+  void forgetInk();
   std::uint8_t indexOf(ui::Rgba color);
   std::uint8_t mixed(std::uint8_t under, int level);
+  void mix(std::uint8_t* pixels, const CoverLevel* levels, int count);
   // First index of the ink's ramp over the ground, less one; -1 where there was no room for one.
   int ramp();
 
@@ -72,6 +78,7 @@ class RgbaCanvas {
 
   void chooseInk(ui::Rgba ink) { ink_ = ink; }
   void stamp(int x, int y, const CoverLevel* levels, int count);
+  void stamp(int x, int y, const GlyphMask& mask);
   void span(int x, int y, int count);
   void uncover(int x, int y, const CoverLevel* levels, int count);
 

@@ -100,11 +100,17 @@ GlyphMask GlyphMasks::render(FontId font, std::uint32_t glyph, long size, int ph
       .top = face->glyph->bitmap_top,
       .width = static_cast<int>(bitmap.width),
       .height = static_cast<int>(bitmap.rows),
+      .stride = 0,
       .levels = {}};
-  mask.levels.reserve(std::size_t{bitmap.width} * bitmap.rows);
-  for (unsigned y = 0; y < bitmap.rows; ++y) {
+  mask.stride = (mask.width + GlyphMask::step - 1) / GlyphMask::step * GlyphMask::step;
+  mask.levels.resize(static_cast<std::size_t>(mask.stride) * bitmap.rows);
+  for (int y = 0; y < mask.height; ++y) {
     const unsigned char* cover = bitmap.buffer + static_cast<std::ptrdiff_t>(y) * bitmap.pitch;
-    std::transform(cover, cover + bitmap.width, std::back_inserter(mask.levels), coverLevel);
+    std::transform(
+        cover,
+        cover + mask.width,
+        mask.levels.begin() + static_cast<std::ptrdiff_t>(y) * mask.stride,
+        coverLevel);
   }
   return mask;
 }

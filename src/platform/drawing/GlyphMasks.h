@@ -13,12 +13,21 @@
 
 namespace drawing {
 
+// Rows are padded with empty levels to a whole number of steps, so that they can be laid down
+// sixteen pixels at a time.
 struct GlyphMask {
+  static constexpr int step = 16;
+
   int left = 0;  // from the origin to the first column
   int top = 0;   // from the baseline up to the first row
   int width = 0;
   int height = 0;
+  int stride = 0;  // the width with padding
   std::vector<CoverLevel> levels;
+
+  const CoverLevel* row(int y) const {
+    return levels.data() + static_cast<std::ptrdiff_t>(y) * stride;
+  }
 };
 
 struct ColorGlyph {

@@ -206,13 +206,13 @@ class Painter {
       const GlyphMask& mask = box_.glyphs.find(run.font, glyph.id, run.size * scale_, quarters & 3);
       const int left = (quarters >> 2) + mask.left;
       const int top = pixel(glyph.origin.y) - mask.top;
-      for (int y = 0; y < mask.height; ++y) {
-        stamp(
-            left,
-            top + y,
-            mask.levels.data() + static_cast<std::ptrdiff_t>(y) * mask.width,
-            mask.width);
+      const bool inside =
+          left >= 0 && top >= 0 && left + mask.width <= width_ && top + mask.height <= height_;
+      if (inside && clips_.empty()) {
+        canvas_.stamp(left, top, mask);
+        continue;
       }
+      for (int y = 0; y < mask.height; ++y) stamp(left, top + y, mask.row(y), mask.width);
     }
   }
 
