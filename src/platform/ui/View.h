@@ -72,14 +72,14 @@ struct Modifiable {
 // A text in the system font. `Text(key)` is looked up in the bundle when the view is sent,
 // `Text::verbatim` is not.
 struct Text : Modifiable<Text> {
-  explicit Text(std::string key) : text(std::move(key)), localized(true) {}
+  explicit Text(std::string key) : text(std::move(key)) {}
   static Text verbatim(std::string text);
 
   Text font(Font value) &&;
   Text foregroundColor(Color value) &&;
 
   std::string text;
-  bool localized;
+  bool localized = true;
   Font textFont{};
   std::optional<Color> color{};  // absent: the platform's primary text colour
 };

@@ -202,7 +202,7 @@ class Reader {
   template <class T>
   const T& as(const Value& value, std::string_view what) {
     static const T nothing{};
-    const T* typed = value.as<T>();
+    const auto* typed = value.as<T>();
     if (typed == nullptr) {
       fail(what);
     }
@@ -235,7 +235,7 @@ class Reader {
   }
 
   double length(const Value& value) {
-    const Number* number = value.as<Number>();
+    const auto* number = value.as<Number>();
     const double length = number != nullptr ? number->doubleValue() : NAN;
     if (number == nullptr) {
       fail("not a number");
@@ -262,7 +262,7 @@ class Reader {
       const bool opaque = text.size() == 7;
       if ((!opaque && text.size() != 9) || text[0] != '#' ||
           std::from_chars(text.data() + 1, end, components, 16).ptr != end) {
-        fail("not a colour like \"#11B826\"");
+        fail(R"(not a colour like "#11B826")");
         return Rgba{};
       }
       if (opaque) {
@@ -276,12 +276,12 @@ class Reader {
   }
 
   Color color(const Value& value) {
-    const auto& members = as<Dictionary>(value, "not an object with \"light\" and \"dark\"");
+    const auto& members = as<Dictionary>(value, R"(not an object with "light" and "dark")");
     return {hexColor(members, "light"), hexColor(members, "dark")};
   }
 
   Font font(const Value& value) {
-    const auto& members = as<Dictionary>(value, "not an object with \"size\" and \"weight\"");
+    const auto& members = as<Dictionary>(value, R"(not an object with "size" and "weight")");
     Font font{.size = length(members, "size")};
     if (font.size <= 0) {
       fail("the size is not above 0");
@@ -370,7 +370,7 @@ class Reader {
       Text result = Text::verbatim(text(members, "text"));
       result.localized =
           optionalMember<bool>(members, "localized", false, [this](const Value& value) {
-            const Number* number = value.as<Number>();
+            const auto* number = value.as<Number>();
             const bool* truth = number != nullptr ? std::get_if<bool>(&number->storage()) : nullptr;
             if (truth == nullptr) {
               fail("not true or false");
