@@ -244,7 +244,8 @@ void RgbaCanvas::uncover(int x, int y, const CoverLevel* levels, int count) {
 }
 
 PixelRows RgbaCanvas::rows() const {
-  return {.width = width_, .height = height_, .bytesPerPixel = 4, .data = bytes_.data()};
+  return {
+      .width = width_, .height = height_, .bytesPerPixel = 4, .data = bytes_.data(), .palette = {}};
 }
 
 }  // namespace drawing

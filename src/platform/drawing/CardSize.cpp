@@ -12,10 +12,10 @@ std::optional<std::string> sizeError(const DisplayList& list) {
   }
   const double width = std::round(list.size.width * list.scale);
   const double height = std::round(list.size.height * list.scale);
-  if (!(width >= 1 && height >= 1)) {
+  if (std::isnan(width * height) || width < 1 || height < 1) {
     return "an empty card cannot be drawn: its width and height must be more than 0 points";
   }
-  if (!(width * height <= static_cast<double>(maximumPixels))) {
+  if (width * height > static_cast<double>(maximumPixels)) {
     return "a card of more than 32 million pixels cannot be drawn: use a smaller size or scale";
   }
   return std::nullopt;

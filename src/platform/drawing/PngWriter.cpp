@@ -61,7 +61,9 @@ std::expected<std::vector<std::uint8_t>, std::string> PngWriter::write(const Dis
 PngWriter::Split PngWriter::lastSplit() const { return easel_->split; }
 
 std::vector<std::uint8_t> writePng(const Picture& picture) {
-  PixelRows rows{.width = picture.width, .height = picture.height};
+  PixelRows rows;
+  rows.width = picture.width;
+  rows.height = picture.height;
   const std::size_t stride = rows.stride();
   std::vector<std::uint8_t> bytes(stride * static_cast<std::size_t>(picture.height));
   for (int y = 0; y < picture.height; ++y) {

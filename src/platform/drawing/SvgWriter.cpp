@@ -177,13 +177,11 @@ class SvgDocument {
       for (const Glyph& glyph : run.glyphs) {
         const Definition& shape = inColor ? colorGlyph(run, glyph.id) : outline(run.font, glyph.id);
         if (shape.id.empty()) continue;
-        const std::string scale = significant(run.size / shape.unitsPerSize);
-        body_ += "<use" + attribute("href", "#" + shape.id) +
-                 attribute(
-                     "transform",
-                     "matrix(" + scale + " 0 0 " + (inColor ? "" : "-") + scale + " " +
-                         number(glyph.origin.x) + " " + number(glyph.origin.y) + ")") +
-                 "/>\n";
+        body_ += "<use";
+        body_ += attribute("href", "#" + shape.id);
+        body_ +=
+            attribute("transform", placed(glyph.origin, run.size / shape.unitsPerSize, inColor));
+        body_ += "/>\n";
       }
     }
     body_ += "</g>\n";
@@ -252,6 +250,18 @@ class SvgDocument {
   }
 
   std::string newId() { return prefix_ + std::to_string(++ids_); }
+
+  // Glyphs are defined around their origins; outlines point upwards, pictures down as the page
+  // does.
+  static std::string placed(Point origin, double scale, bool pointsDown) {
+    const std::string factor = significant(scale);
+    std::string matrix = "matrix(" + factor;
+    matrix += pointsDown ? " 0 0 " : " 0 0 -";
+    matrix += factor + " ";
+    matrix += number(origin.x) + " ";
+    matrix += number(origin.y) + ")";
+    return matrix;
+  }
 
   // A scale is a small number: six digits wherever they begin.
   static std::string significant(double value) {
