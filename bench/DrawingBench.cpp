@@ -43,7 +43,7 @@ class FreeMetrics final : public drawing::Metrics {
 };
 
 void buildTree(benchmark::State& state) {
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(unpaidCard());
   }
 }
@@ -51,7 +51,7 @@ BENCHMARK(buildTree);
 
 void copyTree(benchmark::State& state) {
   const ui::View view = unpaidCard();
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(ui::View(view));
   }
 }
@@ -59,7 +59,7 @@ BENCHMARK(copyTree);
 
 void encodeTree(benchmark::State& state) {
   const ui::View view = unpaidCard();
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(
         foundation::writeJson(ui::toValue(view), foundation::JsonLayout::compact));
   }
@@ -69,7 +69,7 @@ BENCHMARK(encodeTree);
 void decodeTree(benchmark::State& state) {
   const auto json =
       foundation::writeJson(ui::toValue(unpaidCard()), foundation::JsonLayout::compact);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     const auto value = foundation::readJson(*json, foundation::JsonFragments::refused);
     benchmark::DoNotOptimize(ui::viewFromValue(*value));
   }
@@ -79,7 +79,7 @@ BENCHMARK(decodeTree);
 void layOutCard(benchmark::State& state) {
   const ui::View view = unpaidCard();
   FreeMetrics metrics;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(
         drawing::layOut(view, {338, 158}, drawing::LayoutDirection::leftToRight, metrics));
   }
@@ -92,7 +92,7 @@ void composeSalesCard(benchmark::State& state) {
   const drawing::CardRequest request{.kind = "SalesSmallWidget", .scale = 3};
   const ui::View views[] = {salesCard(1), salesCard(2)};
   std::size_t i = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(drawing::compose(views[i++ % 2], request, pictureSize, texts));
   }
 }
@@ -102,7 +102,7 @@ void composeUnpaidCard(benchmark::State& state) {
   drawing::FontBook fonts;
   drawing::TextEngine texts(fonts);
   const ui::View view = unpaidCard();
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(drawing::compose(view, mediumCard, pictureSize, texts));
   }
 }
@@ -113,7 +113,7 @@ void shapeNewText(benchmark::State& state, const char* sample) {
   drawing::FontBook fonts;
   drawing::TextEngine texts(fonts);
   int i = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     const ui::Text text = ui::Text::verbatim(sample + std::to_string(i++));
     benchmark::DoNotOptimize(texts.measure(text, {.language = "en"}, {306, 24}));
   }
@@ -134,7 +134,7 @@ void growRows(benchmark::State& state) {
         ui::Text::verbatim("$" + std::to_string(i))));
   }
   const ui::View view = ui::VStack(std::move(rows));
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(drawing::compose(view, mediumCard, pictureSize, texts));
   }
   state.SetComplexityN(state.range(0));
@@ -150,7 +150,7 @@ void growText(benchmark::State& state) {
   const ui::View view = ui::Text::verbatim(characters);
   drawing::CardRequest request = mediumCard;
   request.size.height = 30'000;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     state.PauseTiming();
     drawing::FontBook fonts;
     drawing::TextEngine texts(fonts);
@@ -168,7 +168,7 @@ void nestStacks(benchmark::State& state) {
                           : ui::VStack(std::move(view), ui::Text::verbatim("below"), ui::Spacer());
   }
   FreeMetrics metrics;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(
         drawing::layOut(view, {338, 158}, drawing::LayoutDirection::leftToRight, metrics));
   }

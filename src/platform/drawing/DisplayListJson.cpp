@@ -70,34 +70,38 @@ class Writer {
   }
 
   Writer& frame(const Rect& frame) {
-    raw("{\"x\":").number(frame.x).raw(",\"y\":").number(frame.y);
-    return raw(",\"width\":").number(frame.width).raw(",\"height\":").number(frame.height).raw("}");
+    raw(R"({"x":)").number(frame.x).raw(R"(,"y":)").number(frame.y);
+    return raw(R"(,"width":)")
+        .number(frame.width)
+        .raw(R"(,"height":)")
+        .number(frame.height)
+        .raw("}");
   }
 
   void content(const Fill& fill) {
-    raw("{\"type\":\"fill\",\"frame\":").frame(fill.frame).raw(",\"color\":").color(fill.color);
-    raw(",\"cornerRadius\":").number(fill.cornerRadius);
+    raw(R"({"type":"fill","frame":)").frame(fill.frame).raw(R"(,"color":)").color(fill.color);
+    raw(R"(,"cornerRadius":)").number(fill.cornerRadius);
   }
 
   void content(const TextItem& text) {
-    raw("{\"type\":\"text\",\"text\":").string(text.text).raw(",\"frame\":").frame(text.frame);
-    raw(",\"font\":{\"size\":").number(text.font.size);
-    raw(",\"weight\":").string(weightName(text.font.weight));
-    raw("},\"color\":").color(text.color);
+    raw(R"({"type":"text","text":)").string(text.text).raw(R"(,"frame":)").frame(text.frame);
+    raw(R"(,"font":{"size":)").number(text.font.size);
+    raw(R"(,"weight":)").string(weightName(text.font.weight));
+    raw(R"(},"color":)").color(text.color);
   }
 
   void content(const ImageItem& image) {
-    raw("{\"type\":\"image\",\"name\":").string(image.name).raw(",\"frame\":").frame(image.frame);
+    raw(R"({"type":"image","name":)").string(image.name).raw(R"(,"frame":)").frame(image.frame);
   }
 
   void item(const Item& item) {
     std::visit([this](const auto& alternative) { content(alternative); }, item.content);
     if (!item.clips.empty()) {
-      raw(",\"clips\":[");
+      raw(R"(,"clips":[)");
       const char* separator = "";
       for (const Clip& clip : item.clips) {
-        raw(separator).raw("{\"frame\":").frame(clip.frame);
-        raw(",\"cornerRadius\":").number(clip.cornerRadius).raw("}");
+        raw(separator).raw(R"({"frame":)").frame(clip.frame);
+        raw(R"(,"cornerRadius":)").number(clip.cornerRadius).raw("}");
         separator = ",";
       }
       raw("]");
@@ -118,17 +122,17 @@ class Writer {
 
 std::string toJson(const DisplayList& list) {
   Writer json;
-  json.raw("{\"kind\":").string(list.kind).raw(",\"family\":").string(list.family);
-  json.raw(",\"appearance\":").string(list.appearance);
-  json.raw(",\"scale\":").number(list.scale);
-  json.raw(",\"size\":{\"width\":").number(list.size.width);
-  json.raw(",\"height\":").number(list.size.height).raw("},\n \"link\":");
+  json.raw(R"({"kind":)").string(list.kind).raw(R"(,"family":)").string(list.family);
+  json.raw(R"(,"appearance":)").string(list.appearance);
+  json.raw(R"(,"scale":)").number(list.scale);
+  json.raw(R"(,"size":{"width":)").number(list.size.width);
+  json.raw(R"(,"height":)").number(list.size.height).raw("},\n ").raw(R"("link":)");
   if (list.link) {
     json.string(*list.link);
   } else {
     json.raw("null");
   }
-  json.raw(",\n \"items\":[");
+  json.raw(",\n ").raw(R"("items":[)");
   const char* separator = "\n  ";
   for (const Item& item : list.items) {
     json.raw(separator).item(item);

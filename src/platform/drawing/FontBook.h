@@ -12,7 +12,7 @@
 #include "platform/drawing/FontFinder.h"
 #include "platform/ui/Font.h"
 
-struct FT_FaceRec_;
+struct FT_FaceRec_;  // NOLINT(readability-identifier-naming): FreeType's name
 struct hb_font_t;
 
 namespace drawing {

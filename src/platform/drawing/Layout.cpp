@@ -445,8 +445,8 @@ Size Arranger::measureAnew(std::size_t node, Size proposed) {
 }
 
 double Arranger::flexibility(std::size_t node, ui::Axis axis, double proposedAcross) {
-  if (nodes_[node].flexibility) {
-    return *nodes_[node].flexibility;
+  if (const std::optional<double> known = nodes_[node].flexibility) {
+    return *known;
   }
   const double most = along(axis, measure(node, sizeAlong(axis, infinity, proposedAcross)));
   const double least = along(axis, measure(node, sizeAlong(axis, 0, proposedAcross)));
