@@ -10,13 +10,13 @@
 namespace quillpad {
 
 std::string salesAmountText(const std::string& salesMonth) {
-  const std::optional<double> amount = foundation::doubleFromText(salesMonth);
+  const std::optional<double> number = foundation::doubleFromText(salesMonth);
   // Before the amount is forced: a broken currency is reported first.
   const std::string symbol = currencySymbol();
-  std::string text =
-      symbol + formattedAmount(foundation::forced(amount, "a number in \"salesMonth\""));
+  const double amount = foundation::forced(number, R"(a number in "salesMonth")");
+  std::string text = symbol + formattedAmount(amount);
   // Not "at least 9999.99": a not-a-number is capped, too.
-  if (!(*amount < 9999.99)) {
+  if (!(amount < 9999.99)) {
     text = ">" + currencySymbol() + "9,999.99";
   }
   return text;
