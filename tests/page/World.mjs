@@ -1,0 +1,132 @@
+// The programs as a person runs them, in a home of their own: the demo gateway, a signed-in store
+// and the live home screen, with a browser to look at it.
+import { spawn, spawnSync } from "node:child_process";
+import { existsSync, mkdtempSync, readFileSync, rmSync } from "node:fs";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { setTimeout as pause } from "node:timers/promises";
+import { fileURLToPath } from "node:url";
+import { chromium } from "playwright-core";
+
+const build = process.env.QUILLPAD_BUILD ?? fileURLToPath(new URL("../../build/release", import.meta.url));
+export const programs = join(build, "bin");
+const extension = join(build, "tests", "extension_under_test");
+
+const browserFlags = [
+  "--no-sandbox",
+  "--disable-gpu",
+  "--disable-quic",
+  "--no-first-run",
+  "--disable-background-networking",
+  "--disable-component-update",
+  "--disable-sync",
+];
+
+// Asks until the answer is true; says what was waited for when it never is.
+export async function until(what, answer, patience = 30_000) {
+  const end = Date.now() + patience;
+  for (;;) {
+    if (await answer()) return;
+    if (Date.now() > end) throw new Error(`waited in vain: ${what}`);
+    await pause(20);
+  }
+}
+
+export async function launchBrowser() {
+  return chromium.launch({ executablePath: "/usr/bin/chromium", args: browserFlags });
+}
+
+export class World {
+  folder = mkdtempSync(join(tmpdir(), "quillpad-page-"));
+  gatewayPort = 0;
+  processes = new Set();
+  log = "";
+
+  get environment() {
+    return {
+      PATH: process.env.PATH,
+      LANG: this.locale ?? "C.UTF-8",
+      HOME: this.folder,
+      SSL_CERT_FILE: join(this.folder, "gateway", "certificate.pem"),
+      TEST_GATEWAY_ORIGIN: `https://localhost:${this.gatewayPort}`,
+    };
+  }
+
+  // Starts a program and resolves to it once its standard output has matched.
+  async start(name, args, ready) {
+    const child = spawn(join(programs, name), args, { env: this.environment });
+    this.processes.add(child);
+    let output = "";
+    child.stderr.on("data", (data) => (this.log += data));
+    child.ended = new Promise((resolve) => child.on("close", (code, signal) => resolve({ code, signal })));
+    child.ended.then(() => this.processes.delete(child));
+    child.stdout.on("data", (data) => (output += data));
+    await until(`${name} says where it is: ${this.log}`, () => ready.test(output));
+    child.ready = output.match(ready);
+    return child;
+  }
+
+  async startGateway() {
+    const args = ["--port", String(this.gatewayPort), "--state", join(this.folder, "gateway")];
+    this.gateway = await this.start("quillpad-demo-gateway", args, /https:\/\/[^:\s]+:(\d+)/);
+    this.gatewayPort = Number(this.gateway.ready[1]);
+  }
+
+  async stop(child, signal = "SIGTERM") {
+    child.kill(signal);
+    return child.ended;
+  }
+
+  settings(...args) {
+    const done = spawnSync(join(programs, "quillpad-home"), ["settings", ...args], { env: this.environment });
+    if (done.status !== 0) throw new Error(String(done.stderr));
+  }
+
+  signIn() {
+    this.settings("sign-in", "--business-id", "demo", "--token-file", join(this.folder, "gateway", "token"));
+    this.settings("currency", "$ - USD");
+  }
+
+  async startHome() {
+    const args = ["--extension", extension, "serve", "--port", "0"];
+    this.home = await this.start("quillpad-home", args, /(http:\/\/127\.0\.0\.1:\d+)\//);
+    this.address = this.home.ready[1];
+  }
+
+  static async start(locale) {
+    const world = new World();
+    world.locale = locale;
+    await world.startGateway();
+    world.signIn();
+    await world.startHome();
+    return world;
+  }
+
+  // The extension that the home screen runs now, or nothing.
+  extensionProcess() {
+    const home = this.home.pid;
+    const file = `/proc/${home}/task/${home}/children`;
+    return existsSync(file) ? Number(readFileSync(file, "utf8").split(" ")[0]) || undefined : undefined;
+  }
+
+  async pageToken() {
+    const html = await (await fetch(this.address)).text();
+    return html.match(/name="page-token" content="(\w+)"/)[1];
+  }
+
+  // What the page would show: the standing of each card, by kind.
+  async cards() {
+    const changes = await (await fetch(`${this.address}/changes?since=0`)).json();
+    return changes.cards;
+  }
+
+  async allLive() {
+    const cards = Object.values(await this.cards());
+    return cards.length === 5 && cards.every((html) => html.includes('data-status="live"'));
+  }
+
+  async end() {
+    for (const child of [...this.processes]) await this.stop(child, "SIGKILL");
+    rmSync(this.folder, { recursive: true, force: true });
+  }
+}

@@ -1,0 +1,301 @@
+// The page in a browser, on the real programs.
+import assert from "node:assert/strict";
+import { readFileSync } from "node:fs";
+import { createRequire } from "node:module";
+import { after, before, beforeEach, test } from "node:test";
+import { World, launchBrowser, until } from "./World.mjs";
+
+const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
+const salesCard = '[data-kind="SalesSmallWidget"]';
+
+let world, browser, context;
+
+before(async () => {
+  world = await World.start();
+  browser = await launchBrowser();
+});
+
+after(async () => {
+  await browser?.close();
+  await world?.end();
+});
+
+beforeEach(async () => {
+  await context?.close();
+  context = await browser.newContext();
+  await until("all widgets are live", () => world.allLive());
+});
+
+async function openPage(path = "/") {
+  const page = await context.newPage();
+  page.problems = [];
+  page.on("console", (message) => message.type() === "error" && page.problems.push(message.text()));
+  page.on("pageerror", (error) => page.problems.push(String(error)));
+  await page.goto(world.address + path);
+  return page;
+}
+
+// What is painted of the widget: its label for readers, in the appearance that shows.
+const label = (page, card) => page.locator(`${card} svg:visible`).first().getAttribute("aria-label");
+
+async function expectNoViolation(page) {
+  await page.evaluate(axe);
+  const { violations } = await page.evaluate(() => axe.run());
+  assert.deepEqual(
+    violations.map(({ id, nodes }) => `${id}: ${nodes.map((node) => node.html.slice(0, 120))}`),
+    [],
+  );
+}
+
+test("the first answer alone paints every widget", async () => {
+  const page = await context.newPage();
+  const requests = [];
+  page.on("request", (request) => requests.push(request));
+  await page.route("**/*", (route) =>
+    route.request().isNavigationRequest() ? route.continue() : route.abort(),
+  );
+  await page.goto(world.address);
+  assert.equal(await page.locator(".widget").count(), 5);
+  for (const card of await page.locator(".widget svg:visible").all()) {
+    const { width, height } = await card.boundingBox();
+    assert.ok([158, 338].includes(width) && height === 158, `${width} x ${height}`);
+  }
+  assert.ok(requests.every((request) => request.url().startsWith(world.address) || request.url().startsWith("data:")));
+});
+
+test("a change reaches every open tab at once, without moving the focus", async () => {
+  const tabs = [await openPage(), await openPage(), await openPage()];
+  await tabs[2].locator(`${salesCard} a`).focus();
+  world.settings("currency", "€ - EUR");
+  await tabs[0].getByRole("button", { name: "Reload" }).click();
+  for (const tab of tabs) {
+    await until("the new currency shows", async () => (await label(tab, salesCard)).includes("€"));
+    assert.deepEqual(tab.problems, []);
+  }
+  const focused = await tabs[2].evaluate(() => document.activeElement.closest("li")?.dataset.kind);
+  assert.equal(focused, "SalesSmallWidget");
+  world.settings("currency", "$ - USD");
+  await tabs[1].getByRole("button", { name: "Reload" }).click();
+  await until("the old currency shows", async () => (await label(tabs[2], salesCard)).includes("$"));
+});
+
+test("many tabs stay live beyond the connections that a browser opens", async () => {
+  const tabs = [];
+  for (let count = 0; count < 12; ++count) tabs.push(await openPage());
+  world.settings("currency", "£ - GBP");
+  await tabs[11].getByRole("button", { name: "Reload" }).click();
+  for (const tab of tabs) {
+    await until("the new currency shows", async () => (await label(tab, salesCard)).includes("£"));
+  }
+  await tabs[0].close(); // whichever tab listened, another one takes over
+  world.settings("currency", "$ - USD");
+  await tabs[11].getByRole("button", { name: "Reload" }).click();
+  for (const tab of tabs.slice(1)) {
+    await until("the old currency shows", async () => (await label(tab, salesCard)).includes("$"));
+  }
+});
+
+test("the appearance follows the system unless a person forces one", async () => {
+  const page = await openPage();
+  const ground = () => page.locator(`${salesCard} svg:visible rect`).first().getAttribute("fill");
+  await page.emulateMedia({ colorScheme: "light" });
+  const light = await ground();
+  await page.emulateMedia({ colorScheme: "dark" });
+  const dark = await ground();
+  assert.notEqual(dark, light);
+  await page.getByRole("radio", { name: "Light" }).check({ force: true });
+  assert.equal(await ground(), light);
+  await page.reload();
+  assert.equal(await ground(), light);
+  await page.getByRole("radio", { name: "Auto" }).check({ force: true });
+  assert.equal(await ground(), dark);
+});
+
+test("widgets are removed and added in the gallery and keep the catalogue's order", async () => {
+  const [page, other] = [await openPage(), await openPage()];
+  const kinds = (tab) => tab.locator(".widget").evaluateAll((cards) => cards.map((card) => card.dataset.kind));
+  const all = await kinds(page);
+  await page.getByRole("button", { name: "Widgets" }).click();
+  await page.getByRole("dialog").waitFor();
+  assert.equal(await page.locator("dialog svg:visible[role=img]").count(), 5);
+  await page.getByRole("button", { name: "Remove Pending Estimates, small" }).click();
+  for (const tab of [page, other]) {
+    await until("it is gone", async () => (await kinds(tab)).length === 4);
+  }
+  await page.getByRole("button", { name: "Add Pending Estimates, small" }).click();
+  for (const tab of [page, other]) {
+    await until("it is back", async () => (await kinds(tab)).length === 5);
+    assert.deepEqual(await kinds(tab), all);
+  }
+  await page.keyboard.press("Escape");
+  assert.equal(await page.getByRole("dialog").count(), 0);
+});
+
+test("a tap leads to the application's screen", async () => {
+  const page = await openPage();
+  const links = await page.locator("a.card").evaluateAll((cards) => cards.map((card) => card.getAttribute("href")));
+  assert.deepEqual(links, [
+    "quillpad://Report",
+    "quillpad://EstimatesPendingList",
+    "quillpad://invoiceUnpaidList",
+    "quillpad://EstimatesPendingList",
+    "quillpad://invoiceUnpaidList",
+  ]);
+  const opened = [];
+  const devtools = await context.newCDPSession(page);
+  await devtools.send("Page.enable");
+  devtools.on("Page.frameRequestedNavigation", ({ url }) => opened.push(url));
+  await page.locator(`${salesCard} a`).click();
+  await until("the link is followed", () => opened.includes("quillpad://Report"));
+});
+
+test("a badge tells that the gateway is away, and goes when it is back", async () => {
+  const page = await openPage();
+  await world.stop(world.gateway);
+  await page.getByRole("button", { name: "Reload" }).click();
+  const badge = page.locator(`${salesCard} .badge`);
+  await badge.waitFor();
+  assert.match(await badge.locator("summary").innerText(), /Stand-in data/);
+  assert.match(await label(page, salesCard), /\$0/);
+  await badge.locator("summary").click();
+  assert.match(await badge.locator("p").innerText(), /could not be fetched.*server/is);
+  await expectNoViolation(page);
+  await page.keyboard.press("Escape");
+  assert.equal(await badge.locator("p").isVisible(), false);
+  await world.startGateway();
+  await page.getByRole("button", { name: "Reload" }).click();
+  await badge.waitFor({ state: "detached" });
+});
+
+test("an empty sign-in keeps the picture and says why", async () => {
+  const page = await openPage();
+  const before = await label(page, salesCard);
+  world.settings("sign-out");
+  await page.getByRole("button", { name: "Reload" }).click();
+  const badge = page.locator(`${salesCard} .badge`);
+  await badge.locator("summary").click();
+  assert.match(await badge.locator("p").innerText(), /Nobody is signed in/);
+  assert.equal(await label(page, salesCard), before);
+  world.signIn();
+  await page.getByRole("button", { name: "Reload" }).click();
+  await badge.waitFor({ state: "detached" });
+});
+
+test("everything is reached with the keyboard alone", async () => {
+  const page = await openPage();
+  const reached = [];
+  for (let steps = 0; steps < 12; ++steps) {
+    await page.keyboard.press("Tab");
+    reached.push(
+      await page.evaluate(() => {
+        const { activeElement: focused } = document;
+        return focused.closest("li")?.dataset.kind ?? (focused.value || focused.textContent.trim());
+      }),
+    );
+  }
+  assert.deepEqual(reached.slice(0, 9), [
+    "auto",
+    "Widgets",
+    "Reload",
+    "SalesSmallWidget",
+    "PendingSmallWidget",
+    "UnpaidSmallWidget",
+    "PendingMediumWidget",
+    "UnpaidMediumWidget",
+    "Engineer’s view",
+  ]);
+});
+
+for (const colorScheme of ["light", "dark"]) {
+  test(`the accessibility audit finds nothing in ${colorScheme} appearance`, async () => {
+    const page = await openPage();
+    await page.emulateMedia({ colorScheme });
+    await expectNoViolation(page);
+    await page.getByRole("button", { name: "Widgets" }).click();
+    await page.getByRole("dialog").waitFor();
+    await expectNoViolation(page);
+    await page.goto(`${world.address}/?view=engineer&boxes=1`);
+    await expectNoViolation(page);
+  });
+}
+
+test("nothing is cut off or scrolls sideways in narrow and wide windows", async () => {
+  const page = await openPage();
+  for (const width of [360, 414, 768, 1920]) {
+    await page.setViewportSize({ width, height: 800 });
+    const overflow = await page.evaluate(
+      () => document.documentElement.scrollWidth - document.documentElement.clientWidth,
+    );
+    assert.equal(overflow, 0, `${width} pixels wide`);
+  }
+});
+
+test("the engineer's view shows every choice that its address makes", async () => {
+  const page = await openPage(
+    "/?view=engineer&kind=UnpaidMediumWidget&screen=430x932&appearance=dark&scale=3&format=png&language=de",
+  );
+  const pictures = page.locator(".column img");
+  assert.equal(await pictures.count(), 3);
+  const { width, height } = await pictures.first().boundingBox();
+  assert.deepEqual([width, height], [364, 170]);
+  assert.equal(await pictures.first().evaluate((image) => image.naturalWidth), 364 * 3);
+  assert.match(await pictures.first().getAttribute("alt"), /Unbezahlt|Offene/i);
+  assert.deepEqual(page.problems, []);
+});
+
+test("an entry typed by hand is rendered at once and stands in the address", async () => {
+  const page = await openPage("/?view=engineer&kind=UnpaidSmallWidget");
+  const entry = page.getByLabel("Entry of your own");
+  const typed = (figure) =>
+    JSON.stringify({
+      date: "2026-03-07T09:05:03.250Z",
+      data: { salesMonth: "0", unpaidInvoices: figure, pendingEstimates: "0" },
+    });
+  await entry.fill(typed("<b>42</b>"));
+  const last = page.locator(".column").last();
+  await until("the figure shows", async () => (await last.innerText()).includes("Your entry"));
+  await until("the figure is text", async () =>
+    (await last.locator("svg").first().getAttribute("aria-label"))?.includes("<b>42</b>"),
+  );
+  const address = page.url();
+  await page.goto("about:blank");
+  await page.goto(address);
+  assert.match(await last.locator("svg").first().getAttribute("aria-label"), /42/);
+
+  await entry.fill("{");
+  await until("the error shows", async () => (await last.innerText()).includes("This is not JSON"));
+});
+
+test("an entry that ends the extension does no harm to the home screen", async () => {
+  const entry = encodeURIComponent('{"date":"2026-03-07T09:05:03.250Z","data":{}}');
+  const running = world.extensionProcess();
+  const page = await openPage(`/?view=engineer&kind=SalesSmallWidget&entry=${entry}`);
+  assert.match(await page.locator(".column").last().innerText(), /The extension ended/);
+  assert.equal(world.extensionProcess(), running);
+  assert.ok(await world.allLive());
+});
+
+test("the pictures can be kept as files", async () => {
+  const page = await openPage("/?view=engineer&kind=SalesSmallWidget");
+  for (const [name, start] of [["PNG", "\x89PNG"], ["SVG", "<svg"]]) {
+    const waiting = page.waitForEvent("download");
+    await page.getByRole("link", { name, exact: true }).first().click();
+    const download = await waiting;
+    assert.match(download.suggestedFilename(), /^SalesSmallWidget-.*\.(png|svg)$/);
+    assert.ok(readFileSync(await download.path(), "latin1").startsWith(start));
+  }
+});
+
+test("a right-to-left language turns the home screen around", async () => {
+  const arabic = await World.start("ar_AE.UTF-8");
+  try {
+    await until("all widgets are live", () => arabic.allLive());
+    const page = await context.newPage();
+    await page.setViewportSize({ width: 1100, height: 800 });
+    await page.goto(arabic.address);
+    const left = async (kind) => (await page.locator(`[data-kind="${kind}"]`).boundingBox()).x;
+    assert.ok((await left("SalesSmallWidget")) > (await left("UnpaidSmallWidget")));
+  } finally {
+    await arabic.end();
+  }
+});
