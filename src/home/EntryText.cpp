@@ -41,6 +41,7 @@ std::string describeRows(const Array& rows) {
     return value == nullptr ? Cell{} : cell(*value);
   };
   std::vector<Cell> heading;
+  heading.reserve(keys.size());
   for (const std::string& key : keys) {
     const bool numbers =
         std::ranges::any_of(rows, [&](const Value& row) { return cellOf(row, key).alignedRight; });
@@ -50,6 +51,7 @@ std::string describeRows(const Array& rows) {
   table.addRow(std::move(heading));
   for (const Value& row : rows) {
     std::vector<Cell> cells;
+    cells.reserve(keys.size());
     for (const std::string& key : keys) {
       cells.push_back(cellOf(row, key));
     }

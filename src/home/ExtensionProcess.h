@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <expected>
 #include <filesystem>
@@ -93,7 +94,7 @@ class ExtensionProcess {
   channel::LineReader errorLines_{longestPrintedLine};
   std::string lastWords_;
 
-  static constexpr std::size_t longestPrintedLine = 64 * 1024;
+  static constexpr std::size_t longestPrintedLine = std::size_t{64} * 1024;
 };
 
 }  // namespace home

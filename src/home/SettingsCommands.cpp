@@ -21,7 +21,7 @@ namespace {
 using foundation::Dictionary;
 
 constexpr const char* appGroup = QUILLPAD_APP_GROUP;
-constexpr std::size_t longestToken = 64 * 1024;
+constexpr std::size_t longestToken = std::size_t{64} * 1024;
 
 Done change(const std::function<void(Dictionary& objects)>& edit) {
   const auto changed = foundation::changeSettings(appGroup, edit);

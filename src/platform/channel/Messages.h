@@ -28,7 +28,7 @@ namespace channel {
 inline constexpr const char* descriptorVariable = "QUILLPAD_CHANNEL";
 
 // The longest line that either end accepts, without its line feed.
-inline constexpr std::size_t longestFrame = 8 * 1024 * 1024;
+inline constexpr std::size_t longestFrame = std::size_t{8} * 1024 * 1024;
 
 // Requests.
 
