@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <curl/curl.h>
 #include <fstream>
 #include <mutex>
-#include <signal.h>
 #include <string>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -18,6 +18,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/foundation/Fatal.h"
 #include "platform/foundation/URLSession.h"
 #include "support/HttpsServer.h"
 
@@ -127,11 +128,12 @@ class BareClient {
 // Starts tasks over the session and waits for their ends.
 class SessionClient {
  public:
-  explicit SessionClient(std::string address, std::string token = "token")
-      : address_(std::move(address)), token_(std::move(token)) {}
+  explicit SessionClient(const std::string& address, std::string token = "token")
+      : address_(foundation::forced(URL::parse(address), "the address")),
+        token_(std::move(token)) {}
 
   void start() {
-    URLRequest request(URL::parse(address_).value());
+    URLRequest request(address_);
     request.httpMethod = "POST";
     request.httpBody = body;
     request.setValue(std::to_string(body.size()), "content-length");
@@ -140,7 +142,7 @@ class SessionClient {
     URLSession::shared()
         .dataTask(
             std::move(request),
-            [this](auto data, auto, auto) {
+            [this](const auto& data, auto&&, auto&&) {
               const std::lock_guard lock(mutex_);
               lastEnd_ = Clock::now();
               answer_ = data.value_or("");
@@ -174,7 +176,7 @@ class SessionClient {
   }
 
  private:
-  std::string address_;
+  URL address_;
   std::string token_;
   std::mutex mutex_;
   std::condition_variable changed_;

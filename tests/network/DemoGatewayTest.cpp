@@ -98,6 +98,7 @@ class DemoGatewayTest : public testing::Test {
       }
     }
     std::vector<std::string> texts;
+    texts.reserve(numbers.size());
     for (const int number : numbers) {
       texts.push_back(std::to_string(number));
     }

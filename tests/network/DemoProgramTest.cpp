@@ -43,6 +43,7 @@ class Program {
   explicit Program(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), QUILLPAD_DEMO_GATEWAY);
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) {
       pointers.push_back(argument.data());
     }
@@ -178,14 +179,14 @@ TEST_F(DemoProgramTest, MakesAnotherCertificateWhereTheKeptOneIsOfNoUse) {
   }
   const std::string before = contentsOf(state() / "certificate.pem");
   std::ofstream(state() / "key.pem") << "half a key";
-  Program program({"--port", "0"});
+  const Program program({"--port", "0"});
   const std::string origin = program.origin();
   EXPECT_NE(contentsOf(state() / "certificate.pem"), before);
   EXPECT_EQ(fetch(origin + "/", "", "").status, 404);
 }
 
 TEST_F(DemoProgramTest, ShowsFaultsWhileItRuns) {
-  Program program({"--port", "0", "--fault", "status=503"});
+  const Program program({"--port", "0", "--fault", "status=503"});
   const std::string origin = program.origin();
   const std::string token = contentsOf(state() / "token");
   const auto ask = [&] { return fetch(origin + "/invoice/invoice/getDataMap", token, summary); };
@@ -220,7 +221,7 @@ TEST_F(DemoProgramTest, EndsAtOnceWhileAnswersWait) {
 }
 
 TEST_F(DemoProgramTest, RefusesWebPagesAndLargeBodies) {
-  Program program({"--port", "0"});
+  const Program program({"--port", "0"});
   const std::string origin = program.origin();
   const std::string token = contentsOf(state() / "token");
   EXPECT_EQ(fetch(origin + "/demo/fault", token, std::string(1 << 20, 'x')).status, 413);
@@ -236,7 +237,7 @@ TEST_F(DemoProgramTest, RefusesWebPagesAndLargeBodies) {
 }
 
 TEST_F(DemoProgramTest, EndsWithOneLineWhereItCannotServe) {
-  Program first({"--port", "0"});
+  const Program first({"--port", "0"});
   const std::string origin = first.origin();
   const struct {
     std::vector<std::string> arguments;

@@ -102,7 +102,7 @@ class URLSessionTest : public testing::Test {
 };
 
 TEST_F(URLSessionTest, PostsTheBodyAndItsFields) {
-  HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, "fine"); });
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, "fine"); });
   URLRequest request = postFor(server.address("/invoice?page=1"), R"({"businessId":"7"})");
   request.setValue("18", "content-length");
   request.setValue("evil\r\nInjected: yes", "X-Note");
@@ -128,7 +128,7 @@ TEST_F(URLSessionTest, PostsTheBodyAndItsFields) {
 }
 
 TEST_F(URLSessionTest, WrongContentLengthOfTheCallerIsNotBelieved) {
-  HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
   URLRequest request = postFor(server.address("/"), "four");
   request.setValue("4000", "content-length");
   EXPECT_EQ(fetch(std::move(request)).data, "");
@@ -136,7 +136,7 @@ TEST_F(URLSessionTest, WrongContentLengthOfTheCallerIsNotBelieved) {
 }
 
 TEST_F(URLSessionTest, StatusCodesAreNoErrors) {
-  HttpsServer server([](auto& request, auto& exchange) {
+  const HttpsServer server([](auto& request, auto& exchange) {
     const int status = std::stoi(request.path.substr(1));
     exchange.respond(status, status == 204 || status == 304 ? "" : "body", {{"Location", "/200"}});
   });
@@ -149,7 +149,7 @@ TEST_F(URLSessionTest, StatusCodesAreNoErrors) {
 }
 
 TEST_F(URLSessionTest, BodyInPiecesArrivesWhole) {
-  HttpsServer server([](auto&, auto& exchange) {
+  const HttpsServer server([](auto&, auto& exchange) {
     exchange.send("HTTP/1.1 200 OK\r\nTransfer-Enco");
     exchange.pause(5ms);
     exchange.send("ding: chunked\r\n\r\n");
@@ -165,7 +165,7 @@ TEST_F(URLSessionTest, BodiesAreDecoded) {
   // "hello" as a gzip member with one stored block.
   static constexpr std::string_view zipped(
       "\x1f\x8b\x08\0\0\0\0\0\0\x03\x01\x05\0\xfa\xffhello\x86\xa6\x10\x36\x05\0\0\0", 28);
-  HttpsServer server([](auto& request, auto& exchange) {
+  const HttpsServer server([](auto& request, auto& exchange) {
     const std::string_view body = request.path == "/whole" ? zipped : "this is no gzip";
     exchange.respond(200, body, {{"Content-Encoding", "gzip"}});
   });
@@ -194,31 +194,35 @@ TEST_F(URLSessionTest, FastAnswerDoesNotWaitForASlowOne) {
   }
 }
 
-// A port on which nobody listens: bound, and not listening, while it lives.
-class ClosedPort {
+// A port that is taken and where nobody speaks: connections are refused or, where it listens, taken
+// by the system and never answered.
+class SilentPort {
  public:
-  ClosedPort() : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
+  explicit SilentPort(bool listens = false) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;
-    bind(socket_, reinterpret_cast<sockaddr*>(&address), length);
-    getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &length);
+    auto* any = reinterpret_cast<sockaddr*>(&address);
+    if (socket_ < 0 || bind(socket_, any, length) != 0 || (listens && listen(socket_, 8) != 0) ||
+        getsockname(socket_, any, &length) != 0) {
+      std::abort();
+    }
     number_ = ntohs(address.sin_port);
   }
-  ~ClosedPort() { close(socket_); }
-  ClosedPort(const ClosedPort&) = delete;
-  ClosedPort& operator=(const ClosedPort&) = delete;
+  ~SilentPort() { close(socket_); }
+  SilentPort(const SilentPort&) = delete;
+  SilentPort& operator=(const SilentPort&) = delete;
 
   std::string number() const { return std::to_string(number_); }
 
  private:
   int socket_;
-  int number_;
+  int number_ = 0;
 };
 
 TEST_F(URLSessionTest, AddressesThatCannotBeAsked) {
-  const ClosedPort closed;
+  const SilentPort closed;
   const struct {
     std::string address;
     int code;
@@ -247,7 +251,7 @@ TEST_F(URLSessionTest, AddressesThatCannotBeAsked) {
 }
 
 TEST_F(URLSessionTest, LostConnectionsAreErrorsWithoutData) {
-  HttpsServer server([](auto& request, auto& exchange) {
+  const HttpsServer server([](auto& request, auto& exchange) {
     if (request.path == "/at-once") {
       exchange.close();
     } else if (request.path == "/reset-in-body") {
@@ -270,7 +274,7 @@ TEST_F(URLSessionTest, LostConnectionsAreErrorsWithoutData) {
 }
 
 TEST_F(URLSessionTest, AnswersThatAreNotHttp) {
-  HttpsServer server([](auto& request, auto& exchange) {
+  const HttpsServer server([](auto& request, auto& exchange) {
     if (request.path == "/nonsense") {
       exchange.send("220 mail.test ESMTP ready\r\n\r\n");
       exchange.close();
@@ -296,23 +300,23 @@ TEST_F(URLSessionTest, CertificatesAreVerified) {
   const support::TemporaryFolder nothingTrusted;
   const std::string authority = HttpsServer::authorityFile();
   const struct {
-    HttpsServer::Certificate certificate;
     std::optional<std::string> file;
     std::optional<std::string> folder;
+    HttpsServer::Certificate certificate;
     int code;
   } cases[] = {
-      {valid, authority, {}, 0},
-      {valid, {}, nothingTrusted.path(), -1203},
-      {valid, {}, {}, -1203},
-      {valid, "/nowhere/authority.pem", {}, -1200},
-      {forAnotherHost, authority, {}, -1202},
-      {expired, authority, {}, -1201},
-      {fromUnknownAuthority, authority, {}, -1203},
+      {authority, {}, valid, 0},
+      {{}, nothingTrusted.path(), valid, -1203},
+      {{}, {}, valid, -1203},
+      {"/nowhere/authority.pem", {}, valid, -1200},
+      {authority, {}, forAnotherHost, -1202},
+      {authority, {}, expired, -1201},
+      {authority, {}, fromUnknownAuthority, -1203},
   };
-  for (const auto& [certificate, file, folder, code] : cases) {
+  for (const auto& [file, folder, certificate, code] : cases) {
     const ScopedVariable fileVariable("SSL_CERT_FILE", file);
     const ScopedVariable folderVariable("SSL_CERT_DIR", folder);
-    HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); }, certificate);
+    const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); }, certificate);
     EXPECT_EQ(fetch(postFor(server.address("/"), "{}")).errorCode(), code);
     EXPECT_EQ(server.requests().size(), code == 0 ? 1U : 0U) << code;
   }
@@ -320,43 +324,33 @@ TEST_F(URLSessionTest, CertificatesAreVerified) {
 
 // A connection that was verified with one trust store is no proof for another.
 TEST_F(URLSessionTest, KeptConnectionsBelongToTheirTrustStore) {
-  HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
   EXPECT_EQ(fetch(server.address("/")).errorCode(), 0);
   const ScopedVariable system("SSL_CERT_FILE", std::nullopt);
   EXPECT_EQ(fetch(server.address("/")).errorCode(), -1203);
 }
 
 TEST_F(URLSessionTest, StandingStillIsATimeout) {
-  HttpsServer server([](auto& request, auto& exchange) {
+  const HttpsServer server([](auto& request, auto& exchange) {
     if (request.path == "/in-body") {
       exchange.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf");
     }
     exchange.hold();
   });
-  // Its queue takes the connection, nobody ever speaks TLS on it.
-  const int silent = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  ASSERT_EQ(bind(silent, reinterpret_cast<sockaddr*>(&address), length), 0);
-  listen(silent, 1);
-  getsockname(silent, reinterpret_cast<sockaddr*>(&address), &length);
-
+  const SilentPort silent(true);
   URLSession::shared().setIdleTimeout(150ms);
   for (const std::string& stalled :
        {server.address("/before-head"),
         server.address("/in-body"),
-        "https://127.0.0.1:" + std::to_string(ntohs(address.sin_port))}) {
+        "https://127.0.0.1:" + silent.number()}) {
     const Result result = fetch(stalled);
     EXPECT_EQ(result.errorCode(), -1001) << stalled;
     EXPECT_EQ(result.data, std::nullopt) << stalled;
   }
-  close(silent);
 }
 
 TEST_F(URLSessionTest, SlowProgressIsNoTimeout) {
-  HttpsServer server([](auto&, auto& exchange) {
+  const HttpsServer server([](auto&, auto& exchange) {
     exchange.send("HTTP/1.1 200 OK\r\nContent-Length: 12\r\n\r\n");
     for (int i = 0; i < 12; ++i) {
       exchange.pause(100ms);
@@ -383,7 +377,7 @@ TEST_F(URLSessionTest, RedirectsKeepOrDropTheBodyAndNeverCarryTheToken) {
       {308, "POST", "POST"},
   };
   for (const auto& [status, method, nextMethod] : cases) {
-    HttpsServer server([status = status](auto& request, auto& exchange) {
+    const HttpsServer server([status = status](auto& request, auto& exchange) {
       if (request.path == "/old") {
         exchange.respond(status, "moved", {{"Location", "/new?a=1"}});
       } else {
@@ -410,7 +404,7 @@ TEST_F(URLSessionTest, RedirectsKeepOrDropTheBodyAndNeverCarryTheToken) {
 
 TEST_F(URLSessionTest, RedirectsToAnotherHostGoWithoutTheToken) {
   HttpsServer target([](auto&, auto& exchange) { exchange.respond(200, "there"); });
-  HttpsServer server([&](auto&, auto& exchange) {
+  const HttpsServer server([&](auto&, auto& exchange) {
     const std::string there = "https://127.0.0.1:" + std::to_string(target.port()) + "/";
     exchange.respond(308, "", {{"Location", there}});
   });
@@ -431,7 +425,7 @@ TEST_F(URLSessionTest, RedirectsThatAreNotFollowed) {
       {"/again", 302, -1007},
   };
   for (const auto& [location, status, code] : cases) {
-    HttpsServer server([location = location](auto&, auto& exchange) {
+    const HttpsServer server([location = location](auto&, auto& exchange) {
       HttpsServer::Headers headers;
       if (location != nullptr) {
         headers.emplace_back("Location", location);
@@ -447,7 +441,7 @@ TEST_F(URLSessionTest, RedirectsThatAreNotFollowed) {
 }
 
 TEST_F(URLSessionTest, ConnectionsAndTlsSessionsAreReused) {
-  HttpsServer server([](auto& request, auto& exchange) {
+  const HttpsServer server([](auto& request, auto& exchange) {
     exchange.respond(200, "");
     if (request.path == "/last") {
       exchange.close();
@@ -495,7 +489,7 @@ TEST_F(URLSessionTest, ManyTasksAtOnceShareFewConnectionsAndNoThreadEach) {
 }
 
 TEST_F(URLSessionTest, CompletionsAreCalledOneAtATimeOnOneOtherThread) {
-  HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
   Results results;
   std::atomic<int> inside = 0;
   std::atomic<bool> overlapped = false;
@@ -536,7 +530,7 @@ class Tracer {
 };
 
 TEST_F(URLSessionTest, CompletionsAreDestroyedWhereTheyAreCalled) {
-  HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
   for (const std::string& address : {server.address("/"), std::string("http://localhost/")}) {
     std::promise<std::thread::id> ended;
     std::thread::id called;
@@ -557,7 +551,7 @@ TEST_F(URLSessionTest, CompletionsAreDestroyedWhereTheyAreCalled) {
 }
 
 TEST_F(URLSessionTest, WatcherIsToldOfEveryEnd) {
-  HttpsServer server([](auto& request, auto& exchange) {
+  const HttpsServer server([](auto& request, auto& exchange) {
     if (request.path == "/lost?token=secret") {
       exchange.reset();
     } else {
@@ -599,10 +593,10 @@ TEST_F(URLSessionTest, WatcherIsToldOfEveryEnd) {
 }
 
 TEST_F(URLSessionTest, ProxiesOfTheEnvironmentAreNotAsked) {
-  const ClosedPort nobody;
+  const SilentPort nobody;
   const ScopedVariable proxy("HTTPS_PROXY", "http://localhost:" + nobody.number());
   const ScopedVariable all("ALL_PROXY", "http://localhost:" + nobody.number());
-  HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, "direct"); });
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, "direct"); });
   EXPECT_EQ(fetch(server.address("/")).data, "direct");
 }
 
@@ -610,7 +604,8 @@ TEST_F(URLSessionTest, ProcessEndsCleanlyWhileTransfersRun) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
-        HttpsServer& server = *new HttpsServer([](auto&, auto& exchange) { exchange.hold(); });
+        const HttpsServer& server =
+            *new HttpsServer([](auto&, auto& exchange) { exchange.hold(); });
         for (int i = 0; i < 10; ++i) {
           URLSession::shared().dataTask(requestFor(server.address("/")), [](auto&&...) {}).resume();
         }

@@ -193,8 +193,7 @@ class HttpsServer::State {
     void reset() override {
       // Connecting a socket to nothing aborts its connection with a reset.
       const sockaddr nothing{.sa_family = AF_UNSPEC, .sa_data = {}};
-      ::connect(socket_, &nothing, sizeof nothing);
-      open_ = false;
+      open_ = ::connect(socket_, &nothing, sizeof nothing) != 0;
     }
 
     bool open() const { return open_; }
