@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
+#include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -490,6 +492,53 @@ TEST_F(SupervisorTest, AnAnswerOfAnotherKindIsARefusal) {
   EXPECT_EQ(card("B").trouble->how, "unknown kind");
   EXPECT_EQ(shown("B"), "b1");
   EXPECT_EQ(supervisor.life(), Life::running);
+}
+
+// Two hundred times, at random: some steps of a refresh, then an end. Whatever the step was, no
+// widget is ever blank again, nothing is asked twice or of an extension that is gone, and the fresh
+// pictures come in the end.
+TEST_F(SupervisorTest, SurvivesEndsAtEveryStepOfARefresh) {
+  bringUp();
+  std::mt19937 random(20260307);
+  const auto step = [&] {
+    for (const std::string& words : done()) {
+      EXPECT_NE(words, "kill");
+    }
+    std::set<std::string> kinds;
+    for (const auto& [words, id] : open) {
+      EXPECT_TRUE(kinds.insert(words.substr(words.find(' ') + 1)).second) << words;
+    }
+    if (open.empty()) {
+      return false;
+    }
+    const std::string words = std::next(open.begin(), random() % open.size())->first;
+    if (words == "catalogue") {
+      answer(words, catalogueOf({"A", "B"}));
+    } else if (words.starts_with("timeline")) {
+      answer(words, timelineOf("fresh"));
+    } else {
+      answer(words, channel::Rendering{ui::Spacer{}});
+    }
+    return true;
+  };
+  for (int round = 0; round < 200; ++round) {
+    supervisor.reload(now());
+    for (auto steps = random() % 7; steps > 0 && step(); --steps) {
+      pass(1ms);
+    }
+    open.clear();
+    endExtension();
+    EXPECT_NE(shown("A"), "blank");
+    EXPECT_NE(shown("B"), "blank");
+    passThePause();
+    while (step()) {
+    }
+    EXPECT_EQ(shown("A"), "fresh");
+    EXPECT_EQ(shown("B"), "fresh");
+    EXPECT_EQ(card("A").trouble, nullptr);
+    EXPECT_EQ(card("B").trouble, nullptr);
+    EXPECT_EQ(supervisor.life(), Life::running);
+  }
 }
 
 }  // namespace
