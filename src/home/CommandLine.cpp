@@ -49,6 +49,7 @@ class Parser {
     addRender();
     addTree();
     addGallery();
+    addCompare();
     addServe();
     addSettings();
   }
@@ -168,12 +169,49 @@ class Parser {
 
   void addGallery() {
     CLI::App* command =
-        add(app_, "gallery", "Draw all widgets, light and dark, with an index page", [this] {
-          return GalleryCommand{{output_, state(), std::stoi(scale_)}};
-        });
-    command->add_option("-o,--output", output_, "Where to")->type_name("FOLDER")->required();
+        add(app_,
+            "gallery",
+            "Draw all widgets, light and dark, with an index page; or check a gallery drawn before",
+            [this] { return galleryCommand(); });
+    command
+        ->add_option("-o,--output", output_, "Where to; with --check, where to tell what changed")
+        ->type_name("FOLDER");
+    command->add_option("--check", recorded_, "The gallery to compare with")->type_name("FOLDER");
     addChoiceOfEntry(command);
     addScale(command);
+    addTolerance(command);
+  }
+
+  Command galleryCommand() const {
+    const int scale = std::stoi(scale_);
+    if (!recorded_.empty()) {
+      return CheckGalleryCommand{{recorded_, output_, state(), scale, tolerance_}};
+    }
+    if (output_.empty()) {
+      throw CLI::ValidationError("gallery needs -o FOLDER or --check FOLDER");
+    }
+    return GalleryCommand{{output_, state(), scale}};
+  }
+
+  void addCompare() {
+    CLI::App* command = add(app_, "compare", "Tell whether two PNG pictures look the same", [this] {
+      return CompareCommand{{expected_, actual_, output_, tolerance_}};
+    });
+    command->add_option("expected", expected_, "The picture as it should be")
+        ->type_name("EXPECTED")
+        ->required();
+    command->add_option("actual", actual_, "The picture as it is")->type_name("ACTUAL")->required();
+    command->add_option("-o,--output", output_, "A picture of what differs")->type_name("DIFF.png");
+    addTolerance(command);
+  }
+
+  void addTolerance(CLI::App* command) {
+    command->add_option("--tolerance", tolerance_.channel, "How far a colour component may be off")
+        ->check(CLI::Range(0, 255))
+        ->capture_default_str();
+    command->add_option("--pixels", tolerance_.pixels, "How many pixels may be off further")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
   }
 
   ViewChoice view() const { return {kind_, state(), entryFile_, channel::familyFromName(family_)}; }
@@ -264,6 +302,10 @@ class Parser {
   std::string entryFile_;
   std::string family_;
   std::string output_;
+  std::string recorded_;
+  std::string expected_;
+  std::string actual_;
+  drawing::Tolerance tolerance_;
   std::string formatName_;
   std::string appearance_ = "light";
   std::string scale_ = "2";

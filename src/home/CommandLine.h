@@ -7,6 +7,7 @@
 #include <string>
 #include <variant>
 
+#include "home/CompareCommands.h"
 #include "home/Failure.h"
 #include "home/PictureCommands.h"
 #include "home/WidgetCommands.h"
@@ -34,6 +35,12 @@ struct TreeCommand {
 struct GalleryCommand {
   GalleryChoice choice;
 };
+struct CompareCommand {
+  CompareChoice choice;
+};
+struct CheckGalleryCommand {
+  CheckChoice choice;
+};
 struct ServeCommand {
   std::uint16_t port = 0;  // 0: a free one
 };
@@ -54,6 +61,8 @@ using Command = std::variant<
     RenderCommand,
     TreeCommand,
     GalleryCommand,
+    CompareCommand,
+    CheckGalleryCommand,
     ServeCommand,
     ShowSettingsCommand,
     SignInCommand,

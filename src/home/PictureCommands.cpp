@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <system_error>
 #include <utility>
-#include <vector>
 
-#include "home/GalleryPage.h"
 #include "home/InputFile.h"
 #include "home/Output.h"
 #include "platform/drawing/CardSize.h"
@@ -79,12 +77,6 @@ std::expected<std::string, Failure> draw(
   return std::move(*bytes);
 }
 
-// A gallery's card before it is written.
-struct DrawnCard {
-  std::string fileName;
-  std::string bytes;
-};
-
 }  // namespace
 
 Done render(ExtensionClient& extension, const RenderChoice& choice) {
@@ -123,18 +115,18 @@ Done tree(ExtensionClient& extension, const ViewChoice& choice) {
   return print(*text + '\n');
 }
 
-Done gallery(ExtensionClient& extension, const GalleryChoice& choice) {
+std::expected<Gallery, Failure> drawGallery(
+    ExtensionClient& extension, EntryState state, int scale) {
   const auto catalogue = extension.ask<channel::Catalogue>(channel::CatalogueRequest{});
   if (!catalogue) return std::unexpected(catalogue.error());
 
   Studio studio;
-  GalleryPage page;
-  std::vector<DrawnCard> cards;
+  Gallery gallery;
   for (const channel::CatalogueItem& item : catalogue->items) {
     const ui::WidgetFamily family = item.families.front();
-    const auto view = viewOf(extension, {item.kind, choice.state, {}, family});
+    const auto view = viewOf(extension, {item.kind, state, {}, family});
     if (!view) return std::unexpected(view.error());
-    GalleryPage::Widget& widget = page.widgets.emplace_back();
+    GalleryPage::Widget& widget = gallery.page.widgets.emplace_back();
     widget = {item.kind, item.displayName, item.description, defaultSize(family), {}};
     for (const auto& [appearance, name] :
          {std::pair{ui::Appearance::light, "light"}, {ui::Appearance::dark, "dark"}}) {
@@ -144,15 +136,24 @@ Done gallery(ExtensionClient& extension, const GalleryChoice& choice) {
            .family = std::string(channel::familyName(family)),
            .size = widget.size,
            .appearance = appearance,
-           .scale = choice.scale},
+           .scale = scale},
           foundation::currentLocale());
       auto bytes = draw(studio, list, PictureFormat::png);
       if (!bytes) return std::unexpected(bytes.error());
-      cards.push_back({item.kind + "-" + name + ".png", std::move(*bytes)});
+      gallery.cards.push_back(
+          {.fileName = item.kind + "-" + name + ".png",
+           .title = item.displayName + ", " + name,
+           .size = widget.size,
+           .bytes = std::move(*bytes)});
       widget.spokenText = spokenText(list);
     }
   }
+  return gallery;
+}
 
+Done gallery(ExtensionClient& extension, const GalleryChoice& choice) {
+  const auto gallery = drawGallery(extension, choice.state, choice.scale);
+  if (!gallery) return std::unexpected(gallery.error());
   std::error_code error;
   std::filesystem::create_directories(choice.folder, error);
   if (error) {
@@ -160,12 +161,12 @@ Done gallery(ExtensionClient& extension, const GalleryChoice& choice) {
         ExitStatus::notPossible,
         "cannot make the folder " + choice.folder.string() + ": " + error.message());
   }
-  for (const DrawnCard& card : cards) {
+  for (const GalleryCard& card : gallery->cards) {
     if (auto written = writeOutput(choice.folder / card.fileName, card.bytes); !written) {
       return written;
     }
   }
-  return writeOutput(choice.folder / "index.html", page.html());
+  return writeOutput(choice.folder / "index.html", gallery->page.html());
 }
 
 }  // namespace home

@@ -1,12 +1,15 @@
 // The commands that draw: render, tree, gallery.
 #pragma once
 
+#include <expected>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "home/ExtensionClient.h"
 #include "home/Failure.h"
+#include "home/GalleryPage.h"
 #include "home/Studio.h"
 #include "home/WidgetCommands.h"
 #include "platform/drawing/Geometry.h"
@@ -37,13 +40,30 @@ Done render(ExtensionClient& extension, const RenderChoice& choice);
 // Prints the view tree of the entry.
 Done tree(ExtensionClient& extension, const ViewChoice& choice);
 
+// A picture of a gallery.
+struct GalleryCard {
+  std::string fileName;
+  std::string title;   // of the widget, with the appearance
+  drawing::Size size;  // in points
+  std::string bytes;   // of the PNG file
+};
+
+struct Gallery {
+  std::vector<GalleryCard> cards;
+  GalleryPage page;
+};
+
+// Every widget of the catalogue in light and in dark appearance.
+std::expected<Gallery, Failure> drawGallery(
+    ExtensionClient& extension, EntryState state, int scale);
+
 struct GalleryChoice {
   std::filesystem::path folder;
   EntryState state = EntryState::timeline;
   int scale = 2;
 };
 
-// Draws every widget in light and in dark appearance, with a page that shows them.
+// Writes such pictures, with a page that shows them.
 Done gallery(ExtensionClient& extension, const GalleryChoice& choice);
 
 }  // namespace home

@@ -49,6 +49,11 @@ struct Run {
     return withExtension(
         line, [&](ExtensionClient& extension) { return gallery(extension, command.choice); });
   }
+  Done operator()(const CompareCommand& command) const { return compare(command.choice); }
+  Done operator()(const CheckGalleryCommand& command) const {
+    return withExtension(
+        line, [&](ExtensionClient& extension) { return checkGallery(extension, command.choice); });
+  }
   Done operator()(const ServeCommand& command) const {
     return serve({.extension = line.extension, .port = command.port});
   }

@@ -1,0 +1,100 @@
+// compare and gallery --check: what counts as a change, and how it is told.
+#include <fstream>
+
+#include "system/HomeScreen.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class ComparisonTest : public HomeScreenTest {
+ protected:
+  std::string draw(const std::string& kind, const std::string& appearance) const {
+    const auto picture = file(kind + appearance + ".png");
+    EXPECT_EQ(
+        run({"render", kind, "--state", "snapshot", "--appearance", appearance, "-o", picture})
+            .status,
+        0);
+    return picture;
+  }
+
+  Outcome gallery(std::vector<std::string> options) const {
+    options.insert(options.begin(), {"gallery", "--state", "snapshot"});
+    return run(std::move(options));
+  }
+};
+
+TEST_F(ComparisonTest, TellsWhetherTwoPicturesLookTheSame) {
+  const std::string light = draw("SalesSmallWidget", "light");
+  const std::string dark = draw("SalesSmallWidget", "dark");
+  const std::string medium = draw("UnpaidMediumWidget", "light");
+  std::ofstream(file("text.png")) << "no picture";
+  const struct {
+    std::vector<std::string> arguments;
+    int status;
+    std::string words;
+  } cases[] = {
+      {{light, light}, 0, "identical"},
+      {{light, dark}, 1, "of 99856 pixels differ"},
+      {{light, dark, "--tolerance", "255"}, 0, "0 of 99856 pixels differ"},
+      {{light, dark, "--pixels", "99856"}, 0, "pixels differ"},
+      {{light, medium}, 1, "676 by 316 pixels large instead of 316 by 316"},
+      {{light, file("missing.png")}, 1, "missing.png"},
+      {{light, file("text.png")}, 1, "text.png"},
+      {{light}, 2, "required"},
+  };
+  for (const auto& [arguments, status, words] : cases) {
+    std::vector<std::string> command{"compare"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const Outcome outcome = run(command);
+    EXPECT_EQ(outcome.status, status) << words;
+    EXPECT_THAT(status == 0 ? outcome.out : outcome.err, HasSubstr(words));
+  }
+  run({"compare", light, dark, "-o", file("difference.png")});
+  EXPECT_THAT(contents(file("difference.png")), StartsWith("\x89PNG"));
+}
+
+TEST_F(ComparisonTest, AGalleryIsCheckedAgainstARecordedOne) {
+  const auto recorded = file("recorded");
+  ASSERT_EQ(gallery({"-o", recorded}).status, 0);
+  const Outcome same = gallery({"--check", recorded});
+  EXPECT_EQ(same.status, 0) << same.err;
+  EXPECT_EQ(same.out, "Nothing changed.\n");
+
+  std::filesystem::copy(
+      recorded / "SalesSmallWidget-dark.png",
+      recorded / "PendingSmallWidget-dark.png",
+      std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::rename(
+      recorded / "UnpaidMediumWidget-light.png", recorded / "FormerWidget-light.png");
+  const Outcome changed = gallery({"--check", recorded, "-o", file("changes")});
+  EXPECT_EQ(changed.status, 1);
+  EXPECT_THAT(
+      changed.out,
+      AllOf(
+          HasSubstr("PendingSmallWidget-dark.png: "),
+          HasSubstr("UnpaidMediumWidget-light.png: it is new"),
+          HasSubstr("FormerWidget-light.png: no widget has it any more"),
+          Not(HasSubstr("SalesSmallWidget"))));
+  EXPECT_THAT(changed.err, HasSubstr("3 of 10 pictures changed"));
+  const std::string page = contents(file("changes") / "index.html");
+  for (const char* part : {"alt=\"expected\"", "alt=\"actual\"", "alt=\"difference\""}) {
+    EXPECT_THAT(page, HasSubstr(part));
+  }
+}
+
+TEST_F(ComparisonTest, ARecordedGalleryThatIsMissingOrDamagedIsTold) {
+  EXPECT_THAT(gallery({"--check", file("missing")}).err, HasSubstr("there is no gallery in"));
+  const auto recorded = file("recorded");
+  ASSERT_EQ(gallery({"-o", recorded}).status, 0);
+  std::filesystem::resize_file(recorded / "SalesSmallWidget-light.png", 100);
+  const Outcome damaged = gallery({"--check", recorded});
+  EXPECT_EQ(damaged.status, 1);
+  EXPECT_THAT(damaged.err, HasSubstr("SalesSmallWidget-light.png cannot be read"));
+  EXPECT_EQ(gallery({}).status, 2);
+}
+
+}  // namespace
