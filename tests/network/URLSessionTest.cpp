@@ -295,6 +295,18 @@ TEST_F(URLSessionTest, AnswersThatAreNotHttp) {
   }
 }
 
+TEST_F(URLSessionTest, EndlessBodyIsAnError) {
+  const HttpsServer server([](auto&, auto& exchange) {
+    exchange.send("HTTP/1.1 200 OK\r\n\r\n");
+    const std::string piece(std::size_t{1} << 20, 'x');
+    while (exchange.send(piece)) {
+    }
+  });
+  const Result result = fetch(server.address("/"));
+  EXPECT_EQ(result.errorCode(), -1103);
+  EXPECT_EQ(result.data, std::nullopt);
+}
+
 TEST_F(URLSessionTest, CertificatesAreVerified) {
   using enum HttpsServer::Certificate;
   const support::TemporaryFolder nothingTrusted;
