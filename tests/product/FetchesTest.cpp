@@ -65,7 +65,7 @@ std::string raw(const support::HttpsServer::Request& request) {
   for (const auto& [name, value] : request.headers) {
     if (name != "Host" && name != "User-Agent" && name != "Accept" && name != "Accept-Encoding" &&
         name != "Accept-Language") {
-      text += name + ": " + value + "\n";
+      text.append(name).append(": ").append(value).append("\n");
     }
   }
   return text + "\n" + request.body;

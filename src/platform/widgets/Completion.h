@@ -42,9 +42,7 @@ class Completion {
 template <class Answer, class Outer, class Convert>
 Completion<Answer> forwarding(Completion<Outer> outer, Convert convert) {
   return Completion<Answer>(
-      [outer = std::move(outer), convert](Answer answer) mutable {
-        outer(convert(std::move(answer)));
-      },
+      [outer = std::move(outer), convert](const Answer& answer) mutable { outer(convert(answer)); },
       nullptr);
 }
 
