@@ -10,7 +10,7 @@ import { chromium } from "playwright-core";
 
 const build = process.env.QUILLPAD_BUILD ?? fileURLToPath(new URL("../../build/release", import.meta.url));
 export const programs = join(build, "bin");
-const extension = join(build, "tests", "extension_under_test");
+const extensionUnderTest = join(build, "tests", "extension_under_test");
 
 const browserFlags = [
   "--no-sandbox",
@@ -39,6 +39,8 @@ export async function launchBrowser() {
 export class World {
   folder = mkdtempSync(join(tmpdir(), "quillpad-page-"));
   gatewayPort = 0;
+  extension = extensionUnderTest;
+  more = {}; // of the environment
   processes = new Set();
   log = "";
 
@@ -49,6 +51,7 @@ export class World {
       HOME: this.folder,
       SSL_CERT_FILE: join(this.folder, "gateway", "certificate.pem"),
       TEST_GATEWAY_ORIGIN: `https://localhost:${this.gatewayPort}`,
+      ...this.more,
     };
   }
 
@@ -88,7 +91,7 @@ export class World {
   }
 
   async startHome() {
-    const args = ["--extension", extension, "serve", "--port", "0"];
+    const args = ["--extension", this.extension, "serve", "--port", "0"];
     this.home = await this.start("quillpad-home", args, /(http:\/\/127\.0\.0\.1:\d+)\//);
     this.address = this.home.ready[1];
   }

@@ -1,0 +1,153 @@
+// What the live home screen costs: first paint, 200 tabs, hours of reloads, 500 widgets. Uses the
+// packages of tests/page ("npm ci" there) and the programs of a release build.
+//   node bench/HomeScreenBench.mjs
+import { readFileSync } from "node:fs";
+import { connect } from "node:net";
+import { join } from "node:path";
+import { setTimeout as pause } from "node:timers/promises";
+import { World, launchBrowser, programs, until } from "../tests/page/World.mjs";
+
+const median = (values) => values.sort((a, b) => a - b)[Math.floor(values.length / 2)];
+const round = (value) => Math.round(value * 10) / 10;
+const tell = (what, value) => console.log(`${what.padEnd(64)} ${value}`);
+
+// Resident and private megabytes, and seconds of processor time.
+function usage(process) {
+  const memory = readFileSync(`/proc/${process}/status`, "utf8");
+  const megabytes = (name) => round(Number(memory.match(new RegExp(`${name}:\\s+(\\d+)`))[1]) / 1024);
+  const times = readFileSync(`/proc/${process}/stat`, "utf8").split(") ")[1].split(" ");
+  return {
+    resident: megabytes("VmRSS"),
+    own: megabytes("RssAnon"),
+    seconds: (Number(times[11]) + Number(times[12])) / 100,
+  };
+}
+
+async function signedInWorld(extension) {
+  const world = new World();
+  if (extension) world.extension = extension;
+  await world.startGateway();
+  world.signIn();
+  return world;
+}
+
+async function firstPaint() {
+  const world = await signedInWorld();
+  const browser = await launchBrowser();
+  const toAddress = [];
+  const toLive = [];
+  const paint = [];
+  for (let turn = 0; turn < 9; ++turn) {
+    const start = performance.now();
+    await world.startHome();
+    toAddress.push(performance.now() - start);
+    await until("all is live", () => world.allLive());
+    toLive.push(performance.now() - start);
+    const context = await browser.newContext();
+    const page = await context.newPage();
+    await page.goto(world.address);
+    paint.push(
+      await page.evaluate(
+        () =>
+          new Promise((resolve) =>
+            new PerformanceObserver((list) => resolve(list.getEntries()[0].startTime)).observe({
+              type: "paint",
+              buffered: true,
+            }),
+          ),
+      ),
+    );
+    await context.close();
+    await world.stop(world.home);
+  }
+  tell("home screen started, until its page answers (median of 9)", `${round(median(toAddress))} ms`);
+  tell("... until all five widgets are live on it", `${round(median(toLive))} ms`);
+  tell("the browser, from the address to its first paint", `${round(median(paint))} ms`);
+  await browser.close();
+  await world.end();
+}
+
+async function manyTabs() {
+  const world = await signedInWorld();
+  await world.startHome();
+  await until("all is live", () => world.allLive());
+  const token = await world.pageToken();
+  const { version } = await (await fetch(`${world.address}/changes?since=0`)).json();
+  const port = Number(new URL(world.address).port);
+  const tabs = await Promise.all(
+    Array.from(
+      { length: 200 },
+      () =>
+        new Promise((resolve) => {
+          const socket = connect(port, "127.0.0.1", () => {
+            socket.write(`GET /events?since=${version} HTTP/1.1\r\nHost: 127.0.0.1:${port}\r\n\r\n`);
+          });
+          socket.text = "";
+          socket.on("data", (data) => {
+            // A chunk and the end of the one before hold what is looked for.
+            socket.text = socket.text.slice(-64) + data.toString("latin1");
+            if (!socket.heard && socket.text.includes(socket.shown)) socket.heard = performance.now();
+          });
+          resolve(socket);
+        }),
+    ),
+  );
+  await until("all listen", () => tabs.every((tab) => tab.text.includes("event-stream")));
+  const times = [];
+  for (const currency of ["€ - EUR", "£ - GBP", "¥ - JPY", "₹ - INR", "$ - USD"]) {
+    world.settings("currency", currency);
+    for (const tab of tabs) Object.assign(tab, { text: "", heard: 0, shown: Buffer.from(`${currency[0]}9,999.99`).toString("latin1") });
+    await fetch(`${world.address}/reload`, { method: "POST", headers: { "X-Page-Token": token } });
+    await until("every tab hears", () => tabs.every((tab) => tab.heard));
+    const heard = tabs.map((tab) => tab.heard);
+    times.push(Math.max(...heard) - Math.min(...heard));
+    await pause(200);
+  }
+  tell("a new timeline from the first to the last of 200 tabs (median of 5)", `${round(median(times))} ms`);
+  tell("the home screen with 200 tabs", `${usage(world.home.pid).resident} MB resident`);
+  tabs.forEach((tab) => tab.destroy());
+  await world.end();
+}
+
+async function hoursOfReloads() {
+  const world = await signedInWorld(join(programs, "many_widgets"));
+  world.more = { RELOAD_SECONDS: "1", ONLY_FIVE: "1" };
+  await world.startHome();
+  await until("all is live", () => world.allLive());
+  await pause(5000);
+  const before = usage(world.home.pid);
+  await pause(60_000);
+  const after = usage(world.home.pid);
+  tell("60 rounds of reloads, one a second: five hours' worth", "");
+  tell("  resident before and after", `${before.resident} and ${after.resident} MB`);
+  tell("  private before and after", `${before.own} and ${after.own} MB`);
+  tell("  processor time a round", `${round(((after.seconds - before.seconds) * 1000) / 60)} ms`);
+  await world.end();
+}
+
+async function manyWidgets() {
+  const world = await signedInWorld(join(programs, "many_widgets"));
+  const start = performance.now();
+  await world.startHome();
+  await until("all is live", async () => {
+    const cards = Object.values(await world.cards());
+    return cards.length === 500 && cards.every((html) => html.includes('data-status="live"'));
+  }, 120_000);
+  tell("500 placed widgets, from the start until all are live", `${round(performance.now() - start)} ms`);
+  const times = [];
+  let size = 0;
+  for (let turn = 0; turn < 9; ++turn) {
+    const begin = performance.now();
+    size = (await (await fetch(world.address)).text()).length;
+    times.push(performance.now() - begin);
+  }
+  tell("  the page", `${round(size / 1e6)} MB, ${round(median(times))} ms`);
+  await pause(1500);
+  const { resident, own, seconds } = usage(world.home.pid);
+  tell("  the home screen", `${resident} MB resident, ${own} MB private, ${seconds} s processor time`);
+  await world.end();
+}
+
+const parts = { firstPaint, manyTabs, hoursOfReloads, manyWidgets };
+const chosen = process.argv.length > 2 ? process.argv.slice(2) : Object.keys(parts);
+for (const part of chosen) await parts[part]();

@@ -1,0 +1,55 @@
+// The product's five widgets a hundred times over, as an extension to load the home screen with. Its
+// timelines ask for a reload after RELOAD_SECONDS, if that is set.
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/Widgets.h"
+#include "platform/foundation/Clock.h"
+#include "platform/widgets/WidgetBundle.h"
+
+namespace {
+
+constexpr int copies = 100;
+
+widgets::WidgetConfiguration withReload(
+    widgets::WidgetConfiguration widget, std::chrono::seconds reload) {
+  auto timeline = std::move(widget.timeline);
+  widget.timeline = [timeline, reload](
+                        const widgets::TimelineProviderContext& context,
+                        widgets::Completion<widgets::EncodedTimeline> completion) {
+    timeline(
+        context,
+        widgets::forwarding<widgets::EncodedTimeline>(
+            std::move(completion), [reload](widgets::EncodedTimeline encoded) {
+              encoded.reloadAfter = foundation::currentDate() + reload;
+              return encoded;
+            }));
+  };
+  return widget;
+}
+
+struct ManyWidgets {
+  std::vector<widgets::WidgetConfiguration> body() const {
+    const char* reload = std::getenv("RELOAD_SECONDS");
+    const int count = std::getenv("ONLY_FIVE") == nullptr ? copies : 1;
+    std::vector<widgets::WidgetConfiguration> many;
+    for (int copy = 0; copy < count; ++copy) {
+      for (widgets::WidgetConfiguration widget : quillpad::Widgets().body()) {
+        widget.kind += copy == 0 ? "" : std::to_string(copy);
+        many.push_back(
+            reload == nullptr
+                ? std::move(widget)
+                : withReload(std::move(widget), std::chrono::seconds(std::atoi(reload))));
+      }
+    }
+    return many;
+  }
+};
+
+}  // namespace
+
+int main() { return widgets::main(ManyWidgets()); }
