@@ -19,7 +19,7 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
       .displayName = "<img src=x onerror=name()> {{link}}",
       .description = "</p>&'\"",
       .families = {}};
-  const DrawnCard drawing{.light = {"LIGHT"}, .dark = {"DARK"}, .link = "quillpad://a\"b"};
+  const DrawnCard drawing{.picture = {"PICTURE"}, .link = "quillpad://a\"b"};
   CardModel card{.about = &item, .drawing = &drawing, .standing = {}, .updated = {}, .reload = {}};
   card.standing = {Standing::Level::old, "Old <i>", "It said “</p><script>”."};
   const std::string html = cardMarkup(card, noon).html;
@@ -28,11 +28,28 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
   EXPECT_THAT(html, Not(HasSubstr("<i>")));
   EXPECT_THAT(html, HasSubstr("data-kind=\"&quot;&gt;&lt;script&gt;"));
   EXPECT_THAT(html, HasSubstr("{{link}}")) << "what is put in is not filled again";
-  EXPECT_THAT(html, HasSubstr("LIGHT"));
+  EXPECT_THAT(html, HasSubstr("PICTURE"));
 
   const std::string offers = galleryMarkup({{.about = &item, .drawing = nullptr}}).html;
   EXPECT_THAT(offers, Not(HasSubstr("<script")));
   EXPECT_THAT(offers, Not(HasSubstr("<img")));
+}
+
+TEST(Page, OnePictureFollowsTheAppearance) {
+  EXPECT_EQ(
+      inBothAppearances(
+          R"(<svg><rect fill="#FFFFFF"/><path fill="#11B826"/></svg>)",
+          R"(<svg><rect fill="#1C1C1E"/><path fill="#11B826"/></svg>)")
+          .value()
+          .html,
+      R"svg(<svg><rect fill="light-dark(#FFFFFF,#1C1C1E)"/><path fill="#11B826"/></svg>)svg");
+  for (const auto& [light, dark] :
+       {std::pair{R"(<rect fill="#FFFFFF"/>)", R"(<rect fill="#1C1C1E" fill-opacity="0.5"/>)"},
+        {R"(<rect fill="#FFFFFF"/>)", R"(<rect/>)"},
+        {R"(<path/><rect fill="#FFFFFF"/>)", R"(<rect fill="#FFFFFF"/>)"},
+        {R"(<rect fill="#FFFFFF"/>)", R"(<rect fill="#FFFFFF"/><path fill="#FFFFFF"/>)"}}) {
+    EXPECT_FALSE(inBothAppearances(light, dark)) << light << dark;
+  }
 }
 
 TEST(Page, OnlyLinksToApplicationsStandOnIt) {

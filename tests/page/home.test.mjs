@@ -97,7 +97,7 @@ test("many tabs stay live beyond the connections that a browser opens", async ()
 
 test("the appearance follows the system unless a person forces one", async () => {
   const page = await openPage();
-  const ground = () => page.locator(`${salesCard} svg:visible rect`).first().getAttribute("fill");
+  const ground = () => page.locator(`${salesCard} svg rect`).first().evaluate((rect) => getComputedStyle(rect).fill);
   await page.emulateMedia({ colorScheme: "light" });
   const light = await ground();
   await page.emulateMedia({ colorScheme: "dark" });

@@ -404,13 +404,17 @@ std::optional<DrawnCard> HomeScreen::draw(
   const drawing::DisplayList light = studio_.compose(view, request, locale_);
   request.appearance = ui::Appearance::dark;
   const drawing::DisplayList dark = studio_.compose(view, request, locale_);
-  auto lightSvg = studio_.write(light, PictureFormat::svg, idPrefix + "light-");
-  auto darkSvg = studio_.write(dark, PictureFormat::svg, idPrefix + "dark-");
+  const auto lightSvg = studio_.write(light, PictureFormat::svg, idPrefix);
+  auto darkSvg = studio_.write(dark, PictureFormat::svg, idPrefix);
   if (!lightSvg || !darkSvg) {
     return std::nullopt;
   }
-  return DrawnCard{
-      .light = {std::move(*lightSvg)}, .dark = {std::move(*darkSvg)}, .link = light.link};
+  auto picture = inBothAppearances(*lightSvg, *darkSvg);
+  if (!picture) {
+    darkSvg = studio_.write(dark, PictureFormat::svg, idPrefix + "dark-");
+    picture = inEitherAppearance(*lightSvg, darkSvg.value_or(""));
+  }
+  return DrawnCard{.picture = std::move(*picture), .link = light.link};
 }
 
 std::string HomeScreen::emptyText() const {
