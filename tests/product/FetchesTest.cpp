@@ -89,9 +89,9 @@ TEST_F(FetchesTest, AsksForTheSummary) {
   EXPECT_EQ(
       raw(gateway.server().requests()[0]),
       "POST /invoice/invoice/getDataMap\n"
+      "content-length: 74\n"
       "Content-type: application/json\n"
       "Authorization: abc\n"
-      "Content-Length: 74\n"
       "\n"
       "{\n"
       "  \"businessId\" : \"business-1\",\n"
@@ -107,9 +107,9 @@ TEST_F(FetchesTest, AsksForUnpaidInvoicesOfTheYear) {
   EXPECT_EQ(
       raw(gateway.server().requests().at(0)),
       "POST /invoice/invoice/listFast\n"
+      "content-length: 276\n"
       "Content-type: application/json\n"
       "Authorization: abc\n"
-      "Content-Length: 276\n"
       "\n"
       "{\n"
       "  \"businessId\" : \"business-1\",\n"

@@ -25,20 +25,24 @@ std::string lowercase(std::string_view text) {
   return lower;
 }
 
+std::string_view withoutScheme(std::string_view address) {
+  const std::size_t slashes = address.find("//");
+  return slashes == address.npos ? address : address.substr(slashes + 2);
+}
+
 std::string pathOf(std::string_view address) {
-  const std::size_t authority = address.find("//");
-  const std::size_t begin = address.find('/', authority == address.npos ? 0 : authority + 2);
-  if (begin == address.npos) {
+  const std::string_view rest = withoutScheme(address);
+  const std::size_t begin = rest.find('/');
+  if (begin == rest.npos) {
     return "/";
   }
-  return std::string(address.substr(begin, address.find_first_of("?#", begin) - begin));
+  return std::string(rest.substr(begin, rest.find_first_of("?#", begin) - begin));
 }
 
 // Fields that the session writes itself, or that would change how the message is framed.
 bool isReserved(const std::string& lowercaseField) {
-  static constexpr std::array<std::string_view, 8> reserved = {
+  static constexpr std::array<std::string_view, 7> reserved = {
       "connection",
-      "content-length",
       "expect",
       "host",
       "proxy-authenticate",
@@ -102,6 +106,11 @@ std::optional<TransportErrorCode> Transfer::refusal() const {
   return scheme == "http" ? secureConnectionRequired : unsupportedURL;
 }
 
+std::string Transfer::authority() const {
+  const std::string_view rest = withoutScheme(address_);
+  return lowercase(rest.substr(0, rest.find_first_of("/?#")));
+}
+
 void Transfer::prepare(CURL* handle) {
   body_.clear();
   headerBytes_ = 0;
@@ -112,7 +121,6 @@ void Transfer::prepare(CURL* handle) {
   curl_easy_setopt(handle, CURLOPT_URL, address_.c_str());
   curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "https");
   curl_easy_setopt(handle, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_2TLS);
-  curl_easy_setopt(handle, CURLOPT_PIPEWAIT, 1L);
   curl_easy_setopt(handle, CURLOPT_PROXY, "");
   curl_easy_setopt(handle, CURLOPT_HTTPAUTH, CURLAUTH_NONE);
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
@@ -155,7 +163,11 @@ void Transfer::setHeaders(CURL* handle) {
   add(languages);
   for (const auto& [field, text] : request_.headers) {
     const std::string_view value = trimmed(text);
-    if (isReserved(lowercase(field)) || !fitsOnOneLine(field) || !fitsOnOneLine(value)) {
+    const std::string name = lowercase(field);
+    // The length is sent as the sender spelled it, but only if it is the body's.
+    const bool isWrongLength =
+        name == "content-length" && value != std::to_string(request_.httpBody.size());
+    if (isReserved(name) || isWrongLength || !fitsOnOneLine(field) || !fitsOnOneLine(value)) {
       continue;
     }
     // libcurl takes "Field:" as the wish not to send it, and "Field;" as an empty value.
@@ -218,6 +230,7 @@ bool Transfer::follow(CURL* handle) {
     request_.httpMethod = "GET";
     request_.httpBody.clear();
     request_.setValue(std::nullopt, "Content-Type");
+    request_.setValue(std::nullopt, "Content-Length");
   }
   request_.setValue(std::nullopt, "Authorization");
   return true;

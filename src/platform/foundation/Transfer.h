@@ -38,6 +38,9 @@ class Transfer {
   // Why the address may not be asked at all, if so.
   std::optional<TransportErrorCode> refusal() const;
 
+  // Host and port of the address to ask next.
+  std::string authority() const;
+
   // Sets the fresh handle up for the next exchange.
   void prepare(CURL* handle);
 
@@ -45,7 +48,7 @@ class Transfer {
   Clock::time_point deadline() const;
 
   // Takes in how the handle's exchange ended. True if it was answered with a redirect that is
-  // followed: prepare the handle anew.
+  // followed: another exchange is wanted, maybe of another host.
   bool endExchange(CURL* handle, CURLcode result);
 
   // Ends the transfer with an error.

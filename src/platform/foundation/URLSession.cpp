@@ -4,7 +4,9 @@
 #include <atomic>
 #include <cstdlib>
 #include <curl/curl.h>
+#include <deque>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <unordered_map>
 #include <utility>
@@ -28,11 +30,21 @@ class URLSession::Engine {
   std::chrono::milliseconds idleTimeout() const { return idleTimeout_; }
 
  private:
+  // The exchanges of one host: those under way are counted, the others stand in line. libcurl has
+  // such a line too, but may forget those who stand in it.
+  struct Line {
+    int underWay = 0;
+    std::deque<std::unique_ptr<Transfer>> waiting;
+  };
+
   void launch();
   void stop();
   void run();
   void takeArrivals();
+  void queue(std::unique_ptr<Transfer> transfer);
+  void advance(const std::string& authority);
   void add(CURL* handle, std::unique_ptr<Transfer> transfer);
+  void end(CURL* handle, CURLcode result);
   void endFinished();
   void endOverdue();
   void deliver(std::unique_ptr<Transfer> transfer);
@@ -52,6 +64,7 @@ class URLSession::Engine {
   CURLM* multi_ = nullptr;
   CURLSH* tlsSessions_ = nullptr;
   std::thread thread_;
+  std::unordered_map<std::string, Line> lines_;  // by host and port
   std::unordered_map<CURL*, std::unique_ptr<Transfer>> running_;
   std::vector<CURL*> idleHandles_;
   Transfer::Clock::time_point nextDeadline_ = Transfer::Clock::time_point::max();
@@ -80,7 +93,6 @@ void URLSession::Engine::launch() {
   curl_global_init(CURL_GLOBAL_DEFAULT);
   multi_ = curl_multi_init();
   curl_multi_setopt(multi_, CURLMOPT_PIPELINING, CURLPIPE_MULTIPLEX);
-  curl_multi_setopt(multi_, CURLMOPT_MAX_HOST_CONNECTIONS, 6L);
   curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, 12L);
   tlsSessions_ = curl_share_init();
   curl_share_setopt(tlsSessions_, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
@@ -126,32 +138,58 @@ void URLSession::Engine::takeArrivals() {
     arrivals.swap(arrivals_);
   }
   for (std::unique_ptr<Transfer>& transfer : arrivals) {
+    queue(std::move(transfer));
+  }
+}
+
+void URLSession::Engine::queue(std::unique_ptr<Transfer> transfer) {
+  nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
+  const std::string authority = transfer->authority();
+  lines_[authority].waiting.push_back(std::move(transfer));
+  advance(authority);
+}
+
+void URLSession::Engine::advance(const std::string& authority) {
+  constexpr int mostOfOneHost = 6;
+  const auto found = lines_.find(authority);
+  Line& line = found->second;
+  while (line.underWay < mostOfOneHost && !line.waiting.empty()) {
+    std::unique_ptr<Transfer> transfer = std::move(line.waiting.front());
+    line.waiting.pop_front();
+    ++line.underWay;
     add(takeHandle(), std::move(transfer));
+  }
+  if (line.underWay == 0) {
+    lines_.erase(found);
   }
 }
 
 void URLSession::Engine::add(CURL* handle, std::unique_ptr<Transfer> transfer) {
   transfer->prepare(handle);
-  nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
   running_.emplace(handle, std::move(transfer));
   curl_multi_add_handle(multi_, handle);
+}
+
+void URLSession::Engine::end(CURL* handle, CURLcode result) {
+  curl_multi_remove_handle(multi_, handle);
+  std::unique_ptr<Transfer> transfer = std::move(running_.extract(handle).mapped());
+  const std::string authority = transfer->authority();
+  const bool goesOn = transfer->endExchange(handle, result);
+  curl_easy_reset(handle);
+  keepHandle(handle);
+  if (goesOn) {
+    queue(std::move(transfer));
+  } else {
+    deliver(std::move(transfer));
+  }
+  --lines_[authority].underWay;
+  advance(authority);
 }
 
 void URLSession::Engine::endFinished() {
   int waiting = 0;
   while (const CURLMsg* message = curl_multi_info_read(multi_, &waiting)) {
-    CURL* handle = message->easy_handle;
-    const CURLcode result = message->data.result;
-    curl_multi_remove_handle(multi_, handle);
-    std::unique_ptr<Transfer> transfer = std::move(running_.extract(handle).mapped());
-    const bool goesOn = transfer->endExchange(handle, result);
-    curl_easy_reset(handle);
-    if (goesOn) {
-      add(handle, std::move(transfer));
-    } else {
-      keepHandle(handle);
-      deliver(std::move(transfer));
-    }
+    end(message->easy_handle, message->data.result);
   }
 }
 
@@ -163,21 +201,33 @@ void URLSession::Engine::endOverdue() {
     return;
   }
   nextDeadline_ = Transfer::Clock::time_point::max();
+  const auto isOverdue = [&](const Transfer& transfer) {
+    if (transfer.deadline() > now) {
+      nextDeadline_ = std::min(nextDeadline_, transfer.deadline());
+      return false;
+    }
+    return true;
+  };
+  for (auto& [authority, line] : lines_) {
+    std::deque<std::unique_ptr<Transfer>> inTime;
+    for (std::unique_ptr<Transfer>& transfer : line.waiting) {
+      if (isOverdue(*transfer)) {
+        transfer->fail(timedOut);
+        deliver(std::move(transfer));
+      } else {
+        inTime.push_back(std::move(transfer));
+      }
+    }
+    line.waiting.swap(inTime);
+  }
   std::vector<CURL*> overdue;
   for (const auto& [handle, transfer] : running_) {
-    if (transfer->deadline() <= now) {
+    if (isOverdue(*transfer)) {
       overdue.push_back(handle);
-    } else {
-      nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
     }
   }
   for (CURL* handle : overdue) {
-    curl_multi_remove_handle(multi_, handle);
-    std::unique_ptr<Transfer> transfer = std::move(running_.extract(handle).mapped());
-    transfer->endExchange(handle, CURLE_OPERATION_TIMEDOUT);
-    curl_easy_reset(handle);
-    keepHandle(handle);
-    deliver(std::move(transfer));
+    end(handle, CURLE_OPERATION_TIMEDOUT);
   }
 }
 
