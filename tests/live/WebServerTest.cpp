@@ -9,6 +9,7 @@
 #include <optional>
 #include <poll.h>
 #include <string>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <thread>
 #include <vector>
@@ -34,10 +35,10 @@ class RunningServer {
     port_ = server_->port();
     loop_ = std::thread([this] {
       while (!ending_) {
-        pollfd descriptor{server_->descriptor(), POLLIN, 0};
-        ::poll(&descriptor, 1, static_cast<int>(std::min(server_->patience(), 5ms).count()));
+        pollfd descriptors[] = {{server_->descriptor(), POLLIN, 0}, {changed_.get(), POLLIN, 0}};
+        ::poll(descriptors, 2, static_cast<int>(server_->patience().count()));
         server_->run();
-        if (changed_.exchange(false)) {
+        if (std::uint64_t count = 0; ::read(changed_.get(), &count, sizeof count) > 0) {
           server_->wake();
         }
       }
@@ -46,18 +47,22 @@ class RunningServer {
 
   ~RunningServer() {
     ending_ = true;
+    change();
     loop_.join();
   }
 
   std::uint16_t port() const { return port_; }
   std::string host() const { return "127.0.0.1:" + std::to_string(port_); }
-  void change() { changed_ = true; }
+  void change() const {
+    const std::uint64_t one = 1;
+    EXPECT_EQ(::write(changed_.get(), &one, sizeof one), sizeof one);
+  }
 
  private:
   std::optional<WebServer> server_;
   std::uint16_t port_ = 0;
   std::atomic<bool> ending_ = false;
-  std::atomic<bool> changed_ = false;
+  channel::FileDescriptor changed_{::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)};
   std::thread loop_;
 };
 
@@ -171,13 +176,18 @@ TEST(WebServer, EveryAnswerKeepsThePageToItself) {
 
 TEST(WebServer, AnswersLaterWhenThereIsSomethingToSay) {
   std::atomic<bool> ready = false;
-  RunningServer server([&](const WebRequest&) -> WebReply {
+  std::atomic<bool> asked = false;
+  const RunningServer server([&](const WebRequest&) -> WebReply {
     return LaterAnswer{[&]() -> std::optional<WebAnswer> {
+      asked = true;
       return ready ? std::optional(WebAnswer{.body = "at last"}) : std::nullopt;
     }};
   });
   Client client(server);
   client.write("GET / HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
+  while (!asked) {
+    std::this_thread::yield();
+  }
   ready = true;
   server.change();
   EXPECT_THAT(client.readUntil("at last"), HasSubstr("at last"));

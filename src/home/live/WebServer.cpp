@@ -177,9 +177,7 @@ class WebServer::Engine {
         resume(*exchange);
       }
     }
-    if (!suspended_.empty() || !streams_.empty()) {
-      MHD_run(daemon_);
-    }
+    MHD_run(daemon_);
   }
 
  private:
