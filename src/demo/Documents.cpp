@@ -44,18 +44,19 @@ std::string textOf(std::chrono::sys_days day, const char* time) {
   return text.data();
 }
 
-// Mostly jobs of some hundreds, a few trifles, a few large orders.
+// In cents. Mostly jobs of some hundreds, a few trifles, a few large orders: a month of a small
+// business, whose sales mostly stay below the cap of the sales card.
 std::int64_t amount(std::mt19937& random) {
   const auto below = [&](unsigned bound) { return static_cast<std::int64_t>(random() % bound); };
   switch (random() % 12) {
     case 0:
       return 50 + below(900);
     case 1:
-      return 100000 + below(25) * 25000;
+      return 40000 + below(25) * 5000;
     case 2:
-      return 250000 + below(900000);
+      return 90000 + below(300000);
     default:
-      return 8000 + below(160000);
+      return 4000 + below(80000);
   }
 }
 

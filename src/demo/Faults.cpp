@@ -79,18 +79,18 @@ bool apply(std::string_view item, Fault& fault) {
 
 }  // namespace
 
-std::expected<Fault, std::string> Fault::parse(std::string_view specification) {
+std::expected<Fault, std::string> Fault::parse(std::string_view items) {
   Fault fault;
   while (true) {
-    const std::size_t comma = specification.find(',');
-    const std::string_view item = specification.substr(0, comma);
+    const std::size_t comma = items.find(',');
+    const std::string_view item = items.substr(0, comma);
     if (!apply(item, fault)) {
       return std::unexpected("'" + std::string(item) + "' is no fault");
     }
-    if (comma == specification.npos) {
+    if (comma == items.npos) {
       return fault;
     }
-    specification.remove_prefix(comma + 1);
+    items.remove_prefix(comma + 1);
   }
 }
 

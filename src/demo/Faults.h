@@ -1,4 +1,4 @@
-// The faults that the demo gateway shows on demand. A specification is a list of items between
+// The faults that the demo gateway shows on demand. They are named by a list of items between
 // commas: "delay=1500", "status=503,shape=no-data", "drop,path=listFast,count=2"; "off" is none.
 #pragma once
 
@@ -33,11 +33,11 @@ struct Fault {
   std::string path;          // the last part of the paths it is limited to, if any
   std::optional<int> count;  // how many more answers it is for, if limited
 
-  // The fault that a specification names, or what is wrong with the specification.
-  static std::expected<Fault, std::string> parse(std::string_view specification);
+  // The fault that the items name together, or what is wrong with them.
+  static std::expected<Fault, std::string> parse(std::string_view items);
 };
 
-// What a specification may hold, for a person.
+// The items that there are, for a person.
 std::string_view faultHelp();
 
 // The fault in force. Callable from any thread.

@@ -328,8 +328,8 @@ Answer Gateway::answerPost(const Request& request) {
   return faulty({.body = packed(document, fault.damage)});
 }
 
-Answer Gateway::setFault(std::string_view specification) {
-  std::expected<Fault, std::string> fault = Fault::parse(specification);
+Answer Gateway::setFault(std::string_view items) {
+  std::expected<Fault, std::string> fault = Fault::parse(items);
   if (!fault) {
     return refuse(400, fault.error() + "; known: " + std::string(faultHelp()));
   }

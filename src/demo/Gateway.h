@@ -49,7 +49,7 @@ class Gateway {
  private:
   bool knows(std::string_view token) const;
   Answer answerPost(const Request& request);
-  Answer setFault(std::string_view specification);
+  Answer setFault(std::string_view items);
   Answer listDocuments() const;
 
   std::string token_;

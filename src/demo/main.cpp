@@ -37,18 +37,18 @@ constexpr int wrongUsage = 2;
 
 void printHelp() {
   std::printf(
-      "Usage: quillpad-demo-gateway [--port N] [--state DIR] [--fault SPEC]\n"
+      "Usage: quillpad-demo-gateway [--port N] [--state DIR] [--fault ITEMS]\n"
       "\n"
       "Serves the documents of a made-up business over HTTPS on the loopback addresses.\n"
       "\n"
       "  --port N      the port to listen on; 0 for a free one (8443)\n"
       "  --state DIR   where its certificate and token are kept\n"
       "                (${XDG_STATE_HOME:-$HOME/.local/state}/quillpad/demo-gateway)\n"
-      "  --fault SPEC  answers with a fault\n"
+      "  --fault ITEMS answers with a fault\n"
       "\n"
       "Faults: %s.\n"
       "\n"
-      "With the token in 'Authorization', POST /demo/fault takes another SPEC as its body, and\n"
+      "With the token in 'Authorization', POST /demo/fault takes other ITEMS as its body, and\n"
       "GET /demo/documents lists the documents.\n",
       std::string(demo::faultHelp()).c_str());
 }
