@@ -88,13 +88,13 @@ TEST(Page, TellsAgeAndReload) {
       {-10min, 5min, "just now · reloads in 5 min"},
   };
   for (const auto& [age, left, words] : cases) {
-    CardModel card{
+    const CardModel card{
         .about = &item,
         .drawing = nullptr,
         .standing = {},
         .updated = noon - age,
         .reload = noon + left};
-    std::string html = cardMarkup(card, noon).html;
+    const std::string html = cardMarkup(card, noon).html;
     std::string text;
     for (bool inTag = false; const char character : html) {
       inTag = inTag || character == '<';
@@ -108,7 +108,7 @@ TEST(Page, TellsAgeAndReload) {
 TEST(Standing, SaysInPlainWordsWhatIsShown) {
   using Cause = Trouble::Cause;
   const channel::CatalogueItem item{"A", "A", "", {}};
-  Picture live{.source = Picture::Source::timeline, .entry = {}, .received = noon};
+  const Picture live{.source = Picture::Source::timeline, .entry = {}, .received = noon};
   Picture placeholder = live;
   placeholder.source = Picture::Source::placeholder;
   Picture standIn = live;

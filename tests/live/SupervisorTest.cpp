@@ -1,5 +1,6 @@
 // The supervisor against an extension that the test plays, with a clock that the test holds.
 #include <chrono>
+#include <cstddef>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
@@ -139,6 +140,18 @@ class SupervisorTest : public testing::Test {
     return {};
   }
 
+  Picture picture(const std::string& kind) const {
+    const Picture* shown = card(kind).picture;
+    EXPECT_NE(shown, nullptr) << kind << " is blank";
+    return shown == nullptr ? Picture{} : *shown;
+  }
+
+  Trouble trouble(const std::string& kind) const {
+    const Trouble* met = card(kind).trouble;
+    EXPECT_NE(met, nullptr) << kind << " has no trouble";
+    return met == nullptr ? Trouble{} : *met;
+  }
+
   // The data of the entry that the widget shows.
   std::string shown(const std::string& kind) const {
     const Picture* picture = card(kind).picture;
@@ -166,12 +179,12 @@ TEST_F(SupervisorTest, FirstRunPlacesTheWholeCatalogueAndShowsPlaceholdersMeanwh
           "render B",
           "timeline A",
           "timeline B"));
-  EXPECT_EQ(card("A").picture->source, Picture::Source::placeholder);
+  EXPECT_EQ(picture("A").source, Picture::Source::placeholder);
 
   answer("timeline B", timelineOf("b1"));
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("render B"));
   EXPECT_EQ(shown("B"), "b1");
-  EXPECT_EQ(card("B").picture->source, Picture::Source::timeline);
+  EXPECT_EQ(picture("B").source, Picture::Source::timeline);
   EXPECT_EQ(card("B").reload, date + 5min);
   EXPECT_EQ(shown("A"), "sample");
 }
@@ -242,9 +255,8 @@ TEST_F(SupervisorTest, KeepsThePictureThroughADropAndSaysWhatWasPrinted) {
   supervisor.printed("no token");
   answer("timeline A", channel::Dropped{});
   EXPECT_EQ(shown("A"), "a1");
-  ASSERT_NE(card("A").trouble, nullptr);
-  EXPECT_EQ(card("A").trouble->cause, Cause::dropped);
-  EXPECT_EQ(card("A").trouble->said, "no token");
+  EXPECT_EQ(trouble("A").cause, Cause::dropped);
+  EXPECT_EQ(trouble("A").said, "no token");
   EXPECT_EQ(card("A").reload, date + 5min);
   answer("timeline B", timelineOf("b2"));
   answerAllButTimelines();
@@ -270,9 +282,8 @@ TEST_F(SupervisorTest, KnowsOfZerosThatStandInForFiguresByTheFailedTransfer) {
   answer("timeline A", timelineOf("a1"));
   answer("timeline B", timelineOf("zeros"));
   answerAllButTimelines();
-  EXPECT_FALSE(card("A").picture->failure);
-  ASSERT_TRUE(card("B").picture->failure);
-  EXPECT_EQ(card("B").picture->failure->localizedDescription, "Could not connect to the server.");
+  EXPECT_FALSE(picture("A").failure);
+  EXPECT_EQ(picture("B").failure.value().localizedDescription, "Could not connect to the server.");
 }
 
 TEST_F(SupervisorTest, GivesUpALateRequestButNotTheExtensionThatAnswersOthers) {
@@ -287,7 +298,7 @@ TEST_F(SupervisorTest, GivesUpALateRequestButNotTheExtensionThatAnswersOthers) {
   pass(89s - 1ms);
   EXPECT_EQ(card("A").trouble, nullptr);
   pass(1ms);
-  EXPECT_EQ(card("A").trouble->cause, Cause::late);
+  EXPECT_EQ(trouble("A").cause, Cause::late);
   EXPECT_EQ(shown("A"), "a1");
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("snapshot A", "render A"));
 }
@@ -381,7 +392,7 @@ TEST_F(SupervisorTest, OneWidgetThatEndsTheExtensionTakesNoOtherWithIt) {
   EXPECT_EQ(shown("B"), "b2");
   EXPECT_EQ(card("B").trouble, nullptr);
   EXPECT_EQ(shown("A"), "a1");
-  EXPECT_EQ(card("A").trouble->cause, Cause::ended);
+  EXPECT_EQ(trouble("A").cause, Cause::ended);
 }
 
 TEST_F(SupervisorTest, AGoodRoundForgetsEarlierEnds) {
@@ -412,17 +423,16 @@ TEST_F(SupervisorTest, ThePlaceholderIsAskedAgainWhereAnEndCameFirst) {
 
 TEST_F(SupervisorTest, StrikesAtTheMemoryBoundAndSaysSo) {
   bringUp();
-  supervisor.memoryMeasured(now(), 30U * 1024 * 1024);
+  supervisor.memoryMeasured(now(), std::size_t{30} * 1024 * 1024);
   EXPECT_THAT(done(), IsEmpty());
   supervisor.reload(now());
   done();
-  supervisor.memoryMeasured(now(), 41U * 1024 * 1024);
-  supervisor.memoryMeasured(now(), 42U * 1024 * 1024);
+  supervisor.memoryMeasured(now(), std::size_t{41} * 1024 * 1024);
+  supervisor.memoryMeasured(now(), std::size_t{42} * 1024 * 1024);
   EXPECT_THAT(done(), ElementsAre("kill"));
   endExtension();
-  ASSERT_NE(card("A").trouble, nullptr);
-  EXPECT_EQ(card("A").trouble->cause, Cause::overMemory);
-  EXPECT_EQ(card("A").trouble->how, "41 MB of the 30 MB that it may use");
+  EXPECT_EQ(trouble("A").cause, Cause::overMemory);
+  EXPECT_EQ(trouble("A").how, "41 MB of the 30 MB that it may use");
   EXPECT_EQ(shown("A"), "a1");
 }
 
@@ -471,14 +481,14 @@ TEST_F(SupervisorTest, ShowsWhatAnEarlierRunLeftUntilFreshEntriesCome) {
   supervisor = std::move(next);
   date += 24h;
   EXPECT_EQ(shown("A"), "a1");
-  EXPECT_TRUE(card("A").picture->restored);
-  EXPECT_EQ(card("A").picture->received, date - 24h);
+  EXPECT_TRUE(picture("A").restored);
+  EXPECT_EQ(picture("A").received, date - 24h);
 
   supervisor.timePassed(now());
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue", "timeline A"));
   answer("timeline A", timelineOf("a2"));
   answerAllButTimelines();
-  EXPECT_FALSE(card("A").picture->restored);
+  EXPECT_FALSE(picture("A").restored);
   EXPECT_EQ(supervisor.cards().size(), 1U);
 }
 
@@ -487,9 +497,9 @@ TEST_F(SupervisorTest, AnAnswerOfAnotherKindIsARefusal) {
   supervisor.reload(now());
   done();
   answer("timeline A", channel::Rendering{ui::Spacer{}});
-  EXPECT_EQ(card("A").trouble->cause, Cause::refused);
+  EXPECT_EQ(trouble("A").cause, Cause::refused);
   answer("timeline B", channel::Refused{channel::invalidParams, "unknown kind"});
-  EXPECT_EQ(card("B").trouble->how, "unknown kind");
+  EXPECT_EQ(trouble("B").how, "unknown kind");
   EXPECT_EQ(shown("B"), "b1");
   EXPECT_EQ(supervisor.life(), Life::running);
 }
@@ -511,7 +521,8 @@ TEST_F(SupervisorTest, SurvivesEndsAtEveryStepOfARefresh) {
     if (open.empty()) {
       return false;
     }
-    const std::string words = std::next(open.begin(), random() % open.size())->first;
+    const std::string words =
+        std::next(open.begin(), static_cast<std::ptrdiff_t>(random() % open.size()))->first;
     if (words == "catalogue") {
       answer(words, catalogueOf({"A", "B"}));
     } else if (words.starts_with("timeline")) {

@@ -194,7 +194,7 @@ TEST(WebServer, AnswersLaterWhenThereIsSomethingToSay) {
 }
 
 TEST(WebServer, BoundsTheAnswersThatAreStillToCome) {
-  RunningServer server(
+  const RunningServer server(
       [](const WebRequest&) -> WebReply {
         return LaterAnswer{[]() -> std::optional<WebAnswer> { return std::nullopt; }};
       },
@@ -212,7 +212,7 @@ TEST(WebServer, StreamsToEveryListenerAndEndsThemCleanly) {
   std::atomic<int> event = 0;
   std::vector<std::unique_ptr<Client>> clients;
   {
-    RunningServer server(
+    const RunningServer server(
         [&](const WebRequest&) -> WebReply {
           return EventStream{[&, seen = 0]() mutable -> std::shared_ptr<const std::string> {
             if (seen == event) return nullptr;
@@ -243,7 +243,7 @@ TEST(WebServer, StreamsToEveryListenerAndEndsThemCleanly) {
 }
 
 TEST(WebServer, HangsUpOnWhoGetsNoRequestAcross) {
-  RunningServer server(echo, {.requestTime = 50ms});
+  const RunningServer server(echo, {.requestTime = 50ms});
   Client silent(server);
   Client dribbling(server);
   dribbling.write("GET / HTTP/1.1\r\nX-Never: end");
@@ -255,8 +255,9 @@ TEST(WebServer, HangsUpOnWhoGetsNoRequestAcross) {
 }
 
 TEST(WebServer, MakesRoomByHangingUpOnTheOldest) {
-  RunningServer server(echo, {.otherConnections = 8, .requestTime = 1h});
+  const RunningServer server(echo, {.otherConnections = 8, .requestTime = 1h});
   std::vector<std::unique_ptr<Client>> silent;
+  silent.reserve(20);
   for (int count = 0; count < 20; ++count) {
     silent.push_back(std::make_unique<Client>(server));
   }

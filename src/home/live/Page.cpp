@@ -137,6 +137,8 @@ Markup galleryMarkup(const std::vector<OfferModel>& offers) {
     const std::string& name = offer.about->displayName;
     const bool small = familyOf(*offer.about) == "systemSmall";
     const std::string word = offer.placed ? "Remove" : "Add";
+    std::string label = word;
+    label.append(" ").append(name).append(small ? ", small" : ", medium");
     markup.html += filled(
                        page::galleryItemHtml,
                        {{"picture", pictureOf(offer.drawing)},
@@ -145,7 +147,7 @@ Markup galleryMarkup(const std::vector<OfferModel>& offers) {
                         {"description", escaped(offer.about->description)},
                         {"action", {offer.placed ? "remove" : "place"}},
                         {"kind", escaped(offer.about->kind)},
-                        {"label", escaped(word + " " + name + (small ? ", small" : ", medium"))},
+                        {"label", escaped(label)},
                         {"word", {word}}})
                        .html;
   }

@@ -44,6 +44,7 @@ channel::FileDescriptor watchParent() {
 }  // namespace
 
 Done serve(const ServeOptions& options) {
+  ::signal(SIGPIPE, SIG_IGN);  // who reads the messages may leave
   const bool keepsRunning = outlivesItsParent();
   const channel::FileDescriptor parent = keepsRunning ? channel::FileDescriptor() : watchParent();
   const channel::FileDescriptor signals = catchStopSignals(keepsRunning);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
-#include <cstring>
 #include <microhttpd.h>
 #include <netinet/in.h>
 #include <sys/resource.h>
@@ -19,9 +18,9 @@ using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
 constexpr unsigned connectionLimit = 2048;
-constexpr unsigned stallSeconds = 15;              // a peer that takes nothing for so long is gone
-constexpr std::size_t requestMemory = 48U * 1024;  // for the head of a request
-constexpr std::size_t streamBlock = 16U * 1024;
+constexpr unsigned stallSeconds = 15;  // a peer that takes nothing for so long is gone
+constexpr std::size_t requestMemory = std::size_t{48} * 1024;  // for the head of a request
+constexpr std::size_t streamBlock = std::size_t{16} * 1024;
 
 std::string_view header(MHD_Connection* connection, const char* name) {
   const char* value = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
@@ -37,8 +36,12 @@ void allowManyDescriptors() {
   }
 }
 
-// A socket that listens on 127.0.0.1; on failure errno tells why.
-channel::FileDescriptor listenOnLoopback(std::uint16_t port) {
+std::unexpected<std::error_code> systemError() {
+  return std::unexpected(std::error_code(errno, std::generic_category()));
+}
+
+// A socket that listens on 127.0.0.1.
+std::expected<channel::FileDescriptor, std::error_code> listenOnLoopback(std::uint16_t port) {
   channel::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   const int yes = 1;
   sockaddr_in address{};
@@ -48,7 +51,7 @@ channel::FileDescriptor listenOnLoopback(std::uint16_t port) {
   if (!socket || ::setsockopt(socket.get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes) != 0 ||
       ::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
       ::listen(socket.get(), SOMAXCONN) != 0) {
-    return {};
+    return systemError();
   }
   return socket;
 }
@@ -89,13 +92,13 @@ class WebServer::Engine {
   Engine(const Engine&) = delete;
   Engine& operator=(const Engine&) = delete;
 
-  bool start(std::uint16_t port) {
+  std::expected<void, std::error_code> start(std::uint16_t port) {
     allowManyDescriptors();
-    channel::FileDescriptor socket = listenOnLoopback(port);
+    auto socket = listenOnLoopback(port);
     if (!socket) {
-      return false;
+      return std::unexpected(socket.error());
     }
-    port_ = portOf(socket.get());
+    port_ = portOf(socket->get());
     for (const char* name : {"127.0.0.1:", "localhost:"}) {
       hosts_.push_back(name + std::to_string(port_));
     }
@@ -107,7 +110,7 @@ class WebServer::Engine {
         &Engine::handle,
         this,
         MHD_OPTION_LISTEN_SOCKET,
-        socket.get(),
+        socket->get(),
         MHD_OPTION_CONNECTION_LIMIT,
         connectionLimit,
         MHD_OPTION_CONNECTION_TIMEOUT,
@@ -124,10 +127,10 @@ class WebServer::Engine {
         1,
         MHD_OPTION_END);
     if (daemon_ == nullptr) {
-      return false;
+      return systemError();
     }
-    listener_ = std::move(socket);
-    return true;
+    listener_ = std::move(*socket);
+    return {};
   }
 
   std::uint16_t port() const { return port_; }
@@ -377,7 +380,7 @@ class WebServer::Engine {
       return 0;
     }
     const std::size_t count = std::min(size, exchange.block->size() - exchange.sent);
-    std::memcpy(buffer, exchange.block->data() + exchange.sent, count);
+    std::copy_n(exchange.block->data() + exchange.sent, count, buffer);
     exchange.sent += count;
     if (exchange.sent == exchange.block->size()) {
       exchange.block.reset();
@@ -489,10 +492,10 @@ class WebServer::Engine {
 std::expected<WebServer, std::string> WebServer::start(
     std::uint16_t port, Limits limits, Handler handler) {
   auto engine = std::make_unique<Engine>(limits, std::move(handler));
-  if (!engine->start(port)) {
-    const std::string reason = errno == EADDRINUSE
+  if (const auto started = engine->start(port); !started) {
+    const std::string reason = started.error() == std::errc::address_in_use
                                    ? "another program uses it; choose another with --port"
-                                   : std::generic_category().message(errno);
+                                   : started.error().message();
     return std::unexpected("port " + std::to_string(port) + " cannot be listened on: " + reason);
   }
   return WebServer(std::move(engine));
