@@ -10,9 +10,9 @@
 #include <system_error>
 #include <vector>
 
+#include "home/Markup.h"
 #include "home/Output.h"
 #include "home/PictureCommands.h"
-#include "home/live/Markup.h"
 #include "platform/drawing/Picture.h"
 #include "platform/drawing/PngWriter.h"
 #include "platform/foundation/Base64.h"

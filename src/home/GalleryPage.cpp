@@ -3,6 +3,8 @@
 #include <cmath>
 #include <variant>
 
+#include "home/Markup.h"
+
 namespace home {
 namespace {
 
@@ -27,34 +29,11 @@ constexpr const char* pageStart = R"(<!DOCTYPE html>
 <header><h1>Quillpad Widgets</h1></header>
 )";
 
-std::string escaped(const std::string& text) {
-  std::string result;
-  for (const char character : text) {
-    switch (character) {
-      case '&':
-        result += "&amp;";
-        break;
-      case '<':
-        result += "&lt;";
-        break;
-      case '>':
-        result += "&gt;";
-        break;
-      case '"':
-        result += "&quot;";
-        break;
-      default:
-        result += character;
-    }
-  }
-  return result;
-}
-
 std::string picture(const GalleryPage::Widget& widget, const std::string& appearance) {
   const auto pixels = [](double points) { return std::to_string(std::lround(points)); };
-  return "    <div class=\"" + appearance + "\"><img src=\"" + escaped(widget.kind) + "-" +
+  return "    <div class=\"" + appearance + "\"><img src=\"" + escaped(widget.kind).html + "-" +
          appearance + ".png\" width=\"" + pixels(widget.size.width) + "\" height=\"" +
-         pixels(widget.size.height) + "\" alt=\"" + escaped(widget.spokenText) + "\"></div>\n";
+         pixels(widget.size.height) + "\" alt=\"" + escaped(widget.spokenText).html + "\"></div>\n";
 }
 
 }  // namespace
@@ -72,9 +51,9 @@ std::string spokenText(const drawing::DisplayList& list) {
 std::string GalleryPage::html() const {
   std::string page = pageStart;
   for (const Widget& widget : widgets) {
-    page += "<section id=\"" + escaped(widget.kind) + "\">\n";
-    page += "  <h2>" + escaped(widget.displayName) + "</h2>\n";
-    page += "  <p>" + escaped(widget.description) + "</p>\n";
+    page += "<section id=\"" + escaped(widget.kind).html + "\">\n";
+    page += "  <h2>" + escaped(widget.displayName).html + "</h2>\n";
+    page += "  <p>" + escaped(widget.description).html + "</p>\n";
     page += "  <div class=\"pair\">\n";
     page += picture(widget, "light") + picture(widget, "dark");
     page += "  </div>\n</section>\n";

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "home/GalleryPage.h"
 #include "home/live/PageFiles.h"
 #include "platform/foundation/Base64.h"
 #include "platform/foundation/Json.h"
@@ -157,16 +158,6 @@ WebAnswer nothingToShow() {
       .status = 404,
       .body =
           "There is no widget of this kind, or the extension has not listed its widgets yet.\n"};
-}
-
-std::string spoken(const drawing::DisplayList& list) {
-  std::string text;
-  for (const drawing::Item& item : list.items) {
-    if (const auto* each = std::get_if<drawing::TextItem>(&item.content)) {
-      text += (text.empty() ? "" : ", ") + each->text;
-    }
-  }
-  return text;
 }
 
 }  // namespace
@@ -408,7 +399,7 @@ Markup EngineerView::pictureMarkup(
     picture.html = "<p class=\"problem\">" + escaped(file.error()).html + "</p>";
   } else if (png) {
     picture.html = "<img width=\"" + lengthText(list.size.width) + "\" height=\"" +
-                   lengthText(list.size.height) + "\" alt=\"" + escaped(spoken(list)).html +
+                   lengthText(list.size.height) + "\" alt=\"" + escaped(spokenText(list)).html +
                    "\" src=\"data:image/png;base64," + foundation::base64(*file) + "\">";
   } else {
     picture.html = std::move(*file);

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "home/Markup.h"
 #include "home/Studio.h"
-#include "home/live/Markup.h"
 #include "home/live/Page.h"
 #include "home/live/Supervisor.h"
 #include "home/live/WebServer.h"

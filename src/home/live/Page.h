@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "home/live/Markup.h"
+#include "home/Markup.h"
 #include "home/live/Standing.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/Value.h"

@@ -1,4 +1,4 @@
-#include "home/live/Markup.h"
+#include "home/Markup.h"
 
 #include <algorithm>
 
