@@ -44,6 +44,7 @@ class SupervisorTest : public testing::Test {
  protected:
   // What the supervisor has had done since the last call, in words.
   std::vector<std::string> done() {
+    EXPECT_TRUE(!supervisor.wakeUp() || *supervisor.wakeUp() > uptime) << "it would spin";
     std::vector<std::string> words;
     for (const Supervisor::Action& action : supervisor.takeActions()) {
       if (std::holds_alternative<Supervisor::StartExtension>(action)) {
@@ -490,6 +491,35 @@ TEST_F(SupervisorTest, ShowsWhatAnEarlierRunLeftUntilFreshEntriesCome) {
   answerAllButTimelines();
   EXPECT_FALSE(picture("A").restored);
   EXPECT_EQ(supervisor.cards().size(), 1U);
+}
+
+TEST_F(SupervisorTest, AWidgetThatTheExtensionNoLongerOffersIsKeptInMind) {
+  bringUp();
+  SavedHome saved = supervisor.saved();
+  saved.placed.emplace_back("Former");
+  supervisor = Supervisor();
+  supervisor.restore(std::move(saved));
+  bringUp();
+  EXPECT_EQ(supervisor.cards().size(), 2U);
+  EXPECT_EQ(supervisor.wakeUp(), uptime + 5min);
+  EXPECT_TRUE(supervisor.isPlaced("Former"));
+}
+
+TEST_F(SupervisorTest, ARenderingThatIsRefusedLeavesNothingToWaitFor) {
+  supervisor.timePassed(now());
+  done();
+  answer("catalogue", catalogueOf({"A"}));
+  done();
+  answer("placeholder A", channel::Refused{channel::invalidParams, "no"});
+  done();
+  answer(
+      "timeline A",
+      channel::Timeline{{entryAt(date, "now"), entryAt(date + 1min, "later")}, date + 5min});
+  done();
+  answer("render A", channel::Refused{channel::invalidParams, "no"});
+  EXPECT_EQ(shown("A"), "blank");
+  pass(2min);
+  EXPECT_THAT(done(), IsEmpty());
 }
 
 TEST_F(SupervisorTest, AnAnswerOfAnotherKindIsARefusal) {

@@ -487,12 +487,15 @@ std::optional<Uptime> Supervisor::wakeUp() const {
     consider(startAt_);
   }
   if (life_ == Life::running && !killedFor_ && (endsInARow_ == 0 || pending_.empty())) {
-    for (const std::string& kind : placed_) {
-      if (const auto found = widgets_.find(kind); found != widgets_.end() && !found->second.busy) {
-        consider(found->second.due);
-        if (!found->second.later.empty()) {
-          consider(found->second.later.front().due);
-        }
+    for (const channel::CatalogueItem& item : catalogue_) {
+      const auto found = widgets_.find(item.kind);
+      if (!placed_.contains(item.kind) || found == widgets_.end() || found->second.busy) {
+        continue;
+      }
+      const Widget& widget = found->second;
+      consider(widget.due);
+      if (widget.picture && !widget.later.empty()) {
+        consider(widget.later.front().due);
       }
     }
   }
