@@ -222,10 +222,10 @@ Done checkGallery(ExtensionClient& extension, const CheckChoice& choice) {
 
   std::vector<Change> changes;
   for (const GalleryCard& card : gallery->cards) {
-    auto change = changeOf(card, choice);
-    if (!change) return std::unexpected(change.error());
-    if (*change) {
-      changes.push_back(std::move(**change));
+    auto found = changeOf(card, choice);
+    if (!found) return std::unexpected(found.error());
+    if (std::optional<Change>& change = *found) {
+      changes.push_back(std::move(*change));
     }
   }
   std::ranges::move(goneCards(*gallery, choice), std::back_inserter(changes));

@@ -124,28 +124,40 @@ std::string_view appearanceName(ui::Appearance appearance) {
   return appearance == ui::Appearance::dark ? "dark" : "light";
 }
 
-std::string lengthText(double length) {
-  return foundation::Number(std::round(length * 100) / 100).stringValue();
+Markup length(double points) {
+  return {foundation::Number(std::round(points * 100) / 100).stringValue()};
 }
+
+std::string sizeText(drawing::Size size) {
+  return length(size.width).html + " × " + length(size.height).html;
+}
+
+constexpr std::string_view boxesHtml =
+    R"(<svg class="boxes" aria-hidden="true" width="{{width}}" height="{{height}}" viewBox="0 0 {{width}} {{height}}">{{boxes}}</svg>)";
+constexpr std::string_view boxHtml =
+    R"(<rect x="{{x}}" y="{{y}}" width="{{width}}" height="{{height}}"/><text x="{{x}}" y="{{above}}">{{width}} × {{height}}</text>)";
+constexpr std::string_view imageHtml =
+    R"(<img width="{{width}}" height="{{height}}" alt="{{alt}}" src="data:image/png;base64,{{bytes}}">)";
+constexpr std::string_view problemHtml = R"(<p class="problem">{{problem}}</p>)";
 
 // The frames of what is painted, with their sizes, to lie over the card.
 Markup boxesMarkup(const drawing::DisplayList& list) {
-  const std::string width = lengthText(list.size.width);
-  const std::string height = lengthText(list.size.height);
-  Markup markup{
-      "<svg class=\"boxes\" aria-hidden=\"true\" width=\"" + width + "\" height=\"" + height +
-      "\" viewBox=\"0 0 " + width + " " + height + "\">"};
+  Markup boxes;
   for (const drawing::Item& item : list.items) {
     const drawing::Rect frame =
         std::visit([](const auto& content) { return content.frame; }, item.content);
-    markup.html += "<rect x=\"" + lengthText(frame.x) + "\" y=\"" + lengthText(frame.y) +
-                   "\" width=\"" + lengthText(frame.width) + "\" height=\"" +
-                   lengthText(frame.height) + "\"/><text x=\"" + lengthText(frame.x) + "\" y=\"" +
-                   lengthText(frame.y - 1) + "\">" + lengthText(frame.width) + " × " +
-                   lengthText(frame.height) + "</text>";
+    boxes.html += filled(
+                      boxHtml,
+                      {{"x", length(frame.x)},
+                       {"y", length(frame.y)},
+                       {"width", length(frame.width)},
+                       {"height", length(frame.height)},
+                       {"above", length(frame.y - 1)}})
+                      .html;
   }
-  markup.html += "</svg>";
-  return markup;
+  return filled(
+      boxesHtml,
+      {{"width", length(list.size.width)}, {"height", length(list.size.height)}, {"boxes", boxes}});
 }
 
 std::string prettyJson(const Value& value) {
@@ -161,6 +173,22 @@ WebAnswer nothingToShow() {
 }
 
 }  // namespace
+
+const Workbench::Result* EngineerView::Column::result() const {
+  if (ticket == nullptr) {
+    return nullptr;
+  }
+  const auto& outcome = *ticket;
+  return outcome && outcome->has_value() ? &outcome->value() : nullptr;
+}
+
+std::string EngineerView::Column::reason() const {
+  if (ticket == nullptr) {
+    return problem;
+  }
+  const auto& outcome = *ticket;
+  return outcome && !outcome->has_value() ? outcome->error() : "";
+}
 
 std::optional<EngineerChoice> EngineerView::choiceOf(const WebRequest& request) const {
   const auto& catalogue = supervisor_.catalogue();
@@ -286,14 +314,13 @@ LaterAnswer EngineerView::picture(const Now& now, const WebRequest& request, Pic
     if (!column.isDone()) {
       return std::nullopt;
     }
-    if (column.ticket == nullptr || !column.ticket->value()) {
-      const std::string& reason =
-          column.ticket == nullptr ? column.problem : column.ticket->value().error();
-      return WebAnswer{.status = 422, .body = reason + "\n"};
+    const Workbench::Result* result = column.result();
+    if (result == nullptr) {
+      return WebAnswer{.status = 422, .body = column.reason() + "\n"};
     }
     const auto appearance =
         choice.appearance == "dark" ? ui::Appearance::dark : ui::Appearance::light;
-    auto file = studio_.write(compose(choice, column.ticket->value()->view, appearance), format);
+    auto file = studio_.write(compose(choice, result->view, appearance), format);
     if (!file) {
       return WebAnswer{.status = 422, .body = file.error() + "\n"};
     }
@@ -310,7 +337,7 @@ LaterAnswer EngineerView::picture(const Now& now, const WebRequest& request, Pic
 }
 
 Markup EngineerView::render(
-    const EngineerChoice& choice, const std::vector<Column>& columns, PageFrame frame) {
+    const EngineerChoice& choice, const std::vector<Column>& columns, const PageFrame& frame) {
   std::vector<std::string> kindLabels;
   std::vector<Option> kinds;
   kindLabels.reserve(supervisor_.catalogue().size());
@@ -326,9 +353,7 @@ Markup EngineerView::render(
     const drawing::Size size = medium ? screen.medium : screen.small;
     screenOptions.push_back(
         {screen.name,
-         screenLabels.emplace_back(
-             std::string(screen.name) + " (" + lengthText(size.width) + " × " +
-             lengthText(size.height) + ")")});
+         screenLabels.emplace_back(std::string(screen.name) + " (" + sizeText(size) + ")")});
   }
   Markup columnsHtml;
   std::string sample;
@@ -364,10 +389,8 @@ Markup EngineerView::render(
 Markup EngineerView::columnMarkup(const EngineerChoice& choice, const Column& column) {
   Markup content;
   std::string date;
-  if (column.ticket == nullptr) {
-    content.html = "<p class=\"problem\">" + escaped(column.problem).html + "</p>";
-  } else if (const auto& result = column.ticket->value(); !result) {
-    content.html = "<p class=\"problem\">" + escaped(result.error()).html + "</p>";
+  if (const Workbench::Result* result = column.result(); result == nullptr) {
+    content = filled(problemHtml, {{"problem", escaped(column.reason())}});
   } else {
     if (const auto* members = result->entry.as<foundation::Dictionary>()) {
       const Value* value = members->find("date");
@@ -376,7 +399,7 @@ Markup EngineerView::columnMarkup(const EngineerChoice& choice, const Column& co
     }
     for (const auto appearance : {ui::Appearance::light, ui::Appearance::dark}) {
       if (choice.appearance == "both" || choice.appearance == appearanceName(appearance)) {
-        content.html += pictureMarkup(choice, column, appearance).html;
+        content.html += pictureMarkup(choice, column, result->view, appearance).html;
       }
     }
   }
@@ -386,8 +409,11 @@ Markup EngineerView::columnMarkup(const EngineerChoice& choice, const Column& co
 }
 
 Markup EngineerView::pictureMarkup(
-    const EngineerChoice& choice, const Column& column, ui::Appearance appearance) {
-  const drawing::DisplayList list = compose(choice, column.ticket->value()->view, appearance);
+    const EngineerChoice& choice,
+    const Column& column,
+    const ui::View& view,
+    ui::Appearance appearance) {
+  const drawing::DisplayList list = compose(choice, view, appearance);
   const std::string_view name = appearanceName(appearance);
   const bool png = choice.format == "png";
   auto file = studio_.write(
@@ -396,11 +422,14 @@ Markup EngineerView::pictureMarkup(
       column.state + "-" + std::string(name) + "-");
   Markup picture;
   if (!file) {
-    picture.html = "<p class=\"problem\">" + escaped(file.error()).html + "</p>";
+    picture = filled(problemHtml, {{"problem", escaped(file.error())}});
   } else if (png) {
-    picture.html = "<img width=\"" + lengthText(list.size.width) + "\" height=\"" +
-                   lengthText(list.size.height) + "\" alt=\"" + escaped(spokenText(list)).html +
-                   "\" src=\"data:image/png;base64," + foundation::base64(*file) + "\">";
+    picture = filled(
+        imageHtml,
+        {{"width", length(list.size.width)},
+         {"height", length(list.size.height)},
+         {"alt", escaped(spokenText(list))},
+         {"bytes", {foundation::base64(*file)}}});
   } else {
     picture.html = std::move(*file);
   }
@@ -409,9 +438,7 @@ Markup EngineerView::pictureMarkup(
       {{"picture", picture},
        {"boxes", choice.boxes ? boxesMarkup(list) : Markup{}},
        {"appearance", {appearance == ui::Appearance::dark ? "Dark" : "Light"}},
-       {"size",
-        {lengthText(list.size.width) + " × " + lengthText(list.size.height) + " at " +
-         std::to_string(choice.scale) + "x"}},
+       {"size", {sizeText(list.size) + " at " + std::to_string(choice.scale) + "x"}},
        {"svg", escaped(pictureAddress(choice, column.state, name, "svg"))},
        {"png", escaped(pictureAddress(choice, column.state, name, "png"))}});
 }
@@ -419,16 +446,17 @@ Markup EngineerView::pictureMarkup(
 Markup EngineerView::detailsMarkup(
     const EngineerChoice& choice, const std::vector<Column>& columns) {
   const auto column = std::ranges::find(columns, choice.state, &Column::state);
-  if (column == columns.end() || column->ticket == nullptr || !column->ticket->value()) {
+  const Workbench::Result* result = column == columns.end() ? nullptr : column->result();
+  if (result == nullptr) {
     return {};
   }
-  const ui::View& view = column->ticket->value()->view;
   const auto appearance =
       choice.appearance == "dark" ? ui::Appearance::dark : ui::Appearance::light;
-  const auto list = studio_.write(compose(choice, view, appearance), PictureFormat::json);
+  const auto list = studio_.write(compose(choice, result->view, appearance), PictureFormat::json);
   return filled(
       page::engineerDetailsHtml,
-      {{"tree", escaped(prettyJson(ui::toValue(view)))}, {"list", escaped(list.value_or(""))}});
+      {{"tree", escaped(prettyJson(ui::toValue(result->view)))},
+       {"list", escaped(list.value_or(""))}});
 }
 
 }  // namespace home

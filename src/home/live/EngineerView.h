@@ -52,10 +52,14 @@ class EngineerView {
   struct Column {
     std::string state;
     std::string title;
-    std::string problem;  // why there is nothing to render; empty where there is a ticket
+    std::string problem;  // why nothing was asked for; empty where there is a ticket
     Workbench::Ticket ticket;
 
     bool isDone() const { return ticket == nullptr || ticket->has_value(); }
+    // What there is to show; nullptr where there is nothing, or not yet.
+    const Workbench::Result* result() const;
+    // Why there is nothing to show.
+    std::string reason() const;
   };
 
   std::optional<EngineerChoice> choiceOf(const WebRequest& request) const;
@@ -63,10 +67,14 @@ class EngineerView {
   drawing::DisplayList compose(
       const EngineerChoice& choice, const ui::View& view, ui::Appearance appearance);
 
-  Markup render(const EngineerChoice& choice, const std::vector<Column>& columns, PageFrame frame);
+  Markup render(
+      const EngineerChoice& choice, const std::vector<Column>& columns, const PageFrame& frame);
   Markup columnMarkup(const EngineerChoice& choice, const Column& column);
   Markup pictureMarkup(
-      const EngineerChoice& choice, const Column& column, ui::Appearance appearance);
+      const EngineerChoice& choice,
+      const Column& column,
+      const ui::View& view,
+      ui::Appearance appearance);
   Markup detailsMarkup(const EngineerChoice& choice, const std::vector<Column>& columns);
 
   const Supervisor& supervisor_;

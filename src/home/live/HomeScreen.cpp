@@ -76,7 +76,7 @@ std::expected<std::unique_ptr<HomeScreen>, std::string> HomeScreen::start(
   if (!server) {
     return std::unexpected(server.error());
   }
-  screen->server_.emplace(std::move(*server));
+  screen->server_ = std::make_unique<WebServer>(std::move(*server));
   screen->restore();
   screen->run();
   return screen;
@@ -98,8 +98,8 @@ void HomeScreen::restore() {
   auto saved = readState(*stateFile_);
   if (!saved) {
     std::fprintf(stderr, "quillpad-home: %s; starting afresh\n", saved.error().c_str());
-  } else if (*saved) {
-    supervisor_.restore(std::move(**saved));
+  } else if (std::optional<SavedHome>& state = *saved) {
+    supervisor_.restore(std::move(*state));
   }
 }
 

@@ -87,7 +87,7 @@ class HomeScreen {
   EngineerView engineer_;
   std::map<std::string, Drawn, std::less<>> drawings_;
   std::map<std::string, DrawnCard, std::less<>> offers_;
-  std::optional<WebServer> server_;
+  std::unique_ptr<WebServer> server_;
 
   std::uint64_t shownVersion_ = 0;
   std::uint64_t savedVersion_ = 0;

@@ -19,6 +19,11 @@ Date dateOf(const Value& entry) {
   return text == nullptr ? Date{} : foundation::dateFromIso8601(*text).value_or(Date{});
 }
 
+template <class T>
+const T* addressOf(const std::optional<T>& value) {
+  return value ? &*value : nullptr;
+}
+
 }  // namespace
 
 Supervisor::Supervisor(Rules rules) : rules_(rules) {}
@@ -83,8 +88,8 @@ void Supervisor::channelBroken(const Now& now, const std::string& what) {
 void Supervisor::ended(const Now& now, const std::string& manner) {
   Trouble trouble{
       .cause = Trouble::Cause::ended, .how = manner, .said = lastLine_, .since = now.date};
-  if (killedFor_) {
-    trouble = *std::exchange(killedFor_, std::nullopt);
+  if (auto reason = std::exchange(killedFor_, std::nullopt)) {
+    trouble = std::move(*reason);
   }
   loseExtension(now, std::move(trouble));
 }
@@ -225,7 +230,13 @@ std::optional<Supervisor::Purpose> Supervisor::nextFor(
 // half done before all: one whose answer ends the extension each time then takes none of the others
 // with it.
 void Supervisor::askWhatIsDue(const Now& now) {
-  std::vector<std::pair<const std::string*, Widget*>> waiting;
+  struct Question {
+    const std::string& kind;
+    Widget& widget;
+    Purpose purpose;
+    Uptime rank;
+  };
+  std::vector<Question> questions;
   for (const channel::CatalogueItem& item : catalogue_) {
     Widget& widget = widgets_[item.kind];
     if (!widget.busy && !widget.unrendered && widget.picture && !widget.later.empty() &&
@@ -234,20 +245,23 @@ void Supervisor::askWhatIsDue(const Now& now) {
       widget.unrendered->entry = widget.later.front().entry;
       widget.later.erase(widget.later.begin());
     }
-    if (nextFor(item.kind, widget, now)) {
-      waiting.emplace_back(&item.kind, &widget);
+    if (const auto purpose = nextFor(item.kind, widget, now)) {
+      questions.push_back(
+          {item.kind, widget, *purpose, widget.unrendered ? Uptime::min() : widget.asked});
     }
   }
-  std::ranges::stable_sort(waiting, {}, [](const auto& each) {
-    return each.second->unrendered ? Uptime::min() : each.second->asked;
-  });
-  for (const auto& [kindOf, widget] : waiting) {
+  std::vector<const Question*> order;
+  order.reserve(questions.size());
+  for (const Question& question : questions) {
+    order.push_back(&question);
+  }
+  std::ranges::stable_sort(order, {}, &Question::rank);
+  for (const Question* question : order) {
     if (endsInARow_ > 0 && !pending_.empty()) {
       return;
     }
-    const std::string& kind = *kindOf;
-    const Purpose purpose = *nextFor(kind, *widget, now);
-    widget->busy = true;
+    const auto& [kind, widget, purpose, rank] = *question;
+    widget.busy = true;
     switch (purpose) {
       case Purpose::catalogue:
         break;
@@ -258,15 +272,13 @@ void Supervisor::askWhatIsDue(const Now& now) {
         send(now, kind, purpose, channel::SnapshotRequest{kind});
         break;
       case Purpose::timeline:
-        widget->asked = now.uptime;
+        widget.asked = now.uptime;
         send(now, kind, purpose, channel::TimelineRequest{kind});
         break;
       case Purpose::rendering:
-        send(
-            now,
-            kind,
-            purpose,
-            channel::RenderRequest{kind, widget->unrendered->entry, std::nullopt, ""});
+        if (const Picture* awaited = addressOf(widget.unrendered)) {
+          send(now, kind, purpose, channel::RenderRequest{kind, awaited->entry, std::nullopt, ""});
+        }
         break;
     }
   }
@@ -374,10 +386,11 @@ void Supervisor::takeTimeline(
 
 void Supervisor::takeRendering(const std::string& kind, const channel::Rendering& rendering) {
   Widget& widget = widgets_[kind];
-  if (!widget.unrendered) {
+  auto awaited = std::exchange(widget.unrendered, std::nullopt);
+  if (!awaited) {
     return;
   }
-  Picture picture = *std::exchange(widget.unrendered, std::nullopt);
+  Picture picture = std::move(*awaited);
   picture.view = rendering.view;
   if (picture.source == Picture::Source::snapshot) {
     widget.snapshot = std::move(picture);
@@ -403,9 +416,9 @@ Picture::Source Supervisor::aimOf(const Pending& request) const {
     case Purpose::snapshot:
       return Picture::Source::snapshot;
     case Purpose::rendering:
-      if (const auto found = widgets_.find(request.kind);
-          found != widgets_.end() && found->second.unrendered) {
-        return found->second.unrendered->source;
+      if (const auto found = widgets_.find(request.kind); found != widgets_.end()) {
+        const Picture* awaited = addressOf(found->second.unrendered);
+        return awaited == nullptr ? Picture::Source::timeline : awaited->source;
       }
       break;
     case Purpose::timeline:
@@ -511,8 +524,8 @@ std::vector<Card> Supervisor::cards() const {
     }
     const Widget& widget = found->second;
     Card card{.about = &item};
-    card.picture = widget.picture ? &*widget.picture : nullptr;
-    card.trouble = widget.trouble ? &*widget.trouble : nullptr;
+    card.picture = addressOf(widget.picture);
+    card.trouble = addressOf(widget.trouble);
     if (life_ != Life::waiting) {
       card.reload = widget.reload;
     }
@@ -524,7 +537,7 @@ std::vector<Card> Supervisor::cards() const {
 
 const Picture* Supervisor::snapshot(std::string_view kind) const {
   const auto found = widgets_.find(kind);
-  return found == widgets_.end() || !found->second.snapshot ? nullptr : &*found->second.snapshot;
+  return found == widgets_.end() ? nullptr : addressOf(found->second.snapshot);
 }
 
 SavedHome Supervisor::saved() const {
@@ -532,9 +545,9 @@ SavedHome Supervisor::saved() const {
       .catalogue = catalogue_, .placed = {placed_.begin(), placed_.end()}, .pictures = {}};
   for (const std::string& kind : placed_) {
     const auto found = widgets_.find(kind);
-    if (found != widgets_.end() && found->second.picture &&
-        found->second.picture->source == Picture::Source::timeline) {
-      saved.pictures.emplace(kind, *found->second.picture);
+    const Picture* picture = found == widgets_.end() ? nullptr : addressOf(found->second.picture);
+    if (picture != nullptr && picture->source == Picture::Source::timeline) {
+      saved.pictures.emplace(kind, *picture);
     }
   }
   return saved;

@@ -246,11 +246,10 @@ class WebServer::Engine {
     if (!exchange.answer && !exchange.later) {
       begin(exchange, path, method);
     }
-    if (exchange.answer) {
-      const WebAnswer answer = *std::exchange(exchange.answer, std::nullopt);
+    if (const auto answer = std::exchange(exchange.answer, std::nullopt)) {
       exchange.later = nullptr;
       setTimer(*exchange.wire, limits_.answerTime);
-      return send(exchange.connection, answer);
+      return send(exchange.connection, *answer);
     }
     if (exchange.later) {
       suspend(exchange);

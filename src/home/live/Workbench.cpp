@@ -42,7 +42,7 @@ bool Workbench::run(const Now& now) {
     for (const ExtensionEvent& event : extension_->takeEvents()) {
       if (const auto* reply = std::get_if<channel::NumberedReply>(&event)) {
         if (asked_ && reply->id == asked_) {
-          take(now, reply->reply);
+          take(now, *extension_, reply->reply);
         }
       } else if (const auto* line = std::get_if<PrintedLine>(&event)) {
         lastLine_ = line->text;
@@ -90,29 +90,31 @@ void Workbench::beginNext(const Now& now) {
     const Job& job = jobs_.front().job;
     switch (job.source) {
       case Source::placeholder:
-        ask(now, channel::PlaceholderRequest{job.kind});
+        ask(now, *extension_, channel::PlaceholderRequest{job.kind});
         break;
       case Source::snapshot:
-        ask(now, channel::SnapshotRequest{job.kind});
+        ask(now, *extension_, channel::SnapshotRequest{job.kind});
         break;
       case Source::given:
-        ask(now, channel::RenderRequest{job.kind, job.entry, std::nullopt, job.locale});
+        ask(now,
+            *extension_,
+            channel::RenderRequest{job.kind, job.entry, std::nullopt, job.locale});
         break;
     }
   }
 }
 
-void Workbench::ask(const Now& now, const channel::Request& request) {
-  asked_ = extension_->send(request);
+void Workbench::ask(const Now& now, ExtensionProcess& extension, const channel::Request& request) {
+  asked_ = extension.send(request);
   deadline_ = now.uptime + rules_.answerDeadline;
 }
 
-void Workbench::take(const Now& now, const channel::Reply& reply) {
+void Workbench::take(const Now& now, ExtensionProcess& extension, const channel::Reply& reply) {
   Job& job = jobs_.front().job;
   if (const auto* entry = std::get_if<channel::Entry>(&reply)) {
     job.entry = entry->entry;
     job.source = Source::given;
-    ask(now, channel::RenderRequest{job.kind, job.entry, std::nullopt, job.locale});
+    ask(now, extension, channel::RenderRequest{job.kind, job.entry, std::nullopt, job.locale});
   } else if (const auto* rendering = std::get_if<channel::Rendering>(&reply)) {
     finish(now, Result{.entry = job.entry, .view = rendering->view});
   } else if (const auto* refused = std::get_if<channel::Refused>(&reply)) {

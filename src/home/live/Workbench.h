@@ -63,8 +63,8 @@ class Workbench {
   };
 
   void beginNext(const Now& now);
-  void ask(const Now& now, const channel::Request& request);
-  void take(const Now& now, const channel::Reply& reply);
+  void ask(const Now& now, ExtensionProcess& extension, const channel::Request& request);
+  void take(const Now& now, ExtensionProcess& extension, const channel::Reply& reply);
   void finish(const Now& now, std::expected<Result, std::string> outcome);
   void fail(const Now& now, std::string words);
 
