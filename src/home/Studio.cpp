@@ -17,8 +17,9 @@ constexpr std::array<std::string_view, 8> rightToLeftLanguages{
 }  // namespace
 
 bool isRightToLeft(const std::string& locale) {
-  const std::string_view language = std::string_view(locale).substr(0, locale.find_first_of("_-"));
-  return std::ranges::find(rightToLeftLanguages, language) != rightToLeftLanguages.end();
+  const auto language = foundation::Bundle::main().localization(locale);
+  return language &&
+         std::ranges::find(rightToLeftLanguages, *language) != rightToLeftLanguages.end();
 }
 
 std::optional<PictureFormat> pictureFormatFromName(std::string_view name) {

@@ -127,6 +127,17 @@ Value nested(int depth) {
   return view;
 }
 
+TEST(ViewCodec, Takes32ModifiersOfOneViewAndNoMore) {
+  View view = Spacer();
+  for (int i = 0; i < 32; ++i) {
+    view = std::move(view).padding(1);
+  }
+  EXPECT_TRUE(viewFromValue(toValue(view)));
+  const auto refused = viewFromValue(toValue(std::move(view).padding(1)));
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error(), "view: more than 32 modifiers");
+}
+
 TEST(ViewCodec, Takes256LevelsAndNoMore) {
   EXPECT_TRUE(viewFromValue(nested(256)));
   const auto tooDeep = viewFromValue(nested(257));

@@ -36,6 +36,14 @@ std::string Bundle::localizedString(std::string_view key, const std::string& loc
   return std::string(key);
 }
 
+std::optional<std::string> Bundle::localization(const std::string& locale) const {
+  for (const std::string& language : languagesOf(locale)) {
+    std::error_code error;
+    if (std::filesystem::is_directory(folder_ / (language + ".lproj"), error)) return language;
+  }
+  return std::nullopt;
+}
+
 std::optional<std::filesystem::path> Bundle::picture(std::string_view name, int scale) const {
   if (name.empty() || name.contains('/') || name.contains('\0')) return std::nullopt;
   const std::string suffix = scale == 1 ? "" : "@" + std::to_string(scale) + "x";

@@ -21,6 +21,10 @@ class Bundle {
   // the key itself.
   std::string localizedString(std::string_view key, const std::string& locale) const;
 
+  // The language that the locale gets of those that the bundle is translated into; nothing where it
+  // gets the keys themselves.
+  std::optional<std::string> localization(const std::string& locale) const;
+
   // The file of a picture at a scale of 1 to 3 ("Graph@2x.png"), or nothing if there is no such
   // file. A name with a slash names no picture.
   std::optional<std::filesystem::path> picture(std::string_view name, int scale) const;

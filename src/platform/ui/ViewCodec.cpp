@@ -17,6 +17,7 @@ using foundation::Value;
 
 constexpr std::size_t deepestView = 256;
 constexpr std::size_t mostViews = 100'000;
+constexpr std::size_t mostModifiers = 32;  // of one view
 // Far beyond any screen, and far from where sums of lengths lose their meaning.
 constexpr double longestLength = 1'000'000;
 
@@ -404,9 +405,12 @@ class Reader {
       fail("more than 100000 views");
     } else {
       const auto& members = as<Dictionary>(value, "not an object");
-      result.content = content(members);
       result.modifiers = elements<Modifier>(
           members, "modifiers", [this](const Value& each) { return modifier(each); });
+      if (result.modifiers.size() > mostModifiers) {
+        fail("more than 32 modifiers");
+      }
+      result.content = content(members);
     }
     --depth_;
     return result;
