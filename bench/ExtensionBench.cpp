@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -12,7 +13,6 @@
 #include <fstream>
 #include <iterator>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
@@ -46,6 +46,7 @@ double milliseconds(Clock::duration duration) {
 // Starts the program with its standard output in the file.
 pid_t spawn(std::vector<std::string> words, const std::string& output) {
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
   posix_spawn_file_actions_t actions;

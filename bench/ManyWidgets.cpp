@@ -1,5 +1,5 @@
-// The product's five widgets a hundred times over, as an extension to load the home screen with. Its
-// timelines ask for a reload after RELOAD_SECONDS, if that is set.
+// The product's five widgets a hundred times over, as an extension to load the home screen with.
+// Its timelines ask for a reload after RELOAD_SECONDS, if that is set.
 #include <chrono>
 #include <cstdlib>
 #include <optional>

@@ -88,6 +88,7 @@ TEST_F(Texts, ShowEveryScriptInAFontMadeForIt) {
       {"直", "en", {"Noto Sans CJK SC"}},
       {"👍🏽", "en", {"Noto Color Emoji"}},
       {"1️⃣", "en", {"Noto Color Emoji"}},
+      {"👍 日", "ja", {"Noto Color Emoji", "Inter", "Noto Sans CJK JP"}},
       {"Acme 日本 Ltd", "ja", {"Inter", "Noto Sans CJK JP", "Inter"}},
   };
   for (const Case& one : cases) {

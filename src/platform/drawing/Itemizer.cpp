@@ -112,8 +112,10 @@ class FontChooser {
 
   FontId choose(std::u32string_view cluster, Script script) {
     const std::u32string characters = visible(cluster);
-    const bool isSpace = characters == U" ";
-    if (characters.empty() || (isSpace && last_ && fonts_.covers(*last_, characters))) {
+    // A space goes with the text before it, but not with a picture: those fonts' is as wide as one.
+    const bool staysWithLast = characters == U" " && last_ && !fonts_.hasColorBitmaps(*last_) &&
+                               fonts_.covers(*last_, characters);
+    if (characters.empty() || staysWithLast) {
       return last_.value_or(fonts_.system(style_.weight));
     }
     last_ = find(cluster, characters, script);
