@@ -359,9 +359,9 @@ Markup EngineerView::render(
   std::string sample;
   for (const Column& column : columns) {
     columnsHtml.html += columnMarkup(choice, column).html;
-    if (column.state == "snapshot" && column.ticket != nullptr && column.ticket->value()) {
-      sample = foundation::writeJson(column.ticket->value()->entry, foundation::JsonLayout::compact)
-                   .value_or("");
+    const Workbench::Result* result = column.result();
+    if (column.state == "snapshot" && result != nullptr) {
+      sample = foundation::writeJson(result->entry, foundation::JsonLayout::compact).value_or("");
     }
   }
   return filled(
