@@ -129,7 +129,7 @@ void answer(Workshop& workshop, const std::string& line) {
     std::cout << separator << '"' << part << "\":" << jsonList(values);
     separator = ",";
   }
-  std::cout << "}}" << std::endl;
+  std::cout << "}}\n" << std::flush;
 }
 
 }  // namespace

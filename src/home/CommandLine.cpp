@@ -243,17 +243,15 @@ class Parser {
     if (size_.empty()) return std::nullopt;
     constexpr double longest = 10'000;
     const std::size_t cross = size_.find('x');
-    const auto width = foundation::doubleFromText(size_.substr(0, cross));
-    const auto height = foundation::doubleFromText(
-        cross == std::string::npos ? std::string() : size_.substr(cross + 1));
-    const auto fits = [](std::optional<double> length) {
-      return length && *length > 0 && *length <= longest;
-    };
+    const double width = foundation::doubleFromText(size_.substr(0, cross)).value_or(0);
+    const std::string afterCross = cross == std::string::npos ? "" : size_.substr(cross + 1);
+    const double height = foundation::doubleFromText(afterCross).value_or(0);
+    const auto fits = [](double length) { return length > 0 && length <= longest; };
     if (!fits(width) || !fits(height)) {
       throw CLI::ValidationError(
           "--size is width and height in points, above 0 and at most 10000, for example 170x170");
     }
-    return drawing::Size{*width, *height};
+    return drawing::Size{width, height};
   }
 
   void addServe() {
