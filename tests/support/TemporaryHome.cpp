@@ -7,14 +7,29 @@
 
 namespace support {
 
-TemporaryFolder::TemporaryFolder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "quillpad-test-XXXXXX").string();
+namespace {
+
+constexpr const char* placeVariable = "QUILLPAD_TEST_FOLDER";
+
+std::filesystem::path placeForFolders() {
+  const char* parents = std::getenv(placeVariable);
+  return parents == nullptr ? std::filesystem::temp_directory_path() : parents;
+}
+
+std::string madeFolder() {
+  static const std::filesystem::path place = placeForFolders();
+  std::string pattern = (place / "quillpad-test-XXXXXX").string();
   if (mkdtemp(pattern.data()) == nullptr) {
     std::perror("a temporary folder cannot be made");
     std::abort();
   }
-  path_ = pattern;
+  return pattern;
 }
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder()
+    : path_(madeFolder()), placeForChildren_(placeVariable, path_.string()) {}
 
 TemporaryFolder::~TemporaryFolder() {
   std::error_code ignored;

@@ -8,7 +8,8 @@
 
 namespace support {
 
-// A new empty folder, removed with its contents in the end.
+// A new empty folder, removed with its contents in the end. A child process makes its own inside of
+// it, so that what a child leaves behind that ends on purpose goes with it.
 class TemporaryFolder {
  public:
   TemporaryFolder();
@@ -20,6 +21,7 @@ class TemporaryFolder {
 
  private:
   std::filesystem::path path_;
+  ScopedVariable placeForChildren_;
 };
 
 class TemporaryHome {
