@@ -65,7 +65,7 @@ std::expected<ui::WidgetFamily, Failure> familyOf(
     return failure(
         ExitStatus::wrongUsage,
         "there is no widget of kind \"" + choice.kind +
-            "\"; \"quillpad-home list\" shows the kinds");
+            R"("; "quillpad-home list" shows the kinds)");
   }
   return item->families.front();
 }

@@ -113,7 +113,7 @@ std::expected<Request, Refused> readRender(const Dictionary& parameters, std::st
     request.family = familyFromName(textMember(parameters, "family"));
     if (!request.family) {
       return std::unexpected(
-          Refused{invalidParams, "\"family\" is neither \"systemSmall\" nor \"systemMedium\""});
+          Refused{invalidParams, R"("family" is neither "systemSmall" nor "systemMedium")"});
     }
   }
   return request;

@@ -35,7 +35,7 @@ std::string number(double value) {
                   .ptr;
   while (end[-1] == '0') --end;
   if (end[-1] == '.') --end;
-  std::string text(digits.data(), end);
+  const std::string text(digits.data(), end);
   return text == "-0" ? "0" : text;
 }
 
@@ -270,7 +270,7 @@ class SvgDocument {
         std::to_chars(
             digits.data(), digits.data() + digits.size(), value, std::chars_format::general, 6)
             .ptr;
-    return std::string(digits.data(), end);
+    return {digits.data(), end};
   }
 
   FontBook& fonts_;

@@ -19,7 +19,7 @@ using channel::Reply;
 // The answer of a request whose provider may let it go.
 template <class Answer, class Convert>
 Completion<Answer> replying(
-    std::shared_ptr<Connection> connection, std::uint64_t id, Convert convert) {
+    const std::shared_ptr<Connection>& connection, std::uint64_t id, Convert convert) {
   return Completion<Answer>(
       [connection, id, convert](Answer answer) {
         connection->send(channel::encode(channel::NumberedReply{id, convert(std::move(answer))}));
