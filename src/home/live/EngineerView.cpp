@@ -253,7 +253,7 @@ EngineerView::Column EngineerView::column(
     auto entry = foundation::readJson(choice.entry, foundation::JsonFragments::refused);
     if (!entry) {
       column.problem = choice.entry.empty() ? "Type an entry to see it here."
-                                            : "This is not JSON. " + entry.error().reason;
+                                            : "This is not JSON: " + entry.error().reason + ".";
       return column;
     }
     job.entry = std::move(*entry);

@@ -16,11 +16,13 @@ async function render() {
     return;
   }
   problem.textContent = "";
-  const page = new DOMParser().parseFromString(await answer.text(), "text/html");
+  const html = await answer.text();
   if (turn !== latest) return;
-  document.getElementById("results").replaceWith(page.getElementById("results"));
-  form.elements.entry.placeholder = page.querySelector("textarea").placeholder;
-  document.title = page.title;
+  const page = document.createElement("template");
+  page.innerHTML = html;
+  document.getElementById("results").replaceWith(page.content.getElementById("results"));
+  form.elements.entry.placeholder = page.content.querySelector("textarea").placeholder;
+  document.title = page.content.querySelector("title").textContent;
   history.replaceState(null, "", address);
 }
 

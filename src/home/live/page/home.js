@@ -40,7 +40,7 @@ function nodeFrom(html) {
 function replaceCard(old, fresh) {
   const focused = old.contains(document.activeElement) && document.activeElement.localName;
   if (old.querySelector("details[open]")) fresh.querySelector("details")?.setAttribute("open", "");
-  fresh.classList.add("fresh");
+  if (old.querySelector(".card").innerHTML !== fresh.querySelector(".card").innerHTML) fresh.classList.add("fresh");
   old.replaceWith(fresh);
   if (focused) (fresh.querySelector(focused) ?? fresh.querySelector("a, summary"))?.focus();
 }
@@ -112,8 +112,12 @@ catchUp();
 // What a person does.
 
 async function change(what) {
-  const answer = await fetch(what, { method: "POST", headers: { "X-Page-Token": meta("page-token") } });
-  if (answer.status === 403) location.reload();
+  try {
+    const answer = await fetch(what, { method: "POST", headers: { "X-Page-Token": meta("page-token") } });
+    if (answer.status === 403) return location.reload();
+  } catch {
+    return hear({ lost: true });
+  }
   await catchUp();
 }
 
@@ -121,15 +125,15 @@ document.getElementById("reload").onclick = () => change("/reload");
 
 async function fillGallery() {
   const focused = document.activeElement?.dataset.kind;
-  const answer = await fetch("/gallery");
-  if (!answer.ok) return;
+  const answer = await fetch("/gallery").catch(() => null);
+  if (!answer?.ok) return;
   document.getElementById("gallery-items").innerHTML = await answer.text();
   if (focused) gallery.querySelector(`button[data-kind="${CSS.escape(focused)}"]`)?.focus();
 }
 
-document.getElementById("open-gallery").onclick = async () => {
-  await fillGallery();
+document.getElementById("open-gallery").onclick = () => {
   gallery.showModal();
+  fillGallery();
 };
 document.getElementById("close-gallery").onclick = () => gallery.close();
 gallery.onclick = (event) => {
