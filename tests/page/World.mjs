@@ -105,11 +105,16 @@ export class World {
     return world;
   }
 
-  // The extension that the home screen runs now, or nothing.
-  extensionProcess() {
+  // What the home screen runs now.
+  childProcesses() {
     const home = this.home.pid;
     const file = `/proc/${home}/task/${home}/children`;
-    return existsSync(file) ? Number(readFileSync(file, "utf8").split(" ")[0]) || undefined : undefined;
+    return existsSync(file) ? readFileSync(file, "utf8").split(" ").filter(Boolean).map(Number) : [];
+  }
+
+  // The extension that the home screen runs now, or nothing.
+  extensionProcess() {
+    return this.childProcesses()[0];
   }
 
   async pageToken() {

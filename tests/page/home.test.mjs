@@ -2,13 +2,14 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
-import { after, before, beforeEach, test } from "node:test";
+import { after, afterEach, before, beforeEach, test } from "node:test";
+import { setTimeout as pause } from "node:timers/promises";
 import { World, launchBrowser, until } from "./World.mjs";
 
 const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
 const salesCard = '[data-kind="SalesSmallWidget"]';
 
-let world, browser, context;
+let world, browser, context, problems;
 
 before(async () => {
   world = await World.start();
@@ -21,16 +22,21 @@ after(async () => {
 });
 
 beforeEach(async () => {
-  await context?.close();
   context = await browser.newContext();
+  problems = [];
+  context.on("console", (message) => message.type() === "error" && problems.push(message.text()));
+  context.on("weberror", (failure) => problems.push(String(failure.error())));
   await until("all widgets are live", () => world.allLive());
+});
+
+// Whatever a page does, it breaks no content policy and leaves no error on the console.
+afterEach(async () => {
+  await context.close();
+  assert.deepEqual(problems, []);
 });
 
 async function openPage(path = "/") {
   const page = await context.newPage();
-  page.problems = [];
-  page.on("console", (message) => message.type() === "error" && page.problems.push(message.text()));
-  page.on("pageerror", (error) => page.problems.push(String(error)));
   await page.goto(world.address + path);
   return page;
 }
@@ -48,19 +54,30 @@ async function expectNoViolation(page) {
 }
 
 test("the first answer alone paints every widget", async () => {
-  const page = await context.newPage();
+  const withoutScripts = await browser.newContext({ javaScriptEnabled: false });
+  const page = await withoutScripts.newPage();
   const requests = [];
-  page.on("request", (request) => requests.push(request));
-  await page.route("**/*", (route) =>
-    route.request().isNavigationRequest() ? route.continue() : route.abort(),
-  );
+  page.on("request", (request) => requests.push(request.url()));
   await page.goto(world.address);
+  assert.deepEqual(requests.filter((url) => !url.startsWith("data:")), [`${world.address}/`]);
   assert.equal(await page.locator(".widget").count(), 5);
   for (const card of await page.locator(".widget svg:visible").all()) {
     const { width, height } = await card.boundingBox();
     assert.ok([158, 338].includes(width) && height === 158, `${width} x ${height}`);
   }
-  assert.ok(requests.every((request) => request.url().startsWith(world.address) || request.url().startsWith("data:")));
+  await withoutScripts.close();
+});
+
+test("nothing is asked of anybody else", async () => {
+  const page = await context.newPage();
+  const hosts = new Set();
+  page.on("request", (request) => hosts.add(new URL(request.url()).origin));
+  await page.goto(world.address);
+  await page.getByRole("button", { name: "Widgets" }).click();
+  await page.locator("dialog svg:visible").first().waitFor();
+  await page.goto(`${world.address}/?view=engineer&format=png`);
+  hosts.delete("null"); // pictures that stand in the page
+  assert.deepEqual([...hosts], [world.address]);
 });
 
 test("a change reaches every open tab at once, without moving the focus", async () => {
@@ -70,7 +87,6 @@ test("a change reaches every open tab at once, without moving the focus", async 
   await tabs[0].getByRole("button", { name: "Reload" }).click();
   for (const tab of tabs) {
     await until("the new currency shows", async () => (await label(tab, salesCard)).includes("€"));
-    assert.deepEqual(tab.problems, []);
   }
   const focused = await tabs[2].evaluate(() => document.activeElement.closest("li")?.dataset.kind);
   assert.equal(focused, "SalesSmallWidget");
@@ -116,7 +132,7 @@ test("widgets are removed and added in the gallery and keep the catalogue's orde
   const kinds = (tab) => tab.locator(".widget").evaluateAll((cards) => cards.map((card) => card.dataset.kind));
   const all = await kinds(page);
   await page.getByRole("button", { name: "Widgets" }).click();
-  await page.getByRole("dialog").waitFor();
+  await page.locator("dialog .offer").last().waitFor();
   assert.equal(await page.locator("dialog svg:visible[role=img]").count(), 5);
   await page.getByRole("button", { name: "Remove Pending Estimates, small" }).click();
   for (const tab of [page, other]) {
@@ -159,6 +175,11 @@ test("a badge tells that the gateway is away, and goes when it is back", async (
   assert.match(await label(page, salesCard), /\$0/);
   await badge.locator("summary").click();
   assert.match(await badge.locator("p").innerText(), /could not be fetched.*server/is);
+  for (const width of [320, 360, 800, 1001, 1600]) {
+    await page.setViewportSize({ width, height: 800 });
+    const { left, right } = await badge.locator("p").evaluate((cause) => cause.getBoundingClientRect().toJSON());
+    assert.ok(left >= 0 && right <= width, `the cause is in sight, ${width} pixels wide`);
+  }
   await expectNoViolation(page);
   await page.keyboard.press("Escape");
   assert.equal(await badge.locator("p").isVisible(), false);
@@ -212,21 +233,84 @@ for (const colorScheme of ["light", "dark"]) {
     await page.emulateMedia({ colorScheme });
     await expectNoViolation(page);
     await page.getByRole("button", { name: "Widgets" }).click();
-    await page.getByRole("dialog").waitFor();
+    await page.locator("dialog .offer").last().waitFor();
     await expectNoViolation(page);
     await page.goto(`${world.address}/?view=engineer&boxes=1`);
     await expectNoViolation(page);
   });
 }
 
+test("every focus is seen, and keys do what a click does", async () => {
+  await world.stop(world.gateway);
+  const page = await openPage();
+  await page.getByRole("button", { name: "Reload" }).focus();
+  await page.keyboard.press("Space");
+  await page.locator(".badge").last().waitFor();
+
+  await page.locator("body").evaluate(() => document.activeElement.blur());
+  for (let steps = 0; steps < 13; ++steps) {
+    await page.keyboard.press("Tab");
+    const seen = await page.evaluate(() => {
+      const focused = document.activeElement;
+      const shown = focused.matches("input[type=radio]") ? focused.nextElementSibling : focused;
+      return { width: parseFloat(getComputedStyle(shown).outlineWidth), what: focused.outerHTML.slice(0, 80) };
+    });
+    assert.ok(seen.width >= 2, `${seen.what} shows its focus`);
+  }
+
+  const summary = page.locator(`${salesCard} summary`);
+  const cause = page.locator(`${salesCard} .badge p`);
+  await summary.focus();
+  for (const key of ["Enter", "Space"]) {
+    await page.keyboard.press(key);
+    assert.ok(await cause.isVisible());
+    await page.keyboard.press("Escape");
+    assert.ok(!(await cause.isVisible()));
+    assert.ok(await summary.evaluate((element) => element === document.activeElement));
+  }
+
+  await page.getByRole("button", { name: "Widgets" }).focus();
+  await page.keyboard.press("Enter");
+  await page.locator("dialog .offer").last().waitFor();
+  await page.keyboard.press("Escape");
+  await page.getByRole("dialog").waitFor({ state: "hidden" });
+  assert.equal(await page.evaluate(() => document.activeElement.id), "open-gallery");
+
+  await world.startGateway();
+  await page.getByRole("button", { name: "Reload" }).click();
+});
+
+test("nothing moves for a person who wants no motion", async () => {
+  const page = await openPage();
+  const motion = () =>
+    page.locator(`${salesCard} .card`).evaluate((card) => {
+      card.parentElement.classList.add("fresh");
+      const { animationName, transitionDuration } = getComputedStyle(card);
+      return { animationName, transitionDuration };
+    });
+  assert.equal((await motion()).animationName, "settle");
+  await page.emulateMedia({ reducedMotion: "reduce" });
+  assert.deepEqual(await motion(), { animationName: "none", transitionDuration: "0s" });
+});
+
 test("nothing is cut off or scrolls sideways in narrow and wide windows", async () => {
   const page = await openPage();
-  for (const width of [360, 414, 768, 1920]) {
+  const overflow = (selector) =>
+    page.locator(selector).evaluate((element) => element.scrollWidth - element.clientWidth);
+  const widths = [320, 360, 414, 768, 1000, 1600];
+  for (const path of ["/", "/?view=engineer&kind=SalesSmallWidget&entry=%7B"]) {
+    await page.goto(world.address + path);
+    for (const width of widths) {
+      await page.setViewportSize({ width, height: 800 });
+      assert.equal(await overflow("html"), 0, `${path}, ${width} pixels wide`);
+    }
+  }
+  await page.goto(world.address);
+  await page.getByRole("button", { name: "Widgets" }).click();
+  await page.locator("dialog .offer").last().waitFor();
+  for (const width of widths) {
     await page.setViewportSize({ width, height: 800 });
-    const overflow = await page.evaluate(
-      () => document.documentElement.scrollWidth - document.documentElement.clientWidth,
-    );
-    assert.equal(overflow, 0, `${width} pixels wide`);
+    assert.equal(await overflow("dialog"), 0, `the gallery, ${width} pixels wide`);
   }
 });
 
@@ -240,7 +324,6 @@ test("the engineer's view shows every choice that its address makes", async () =
   assert.deepEqual([width, height], [364, 170]);
   assert.equal(await pictures.first().evaluate((image) => image.naturalWidth), 364 * 3);
   assert.match(await pictures.first().getAttribute("alt"), /Unbezahlt|Offene/i);
-  assert.deepEqual(page.problems, []);
 });
 
 test("an entry typed by hand is rendered at once and stands in the address", async () => {
@@ -266,6 +349,47 @@ test("an entry typed by hand is rendered at once and stands in the address", asy
   await until("the error shows", async () => (await last.innerText()).includes("This is not JSON"));
 });
 
+test("a link reproduces the choices that were made by hand", async () => {
+  const page = await openPage("/?view=engineer");
+  await page.locator("[name=kind]").selectOption("PendingMediumWidget");
+  await until("the widget changes", () => page.url().includes("kind=PendingMediumWidget"));
+  await page.locator("[name=screen]").selectOption("320x568");
+  await page.locator("[name=language]").selectOption("fr");
+  await page.locator("[name=appearance]").selectOption("dark");
+  await page.locator("[name=state]").selectOption("snapshot");
+  await page.locator("[name=boxes]").check();
+  await until("every choice stands in the address", () => /fr.*dark.*snapshot.*boxes=1/.test(page.url()));
+  const shown = async (tab) => ({
+    title: await tab.title(),
+    choices: await tab.locator("#choices").evaluate((form) => [...new FormData(form)]),
+    captions: await tab.locator("figcaption").allInnerTexts(),
+    pictures: await tab.locator(".shown svg[role=img]").evaluateAll((all) => all.map((each) => each.ariaLabel)),
+    boxes: await tab.locator(".boxes rect").count(),
+    tree: await tab.locator("pre").first().innerText(),
+  });
+  const there = await shown(page);
+  assert.ok(there.boxes > 0 && there.captions.length === 3 && there.captions[0].startsWith("Dark, 292 × 141"));
+  assert.deepEqual(await shown(await openPage(page.url().slice(world.address.length))), there);
+});
+
+test("names with markup are text in picture, alternative, tree and list", async () => {
+  const names = ["<script>hurt=1</script>", "<img src=x onerror=hurt=1>", '"></svg><b onfocus="hurt=1">'];
+  const records = names.map((clientName, no) => ({ no: String(no), clientName, total: 1 }));
+  const entry = { date: "2026-03-07T09:05:03.250Z", data: { records } };
+  for (const format of ["svg", "png"]) {
+    const page = await openPage(
+      `/?view=engineer&kind=UnpaidMediumWidget&state=entry&boxes=1&format=${format}` +
+        `&entry=${encodeURIComponent(JSON.stringify(entry))}`,
+    );
+    const picture = page.locator(".column").last().locator(".card > :first-child").first();
+    const said = (await picture.getAttribute("aria-label")) ?? (await picture.getAttribute("alt"));
+    for (const name of names) assert.ok(said.includes(name), said);
+    for (const text of await page.locator("pre").allInnerTexts()) assert.ok(text.includes("<script>"));
+    assert.equal(await page.locator("#results :is(script, b, img[src=x])").count(), 0);
+    assert.equal(await page.evaluate(() => window.hurt), undefined);
+  }
+});
+
 test("an entry that ends the extension does no harm to the home screen", async () => {
   const entry = encodeURIComponent('{"date":"2026-03-07T09:05:03.250Z","data":{}}');
   const running = world.extensionProcess();
@@ -286,6 +410,30 @@ test("the pictures can be kept as files", async () => {
   }
 });
 
+test("a page never shows a blank card while its extension is killed again and again", async () => {
+  const page = await openPage();
+  await page.evaluate(() => {
+    window.blanks = [];
+    const look = () => {
+      const cards = [...document.querySelectorAll(".widget .card")];
+      const painted = cards.filter((card) => card.querySelectorAll("svg path").length > 3 && card.offsetHeight >= 158);
+      if (painted.length !== 5) window.blanks.push(`${painted.length} of ${cards.length} at ${performance.now()}`);
+      requestAnimationFrame(look);
+    };
+    look();
+  });
+  for (let kill = 0; kill < 30; ++kill) {
+    await page.getByRole("button", { name: "Reload" }).click();
+    await pause(Math.random() * 15);
+    const extension = world.extensionProcess();
+    if (extension) process.kill(extension, "SIGKILL");
+    await until("the pictures are live again", () => world.allLive());
+  }
+  await until("no badge is left", async () => (await page.locator(".badge, .notice:visible").count()) === 0);
+  assert.deepEqual(await page.evaluate(() => window.blanks), []);
+  assert.ok(world.childProcesses().length <= 2, "the extension and the one of the engineer's view");
+});
+
 test("a right-to-left language turns the home screen around", async () => {
   const arabic = await World.start("ar_AE.UTF-8");
   try {
@@ -295,6 +443,7 @@ test("a right-to-left language turns the home screen around", async () => {
     await page.goto(arabic.address);
     const left = async (kind) => (await page.locator(`[data-kind="${kind}"]`).boundingBox()).x;
     assert.ok((await left("SalesSmallWidget")) > (await left("UnpaidSmallWidget")));
+    await page.close();
   } finally {
     await arabic.end();
   }
