@@ -318,8 +318,8 @@ TEST_F(DemoGatewayTest, FaultsAreLimitedToAPathAndACount) {
   EXPECT_EQ(gateway_.answer(list).status, 200);
 }
 
-TEST(DemoFaultTest, WrongSpecificationsAreRefused) {
-  for (const char* specification :
+TEST(DemoFaultTest, WrongItemsAreRefused) {
+  for (const char* items :
        {"",
         "slow",
         "drop,",
@@ -331,7 +331,7 @@ TEST(DemoFaultTest, WrongSpecificationsAreRefused) {
         "shape=round",
         "count=0",
         "path=/etc"}) {
-    EXPECT_FALSE(Fault::parse(specification)) << specification;
+    EXPECT_FALSE(Fault::parse(items)) << items;
   }
 }
 
