@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "home/live/WebServer.h"
-#include "platform/channel/FileDescriptor.h"
+#include "platform/foundation/FileDescriptor.h"
 
 namespace home {
 namespace {
@@ -62,7 +62,7 @@ class RunningServer {
   std::optional<WebServer> server_;
   std::uint16_t port_ = 0;
   std::atomic<bool> ending_ = false;
-  channel::FileDescriptor changed_{::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)};
+  foundation::FileDescriptor changed_{::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)};
   std::thread loop_;
 };
 
@@ -101,7 +101,7 @@ class Client {
   std::string readAll() { return readUntil("there is no such text in any answer"); }
 
  private:
-  channel::FileDescriptor socket_;
+  foundation::FileDescriptor socket_;
   std::string received_;
 };
 

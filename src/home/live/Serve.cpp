@@ -11,13 +11,13 @@
 
 #include "home/Output.h"
 #include "home/live/HomeScreen.h"
-#include "platform/channel/FileDescriptor.h"
+#include "platform/foundation/FileDescriptor.h"
 
 namespace home {
 namespace {
 
 // SIGINT, SIGTERM and SIGHUP as a descriptor to read from.
-channel::FileDescriptor catchStopSignals(bool keepsRunning) {
+foundation::FileDescriptor catchStopSignals(bool keepsRunning) {
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
@@ -26,7 +26,7 @@ channel::FileDescriptor catchStopSignals(bool keepsRunning) {
     sigaddset(&signals, SIGHUP);
   }
   ::sigprocmask(SIG_BLOCK, &signals, nullptr);
-  return channel::FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+  return foundation::FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
 // Whether SIGHUP is ignored, which is how a person says that the program is to outlive its shell.
@@ -37,8 +37,8 @@ bool outlivesItsParent() {
 }
 
 // Readable once the parent process has ended; not open where it cannot be watched.
-channel::FileDescriptor watchParent() {
-  return channel::FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, ::getppid(), 0)));
+foundation::FileDescriptor watchParent() {
+  return foundation::FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, ::getppid(), 0)));
 }
 
 }  // namespace
@@ -46,8 +46,9 @@ channel::FileDescriptor watchParent() {
 Done serve(const ServeOptions& options) {
   ::signal(SIGPIPE, SIG_IGN);  // who reads the messages may leave
   const bool keepsRunning = outlivesItsParent();
-  const channel::FileDescriptor parent = keepsRunning ? channel::FileDescriptor() : watchParent();
-  const channel::FileDescriptor signals = catchStopSignals(keepsRunning);
+  const foundation::FileDescriptor parent =
+      keepsRunning ? foundation::FileDescriptor() : watchParent();
+  const foundation::FileDescriptor signals = catchStopSignals(keepsRunning);
 
   auto screen = HomeScreen::start(options.extension, options.port);
   if (!screen) {

@@ -9,7 +9,7 @@
 #include <sys/socket.h>
 #include <system_error>
 
-#include "platform/channel/FileDescriptor.h"
+#include "platform/foundation/FileDescriptor.h"
 
 namespace home {
 namespace {
@@ -41,8 +41,9 @@ std::unexpected<std::error_code> systemError() {
 }
 
 // A socket that listens on 127.0.0.1.
-std::expected<channel::FileDescriptor, std::error_code> listenOnLoopback(std::uint16_t port) {
-  channel::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+std::expected<foundation::FileDescriptor, std::error_code> listenOnLoopback(std::uint16_t port) {
+  foundation::FileDescriptor socket(
+      ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   const int yes = 1;
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -478,7 +479,7 @@ class WebServer::Engine {
   Handler handler_;
   std::uint16_t port_ = 0;
   std::vector<std::string> hosts_;
-  channel::FileDescriptor listener_;
+  foundation::FileDescriptor listener_;
   MHD_Daemon* daemon_ = nullptr;
   std::list<Wire*> busy_;  // connections with a deadline, the longest in their state first
   std::vector<Exchange*> streams_;
