@@ -3,15 +3,17 @@
 #include <memory>
 #include <string>
 
-#include "platform/drawing/Card.h"
-#include "platform/drawing/FontBook.h"
-#include "platform/drawing/Layout.h"
-#include "platform/drawing/TextEngine.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Value.h"
+#include "platform/layout/Layout.h"
+#include "platform/paint/Card.h"
+#include "platform/text/FontBook.h"
+#include "platform/text/TextEngine.h"
 #include "platform/ui/ViewCodec.h"
 #include "views/SalesMallView.h"
 #include "views/UnpaidMediumView.h"
+
+using namespace quillpad;
 
 namespace {
 
@@ -20,9 +22,9 @@ ui::View salesCard(int i) {
 }
 
 ui::View unpaidCard() {
-  foundation::Array records;
+  Array records;
   for (const char* name : {"Acme Studio", "Northwind Traders", "Globex Ltd"}) {
-    records.emplace_back(foundation::Dictionary{{"clientName", name}, {"total", 1250.5}});
+    records.emplace_back(Dictionary{{"clientName", name}, {"total", 1250.5}});
   }
   return quillpad::UnpaidMediumView{std::move(records)};
 }
@@ -60,17 +62,15 @@ BENCHMARK(copyTree);
 void encodeTree(benchmark::State& state) {
   const ui::View view = unpaidCard();
   while (state.KeepRunning()) {
-    benchmark::DoNotOptimize(
-        foundation::writeJson(ui::toValue(view), foundation::JsonLayout::compact));
+    benchmark::DoNotOptimize(writeJson(ui::toValue(view), JsonLayout::compact));
   }
 }
 BENCHMARK(encodeTree);
 
 void decodeTree(benchmark::State& state) {
-  const auto json =
-      foundation::writeJson(ui::toValue(unpaidCard()), foundation::JsonLayout::compact);
+  const auto json = writeJson(ui::toValue(unpaidCard()), JsonLayout::compact);
   while (state.KeepRunning()) {
-    const auto value = foundation::readJson(*json, foundation::JsonFragments::refused);
+    const auto value = readJson(*json, JsonFragments::refused);
     benchmark::DoNotOptimize(ui::viewFromValue(*value));
   }
 }

@@ -19,8 +19,10 @@
 #include <unistd.h>
 #include <vector>
 
-#include "home/ExtensionProcess.h"
-#include "support/TemporaryHome.h"
+#include "fixtures/TemporaryHome.h"
+#include "home/extension/ExtensionProcess.h"
+
+using namespace quillpad;
 
 namespace {
 
@@ -47,7 +49,9 @@ double milliseconds(Clock::duration duration) {
 pid_t spawn(std::vector<std::string> words, const std::string& output) {
   std::vector<char*> pointers;
   pointers.reserve(words.size() + 1);
-  for (std::string& word : words) pointers.push_back(word.data());
+  for (std::string& word : words) {
+    pointers.push_back(word.data());
+  }
   pointers.push_back(nullptr);
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
@@ -78,7 +82,9 @@ class DemoGateway {
       ::usleep(50'000);
       std::ifstream(log) >> word >> word;
     }
-    if (!word.starts_with("https://")) giveUp("the gateway does not start");
+    if (!word.starts_with("https://")) {
+      giveUp("the gateway does not start");
+    }
     ::setenv("TEST_GATEWAY_ORIGIN", word.c_str(), 1);
     ::setenv("SSL_CERT_FILE", (folder / "gateway/certificate.pem").c_str(), 1);
     const pid_t signIn = spawn(
@@ -90,7 +96,9 @@ class DemoGateway {
          "--token-file",
          folder / "gateway/token"},
         "/dev/null");
-    if (wait(signIn) != 0) giveUp("cannot sign in");
+    if (wait(signIn) != 0) {
+      giveUp("cannot sign in");
+    }
   }
   ~DemoGateway() {
     ::kill(process_, SIGTERM);
@@ -103,7 +111,7 @@ class DemoGateway {
   pid_t process_ = 0;
 };
 
-// A member of /proc/PID/smaps_rollup in kB, or the sum of several.
+// A member of /proc/PID/smaps_rollup in b, or the sum of several.
 long memory(pid_t process, const std::vector<std::string>& names) {
   std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
   long sum = 0;
@@ -139,10 +147,14 @@ void takeTimelines(
     home::ExtensionProcess& extension, int count, Answers& answers, auto&& afterEach) {
   for (const int last = answers.timelines + count; answers.timelines < last;) {
     auto descriptors = extension.descriptors();
-    if (::poll(descriptors.data(), descriptors.size(), 90'000) == 0) giveUp("no answer");
+    if (::poll(descriptors.data(), descriptors.size(), 90'000) == 0) {
+      giveUp("no answer");
+    }
     for (const home::ExtensionEvent& event : extension.takeEvents()) {
       if (const auto* reply = std::get_if<channel::NumberedReply>(&event)) {
-        if (!std::holds_alternative<channel::Timeline>(reply->reply)) giveUp("no timeline");
+        if (!std::holds_alternative<channel::Timeline>(reply->reply)) {
+          giveUp("no timeline");
+        }
         ++answers.timelines;
       } else if (const auto* notice = std::get_if<channel::TransferNotice>(&event)) {
         answers.failedTransfers += notice->report.error ? 1 : 0;
@@ -170,7 +182,9 @@ void measureCold(const fs::path& folder) {
       std::vector<std::string> words{HOME_PROGRAM, "--extension", EXTENSION_PROGRAM};
       words.insert(words.end(), commands[i].begin(), commands[i].end());
       const auto start = Clock::now();
-      if (wait(spawn(words, "/dev/null")) != 0) giveUp("a command failed");
+      if (wait(spawn(words, "/dev/null")) != 0) {
+        giveUp("a command failed");
+      }
       times[i].push_back(milliseconds(Clock::now() - start));
     }
   }
@@ -217,7 +231,7 @@ void measureMemory(home::ExtensionProcess& extension) {
   Answers answers;
   const auto tell = [&] {
     std::printf(
-        "  after %6d refreshes  %7ld kB %7ld kB\n",
+        "  after %6d refreshes  %7ld b %7ld b\n",
         answers.timelines,
         memory(extension.pid(), {"Rss"}),
         memory(extension.pid(), {"Private_Clean", "Private_Dirty"}));
@@ -242,7 +256,9 @@ void measureMemory(home::ExtensionProcess& extension) {
 
 home::ExtensionProcess startExtension() {
   auto extension = home::ExtensionProcess::start(EXTENSION_PROGRAM);
-  if (!extension) giveUp(extension.error());
+  if (!extension) {
+    giveUp(extension.error());
+  }
   return std::move(*extension);
 }
 
@@ -253,9 +269,11 @@ int main(int argc, char** argv) {
   const auto wanted = [&](const char* part) {
     return chosen.empty() || std::ranges::count(chosen, part) > 0;
   };
-  const support::TemporaryHome home;
+  const fixtures::TemporaryHome home;
   const DemoGateway gateway(home.path());
-  if (wanted("cold")) measureCold(home.path());
+  if (wanted("cold")) {
+    measureCold(home.path());
+  }
   if (wanted("burst")) {
     auto extension = startExtension();
     measureBurst(extension);

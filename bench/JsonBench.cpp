@@ -5,9 +5,9 @@
 
 #include "platform/foundation/Json.h"
 
-namespace {
+namespace quillpad {
 
-using namespace foundation;
+namespace {
 
 // A list as the gateway sends it: a document of rows, or the same as text in an outer document.
 std::string listOf(std::int64_t rows) {
@@ -70,3 +70,5 @@ BENCHMARK(readOneWideObject)->Apply(sizes);
 BENCHMARK(writeList)->Apply(sizes);
 
 }  // namespace
+
+}  // namespace quillpad

@@ -11,6 +11,8 @@
 #include "platform/foundation/Clock.h"
 #include "platform/widgets/WidgetBundle.h"
 
+using namespace quillpad;
+
 namespace {
 
 constexpr int copies = 100;
@@ -25,7 +27,7 @@ widgets::WidgetConfiguration withReload(
         context,
         widgets::forwarding<widgets::EncodedTimeline>(
             std::move(completion), [reload](widgets::EncodedTimeline encoded) {
-              encoded.reloadAfter = foundation::currentDate() + reload;
+              encoded.reloadAfter = currentDate() + reload;
               return encoded;
             }));
   };

@@ -18,16 +18,14 @@
 #include <utility>
 #include <vector>
 
+#include "fixtures/HttpsServer.h"
 #include "platform/foundation/Fatal.h"
-#include "platform/foundation/URLSession.h"
-#include "support/HttpsServer.h"
+#include "platform/net/URLSession.h"
+
+using namespace quillpad;
 
 namespace {
-
-using foundation::URL;
-using foundation::URLRequest;
-using foundation::URLSession;
-using support::HttpsServer;
+using fixtures::HttpsServer;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* path = "/invoice/invoice/getDataMap";
@@ -129,8 +127,7 @@ class BareClient {
 class SessionClient {
  public:
   explicit SessionClient(const std::string& address, std::string token = "token")
-      : address_(foundation::forced(URL::parse(address), "the address")),
-        token_(std::move(token)) {}
+      : address_(forced(URL::parse(address), "the address")), token_(std::move(token)) {}
 
   void start() {
     URLRequest request(address_);
@@ -213,7 +210,7 @@ void printMemory(const char* when) {
       privateSize += size;
     }
   }
-  std::printf("  %-24s resident %6ld kB, private %6ld kB\n", when, resident, privateSize);
+  std::printf("  %-24s resident %6ld b, private %6ld b\n", when, resident, privateSize);
 }
 
 std::string countsOf(const ServerProcess& server) {

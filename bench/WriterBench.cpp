@@ -2,14 +2,16 @@
 #include <benchmark/benchmark.h>
 #include <string>
 
-#include "platform/drawing/Card.h"
-#include "platform/drawing/FontBook.h"
-#include "platform/drawing/Pictures.h"
-#include "platform/drawing/PngWriter.h"
-#include "platform/drawing/SvgWriter.h"
-#include "platform/drawing/TextEngine.h"
 #include "platform/foundation/Bundle.h"
+#include "platform/paint/Card.h"
+#include "platform/paint/Pictures.h"
+#include "platform/paint/PngWriter.h"
+#include "platform/paint/SvgWriter.h"
+#include "platform/text/FontBook.h"
+#include "platform/text/TextEngine.h"
 #include "views/SalesMallView.h"
+
+using namespace quillpad;
 
 namespace {
 
@@ -29,7 +31,7 @@ class SalesCard {
  private:
   drawing::FontBook fonts_;
   drawing::TextEngine texts_{fonts_};
-  drawing::Pictures pictures_{foundation::Bundle::main()};
+  drawing::Pictures pictures_{Bundle::main()};
   drawing::DisplayList list_;
 };
 

@@ -16,15 +16,17 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/drawing/Card.h"
-#include "platform/drawing/FontBook.h"
-#include "platform/drawing/Pictures.h"
-#include "platform/drawing/PngWriter.h"
-#include "platform/drawing/TextEngine.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Value.h"
+#include "platform/paint/Card.h"
+#include "platform/paint/Pictures.h"
+#include "platform/paint/PngWriter.h"
+#include "platform/text/FontBook.h"
+#include "platform/text/TextEngine.h"
 #include "views/SalesMallView.h"
 #include "views/UnpaidMediumView.h"
+
+using namespace quillpad;
 
 namespace {
 
@@ -40,9 +42,9 @@ ui::View salesCard(int i) {
 }
 
 ui::View unpaidCard(int i) {
-  foundation::Array records;
+  Array records;
   const auto add = [&](const char* name, double total) {
-    foundation::Dictionary record;
+    Dictionary record;
     record.set("clientName", std::string(name));
     record.set("total", total + (i % 10) / 100.0);
     records.emplace_back(std::move(record));
@@ -89,7 +91,7 @@ class Workshop {
  private:
   drawing::FontBook fonts_;
   drawing::TextEngine texts_{fonts_};
-  drawing::Pictures pictures_{foundation::Bundle::main()};
+  drawing::Pictures pictures_{Bundle::main()};
   drawing::PngWriter writer_{fonts_, pictures_};
 };
 
@@ -101,7 +103,9 @@ void save(const std::string& path, const Bytes& bytes) {
 
 std::string jsonList(const std::vector<double>& values) {
   std::ostringstream text;
-  for (std::size_t i = 0; i < values.size(); ++i) text << (i == 0 ? "[" : ",") << values[i];
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    text << (i == 0 ? "[" : ",") << values[i];
+  }
   text << "]";
   return text.str();
 }
@@ -120,9 +124,13 @@ void answer(Workshop& workshop, const std::string& line) {
   for (int k = 0; k < count; ++k) {
     png = workshop.draw(card, scale, first + k + 10);
     totals.push_back(workshop.total);
-    for (const auto& [part, value] : workshop.split) splits[part].push_back(value);
+    for (const auto& [part, value] : workshop.split) {
+      splits[part].push_back(value);
+    }
   }
-  if (out != "-") save(out, png);
+  if (out != "-") {
+    save(out, png);
+  }
   std::cout << "{\"ms\":" << jsonList(totals) << ",\"bytes\":" << png.size() << ",\"split\":{";
   const char* separator = "";
   for (const auto& [part, values] : splits) {
@@ -141,5 +149,7 @@ int main(int argc, char** argv) {
     save(arguments[3], workshop.draw(arguments[1], std::atoi(arguments[2].c_str()), 5));
     return 0;
   }
-  for (std::string line; std::getline(std::cin, line);) answer(workshop, line);
+  for (std::string line; std::getline(std::cin, line);) {
+    answer(workshop, line);
+  }
 }

@@ -22,12 +22,29 @@ if(QUILLPAD_SANITIZE)
   target_link_options(quillpad_options INTERFACE -fsanitize=${QUILLPAD_SANITIZE})
 endif()
 
+# quillpad_state_edges(NAME SHOWN HIDDEN): notes what a target of src/ links, for tools/check-includes.
+function(quillpad_state_edges name shown hidden)
+  file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+  if(folder MATCHES "^src/")
+    list(JOIN shown " " shown)
+    list(JOIN hidden " " hidden)
+    set_property(GLOBAL APPEND_STRING PROPERTY QUILLPAD_EDGES "${folder}|${name}|${shown}|${hidden}\n")
+  endif()
+endfunction()
+
+# quillpad_write_edges(): what every target has stated, into edges.txt of the build folder.
+function(quillpad_write_edges)
+  get_property(edges GLOBAL PROPERTY QUILLPAD_EDGES)
+  file(WRITE ${CMAKE_BINARY_DIR}/edges.txt "${edges}")
+endfunction()
+
 # quillpad_library(NAME SOURCES ... LINKS ... PRIVATE_LINKS ...): a static library; LINKS is what its headers show,
 # PRIVATE_LINKS what stays behind them.
 function(quillpad_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC quillpad_options ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
+  quillpad_state_edges(${name} "${ARG_LINKS}" "${ARG_PRIVATE_LINKS}")
 endfunction()
 
 # quillpad_program(NAME SOURCES ... LINKS ...): a program in bin/.
@@ -35,6 +52,7 @@ function(quillpad_program name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE quillpad_options ${ARG_LINKS})
+  quillpad_state_edges(${name} "${ARG_LINKS}" "")
 endfunction()
 
 # quillpad_test(NAME SOURCES ... LINKS ...): a GoogleTest program, each of its cases a test of CTest.

@@ -4,6 +4,12 @@
 
 #include <cstdlib>
 
+namespace quillpad {
+
 inline void expect(bool holds) {
-  if (!holds) std::abort();
+  if (!holds) {
+    std::abort();
+  }
 }
+
+}  // namespace quillpad

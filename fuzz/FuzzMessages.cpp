@@ -7,6 +7,8 @@
 #include "Expect.h"
 #include "platform/channel/Messages.h"
 
+using namespace quillpad;
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view line(reinterpret_cast<const char*>(data), size);
   if (const auto request = channel::decodeRequest(line)) {

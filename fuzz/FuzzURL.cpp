@@ -5,8 +5,12 @@
 #include "Expect.h"
 #include "platform/foundation/URL.h"
 
+using namespace quillpad;
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto url = foundation::URL::parse({reinterpret_cast<const char*>(data), size});
-  if (url) expect(foundation::URL::parse(url->absoluteString()) == url);
+  const auto url = URL::parse({reinterpret_cast<const char*>(data), size});
+  if (url) {
+    expect(URL::parse(url->absoluteString()) == url);
+  }
   return 0;
 }

@@ -11,7 +11,7 @@
 
 #include "platform/foundation/WholeFile.h"
 
-namespace demo {
+namespace quillpad::demo {
 namespace {
 
 constexpr std::time_t day = 24L * 60 * 60;
@@ -145,8 +145,8 @@ std::expected<Certificate, std::string> Certificate::loadOrMake(
   const std::filesystem::path keyFile = stateFolder / "key.pem";
   const std::filesystem::path certificateFile = file(stateFolder);
 
-  const auto keptKey = foundation::readWholeFile(keyFile, mostBytes);
-  const auto keptCertificate = foundation::readWholeFile(certificateFile, mostBytes);
+  const auto keptKey = readWholeFile(keyFile, mostBytes);
+  const auto keptCertificate = readWholeFile(certificateFile, mostBytes);
   if (keptKey && keptCertificate) {
     Certificate kept{.certificate = *keptCertificate, .key = *keptKey};
     if (isUsable(kept)) {
@@ -160,7 +160,7 @@ std::expected<Certificate, std::string> Certificate::loadOrMake(
   }
   for (const auto& [path, text] :
        {std::pair{keyFile, made->key}, std::pair{certificateFile, made->certificate}}) {
-    if (const std::error_code error = foundation::writeWholeFile(path, text)) {
+    if (const std::error_code error = writeWholeFile(path, text)) {
       return std::unexpected(
           path.string() + " cannot be written (" + error.message() + "): choose another --state.");
     }
@@ -168,4 +168,4 @@ std::expected<Certificate, std::string> Certificate::loadOrMake(
   return *std::move(made);
 }
 
-}  // namespace demo
+}  // namespace quillpad::demo

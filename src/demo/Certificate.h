@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-namespace demo {
+namespace quillpad::demo {
 
 struct Certificate {
   std::string certificate;  // PEM
@@ -21,4 +21,4 @@ struct Certificate {
       const std::filesystem::path& stateFolder);
 };
 
-}  // namespace demo
+}  // namespace quillpad::demo

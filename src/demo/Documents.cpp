@@ -8,7 +8,7 @@
 #include <random>
 #include <utility>
 
-namespace demo {
+namespace quillpad::demo {
 namespace {
 
 constexpr std::array clients = {
@@ -138,8 +138,8 @@ std::vector<Document> documentsOn(Day today) {
   return documents;
 }
 
-foundation::Dictionary rowOf(const Document& document) {
-  foundation::Dictionary row{
+Dictionary rowOf(const Document& document) {
+  Dictionary row{
       {"no", std::to_string(document.no)},
       {"clientName", document.clientName},
       {"total", static_cast<double>(document.cents) / 100},
@@ -194,4 +194,4 @@ Summary summarize(const std::vector<Document>& documents, std::string_view curre
   return summary;
 }
 
-}  // namespace demo
+}  // namespace quillpad::demo

@@ -11,7 +11,7 @@
 
 #include "platform/foundation/Value.h"
 
-namespace demo {
+namespace quillpad::demo {
 
 // A day of the gateway's own clock.
 struct Day {
@@ -41,7 +41,7 @@ struct Document {
 std::vector<Document> documentsOn(Day today);
 
 // As the gateway lists it: {"no":"1042","clientName":"…","total":1234.5,"createTime":"…",…}.
-foundation::Dictionary rowOf(const Document& document);
+Dictionary rowOf(const Document& document);
 
 // Which documents to list, and how.
 struct Query {
@@ -78,4 +78,4 @@ struct Summary {
 
 Summary summarize(const std::vector<Document>& documents, std::string_view currentTime);
 
-}  // namespace demo
+}  // namespace quillpad::demo

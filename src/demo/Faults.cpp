@@ -5,7 +5,7 @@
 #include <charconv>
 #include <utility>
 
-namespace demo {
+namespace quillpad::demo {
 namespace {
 
 struct NamedDamage {
@@ -121,4 +121,4 @@ Fault FaultSwitch::take(std::string_view path) {
   return fault;
 }
 
-}  // namespace demo
+}  // namespace quillpad::demo

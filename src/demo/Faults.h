@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace demo {
+namespace quillpad::demo {
 
 enum class Damage {
   none,
@@ -53,4 +53,4 @@ class FaultSwitch {
   Fault fault_;
 };
 
-}  // namespace demo
+}  // namespace quillpad::demo

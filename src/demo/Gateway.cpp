@@ -9,13 +9,8 @@
 
 #include "platform/foundation/Json.h"
 
-namespace demo {
+namespace quillpad::demo {
 namespace {
-
-using foundation::Array;
-using foundation::Dictionary;
-using foundation::Number;
-using foundation::Value;
 
 constexpr std::string_view summaryPath = "/invoice/invoice/getDataMap";
 constexpr std::string_view listPath = "/invoice/invoice/listFast";
@@ -23,7 +18,7 @@ constexpr std::string_view faultPath = "/demo/fault";
 constexpr std::string_view documentsPath = "/demo/documents";
 
 std::string jsonText(const Value& value) {
-  return foundation::writeJson(value, foundation::JsonLayout::compact).value_or("null");
+  return writeJson(value, JsonLayout::compact).value_or("null");
 }
 
 double amount(std::int64_t cents) { return static_cast<double>(cents) / 100; }
@@ -337,7 +332,7 @@ Answer Gateway::answerPost(const Request& request) {
   if (!request.contentType.starts_with("application/json")) {
     return faulty(refuse(415, "the content type must be application/json"));
   }
-  const auto body = foundation::readJson(request.body, foundation::JsonFragments::refused);
+  const auto body = readJson(request.body, JsonFragments::refused);
   const Dictionary* members = body ? body->as<Dictionary>() : nullptr;
   if (members == nullptr) {
     return faulty(refuse(400, "the body must be one JSON object"));
@@ -387,4 +382,4 @@ bool Gateway::knows(std::string_view token) const {
   return difference == 0;
 }
 
-}  // namespace demo
+}  // namespace quillpad::demo

@@ -12,7 +12,7 @@
 #include "demo/Documents.h"
 #include "demo/Faults.h"
 
-namespace demo {
+namespace quillpad::demo {
 
 struct Request {
   std::string method;
@@ -57,4 +57,4 @@ class Gateway {
   FaultSwitch faults_;
 };
 
-}  // namespace demo
+}  // namespace quillpad::demo

@@ -18,7 +18,7 @@
 #include <utility>
 #include <vector>
 
-namespace demo {
+namespace quillpad::demo {
 namespace {
 
 constexpr std::size_t mostBodyBytes = 65536;
@@ -292,4 +292,4 @@ Server::~Server() = default;
 
 std::uint16_t Server::port() const { return implementation_->port(); }
 
-}  // namespace demo
+}  // namespace quillpad::demo

@@ -11,7 +11,7 @@
 #include "demo/Certificate.h"
 #include "demo/Gateway.h"
 
-namespace demo {
+namespace quillpad::demo {
 
 class Server {
  public:
@@ -32,4 +32,4 @@ class Server {
   std::unique_ptr<Implementation> implementation_;
 };
 
-}  // namespace demo
+}  // namespace quillpad::demo

@@ -24,6 +24,8 @@
 #include "demo/Server.h"
 #include "platform/foundation/WholeFile.h"
 
+using namespace quillpad;
+
 namespace {
 
 struct Options {
@@ -114,7 +116,7 @@ std::expected<Options, int> readOptions(int count, char** arguments) {
 // The token kept in the file, or a new random one, written first.
 std::expected<std::string, std::string> loadOrMakeToken(const std::filesystem::path& file) {
   constexpr std::size_t mostBytes = 4096;
-  if (const auto kept = foundation::readWholeFile(file, mostBytes); kept && kept->size() >= 32) {
+  if (const auto kept = readWholeFile(file, mostBytes); kept && kept->size() >= 32) {
     return *kept;
   }
   std::array<unsigned char, 24> random{};
@@ -126,7 +128,7 @@ std::expected<std::string, std::string> loadOrMakeToken(const std::filesystem::p
     token += "0123456789abcdef"[byte >> 4];
     token += "0123456789abcdef"[byte & 15];
   }
-  if (const std::error_code error = foundation::writeWholeFile(file, token)) {
+  if (const std::error_code error = writeWholeFile(file, token)) {
     return std::unexpected(
         file.string() + " cannot be written (" + error.message() + "): choose another --state.");
   }

@@ -7,11 +7,6 @@
 namespace quillpad {
 namespace {
 
-using foundation::Array;
-using foundation::Dictionary;
-using foundation::forcedAs;
-using foundation::forcedMember;
-
 std::string currentYearText() {
   const std::string time = currentTimeString();
   return time.substr(0, time.find('-'));
@@ -47,10 +42,9 @@ void getRecords(const ListFilter& filter, ListSource source, FetchCallback<Array
 }
 
 Array parseRecords(std::string_view answer, ListSource source) {
-  const auto document = foundation::readJson(answer, foundation::JsonFragments::refused);
+  const auto document = readJson(answer, JsonFragments::refused);
   if (!document) {
-    foundation::fatal(
-        std::string(source.notJson) + ": the gateway's answer is not a JSON object or array");
+    fatal(std::string(source.notJson) + ": the gateway's answer is not a JSON object or array");
   }
   const auto& members = forcedAs<Dictionary>(*document, "the gateway's answer", source.where);
   const auto& data = forcedMember<std::string>(members, "data", source.where);

@@ -25,10 +25,9 @@ struct ListFilter {
 };
 
 // Asks the gateway for the rows and returns at once.
-void getRecords(
-    const ListFilter& filter, ListSource source, FetchCallback<foundation::Array> callback);
+void getRecords(const ListFilter& filter, ListSource source, FetchCallback<Array> callback);
 
 // The rows in the gateway's answer, unchanged; an answer of another shape ends the process.
-foundation::Array parseRecords(std::string_view answer, ListSource source);
+Array parseRecords(std::string_view answer, ListSource source);
 
 }  // namespace quillpad

@@ -5,11 +5,11 @@
 #include "gateway/GatewayOrigin.h"
 #include "gateway/SharedSettings.h"
 #include "platform/foundation/Clock.h"
-#include "platform/foundation/DateFormatter.h"
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/URL.h"
-#include "platform/foundation/URLRequest.h"
+#include "platform/locale/DateFormatter.h"
+#include "platform/net/URLRequest.h"
 
 namespace quillpad {
 namespace {
@@ -23,8 +23,8 @@ void printLine(const std::string& line) {
   std::fflush(stdout);
 }
 
-std::string serialized(const foundation::Dictionary& body) {
-  auto text = foundation::writeJson(body, foundation::JsonLayout::pretty);
+std::string serialized(const Dictionary& body) {
+  auto text = writeJson(body, JsonLayout::pretty);
   if (!text) {
     printLine(text.error().localizedDescription);
     return {};
@@ -35,14 +35,14 @@ std::string serialized(const foundation::Dictionary& body) {
 }  // namespace
 
 std::optional<std::string> checkedBusinessId() {
-  std::string businessId = foundation::forced(
-      readSharedString(businessIdKey), "the text \"businessId\" in the shared settings");
+  std::string businessId =
+      forced(readSharedString(businessIdKey), "the text \"businessId\" in the shared settings");
   if (businessId.empty()) {
     printLine("没有获取到businessID");
     return std::nullopt;
   }
   const std::string token =
-      foundation::forced(readSharedString(tokenKey), "the text \"token\" in the shared settings");
+      forced(readSharedString(tokenKey), "the text \"token\" in the shared settings");
   if (token.empty()) {
     printLine("没有token");
     return std::nullopt;
@@ -51,27 +51,24 @@ std::optional<std::string> checkedBusinessId() {
 }
 
 std::string currentTimeString() {
-  foundation::DateFormatter formatter;
+  DateFormatter formatter;
   formatter.setDateFormat("yyyy-MM-dd HH:mm:ss");
-  return formatter.string(foundation::currentDate());
+  return formatter.string(currentDate());
 }
 
-foundation::Dictionary dictionaryFromJSONString(std::string_view text, std::source_location where) {
-  const auto document = foundation::readJson(text, foundation::JsonFragments::allowed);
+Dictionary dictionaryFromJSONString(std::string_view text, std::source_location where) {
+  const auto document = readJson(text, JsonFragments::allowed);
   if (!document) {
     return {};
   }
-  return foundation::forcedAs<foundation::Dictionary>(
-      *document, "the document inside the answer's \"data\"", where);
+  return forcedAs<Dictionary>(*document, "the document inside the answer's \"data\"", where);
 }
 
 void postToGateway(
-    std::string_view path,
-    const foundation::Dictionary& body,
-    FetchCallback<std::string> callback) {
+    std::string_view path, const Dictionary& body, FetchCallback<std::string> callback) {
   std::string bodyText = serialized(body);
-  const auto url = foundation::URL::parse(std::string(gatewayOrigin()).append(path));
-  foundation::URLRequest request(foundation::forced(url, "the URL of the gateway's operation"));
+  const auto url = URL::parse(std::string(gatewayOrigin()).append(path));
+  URLRequest request(forced(url, "the URL of the gateway's operation"));
   request.setValue(std::to_string(bodyText.size()), "content-length");
   request.setValue("application/json", "Content-type");
   // Read again, not kept from the check: the host application may have renewed it.
@@ -79,18 +76,18 @@ void postToGateway(
   request.httpMethod = "POST";
   request.httpBody = std::move(bodyText);
 
-  foundation::URLSession::shared()
+  URLSession::shared()
       .dataTask(
           std::move(request),
           [callback = std::move(callback)](
               std::optional<std::string> data,
-              const std::optional<foundation::URLResponse>&,
-              std::optional<foundation::TransportError> error) mutable {
+              const std::optional<URLResponse>&,
+              std::optional<TransportError> error) mutable {
             if (error) {
               callback(std::unexpected(*std::move(error)));
               return;
             }
-            callback(foundation::forced(std::move(data), "the answer's data"));
+            callback(forced(std::move(data), "the answer's data"));
           })
       .resume();
 }

@@ -15,13 +15,13 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/foundation/URLSession.h"
 #include "platform/foundation/Value.h"
+#include "platform/net/URLSession.h"
 
 namespace quillpad {
 
 template <class T>
-using FetchResult = std::expected<T, foundation::TransportError>;
+using FetchResult = std::expected<T, TransportError>;
 
 // Called at most once; destroyed uncalled where a request is refused.
 template <class T>
@@ -36,21 +36,18 @@ std::string currentTimeString();
 
 // The object that the text describes as JSON, empty where the text is not JSON. JSON of any other
 // kind ends the process at the caller's line.
-foundation::Dictionary dictionaryFromJSONString(
+Dictionary dictionaryFromJSONString(
     std::string_view text, std::source_location where = std::source_location::current());
 
 // Posts the body, all of whose values are texts, to the path on the gateway. The callback gets the
 // bytes of the answer, whatever its status, or the transport's error.
 void postToGateway(
-    std::string_view path, const foundation::Dictionary& body, FetchCallback<std::string> callback);
+    std::string_view path, const Dictionary& body, FetchCallback<std::string> callback);
 
 // The same, with the answer's bytes turned into the fetch's value by parse(std::string_view).
 template <class T, class Parse>
 void postToGateway(
-    std::string_view path,
-    const foundation::Dictionary& body,
-    Parse parse,
-    FetchCallback<T> callback) {
+    std::string_view path, const Dictionary& body, Parse parse, FetchCallback<T> callback) {
   postToGateway(
       path, body, [parse, callback = std::move(callback)](FetchResult<std::string> answer) mutable {
         callback(

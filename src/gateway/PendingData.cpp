@@ -4,7 +4,7 @@
 
 namespace quillpad {
 
-void getPendingData(FetchCallback<foundation::Array> callback) {
+void getPendingData(FetchCallback<Array> callback) {
   const ListSource source{"PendingData line 83", std::source_location::current()};
   getRecords({"estimateStatus", "0", "2"}, source, std::move(callback));
 }

@@ -7,6 +7,6 @@
 namespace quillpad {
 
 // Asks the gateway for the rows of this year's pending estimates and returns at once.
-void getPendingData(FetchCallback<foundation::Array> callback);
+void getPendingData(FetchCallback<Array> callback);
 
 }  // namespace quillpad

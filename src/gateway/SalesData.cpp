@@ -5,10 +5,6 @@
 
 namespace quillpad {
 
-using foundation::Dictionary;
-using foundation::forcedAs;
-using foundation::forcedMember;
-
 void getSalesData(FetchCallback<Sales> callback) {
   const std::optional<std::string> businessId = checkedBusinessId();
   if (!businessId) {
@@ -19,16 +15,16 @@ void getSalesData(FetchCallback<Sales> callback) {
 }
 
 Sales parseSales(std::string_view answer) {
-  const auto document = foundation::readJson(answer, foundation::JsonFragments::allowed);
+  const auto document = readJson(answer, JsonFragments::allowed);
   if (!document) {
-    foundation::fatal("SalesData line 58: the gateway's answer is not JSON");
+    fatal("SalesData line 58: the gateway's answer is not JSON");
   }
   const auto& members = forcedAs<Dictionary>(*document, "the gateway's answer");
   const auto& data = forcedMember<std::string>(members, "data");
   const Dictionary figures = dictionaryFromJSONString(data);
-  const auto& salesMonth = forcedMember<foundation::Number>(figures, "salesMonth");
-  const auto& unpaidInvoices = forcedMember<foundation::Number>(figures, "unpaidInvoices");
-  const auto& pendingEstimates = forcedMember<foundation::Number>(figures, "pendingEstimates");
+  const auto& salesMonth = forcedMember<Number>(figures, "salesMonth");
+  const auto& unpaidInvoices = forcedMember<Number>(figures, "unpaidInvoices");
+  const auto& pendingEstimates = forcedMember<Number>(figures, "pendingEstimates");
   return {
       .salesMonth = salesMonth.stringValue(),
       .unpaidInvoices = unpaidInvoices.stringValue(),

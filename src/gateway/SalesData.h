@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "gateway/GatewayRequest.h"
-#include "gateway/Sales.h"
+#include "host/entries/Sales.h"
 
 namespace quillpad {
 

@@ -4,7 +4,7 @@
 
 namespace quillpad {
 
-void getUnpaidData(FetchCallback<foundation::Array> callback) {
+void getUnpaidData(FetchCallback<Array> callback) {
   const ListSource source{"UnpaidData line 82", std::source_location::current()};
   getRecords({"isFullPaid", "Unpaid", "1"}, source, std::move(callback));
 }

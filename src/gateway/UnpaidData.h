@@ -7,6 +7,6 @@
 namespace quillpad {
 
 // Asks the gateway for the rows of this year's unpaid invoices and returns at once.
-void getUnpaidData(FetchCallback<foundation::Array> callback);
+void getUnpaidData(FetchCallback<Array> callback);
 
 }  // namespace quillpad

@@ -4,10 +4,12 @@
 #include <unistd.h>
 #include <variant>
 
-#include "home/CommandLine.h"
-#include "home/SettingsCommands.h"
-#include "home/TextTable.h"
-#include "home/live/Serve.h"
+#include "application/SettingsCommands.h"
+#include "home/commands/CommandLine.h"
+#include "home/commands/Serve.h"
+#include "home/commands/TextTable.h"
+
+using namespace quillpad;
 
 namespace {
 
@@ -15,7 +17,9 @@ using namespace home;
 
 Done withExtension(const CommandLine& line, auto command) {
   auto extension = ExtensionClient::start(line.extension);
-  if (!extension) return std::unexpected(extension.error());
+  if (!extension) {
+    return std::unexpected(extension.error());
+  }
   return command(*extension);
 }
 
@@ -77,7 +81,9 @@ void openStandardDescriptors() {
 
 Done run(int argc, const char* const* argv) {
   const auto line = parseCommandLine(argc, argv);
-  if (!line) return std::unexpected(line.error());
+  if (!line) {
+    return std::unexpected(line.error());
+  }
   return std::visit(Run{*line}, line->command);
 }
 

@@ -6,9 +6,9 @@
 #include <optional>
 #include <utility>
 
-#include "platform/foundation/Calendar.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Fatal.h"
+#include "platform/locale/Calendar.h"
 #include "platform/widgets/TimelineProvider.h"
 
 namespace quillpad {
@@ -20,20 +20,20 @@ struct FetchingProvider {
   using Entry = EntryType;
   using Context = widgets::TimelineProviderContext;
 
-  Entry placeholder(const Context&) const { return entry(foundation::currentDate(), fallback()); }
+  Entry placeholder(const Context&) const { return entry(currentDate(), fallback()); }
 
   void getSnapshot(const Context& context, widgets::Completion<Entry> completion) const {
     completion(placeholder(context));
   }
 
   void getTimeline(const Context&, widgets::Completion<widgets::Timeline<Entry>> completion) const {
-    const foundation::Date now = foundation::currentDate();
-    const auto nextUpdate = foundation::Calendar::current().dateByAdding(
-        foundation::CalendarComponent::minute, minutesToNextUpdate, now);
+    const Date now = currentDate();
+    const auto nextUpdate =
+        Calendar::current().dateByAdding(CalendarComponent::minute, minutesToNextUpdate, now);
     fetch([now, nextUpdate, completion = std::move(completion)](auto result) mutable {
       const Entry fetched = entry(now, result ? *std::move(result) : fallback());
-      const auto policy = widgets::TimelineReloadPolicy::after(
-          foundation::forced(nextUpdate, "the time of the next update"));
+      const auto policy =
+          widgets::TimelineReloadPolicy::after(forced(nextUpdate, "the time of the next update"));
       completion({.entries = {fetched}, .policy = policy});
     });
   }
@@ -42,7 +42,7 @@ struct FetchingProvider {
   static constexpr int minutesToNextUpdate = 5;
 
   template <class Fetched>
-  static Entry entry(foundation::Date date, Fetched fetched) {
+  static Entry entry(Date date, Fetched fetched) {
     return {date, {std::move(fetched)}};
   }
 };

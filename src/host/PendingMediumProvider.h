@@ -3,8 +3,8 @@
 
 #include "gateway/PendingData.h"
 #include "host/FetchingProvider.h"
-#include "host/PendingMediumEntry.h"
 #include "host/SampleRows.h"
+#include "host/entries/PendingMediumEntry.h"
 
 namespace quillpad {
 

@@ -1,7 +1,7 @@
 #include "host/PendingMediumWidget.h"
 
-#include "host/PendingMediumEntryView.h"
 #include "host/PendingMediumProvider.h"
+#include "views/PendingMediumEntryView.h"
 
 namespace quillpad {
 

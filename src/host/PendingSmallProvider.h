@@ -3,8 +3,8 @@
 
 #include "gateway/SalesData.h"
 #include "host/FetchingProvider.h"
-#include "host/PendingSmallEntry.h"
 #include "host/ZeroSummary.h"
+#include "host/entries/PendingSmallEntry.h"
 
 namespace quillpad {
 

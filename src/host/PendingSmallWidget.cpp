@@ -1,7 +1,7 @@
 #include "host/PendingSmallWidget.h"
 
-#include "host/PendingSmallEntryView.h"
 #include "host/PendingSmallProvider.h"
+#include "views/PendingSmallEntryView.h"
 
 namespace quillpad {
 

@@ -3,8 +3,8 @@
 
 #include "gateway/SalesData.h"
 #include "host/FetchingProvider.h"
-#include "host/SalesSmallEntry.h"
 #include "host/ZeroSummary.h"
+#include "host/entries/SalesSmallEntry.h"
 
 namespace quillpad {
 

@@ -1,7 +1,7 @@
 #include "host/SalesSmallWidget.h"
 
-#include "host/SalesSmallEntryView.h"
 #include "host/SalesSmallProvider.h"
+#include "views/SalesSmallEntryView.h"
 
 namespace quillpad {
 

@@ -6,8 +6,7 @@
 namespace quillpad {
 
 // Three rows, the same for invoices and estimates. The blank behind the last name is the product's.
-inline foundation::Array sampleRows() {
-  using foundation::Dictionary;
+inline Array sampleRows() {
   return {
       Dictionary{{"no", "32"}, {"clientName", "Preivon"}, {"total", 23.89}},
       Dictionary{{"no", "28"}, {"clientName", "Dreifles"}, {"total", 132.23}},

@@ -4,7 +4,7 @@
 #include "gateway/UnpaidData.h"
 #include "host/FetchingProvider.h"
 #include "host/SampleRows.h"
-#include "host/UnpaidMediumEntry.h"
+#include "host/entries/UnpaidMediumEntry.h"
 
 namespace quillpad {
 

@@ -1,7 +1,7 @@
 #include "host/UnpaidMediumWidget.h"
 
-#include "host/UnpaidMediumEntryView.h"
 #include "host/UnpaidMediumProvider.h"
+#include "views/UnpaidMediumEntryView.h"
 
 namespace quillpad {
 

@@ -3,8 +3,8 @@
 
 #include "gateway/SalesData.h"
 #include "host/FetchingProvider.h"
-#include "host/UnpaidSmallEntry.h"
 #include "host/ZeroSummary.h"
+#include "host/entries/UnpaidSmallEntry.h"
 
 namespace quillpad {
 

@@ -1,7 +1,7 @@
 #include "host/UnpaidSmallWidget.h"
 
-#include "host/UnpaidSmallEntryView.h"
 #include "host/UnpaidSmallProvider.h"
+#include "views/UnpaidSmallEntryView.h"
 
 namespace quillpad {
 

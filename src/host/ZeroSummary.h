@@ -1,7 +1,7 @@
 // The sales summary before any was fetched.
 #pragma once
 
-#include "gateway/Sales.h"
+#include "host/entries/Sales.h"
 
 namespace quillpad {
 

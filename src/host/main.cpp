@@ -1,4 +1,6 @@
 #include "host/Widgets.h"
 #include "platform/widgets/WidgetBundle.h"
 
+using namespace quillpad;
+
 int main() { return widgets::main(quillpad::Widgets()); }

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "platform/foundation/Fatal.h"
-#include "platform/foundation/UserDefaults.h"
+#include "platform/settings/UserDefaults.h"
 #include "support/AppGroup.h"
 
 namespace quillpad {
@@ -14,18 +14,17 @@ constexpr const char* defaultSymbol = "$";
 }  // namespace
 
 std::string currencySymbol() {
-  const auto settings = foundation::UserDefaults::open(appGroup());
+  const auto settings = UserDefaults::open(appGroup());
   if (!settings) {
     return defaultSymbol;
   }
   const auto business = settings->object("currentBusiness");
-  const auto* members = business ? business->as<foundation::Dictionary>() : nullptr;
+  const auto* members = business ? business->as<Dictionary>() : nullptr;
   const auto* currency = members != nullptr ? members->find("currency") : nullptr;
   if (currency == nullptr) {
     return defaultSymbol;
   }
-  const auto& text =
-      foundation::forcedAs<std::string>(*currency, "the current business's \"currency\"");
+  const auto& text = forcedAs<std::string>(*currency, "the current business's \"currency\"");
   std::string symbol = text.substr(0, text.find('-'));
   std::erase(symbol, ' ');
   return symbol;

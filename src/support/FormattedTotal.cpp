@@ -1,21 +1,21 @@
 #include "support/FormattedTotal.h"
 
 #include "platform/foundation/Fatal.h"
-#include "platform/foundation/NumberFormatter.h"
+#include "platform/locale/NumberFormatter.h"
 #include "support/CurrencySymbol.h"
 
 namespace quillpad {
 
 std::string formattedAmount(double amount) {
-  foundation::NumberFormatter formatter;
+  NumberFormatter formatter;
   formatter.setPositiveFormat("#,###.##;");
-  return foundation::forced(formatter.string(amount), "the text of an amount");
+  return forced(formatter.string(amount), "the text of an amount");
 }
 
-std::string formattedTotal(const foundation::Dictionary& row) {
+std::string formattedTotal(const Dictionary& row) {
   const std::string symbol = currencySymbol();
-  const foundation::Value* total = row.find("total");
-  const auto* amount = total != nullptr ? total->as<foundation::Number>() : nullptr;
+  const Value* total = row.find("total");
+  const auto* amount = total != nullptr ? total->as<Number>() : nullptr;
   return symbol + formattedAmount(amount != nullptr ? amount->doubleValue() : 0);
 }
 

@@ -13,6 +13,6 @@ std::string formattedAmount(double amount);
 
 // The row's "total" behind the currency symbol: "$1,234.5". A total that is missing or not a number
 // counts as 0. Callable from any thread.
-std::string formattedTotal(const foundation::Dictionary& row);
+std::string formattedTotal(const Dictionary& row);
 
 }  // namespace quillpad

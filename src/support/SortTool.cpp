@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/foundation/Calendar.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/NumberText.h"
+#include "platform/locale/Calendar.h"
 
 namespace quillpad {
 namespace {
@@ -15,11 +15,7 @@ constexpr std::string_view allTaxYear = "All Tax Year";
 constexpr int firstTaxYear = 2020;
 constexpr std::string_view startOfYear = "-01-01 00:00:00";
 
-int currentYear() {
-  using foundation::Calendar;
-  return Calendar::current().component(
-      foundation::CalendarComponent::year, foundation::currentDate());
-}
+int currentYear() { return Calendar::current().component(CalendarComponent::year, currentDate()); }
 
 std::string startOf(std::string_view year) { return std::string(year).append(startOfYear); }
 
@@ -139,7 +135,7 @@ std::string SortTool::startTimeWithYear(std::optional<std::string_view> year) {
 std::string SortTool::endTImeWithYear(std::optional<std::string_view> year) {
   std::int64_t baseYear = currentYear();
   if (year && !year->empty() && *year != allTaxYear) {
-    baseYear = foundation::integerValue(*year);
+    baseYear = integerValue(*year);
   }
   // Unsigned, so that the year after the largest number wraps around instead of being undefined.
   const auto nextYear = static_cast<std::int64_t>(static_cast<std::uint64_t>(baseYear) + 1);

@@ -11,13 +11,13 @@ namespace {
 
 constexpr std::size_t mostRows = 3;
 
-WidgetRowView row(const foundation::Value& record) {
-  return {foundation::forcedAs<foundation::Dictionary>(record, "a record of the list")};
+WidgetRowView row(const Value& record) {
+  return {forcedAs<Dictionary>(record, "a record of the list")};
 }
 
 // Three rows are taller than the card and overflow it evenly: the inset keeps the header in sight.
 // It is for exactly three records, although three rows are shown of more, too.
-double headerInset(const foundation::Array& records) { return records.size() == 3 ? 20 : 0; }
+double headerInset(const Array& records) { return records.size() == 3 ? 20 : 0; }
 
 }  // namespace
 
@@ -32,7 +32,7 @@ ui::View DocumentListView::body() const {
              Spacer(),
              Spacer())
       .padding(16)
-      .widgetURL(foundation::URL::parse(linkUrl));
+      .widgetURL(URL::parse(linkUrl));
 }
 
 }  // namespace quillpad

@@ -17,7 +17,7 @@ struct DocumentListView {
   std::string title;  // looked up
   ui::Color accent;
   std::string linkUrl;
-  foundation::Array records;
+  Array records;
 };
 
 }  // namespace quillpad

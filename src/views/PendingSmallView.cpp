@@ -21,7 +21,7 @@ ui::View PendingSmallView::body() const {
              Spacer(),
              HStack(Spacer(), PendingImageView()))
       .padding(16)
-      .widgetURL(foundation::URL::parse("quillpad://EstimatesPendingList"));
+      .widgetURL(URL::parse("quillpad://EstimatesPendingList"));
 }
 
 }  // namespace quillpad

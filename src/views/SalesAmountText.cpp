@@ -10,10 +10,10 @@
 namespace quillpad {
 
 std::string salesAmountText(const std::string& salesMonth) {
-  const std::optional<double> number = foundation::doubleFromText(salesMonth);
+  const std::optional<double> number = doubleFromText(salesMonth);
   // Before the amount is forced: a broken currency is reported first.
   const std::string symbol = currencySymbol();
-  const double amount = foundation::forced(number, R"(a number in "salesMonth")");
+  const double amount = forced(number, R"(a number in "salesMonth")");
   std::string text = symbol + formattedAmount(amount);
   // Not "at least 9999.99": a not-a-number is capped, too.
   if (!(amount < 9999.99)) {

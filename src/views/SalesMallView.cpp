@@ -23,7 +23,7 @@ ui::View SalesMallView::body() const {
              Spacer(),
              HStack(Spacer(), SalesImageView()))
       .padding(16)
-      .widgetURL(foundation::URL::parse(linkUrl));
+      .widgetURL(URL::parse(linkUrl));
 }
 
 }  // namespace quillpad

@@ -9,7 +9,7 @@ namespace quillpad {
 struct UnpaidMediumView {
   ui::View body() const;
 
-  foundation::Array records;
+  Array records;
 };
 
 }  // namespace quillpad

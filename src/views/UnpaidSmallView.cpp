@@ -21,7 +21,7 @@ ui::View UnpaidSmallView::body() const {
              Spacer(),
              HStack(Spacer(), UnpaidImageView()))
       .padding(16)
-      .widgetURL(foundation::URL::parse("quillpad://invoiceUnpaidList"));
+      .widgetURL(URL::parse("quillpad://invoiceUnpaidList"));
 }
 
 }  // namespace quillpad

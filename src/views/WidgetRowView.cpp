@@ -7,8 +7,8 @@ namespace quillpad {
 namespace {
 
 // Empty where the row has no name, or one that is not a text.
-std::string clientName(const foundation::Dictionary& item) {
-  const foundation::Value* name = item.find("clientName");
+std::string clientName(const Dictionary& item) {
+  const Value* name = item.find("clientName");
   const auto* text = name != nullptr ? name->as<std::string>() : nullptr;
   return text != nullptr ? *text : std::string();
 }

@@ -10,7 +10,7 @@ struct WidgetRowView {
   ui::View body() const;
 
   // A row as the gateway sent it; "clientName" and "total" are shown.
-  foundation::Dictionary item;
+  Dictionary item;
 };
 
 }  // namespace quillpad

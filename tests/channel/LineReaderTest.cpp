@@ -6,6 +6,8 @@
 
 #include "platform/channel/LineReader.h"
 
+namespace quillpad {
+
 namespace {
 
 constexpr std::string_view tooLong = "(too long)";
@@ -45,3 +47,5 @@ TEST(LineReaderTest, CutsTheStreamWhereverItsPiecesEnd) {
 }
 
 }  // namespace
+
+}  // namespace quillpad

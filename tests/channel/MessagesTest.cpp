@@ -8,12 +8,11 @@
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"
 
+namespace quillpad {
+
 namespace {
 
 using namespace channel;
-using foundation::Array;
-using foundation::Dictionary;
-using foundation::Value;
 using testing::HasSubstr;
 
 const Value entry = Dictionary{
@@ -46,7 +45,7 @@ TEST(MessagesTest, AReplyTellsItsKindByItsResult) {
       Catalogue{},
       Catalogue{{{"A", "Name", "What it is", {ui::WidgetFamily::systemSmall}}}},
       Entry{entry},
-      Timeline{{entry, entry}, *foundation::dateFromIso8601("2026-03-07T09:10:03.250Z")},
+      Timeline{{entry, entry}, *dateFromIso8601("2026-03-07T09:10:03.250Z")},
       Timeline{},
       Rendering{ui::VStack(ui::Text::verbatim("x"), ui::Spacer()).padding(4)},
       Dropped{},
@@ -64,7 +63,7 @@ TEST(MessagesTest, AReplyTellsItsKindByItsResult) {
 }
 
 TEST(MessagesTest, ATransferIsToldWithItsOutcome) {
-  foundation::TransferReport report;
+  TransferReport report;
   report.activity = 3;
   report.path = "/invoice/invoice/listFast";
   report.statusCode = 500;
@@ -73,7 +72,7 @@ TEST(MessagesTest, ATransferIsToldWithItsOutcome) {
   report.receivedBytes = 50'000'000'000;
   const auto plain = decodeFromExtension(encode(TransferNotice{report}));
   ASSERT_TRUE(plain);
-  const foundation::TransferReport& read = std::get<TransferNotice>(*plain).report;
+  const TransferReport& read = std::get<TransferNotice>(*plain).report;
   EXPECT_EQ(read.activity, 3U);
   EXPECT_EQ(read.path, report.path);
   EXPECT_EQ(read.statusCode, 500);
@@ -82,7 +81,7 @@ TEST(MessagesTest, ATransferIsToldWithItsOutcome) {
   EXPECT_EQ(read.receivedBytes, 50'000'000'000U);
   EXPECT_FALSE(read.error);
 
-  report.error = foundation::TransportError{-1001, "The request timed out."};
+  report.error = TransportError{-1001, "The request timed out."};
   const auto failed = decodeFromExtension(encode(TransferNotice{report}));
   ASSERT_TRUE(failed);
   EXPECT_EQ(std::get<TransferNotice>(*failed).report.error->code, -1001);
@@ -154,7 +153,7 @@ TEST(MessagesTest, WhatIsNoMessageOfTheExtensionIsToldInWords) {
 
 TEST(MessagesTest, AnAnswerThatNoFrameHoldsBecomesARefusal) {
   const std::string text(longestFrame, 'x');
-  for (const Value& data : {Value(text), Value("\xFF"), Value(foundation::Data{"bytes"})}) {
+  for (const Value& data : {Value(text), Value("\xFF"), Value(Data{"bytes"})}) {
     const auto reply = decodeFromExtension(
         encode(NumberedReply{5, Entry{Dictionary{{"date", ""}, {"data", data}}}}));
     ASSERT_TRUE(reply);
@@ -166,3 +165,5 @@ TEST(MessagesTest, AnAnswerThatNoFrameHoldsBecomesARefusal) {
 }
 
 }  // namespace
+
+}  // namespace quillpad

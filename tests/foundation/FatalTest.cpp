@@ -3,7 +3,7 @@
 
 #include "platform/foundation/Fatal.h"
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 TEST(FatalDeathTest, PrintsOneLineAndAborts) {
@@ -39,4 +39,4 @@ TEST(FatalDeathTest, AProcessThatForbidsCoreFilesDoesNotDump) {
 }
 
 }  // namespace
-}  // namespace foundation
+}  // namespace quillpad

@@ -5,7 +5,7 @@
 
 #include "platform/foundation/Json.h"
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 std::expected<Value, JsonError> read(std::string_view text) {
@@ -214,4 +214,4 @@ TEST(JsonWriting, RefusesWhatJsonCannotHold) {
 }
 
 }  // namespace
-}  // namespace foundation
+}  // namespace quillpad

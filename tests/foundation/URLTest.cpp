@@ -2,7 +2,7 @@
 
 #include "platform/foundation/URL.h"
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 TEST(URL, ParsesAndEncodesAsThePhoneDoes) {
@@ -68,4 +68,4 @@ TEST(URL, IsNothingWhereSchemeHostOrPortIsBad) {
 }
 
 }  // namespace
-}  // namespace foundation
+}  // namespace quillpad

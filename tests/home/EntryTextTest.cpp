@@ -1,34 +1,33 @@
 #include <ctime>
 #include <gtest/gtest.h>
 
-#include "home/EntryText.h"
-#include "home/TextTable.h"
+#include "fixtures/ScopedVariable.h"
+#include "home/commands/EntryText.h"
+#include "home/commands/TextTable.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"
-#include "support/ScopedVariable.h"
+
+namespace quillpad {
 
 namespace {
 
 using home::describe;
 using home::TextTable;
 
-foundation::Value json(std::string_view text) {
-  return foundation::readJson(text, foundation::JsonFragments::refused).value();
-}
+Value json(std::string_view text) { return readJson(text, JsonFragments::refused).value(); }
 
 class EntryTextTest : public testing::Test {
  protected:
   EntryTextTest() { ::tzset(); }
   ~EntryTextTest() override { ::tzset(); }
-  support::ScopedVariable zone_{"TZ", "Asia/Kolkata"};
+  fixtures::ScopedVariable zone_{"TZ", "Asia/Kolkata"};
 };
 
 TEST_F(EntryTextTest, ShowsFiguresAndTheReloadTimeInLocalTime) {
   const auto entry = json(
       R"({"date":"2026-03-07T20:05:03.250Z","data":{"salesMonth":"1234.5","unpaidInvoices":"7"}})");
   EXPECT_EQ(
-      describe(
-          channel::Timeline{{entry}, *foundation::dateFromIso8601("2026-03-07T20:10:03.250Z")}),
+      describe(channel::Timeline{{entry}, *dateFromIso8601("2026-03-07T20:10:03.250Z")}),
       "2026-03-08 01:35:03\n"
       "  salesMonth      1234.5\n"
       "  unpaidInvoices  7\n"
@@ -71,3 +70,5 @@ TEST(TextTableTest, AlignsByTheWidthOnTheTerminal) {
 }
 
 }  // namespace
+
+}  // namespace quillpad

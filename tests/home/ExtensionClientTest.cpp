@@ -10,8 +10,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "home/ExtensionClient.h"
-#include "support/TemporaryHome.h"
+#include "fixtures/TemporaryHome.h"
+#include "home/extension/ExtensionClient.h"
+
+namespace quillpad {
 
 namespace {
 
@@ -35,11 +37,13 @@ class ExtensionClientTest : public testing::Test {
   std::expected<channel::Entry, home::Failure> askSnapshot(
       const std::string& commands, std::chrono::milliseconds allowed = 20s) {
     auto extension = ExtensionClient::start(script(commands));
-    if (!extension) return std::unexpected(extension.error());
+    if (!extension) {
+      return std::unexpected(extension.error());
+    }
     return extension->ask<channel::Entry>(channel::SnapshotRequest{"A"}, allowed);
   }
 
-  support::TemporaryFolder folder_;
+  fixtures::TemporaryFolder folder_;
 };
 
 constexpr const char* goodAnswer =
@@ -161,3 +165,5 @@ TEST_F(ExtensionClientTest, TheExtensionInheritsNothingButItsOwnDescriptors) {
 }
 
 }  // namespace
+
+}  // namespace quillpad

@@ -8,9 +8,6 @@
 namespace quillpad {
 namespace {
 
-using foundation::Dictionary;
-using foundation::Value;
-
 class AmountsTest : public ::testing::Test {
  protected:
   ProductSettings settings;
@@ -70,7 +67,7 @@ TEST_F(AmountsTest, WritesTotalsBehindTheSymbol) {
 }
 
 TEST_F(AmountsTest, FollowsTheLocaleButForTheSymbolsPlaceAndTheCap) {
-  const support::ScopedVariable german("LC_ALL", "de_DE.UTF-8");
+  const fixtures::ScopedVariable german("LC_ALL", "de_DE.UTF-8");
   settings.setCurrency("€ - EUR");
   EXPECT_EQ(formattedTotal({{"total", 1234567.5}}), "€1.234.567,5");
   EXPECT_EQ(salesAmountText("1234.5"), "€1.234,5");

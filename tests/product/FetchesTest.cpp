@@ -14,9 +14,6 @@
 
 namespace quillpad {
 namespace {
-
-using foundation::Array;
-using foundation::Dictionary;
 using ::testing::HasSubstr;
 using ::testing::internal::CaptureStdout;
 using ::testing::internal::GetCapturedStdout;
@@ -36,7 +33,9 @@ class WatchedCallback {
       : watch_(std::exchange(other.watch_, nullptr)) {}
   WatchedCallback& operator=(WatchedCallback&&) = delete;
   ~WatchedCallback() {
-    if (watch_ != nullptr) watch_->end.set_value();
+    if (watch_ != nullptr) {
+      watch_->end.set_value();
+    }
   }
 
   void operator()(FetchResult<T> result) {
@@ -60,7 +59,7 @@ std::optional<FetchResult<T>> outcome(void (*fetch)(FetchCallback<T>)) {
 
 // The request as it came, without the fields that the transport adds by itself. The length is the
 // transport's, too: like the phone's it writes what it sends.
-std::string raw(const support::HttpsServer::Request& request) {
+std::string raw(const fixtures::HttpsServer::Request& request) {
   std::string text = request.method + " " + request.path + "\n";
   for (const auto& [name, value] : request.headers) {
     if (name != "Host" && name != "User-Agent" && name != "Accept" && name != "Accept-Encoding" &&
@@ -77,7 +76,7 @@ class FetchesTest : public ::testing::Test {
 
   ProductSettings settings;
   GatewayOfTest gateway;
-  foundation::HeldClock clock{foundation::dateFromIso8601("2025-03-07T09:05:03.000Z").value()};
+  HeldClock clock{dateFromIso8601("2025-03-07T09:05:03.000Z").value()};
 };
 
 TEST_F(FetchesTest, AsksForTheSummary) {
@@ -212,7 +211,7 @@ TEST_F(FetchesTest, ReadsOnlyTextsFromTheSharedSettings) {
   EXPECT_EQ(readSharedString("other"), std::nullopt);
   settings.set("token", true);
   EXPECT_EQ(readSharedString("token"), std::nullopt);
-  const support::TemporaryHome empty;
+  const fixtures::TemporaryHome empty;
   EXPECT_EQ(readSharedString("businessId"), std::nullopt);
 }
 

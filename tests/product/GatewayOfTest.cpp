@@ -20,7 +20,7 @@ std::string& originOfTest() {
 std::string_view gatewayOrigin() { return originOfTest(); }
 
 GatewayOfTest::GatewayOfTest()
-    : server_([this](const auto&, support::HttpsServer::Exchange& exchange) {
+    : server_([this](const auto&, fixtures::HttpsServer::Exchange& exchange) {
         const std::scoped_lock lock(mutex_);
         if (answer_.status == 0) {
           exchange.close();
@@ -28,7 +28,7 @@ GatewayOfTest::GatewayOfTest()
           exchange.respond(answer_.status, answer_.body);
         }
       }),
-      trust_("SSL_CERT_FILE", support::HttpsServer::authorityFile()) {
+      trust_("SSL_CERT_FILE", fixtures::HttpsServer::authorityFile()) {
   originOfTest() = server_.address("");
 }
 
@@ -40,8 +40,8 @@ void GatewayOfTest::answerWith(int status, std::string body) {
 }
 
 void GatewayOfTest::answerWithDocument(const std::string& document) {
-  const foundation::Dictionary answer{{"code", 200}, {"data", document}};
-  answerWith(200, foundation::writeJson(answer, foundation::JsonLayout::compact).value());
+  const Dictionary answer{{"code", 200}, {"data", document}};
+  answerWith(200, writeJson(answer, JsonLayout::compact).value());
 }
 
 void GatewayOfTest::fail() { answerWith(0, {}); }

@@ -5,8 +5,8 @@
 #include <mutex>
 #include <string>
 
-#include "support/HttpsServer.h"
-#include "support/ScopedVariable.h"
+#include "fixtures/HttpsServer.h"
+#include "fixtures/ScopedVariable.h"
 
 namespace quillpad {
 
@@ -24,7 +24,7 @@ class GatewayOfTest {
   // Ends every connection without an answer from now on.
   void fail();
 
-  support::HttpsServer& server() { return server_; }
+  fixtures::HttpsServer& server() { return server_; }
 
  private:
   struct Answer {
@@ -34,8 +34,8 @@ class GatewayOfTest {
 
   std::mutex mutex_;
   Answer answer_;
-  support::HttpsServer server_;
-  support::ScopedVariable trust_;
+  fixtures::HttpsServer server_;
+  fixtures::ScopedVariable trust_;
 };
 
 }  // namespace quillpad

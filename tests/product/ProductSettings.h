@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "platform/foundation/SettingsWriter.h"
+#include "fixtures/ScopedVariable.h"
+#include "fixtures/TemporaryHome.h"
 #include "platform/foundation/Value.h"
+#include "platform/settings/SettingsWriter.h"
 #include "support/AppGroup.h"
-#include "support/ScopedVariable.h"
-#include "support/TemporaryHome.h"
 
 namespace quillpad {
 
@@ -16,9 +16,9 @@ class ProductSettings {
  public:
   ProductSettings() { ::testing::FLAGS_gtest_death_test_style = "threadsafe"; }
 
-  void set(const std::string& key, const foundation::Value& value) {
-    const auto changed = foundation::changeSettings(
-        appGroup(), [&](foundation::Dictionary& objects) { objects.set(key, value); });
+  void set(const std::string& key, const Value& value) {
+    const auto changed =
+        changeSettings(appGroup(), [&](Dictionary& objects) { objects.set(key, value); });
     ASSERT_TRUE(changed) << changed.error();
   }
 
@@ -27,14 +27,14 @@ class ProductSettings {
     set("token", token);
   }
 
-  void setCurrency(const foundation::Value& currency) {
-    set("currentBusiness", foundation::Dictionary{{"currency", currency}});
+  void setCurrency(const Value& currency) {
+    set("currentBusiness", Dictionary{{"currency", currency}});
   }
 
  private:
-  support::TemporaryHome home_;
-  support::ScopedVariable locale_{"LC_ALL", "en_US.UTF-8"};
-  support::ScopedVariable zone_{"TZ", "UTC"};
+  fixtures::TemporaryHome home_;
+  fixtures::ScopedVariable locale_{"LC_ALL", "en_US.UTF-8"};
+  fixtures::ScopedVariable zone_{"TZ", "UTC"};
 };
 
 }  // namespace quillpad

@@ -12,8 +12,6 @@
 
 namespace quillpad {
 namespace {
-
-using foundation::Value;
 using ::testing::ElementsAre;
 using widgets::Completion;
 using widgets::EncodedTimeline;
@@ -36,9 +34,7 @@ std::string entryText(const std::string& date, const std::string& data) {
   return R"({"date":")" + date + R"(","data":)" + data + "}";
 }
 
-std::string json(const Value& value) {
-  return foundation::writeJson(value, foundation::JsonLayout::compact).value();
-}
+std::string json(const Value& value) { return writeJson(value, JsonLayout::compact).value(); }
 
 // The timeline of the widget, or nothing where the request was let go.
 std::optional<EncodedTimeline> timelineOf(const WidgetConfiguration& widget) {
@@ -57,7 +53,7 @@ class ProvidersTest : public ::testing::Test {
 
   ProductSettings settings;
   GatewayOfTest gateway;
-  foundation::HeldClock clock{foundation::dateFromIso8601("2026-03-07T09:05:03.250Z").value()};
+  HeldClock clock{dateFromIso8601("2026-03-07T09:05:03.250Z").value()};
   const std::string now = "2026-03-07T09:05:03.250Z";
   const std::string fiveMinutesLater = "2026-03-07T09:10:03.250Z";
   const std::vector<WidgetConfiguration> catalogue = Widgets().body();
@@ -116,7 +112,7 @@ TEST_F(ProvidersTest, MakeATimelineOfOneFetchedEntry) {
     ASSERT_TRUE(timeline) << widget.kind;
     ASSERT_EQ(timeline->entries.size(), 1U);
     EXPECT_EQ(json(timeline->entries[0]), entryText(now, isSmall(widget) ? sales : rows));
-    EXPECT_EQ(foundation::iso8601(timeline->reloadAfter), fiveMinutesLater);
+    EXPECT_EQ(iso8601(timeline->reloadAfter), fiveMinutesLater);
   }
   EXPECT_EQ(gateway.server().requests().size(), catalogue.size());
 }
@@ -128,7 +124,7 @@ TEST_F(ProvidersTest, MakeATimelineOfZerosOrTheSampleAfterATransportError) {
     ASSERT_TRUE(timeline) << widget.kind;
     ASSERT_EQ(timeline->entries.size(), 1U);
     EXPECT_EQ(json(timeline->entries[0]), entryText(now, expectedFallback(widget)));
-    EXPECT_EQ(foundation::iso8601(timeline->reloadAfter), fiveMinutesLater);
+    EXPECT_EQ(iso8601(timeline->reloadAfter), fiveMinutesLater);
   }
 }
 
@@ -163,7 +159,7 @@ TEST_F(ProvidersTest, RenderAnEntryThatComesBack) {
     EXPECT_FALSE(view.modifiers.empty()) << widget.kind;
     EXPECT_DEATH(widget.render({}, 7), "the entry is of another kind");
     EXPECT_DEATH(
-        widget.render({}, foundation::Dictionary{{"date", now}, {"data", 7}}),
+        widget.render({}, Dictionary{{"date", now}, {"data", 7}}),
         "(Sales|Unpaid|Pending) line [0-9]+: the record is of another kind");
   }
 }

@@ -6,24 +6,18 @@
 
 #include "gateway/DocumentList.h"
 #include "gateway/GatewayRequest.h"
-#include "gateway/Pending.h"
 #include "gateway/SalesData.h"
-#include "gateway/Unpaid.h"
+#include "host/entries/Pending.h"
+#include "host/entries/Unpaid.h"
 #include "platform/foundation/Json.h"
 #include "product/ProductSettings.h"
 
 namespace quillpad {
 namespace {
 
-using foundation::Array;
-using foundation::Dictionary;
-using foundation::Value;
-
 // The gateway packs the document into a text.
 std::string answer(const std::string& document) {
-  return foundation::writeJson(
-             Dictionary{{"code", 200}, {"data", document}}, foundation::JsonLayout::compact)
-      .value();
+  return writeJson(Dictionary{{"code", 200}, {"data", document}}, JsonLayout::compact).value();
 }
 
 class ResponsesTest : public ::testing::Test {

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "fixtures/ScopedVariable.h"
 #include "platform/foundation/Clock.h"
-#include "support/ScopedVariable.h"
 #include "support/SortTool.h"
 
 namespace quillpad {
@@ -13,11 +13,11 @@ using ::testing::ElementsAre;
 
 class SortToolTest : public ::testing::Test {
  protected:
-  static foundation::HeldClock clockAt(const char* moment) {
-    return foundation::HeldClock(foundation::dateFromIso8601(moment).value());
+  static HeldClock clockAt(const char* moment) {
+    return HeldClock(dateFromIso8601(moment).value());
   }
 
-  support::ScopedVariable zone{"TZ", "UTC"};
+  fixtures::ScopedVariable zone{"TZ", "UTC"};
 };
 
 TEST_F(SortToolTest, OffersAllYearsFrom2020ToTheCurrentOne) {
@@ -62,7 +62,7 @@ TEST_F(SortToolTest, BoundsAYearAsTextBelowAndAsNumberAbove) {
 }
 
 TEST_F(SortToolTest, TakesTheYearOfLocalTime) {
-  const support::ScopedVariable tokyo("TZ", "Asia/Tokyo");
+  const fixtures::ScopedVariable tokyo("TZ", "Asia/Tokyo");
   const auto clock = clockAt("2025-12-31T15:00:00.000Z");
   EXPECT_EQ(SortTool::endTImeWithYear(std::nullopt), "2027-01-01 00:00:00");
 }

@@ -7,13 +7,7 @@
 namespace quillpad {
 namespace {
 
-using foundation::Array;
-using foundation::Dictionary;
-using foundation::Value;
-
-std::string text(const Value* value) {
-  return foundation::writeJson(*value, foundation::JsonLayout::compact).value();
-}
+std::string text(const Value* value) { return writeJson(*value, JsonLayout::compact).value(); }
 
 std::string color(const Value& value) {
   const auto& members = *value.as<Dictionary>();
@@ -33,8 +27,12 @@ std::string lengths(const Value& value) {
 
 std::string modifier(const Value& value) {
   const auto& [name, argument] = *value.as<Dictionary>()->begin();
-  if (name == "background") return name + " " + color(argument);
-  if (const auto* address = argument.as<std::string>()) return name + " " + *address;
+  if (name == "background") {
+    return name + " " + color(argument);
+  }
+  if (const auto* address = argument.as<std::string>()) {
+    return name + " " + *address;
+  }
   return name + lengths(argument);
 }
 
@@ -43,20 +41,30 @@ void append(std::string& result, const Value& view, int depth) {
   const std::string indent(static_cast<std::size_t>(depth) * 2, ' ');
   result += indent + *members.find("type")->as<std::string>();
   for (const char* key : {"name", "text"}) {
-    if (const Value* value = members.find(key)) result += " " + text(value);
+    if (const Value* value = members.find(key)) {
+      result += " " + text(value);
+    }
   }
-  if (members.find("localized") != nullptr) result += " localized";
+  if (members.find("localized") != nullptr) {
+    result += " localized";
+  }
   if (const Value* font = members.find("font")) {
     const auto& of = *font->as<Dictionary>();
     result += " " + text(of.find("size")) + " " + *of.find("weight")->as<std::string>();
   }
-  if (const Value* value = members.find("color")) result += " " + color(*value);
+  if (const Value* value = members.find("color")) {
+    result += " " + color(*value);
+  }
   if (const Value* modifiers = members.find("modifiers")) {
-    for (const Value& each : *modifiers->as<Array>()) result += " | " + modifier(each);
+    for (const Value& each : *modifiers->as<Array>()) {
+      result += " | " + modifier(each);
+    }
   }
   result += "\n";
   if (const Value* children = members.find("children")) {
-    for (const Value& child : *children->as<Array>()) append(result, child, depth + 1);
+    for (const Value& child : *children->as<Array>()) {
+      append(result, child, depth + 1);
+    }
   }
 }
 

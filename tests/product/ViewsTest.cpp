@@ -2,23 +2,19 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/PendingMediumEntryView.h"
-#include "host/PendingSmallEntryView.h"
-#include "host/SalesSmallEntryView.h"
-#include "host/UnpaidMediumEntryView.h"
-#include "host/UnpaidSmallEntryView.h"
 #include "product/ProductSettings.h"
 #include "product/ViewOutline.h"
 #include "views/InvoiceColors.h"
 #include "views/Palette.h"
+#include "views/PendingMediumEntryView.h"
+#include "views/PendingSmallEntryView.h"
+#include "views/SalesSmallEntryView.h"
+#include "views/UnpaidMediumEntryView.h"
+#include "views/UnpaidSmallEntryView.h"
 #include "views/WidgetRowView.h"
 
 namespace quillpad {
 namespace {
-
-using foundation::Array;
-using foundation::Dictionary;
-using foundation::Value;
 using ::testing::HasSubstr;
 using ::testing::Not;
 

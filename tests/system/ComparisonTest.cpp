@@ -3,6 +3,8 @@
 
 #include "system/HomeScreen.h"
 
+namespace quillpad {
+
 namespace {
 
 using testing::AllOf;
@@ -98,3 +100,5 @@ TEST_F(ComparisonTest, ARecordedGalleryThatIsMissingOrDamagedIsTold) {
 }
 
 }  // namespace
+
+}  // namespace quillpad

@@ -4,8 +4,10 @@
 #include <signal.h>
 #include <thread>
 
-#include "home/ExtensionProcess.h"
+#include "home/extension/ExtensionProcess.h"
 #include "system/HomeScreen.h"
+
+namespace quillpad {
 
 namespace {
 
@@ -46,21 +48,25 @@ class ExtensionTest : public HomeScreenTest {
   static bool gone(pid_t process) {
     for (int i = 0; i < 500; ++i) {
       // One that nobody has waited for yet has no command line.
-      if (contents("/proc/" + std::to_string(process) + "/cmdline").empty()) return true;
+      if (contents("/proc/" + std::to_string(process) + "/cmdline").empty()) {
+        return true;
+      }
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     return false;
   }
 
-  std::vector<foundation::TransferReport> transfers_;
+  std::vector<TransferReport> transfers_;
 };
 
 TEST_F(ExtensionTest, AFastTimelineOvertakesASlowOne) {
   signIn();
-  support::HttpsServer& gateway =
-      serve([](const support::HttpsServer::Request& request, auto& exchange) {
+  fixtures::HttpsServer& gateway =
+      serve([](const fixtures::HttpsServer::Request& request, auto& exchange) {
         const bool sales = request.path.ends_with("getDataMap");
-        if (sales) exchange.hold();
+        if (sales) {
+          exchange.hold();
+        }
         exchange.respond(200, sales ? summary : noDocuments);
       });
   auto extension = home::ExtensionProcess::start(EXTENSION_PROGRAM);
@@ -85,10 +91,11 @@ TEST_F(ExtensionTest, AFastTimelineOvertakesASlowOne) {
 
 TEST_F(ExtensionTest, ADroppedTimelineLeavesTheOthersUnderWay) {
   signIn();
-  support::HttpsServer& gateway = serve([](const auto&, support::HttpsServer::Exchange& exchange) {
-    exchange.hold();
-    exchange.respond(200, summary);
-  });
+  fixtures::HttpsServer& gateway =
+      serve([](const auto&, fixtures::HttpsServer::Exchange& exchange) {
+        exchange.hold();
+        exchange.respond(200, summary);
+      });
   auto extension = home::ExtensionProcess::start(EXTENSION_PROGRAM);
   ASSERT_TRUE(extension);
   const auto underWay = extension->send(channel::TimelineRequest{"SalesSmallWidget"});
@@ -108,8 +115,8 @@ TEST_F(ExtensionTest, ADroppedTimelineLeavesTheOthersUnderWay) {
 
 TEST_F(ExtensionTest, AKilledExtensionIsTold) {
   signIn();
-  const support::HttpsServer& gateway =
-      serve([](const auto&, support::HttpsServer::Exchange& exchange) { exchange.hold(); });
+  const fixtures::HttpsServer& gateway =
+      serve([](const auto&, fixtures::HttpsServer::Exchange& exchange) { exchange.hold(); });
   const auto home = start({"timeline", "SalesSmallWidget"});
   ASSERT_TRUE(gateway.waitForRequests(1));
   ::kill(home->extension(), SIGKILL);
@@ -120,8 +127,8 @@ TEST_F(ExtensionTest, AKilledExtensionIsTold) {
 
 TEST_F(ExtensionTest, TheExtensionEndsWithItsHomeScreen) {
   signIn();
-  const support::HttpsServer& gateway =
-      serve([](const auto&, support::HttpsServer::Exchange& exchange) { exchange.hold(); });
+  const fixtures::HttpsServer& gateway =
+      serve([](const auto&, fixtures::HttpsServer::Exchange& exchange) { exchange.hold(); });
   for (const int signal : {SIGKILL, SIGTERM, SIGINT}) {
     const std::size_t before = gateway.requests().size();
     const auto home = start({"timeline", "SalesSmallWidget"});
@@ -142,13 +149,15 @@ TEST_F(ExtensionTest, AnExtensionThatCannotBeStartedIsTold) {
 
 TEST_F(ExtensionTest, TheExtensionAloneTellsHowItIsStarted) {
   const std::string command = std::string(EXTENSION_PROGRAM) + " 2>" + file("err").string();
-  const support::ScopedVariable none("QUILLPAD_CHANNEL", std::nullopt);
+  const fixtures::ScopedVariable none("QUILLPAD_CHANNEL", std::nullopt);
   EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 2);
   EXPECT_THAT(contents(file("err")), HasSubstr("quillpad-home"));
   for (const char* wrong : {"", "x", "1", "99", "-1", "3 "}) {
-    const support::ScopedVariable channel("QUILLPAD_CHANNEL", wrong);
+    const fixtures::ScopedVariable channel("QUILLPAD_CHANNEL", wrong);
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 2) << wrong;
   }
 }
 
 }  // namespace
+
+}  // namespace quillpad

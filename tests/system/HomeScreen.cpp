@@ -11,6 +11,8 @@
 #include <unistd.h>
 #include <utility>
 
+namespace quillpad {
+
 namespace {
 
 std::string read(const std::filesystem::path& path) {
@@ -44,7 +46,9 @@ RunningHome::RunningHome(
   std::vector<std::string> words{HOME_PROGRAM};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
-  for (std::string& word : words) pointers.push_back(word.data());
+  for (std::string& word : words) {
+    pointers.push_back(word.data());
+  }
   pointers.push_back(nullptr);
 
   posix_spawn_file_actions_t actions;
@@ -71,7 +75,9 @@ pid_t RunningHome::extension() const {
     const std::string name = entry.path().filename();
     if (name.find_first_not_of("0123456789") == std::string::npos) {
       const pid_t process = std::stoi(name);
-      if (parentOf(process) == pid_) return process;
+      if (parentOf(process) == pid_) {
+        return process;
+      }
     }
   }
   return 0;
@@ -107,17 +113,19 @@ void HomeScreenTest::signIn() const {
   ASSERT_EQ(signedIn.status, 0) << signedIn.err;
 }
 
-support::HttpsServer& HomeScreenTest::serve(support::HttpsServer::Handler handler) {
-  gateway_ = std::make_unique<support::HttpsServer>(std::move(handler));
+fixtures::HttpsServer& HomeScreenTest::serve(fixtures::HttpsServer::Handler handler) {
+  gateway_ = std::make_unique<fixtures::HttpsServer>(std::move(handler));
   origin_.reset();
   origin_.emplace("TEST_GATEWAY_ORIGIN", gateway_->address(""));
   return *gateway_;
 }
 
-support::HttpsServer& HomeScreenTest::serveBody(const std::string& body) {
-  return serve([body](const auto& /*request*/, support::HttpsServer::Exchange& exchange) {
+fixtures::HttpsServer& HomeScreenTest::serveBody(const std::string& body) {
+  return serve([body](const auto& /*request*/, fixtures::HttpsServer::Exchange& exchange) {
     exchange.respond(200, body);
   });
 }
 
 std::string HomeScreenTest::contents(const std::filesystem::path& path) { return read(path); }
+
+}  // namespace quillpad

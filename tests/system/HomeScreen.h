@@ -10,9 +10,11 @@
 #include <sys/types.h>
 #include <vector>
 
-#include "support/HttpsServer.h"
-#include "support/ScopedVariable.h"
-#include "support/TemporaryHome.h"
+#include "fixtures/HttpsServer.h"
+#include "fixtures/ScopedVariable.h"
+#include "fixtures/TemporaryHome.h"
+
+namespace quillpad {
 
 inline const std::vector<std::string> smallKinds{
     "SalesSmallWidget", "PendingSmallWidget", "UnpaidSmallWidget"};
@@ -59,17 +61,19 @@ class HomeScreenTest : public testing::Test {
   void signIn() const;
 
   // From now on there is a gateway, which answers like this.
-  support::HttpsServer& serve(support::HttpsServer::Handler handler);
+  fixtures::HttpsServer& serve(fixtures::HttpsServer::Handler handler);
   // One that answers every request with the body.
-  support::HttpsServer& serveBody(const std::string& body);
+  fixtures::HttpsServer& serveBody(const std::string& body);
 
   std::filesystem::path file(const std::string& name) const { return folder_.path() / name; }
   static std::string contents(const std::filesystem::path& path);
 
-  support::TemporaryHome home_;
-  support::TemporaryFolder folder_;
-  support::ScopedVariable trust_{"SSL_CERT_FILE", support::HttpsServer::authorityFile()};
-  support::ScopedVariable locale_{"LC_ALL", "en_US.UTF-8"};
-  std::unique_ptr<support::HttpsServer> gateway_;
-  std::optional<support::ScopedVariable> origin_;
+  fixtures::TemporaryHome home_;
+  fixtures::TemporaryFolder folder_;
+  fixtures::ScopedVariable trust_{"SSL_CERT_FILE", fixtures::HttpsServer::authorityFile()};
+  fixtures::ScopedVariable locale_{"LC_ALL", "en_US.UTF-8"};
+  std::unique_ptr<fixtures::HttpsServer> gateway_;
+  std::optional<fixtures::ScopedVariable> origin_;
 };
+
+}  // namespace quillpad

@@ -4,6 +4,8 @@
 
 #include "system/HomeScreen.h"
 
+namespace quillpad {
+
 namespace {
 
 using testing::AllOf;
@@ -178,3 +180,5 @@ TEST_F(PicturesTest, AGalleryWithoutATimelineWritesNothing) {
 }
 
 }  // namespace
+
+}  // namespace quillpad

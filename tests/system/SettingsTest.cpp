@@ -3,15 +3,13 @@
 #include <signal.h>
 #include <sys/stat.h>
 
-#include "platform/foundation/SettingsWriter.h"
-#include "platform/foundation/UserDefaults.h"
+#include "platform/settings/SettingsWriter.h"
+#include "platform/settings/UserDefaults.h"
 #include "system/HomeScreen.h"
 
-namespace {
+namespace quillpad {
 
-using foundation::Dictionary;
-using foundation::UserDefaults;
-using foundation::Value;
+namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
@@ -29,7 +27,7 @@ class SettingsTest : public HomeScreenTest {
 };
 
 TEST_F(SettingsTest, StoreWhatTheExtensionReadsAndKeepWhatElseIsThere) {
-  ASSERT_TRUE(foundation::changeSettings(APP_GROUP, [](Dictionary& objects) {
+  ASSERT_TRUE(changeSettings(APP_GROUP, [](Dictionary& objects) {
     objects.set("other", 7);
     objects.set("currentBusiness", Dictionary{{"name", "Acme"}, {"currency", "$ - USD"}});
   }));
@@ -115,10 +113,11 @@ TEST_F(SettingsTest, LeaveAStoreThatCannotBeReadAsItIs) {
 
 TEST_F(SettingsTest, TheTokenStandsInItsStoreAlone) {
   signIn();
-  support::HttpsServer& gateway = serve([](const auto&, support::HttpsServer::Exchange& exchange) {
-    exchange.hold();
-    exchange.respond(200, "<html>");
-  });
+  fixtures::HttpsServer& gateway =
+      serve([](const auto&, fixtures::HttpsServer::Exchange& exchange) {
+        exchange.hold();
+        exchange.respond(200, "<html>");
+      });
   const auto home = start({"timeline", "SalesSmallWidget"});
   ASSERT_TRUE(gateway.waitForRequests(1));
   const pid_t extension = home->extension();
@@ -142,3 +141,5 @@ TEST_F(SettingsTest, TheTokenStandsInItsStoreAlone) {
 }
 
 }  // namespace
+
+}  // namespace quillpad

@@ -7,10 +7,9 @@
 #include "platform/foundation/Json.h"
 #include "system/HomeScreen.h"
 
-namespace {
+namespace quillpad {
 
-using foundation::Array;
-using foundation::Dictionary;
+namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
@@ -21,7 +20,7 @@ constexpr const char* documents =
     R"({"data":"{\"records\":[{\"no\":\"41\",\"clientName\":\"Zoë\",\"total\":12.5}],\"pages\":1}"})";
 
 Dictionary parsed(const std::string& text) {
-  const auto value = foundation::readJson(text, foundation::JsonFragments::refused);
+  const auto value = readJson(text, JsonFragments::refused);
   EXPECT_TRUE(value) << text;
   return value ? *value->as<Dictionary>() : Dictionary();
 }
@@ -31,7 +30,7 @@ std::string onlyData(const std::string& text) {
   const auto entries = *parsed(text).find("entries")->as<Array>();
   EXPECT_EQ(entries.size(), 1U);
   const auto* data = entries.at(0).as<Dictionary>()->find("data");
-  return foundation::writeJson(*data, foundation::JsonLayout::compact).value_or("");
+  return writeJson(*data, JsonLayout::compact).value_or("");
 }
 
 class TimelinesTest : public HomeScreenTest {};
@@ -68,8 +67,7 @@ TEST_F(TimelinesTest, PlaceholdersAndSnapshotsNeedNeitherSignInNorGateway) {
       for (const std::string& kind : kinds) {
         const Outcome run = this->run({command, kind, "--json"});
         EXPECT_EQ(run.status, 0) << run.err;
-        const auto date =
-            foundation::dateFromIso8601(*parsed(run.out).find("date")->as<std::string>());
+        const auto date = dateFromIso8601(*parsed(run.out).find("date")->as<std::string>());
         EXPECT_TRUE(date);
         EXPECT_THAT(run.out, HasSubstr("\"data\":" + std::string(data) + "}"));
       }
@@ -79,8 +77,8 @@ TEST_F(TimelinesTest, PlaceholdersAndSnapshotsNeedNeitherSignInNorGateway) {
 
 TEST_F(TimelinesTest, ATimelineBringsTheGatewaysFiguresAndFiveMinutes) {
   signIn();
-  support::HttpsServer& gateway =
-      serve([](const support::HttpsServer::Request& request, auto& exchange) {
+  fixtures::HttpsServer& gateway =
+      serve([](const fixtures::HttpsServer::Request& request, auto& exchange) {
         exchange.respond(200, request.path.ends_with("getDataMap") ? summary : documents);
       });
   const Outcome sales = run({"timeline", "SalesSmallWidget", "--json"});
@@ -91,8 +89,8 @@ TEST_F(TimelinesTest, ATimelineBringsTheGatewaysFiguresAndFiveMinutes) {
       R"({"salesMonth":"1234.5","unpaidInvoices":"7","pendingEstimates":"3"})");
   const Dictionary timeline = parsed(sales.out);
   const auto& entry = timeline.find("entries")->as<Array>()->at(0);
-  const auto moment = [](const foundation::Value* text) {
-    return foundation::dateFromIso8601(*text->as<std::string>()).value();
+  const auto moment = [](const Value* text) {
+    return dateFromIso8601(*text->as<std::string>()).value();
   };
   EXPECT_EQ(
       moment(timeline.find("policy")->as<Dictionary>()->find("after")) -
@@ -123,7 +121,7 @@ TEST_F(TimelinesTest, WithoutAGatewayThereAreStandInsAndAWord) {
 
 TEST_F(TimelinesTest, AStatusOfFailureIsNoFailureOfTheTransfer) {
   signIn();
-  serve([](const auto&, support::HttpsServer::Exchange& exchange) {
+  serve([](const auto&, fixtures::HttpsServer::Exchange& exchange) {
     exchange.respond(500, summary);
   });
   const Outcome run = this->run({"timeline", "SalesSmallWidget", "--json"});
@@ -166,7 +164,7 @@ TEST_F(TimelinesTest, AnswersOfAnotherShapeEndTheExtension) {
 
 TEST_F(TimelinesTest, AnEmptyIdentifierOrTokenDropsTheRequest) {
   signIn();
-  const support::HttpsServer& gateway = serveBody(summary);
+  const fixtures::HttpsServer& gateway = serveBody(summary);
   ASSERT_EQ(run({"settings", "sign-out"}).status, 0);
   for (const std::string& kind : {smallKinds.front(), mediumKinds.front()}) {
     const Outcome run = this->run({"timeline", kind, "--json"});
@@ -228,16 +226,18 @@ TEST_F(TimelinesTest, TapOpensTheDeepLinkWithoutAShell) {
   std::ofstream(file("xdg-open")) << "#!/bin/sh\necho \"$#:$1\" >" << file("opened")
                                   << "\nexit $STATUS\n";
   std::filesystem::permissions(file("xdg-open"), std::filesystem::perms::owner_all);
-  const support::ScopedVariable path("PATH", folder_.path().string() + ":/usr/bin:/bin");
+  const fixtures::ScopedVariable path("PATH", folder_.path().string() + ":/usr/bin:/bin");
   {
-    const support::ScopedVariable status("STATUS", "0");
+    const fixtures::ScopedVariable status("STATUS", "0");
     EXPECT_EQ(run({"tap", "SalesSmallWidget"}).status, 0);
     EXPECT_EQ(contents(file("opened")), "1:quillpad://Report\n");
   }
-  const support::ScopedVariable status("STATUS", "3");
+  const fixtures::ScopedVariable status("STATUS", "3");
   const Outcome run = this->run({"tap", "SalesSmallWidget"});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.err, HasSubstr("no application here opens quillpad://Report"));
 }
 
 }  // namespace
+
+}  // namespace quillpad

@@ -5,22 +5,15 @@
 #include "platform/foundation/Json.h"
 #include "platform/ui/ViewCodec.h"
 
-namespace ui {
+namespace quillpad::ui {
 namespace {
 
 using enum Weight;
-using foundation::Array;
-using foundation::Dictionary;
-using foundation::Value;
 using ::testing::HasSubstr;
 
-std::string json(const Value& value) {
-  return foundation::writeJson(value, foundation::JsonLayout::compact).value();
-}
+std::string json(const Value& value) { return writeJson(value, JsonLayout::compact).value(); }
 
-Value parsed(const std::string& text) {
-  return foundation::readJson(text, foundation::JsonFragments::allowed).value();
-}
+Value parsed(const std::string& text) { return readJson(text, JsonFragments::allowed).value(); }
 
 // A tree with every content and every modifier.
 View everything() {
@@ -34,7 +27,7 @@ View everything() {
                  .clipShape({.cornerRadius = 16}),
              Rectangle(Rgba{220, 220, 220}).frame({.height = 0.5}).padding(0))
       .padding({.top = 20, .leading = 1, .bottom = 2, .trailing = 3})
-      .widgetURL(foundation::URL::parse("quillpad://Report"));
+      .widgetURL(URL::parse("quillpad://Report"));
 }
 
 TEST(ViewCodec, WritesATreeThatReadsAsItLooks) {
@@ -201,4 +194,4 @@ TEST(ViewCodec, TakesOnlyTreesThatItCouldHaveWritten) {
 }
 
 }  // namespace
-}  // namespace ui
+}  // namespace quillpad::ui

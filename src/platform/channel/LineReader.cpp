@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace channel {
+namespace quillpad::channel {
 
 void LineReader::append(std::string_view bytes) {
   buffer_.erase(0, start_);
@@ -45,4 +45,4 @@ std::string LineReader::takeRest() {
   return rest;
 }
 
-}  // namespace channel
+}  // namespace quillpad::channel

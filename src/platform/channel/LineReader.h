@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace channel {
+namespace quillpad::channel {
 
 struct Line {
   std::string text;  // without its line feed; empty where the line was too long
@@ -34,4 +34,4 @@ class LineReader {
   bool skipping_ = false;
 };
 
-}  // namespace channel
+}  // namespace quillpad::channel

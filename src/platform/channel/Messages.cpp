@@ -8,13 +8,8 @@
 #include "platform/foundation/Json.h"
 #include "platform/ui/ViewCodec.h"
 
-namespace channel {
+namespace quillpad::channel {
 namespace {
-
-using foundation::Array;
-using foundation::Dictionary;
-using foundation::Number;
-using foundation::Value;
 
 template <class... Functions>
 struct Overloaded : Functions... {
@@ -40,10 +35,16 @@ std::string textMember(const Dictionary& dictionary, std::string_view key) {
 
 std::optional<std::int64_t> wholeNumber(const Value* value) {
   const auto* number = value == nullptr ? nullptr : value->as<Number>();
-  if (number == nullptr) return std::nullopt;
-  if (const auto* plain = std::get_if<std::int64_t>(&number->storage())) return *plain;
+  if (number == nullptr) {
+    return std::nullopt;
+  }
+  if (const auto* plain = std::get_if<std::int64_t>(&number->storage())) {
+    return *plain;
+  }
   if (const auto* large = std::get_if<std::uint64_t>(&number->storage())) {
-    if (std::in_range<std::int64_t>(*large)) return static_cast<std::int64_t>(*large);
+    if (std::in_range<std::int64_t>(*large)) {
+      return static_cast<std::int64_t>(*large);
+    }
   }
   return std::nullopt;
 }
@@ -54,7 +55,7 @@ std::optional<std::uint64_t> count(const Value* value) {
 }
 
 std::string lineOf(const Dictionary& document) {
-  return foundation::writeJson(document, foundation::JsonLayout::compact).value_or(std::string());
+  return writeJson(document, JsonLayout::compact).value_or(std::string());
 }
 
 // Requests.
@@ -168,8 +169,7 @@ Value resultOf(const Reply& reply) {
 }
 
 Dictionary replyDocument(const NumberedReply& reply) {
-  Dictionary document{
-      {"jsonrpc", "2.0"}, {"id", reply.id ? Value(*reply.id) : Value(foundation::Null())}};
+  Dictionary document{{"jsonrpc", "2.0"}, {"id", reply.id ? Value(*reply.id) : Value(Null())}};
   if (const auto* refused = std::get_if<Refused>(&reply.reply)) {
     document.set("error", Dictionary{{"code", refused->code}, {"message", refused->message}});
   } else {
@@ -207,7 +207,7 @@ std::expected<Reply, std::string> readCatalogue(const Array& items) {
 std::expected<Reply, std::string> readTimeline(const Array& entries, const Dictionary& result) {
   const auto* policy = member<Dictionary>(result, "policy");
   const auto after =
-      policy == nullptr ? std::nullopt : foundation::dateFromIso8601(textMember(*policy, "after"));
+      policy == nullptr ? std::nullopt : dateFromIso8601(textMember(*policy, "after"));
   if (!after) {
     return std::unexpected("a timeline without a date to reload after");
   }
@@ -227,7 +227,9 @@ std::expected<Reply, std::string> readResult(const Value& result) {
   }
   if (const Value* tree = members->find("view")) {
     auto view = ui::viewFromValue(*tree);
-    if (!view) return std::unexpected("a view that cannot be read: " + view.error());
+    if (!view) {
+      return std::unexpected("a view that cannot be read: " + view.error());
+    }
     return Rendering{std::move(*view)};
   }
   if (members->find("date") != nullptr && members->find("data") != nullptr) {
@@ -250,16 +252,18 @@ std::expected<NumberedReply, std::string> readReply(const Dictionary& document) 
     return std::unexpected("a reply without id or result");
   }
   auto reply = readResult(*result);
-  if (!reply) return std::unexpected(reply.error());
+  if (!reply) {
+    return std::unexpected(reply.error());
+  }
   return NumberedReply{id, std::move(*reply)};
 }
 
 TransferNotice readTransfer(const Dictionary& parameters) {
-  foundation::TransferReport report;
+  TransferReport report;
   report.activity = count(parameters.find("activity")).value_or(0);
   report.path = textMember(parameters, "path");
   if (const auto* error = member<Dictionary>(parameters, "error")) {
-    report.error = foundation::TransportError{
+    report.error = TransportError{
         static_cast<int>(wholeNumber(error->find("code")).value_or(0)),
         textMember(*error, "message")};
   }
@@ -278,8 +282,12 @@ std::string_view familyName(ui::WidgetFamily family) {
 }
 
 std::optional<ui::WidgetFamily> familyFromName(std::string_view name) {
-  if (name == "systemSmall") return ui::WidgetFamily::systemSmall;
-  if (name == "systemMedium") return ui::WidgetFamily::systemMedium;
+  if (name == "systemSmall") {
+    return ui::WidgetFamily::systemSmall;
+  }
+  if (name == "systemMedium") {
+    return ui::WidgetFamily::systemMedium;
+  }
   return std::nullopt;
 }
 
@@ -302,7 +310,7 @@ std::string encode(const NumberedRequest& request) {
 }
 
 std::string encode(const NumberedReply& reply) {
-  const auto line = foundation::writeJson(replyDocument(reply), foundation::JsonLayout::compact);
+  const auto line = writeJson(replyDocument(reply), JsonLayout::compact);
   if (line && line->size() <= longestFrame) {
     return *line;
   }
@@ -312,7 +320,7 @@ std::string encode(const NumberedReply& reply) {
 }
 
 std::string encode(const TransferNotice& notice) {
-  const foundation::TransferReport& report = notice.report;
+  const TransferReport& report = notice.report;
   Dictionary parameters{
       {"activity", report.activity},
       {"path", report.path},
@@ -330,7 +338,7 @@ std::string encode(const TransferNotice& notice) {
 }
 
 std::expected<NumberedRequest, NumberedReply> decodeRequest(std::string_view line) {
-  const auto parsed = foundation::readJson(line, foundation::JsonFragments::allowed);
+  const auto parsed = readJson(line, JsonFragments::allowed);
   if (!parsed) {
     return refusal(std::nullopt, parseError, "the line is not JSON: " + parsed.error().reason);
   }
@@ -351,7 +359,7 @@ std::expected<NumberedRequest, NumberedReply> decodeRequest(std::string_view lin
 
 std::expected<std::variant<NumberedReply, TransferNotice>, std::string> decodeFromExtension(
     std::string_view line) {
-  const auto parsed = foundation::readJson(line, foundation::JsonFragments::refused);
+  const auto parsed = readJson(line, JsonFragments::refused);
   const auto* document = parsed ? parsed->as<Dictionary>() : nullptr;
   if (document == nullptr) {
     return std::unexpected(
@@ -363,7 +371,9 @@ std::expected<std::variant<NumberedReply, TransferNotice>, std::string> decodeFr
     return readTransfer(parameters == nullptr ? Dictionary() : *parameters);
   }
   auto reply = readReply(*document);
-  if (!reply) return std::unexpected(reply.error());
+  if (!reply) {
+    return std::unexpected(reply.error());
+  }
   return std::move(*reply);
 }
 
@@ -378,7 +388,7 @@ Value toValue(const Catalogue& catalogue) {
 Value toValue(const Timeline& timeline) {
   return Dictionary{
       {"entries", timeline.entries},
-      {"policy", Dictionary{{"after", foundation::iso8601(timeline.reloadAfter)}}}};
+      {"policy", Dictionary{{"after", iso8601(timeline.reloadAfter)}}}};
 }
 
-}  // namespace channel
+}  // namespace quillpad::channel

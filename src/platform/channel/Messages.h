@@ -17,12 +17,12 @@
 #include <variant>
 #include <vector>
 
-#include "platform/foundation/URLSession.h"
+#include "platform/foundation/TransferReport.h"
 #include "platform/foundation/Value.h"
 #include "platform/ui/Environment.h"
 #include "platform/ui/View.h"
 
-namespace channel {
+namespace quillpad::channel {
 
 // The environment variable that holds the number of the extension's end of the socketpair.
 inline constexpr const char* descriptorVariable = "QUILLPAD_CHANNEL";
@@ -44,7 +44,7 @@ struct TimelineRequest {
 };
 struct RenderRequest {
   std::string kind;
-  foundation::Value entry;  // {"date", "data"} as a snapshot or a timeline brought it
+  Value entry;  // {"date", "data"} as a snapshot or a timeline brought it
   std::optional<ui::WidgetFamily> family;  // absent: the kind's own
   std::string locale;                      // empty: the extension's own
 };
@@ -69,11 +69,11 @@ struct Catalogue {
 };
 // {"date":"2026-03-07T09:05:03.250Z","data":{…}}
 struct Entry {
-  foundation::Value entry;
+  Value entry;
 };
 struct Timeline {
-  std::vector<foundation::Value> entries;
-  foundation::Date reloadAfter;
+  std::vector<Value> entries;
+  Date reloadAfter;
 };
 struct Rendering {
   ui::View view;
@@ -94,7 +94,7 @@ struct NumberedReply {
 
 // A transfer of the extension has ended; its activity is the id of the request that it belongs to.
 struct TransferNotice {
-  foundation::TransferReport report;
+  TransferReport report;
 };
 
 inline constexpr int parseError = -32700;
@@ -122,7 +122,7 @@ std::expected<std::variant<NumberedReply, TransferNotice>, std::string> decodeFr
     std::string_view line);
 
 // The JSON that stands in a reply's result, and that `list --json` and `timeline --json` print.
-foundation::Value toValue(const Catalogue& catalogue);
-foundation::Value toValue(const Timeline& timeline);
+Value toValue(const Catalogue& catalogue);
+Value toValue(const Timeline& timeline);
 
-}  // namespace channel
+}  // namespace quillpad::channel

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 thread_local std::uint64_t current = 0;
@@ -15,4 +15,4 @@ ActivityScope::ActivityScope(std::uint64_t activity) : outer_(std::exchange(curr
 
 ActivityScope::~ActivityScope() { current = outer_; }
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace foundation {
+namespace quillpad {
 
 // The number of the innermost activity of this thread; 0 outside of any.
 std::uint64_t currentActivity();
@@ -21,4 +21,4 @@ class ActivityScope {
   std::uint64_t outer_;
 };
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -4,7 +4,7 @@
 #include <pthread.h>
 #include <utility>
 
-namespace foundation {
+namespace quillpad {
 
 std::thread startBackgroundThread(std::move_only_function<void()> body) {
   sigset_t all;
@@ -16,4 +16,4 @@ std::thread startBackgroundThread(std::move_only_function<void()> body) {
   return thread;
 }
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
-constexpr std::string_view kAlphabet =
+constexpr std::string_view alphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 }  // namespace
@@ -20,7 +20,7 @@ std::string base64(std::string_view bytes) {
       bits = bits << 8 | (k < group.size() ? static_cast<unsigned char>(group[k]) : 0U);
     }
     for (std::size_t k = 0; k < 4; ++k) {
-      text += k <= group.size() ? kAlphabet[bits >> (18 - 6 * k) & 63] : '=';
+      text += k <= group.size() ? alphabet[bits >> (18 - 6 * k) & 63] : '=';
     }
   }
   return text;
@@ -32,13 +32,17 @@ std::optional<std::string> bytesFromBase64(std::string_view text) {
   std::size_t digits = 0;
   std::size_t padding = 0;
   for (const char c : text) {
-    if (c == ' ' || (c >= '\t' && c <= '\r')) continue;
+    if (c == ' ' || (c >= '\t' && c <= '\r')) {
+      continue;
+    }
     if (c == '=') {
       ++padding;
       continue;
     }
-    const std::size_t digit = kAlphabet.find(c);
-    if (digit == std::string_view::npos || padding > 0) return std::nullopt;
+    const std::size_t digit = alphabet.find(c);
+    if (digit == std::string_view::npos || padding > 0) {
+      return std::nullopt;
+    }
     bits = bits << 6 | static_cast<std::uint32_t>(digit);
     if (++digits % 4 == 0) {
       for (const int shift : {16, 8, 0}) {
@@ -46,8 +50,12 @@ std::optional<std::string> bytesFromBase64(std::string_view text) {
       }
     }
   }
-  if (padding > 2 || (digits + padding) % 4 != 0) return std::nullopt;
-  if (digits % 4 == 2) bytes += static_cast<char>(bits >> 4 & 0xFF);
+  if (padding > 2 || (digits + padding) % 4 != 0) {
+    return std::nullopt;
+  }
+  if (digits % 4 == 2) {
+    bytes += static_cast<char>(bits >> 4 & 0xFF);
+  }
   if (digits % 4 == 3) {
     bytes += static_cast<char>(bits >> 10 & 0xFF);
     bytes += static_cast<char>(bits >> 2 & 0xFF);
@@ -55,4 +63,4 @@ std::optional<std::string> bytesFromBase64(std::string_view text) {
   return bytes;
 }
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace foundation {
+namespace quillpad {
 
 // The bytes in base 64, padded, in one line.
 std::string base64(std::string_view bytes);
@@ -13,4 +13,4 @@ std::string base64(std::string_view bytes);
 // The bytes that the text stands for, white space skipped; nothing if it is not base 64.
 std::optional<std::string> bytesFromBase64(std::string_view text);
 
-}  // namespace foundation
+}  // namespace quillpad

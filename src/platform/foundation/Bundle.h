@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace foundation {
+namespace quillpad {
 
 class Bundle {
  public:
@@ -33,4 +33,4 @@ class Bundle {
   std::filesystem::path folder_;
 };
 
-}  // namespace foundation
+}  // namespace quillpad

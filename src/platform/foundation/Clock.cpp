@@ -8,24 +8,26 @@
 #include <cstdio>
 #include <limits>
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 using namespace std::chrono;
 
-constexpr std::int64_t kRunning = std::numeric_limits<std::int64_t>::min();
-std::atomic<std::int64_t> heldMilliseconds{kRunning};
+constexpr std::int64_t running = std::numeric_limits<std::int64_t>::min();
+std::atomic<std::int64_t> heldMilliseconds{running};
 
 }  // namespace
 
 Date currentDate() {
   const std::int64_t held = heldMilliseconds.load();
-  if (held != kRunning) return Date(milliseconds(held));
+  if (held != running) {
+    return Date(milliseconds(held));
+  }
   return floor<milliseconds>(system_clock::now());
 }
 
 HeldClock::HeldClock(Date moment) { heldMilliseconds = moment.time_since_epoch().count(); }
-HeldClock::~HeldClock() { heldMilliseconds = kRunning; }
+HeldClock::~HeldClock() { heldMilliseconds = running; }
 
 std::string iso8601(Date date) {
   const auto day = floor<days>(date);
@@ -47,11 +49,13 @@ std::string iso8601(Date date) {
 }
 
 std::optional<Date> dateFromIso8601(std::string_view text) {
-  constexpr std::string_view kForm = "0000-00-00T00:00:00.000Z";
+  constexpr std::string_view pattern = "0000-00-00T00:00:00.000Z";
   const auto fits = [](char form, char given) {
     return form == '0' ? given >= '0' && given <= '9' : form == given;
   };
-  if (!std::ranges::equal(kForm, text, fits)) return std::nullopt;
+  if (!std::ranges::equal(pattern, text, fits)) {
+    return std::nullopt;
+  }
 
   const auto field = [&](std::size_t start, std::size_t length) {
     int value = 0;
@@ -65,9 +69,11 @@ std::optional<Date> dateFromIso8601(std::string_view text) {
   const int hour = field(11, 2);
   const int minute = field(14, 2);
   const int second = field(17, 2);
-  if (!day.ok() || hour > 23 || minute > 59 || second > 59) return std::nullopt;
+  if (!day.ok() || hour > 23 || minute > 59 || second > 59) {
+    return std::nullopt;
+  }
   return sys_days(day) + hours(hour) + minutes(minute) + seconds(second) +
          milliseconds(field(20, 3));
 }
 
-}  // namespace foundation
+}  // namespace quillpad

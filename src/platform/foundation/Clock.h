@@ -7,7 +7,7 @@
 
 #include "platform/foundation/Value.h"
 
-namespace foundation {
+namespace quillpad {
 
 // Now, to the millisecond; from any thread.
 Date currentDate();
@@ -28,4 +28,4 @@ std::string iso8601(Date date);
 // The moment that such a text names, or nothing if it is of another form.
 std::optional<Date> dateFromIso8601(std::string_view text);
 
-}  // namespace foundation
+}  // namespace quillpad

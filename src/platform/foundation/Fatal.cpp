@@ -7,12 +7,12 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-namespace foundation {
+namespace quillpad {
 
 void forbidCoreFiles() {
   // One byte, unlike zero, also holds where the system hands cores to a program.
-  constexpr rlimit kOneByte{.rlim_cur = 1, .rlim_max = 1};
-  setrlimit(RLIMIT_CORE, &kOneByte);
+  constexpr rlimit oneByte{.rlim_cur = 1, .rlim_max = 1};
+  setrlimit(RLIMIT_CORE, &oneByte);
 }
 
 void fatal(std::string_view message) {
@@ -31,4 +31,4 @@ void fatalAt(const std::source_location& where, std::string_view what) {
   fatal(unit + " line " + std::to_string(where.line()) + ": " + std::string(what));
 }
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -8,7 +8,7 @@
 
 #include "platform/foundation/Value.h"
 
-namespace foundation {
+namespace quillpad {
 
 // Prints the message as one line to standard error and ends the process (SIGABRT, no core file).
 // The message must hold no secret.
@@ -57,4 +57,4 @@ const T& forcedMember(
   return forcedAs<T>(forced(dictionary.find(key), key, where), key, where);
 }
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -4,7 +4,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace foundation {
+namespace quillpad {
 
 class FileDescriptor {
  public:
@@ -31,4 +31,4 @@ class FileDescriptor {
   int number_ = -1;
 };
 
-}  // namespace foundation
+}  // namespace quillpad

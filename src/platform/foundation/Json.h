@@ -7,7 +7,7 @@
 
 #include "platform/foundation/Value.h"
 
-namespace foundation {
+namespace quillpad {
 
 enum class JsonFragments { refused, allowed };
 
@@ -31,4 +31,4 @@ enum class JsonLayout { compact, pretty };
 // not finite, text that is not UTF-8).
 std::expected<std::string, JsonError> writeJson(const Value& value, JsonLayout layout);
 
-}  // namespace foundation
+}  // namespace quillpad

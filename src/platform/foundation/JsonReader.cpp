@@ -6,11 +6,11 @@
 
 #include "platform/foundation/Json.h"
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
-constexpr std::size_t kDeepestNesting = 512;
-constexpr const char* kUnreadable =
+constexpr std::size_t deepestNesting = 512;
+constexpr const char* unreadable =
     "The data couldn’t be read because it isn’t in the correct format.";
 
 // Builds a Value from the parser's events: the containers that are open, innermost last, and the
@@ -27,7 +27,9 @@ class ValueBuilder {
   bool boolean(bool value) { return put(value); }
   bool number_integer(number_integer_t value) { return put(std::int64_t{value}); }
   bool number_unsigned(number_unsigned_t value) {
-    if (std::in_range<std::int64_t>(value)) return put(static_cast<std::int64_t>(value));
+    if (std::in_range<std::int64_t>(value)) {
+      return put(static_cast<std::int64_t>(value));
+    }
     return put(std::uint64_t{value});
   }
   bool number_float(number_float_t value, const string_t&) { return put(value); }
@@ -66,8 +68,10 @@ class ValueBuilder {
   };
 
   bool open(bool isObject) {
-    tooDeep_ = open_.size() == kDeepestNesting;
-    if (tooDeep_) return false;
+    tooDeep_ = open_.size() == deepestNesting;
+    if (tooDeep_) {
+      return false;
+    }
     open_.push_back({isObject, {}, {}, {}});
     return true;
   }
@@ -104,7 +108,7 @@ std::string reasonAt(std::string_view text, std::size_t position) {
 }
 
 std::unexpected<JsonError> refused(std::string reason) {
-  return std::unexpected(JsonError{kUnreadable, std::move(reason)});
+  return std::unexpected(JsonError{unreadable, std::move(reason)});
 }
 
 }  // namespace
@@ -112,11 +116,15 @@ std::unexpected<JsonError> refused(std::string reason) {
 std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fragments) {
   // The parser takes a zero byte for the end of the text.
   const std::size_t zero = text.find('\0');
-  if (zero != std::string_view::npos) return refused(reasonAt(text, zero + 1));
+  if (zero != std::string_view::npos) {
+    return refused(reasonAt(text, zero + 1));
+  }
 
   ValueBuilder builder;
   if (!nlohmann::json::sax_parse(text.begin(), text.end(), &builder)) {
-    if (builder.tooDeep()) return refused("more than 512 arrays and objects within each other");
+    if (builder.tooDeep()) {
+      return refused("more than 512 arrays and objects within each other");
+    }
     return refused(reasonAt(text, builder.errorPosition()));
   }
   Value document = builder.takeDocument();
@@ -127,4 +135,4 @@ std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fr
   return document;
 }
 
-}  // namespace foundation
+}  // namespace quillpad

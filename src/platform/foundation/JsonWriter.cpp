@@ -6,7 +6,7 @@
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Utf8.h"
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 class JsonWriter {
@@ -93,10 +93,10 @@ class JsonWriter {
         break;
       default:
         if (static_cast<unsigned char>(c) < 0x20) {
-          constexpr std::string_view kDigits = "0123456789abcdef";
+          constexpr std::string_view hexDigits = "0123456789abcdef";
           text_ += "\\u00";
-          text_ += kDigits[static_cast<unsigned char>(c) >> 4];
-          text_ += kDigits[static_cast<unsigned char>(c) & 0xF];
+          text_ += hexDigits[static_cast<unsigned char>(c) >> 4];
+          text_ += hexDigits[static_cast<unsigned char>(c) & 0xF];
         } else {
           text_ += c;
         }
@@ -120,20 +120,26 @@ class JsonWriter {
     ++depth_;
     bool first = true;
     for (const auto& item : items) {
-      if (!first) text_ += ',';
+      if (!first) {
+        text_ += ',';
+      }
       first = false;
       breakLine();
       writeItem(item);
     }
     --depth_;
     // The phone leaves an empty line in an empty container.
-    if (pretty_ && first) text_ += '\n';
+    if (pretty_ && first) {
+      text_ += '\n';
+    }
     breakLine();
     text_ += closing;
   }
 
   void breakLine() {
-    if (!pretty_) return;
+    if (!pretty_) {
+      return;
+    }
     text_ += '\n';
     text_.append(2 * depth_, ' ');
   }
@@ -156,4 +162,4 @@ std::expected<std::string, JsonError> writeJson(const Value& value, JsonLayout l
   return writer.takeText();
 }
 
-}  // namespace foundation
+}  // namespace quillpad

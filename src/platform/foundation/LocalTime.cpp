@@ -1,6 +1,6 @@
 #include "platform/foundation/LocalTime.h"
 
-namespace foundation {
+namespace quillpad {
 
 std::tm localTime(Date date) {
   const std::time_t seconds =
@@ -11,4 +11,4 @@ std::tm localTime(Date date) {
   return fields;
 }
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -6,9 +6,9 @@
 
 #include "platform/foundation/Value.h"
 
-namespace foundation {
+namespace quillpad {
 
 // The moment's fields on the device's wall clock, with its offset from UTC in tm_gmtoff.
 std::tm localTime(Date date);
 
-}  // namespace foundation
+}  // namespace quillpad

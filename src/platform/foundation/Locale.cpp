@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string_view>
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 const char* variableOf(LocaleCategory category) {
@@ -22,7 +22,9 @@ const char* variableOf(LocaleCategory category) {
 std::string_view environmentLocale(LocaleCategory category) {
   for (const char* name : {"LC_ALL", variableOf(category), "LANG"}) {
     const char* value = std::getenv(name);
-    if (value != nullptr && *value != '\0') return value;
+    if (value != nullptr && *value != '\0') {
+      return value;
+    }
   }
   return "C";
 }
@@ -30,8 +32,8 @@ std::string_view environmentLocale(LocaleCategory category) {
 bool isAsciiLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 bool namesLocale(std::string_view name) {
-  constexpr std::size_t kLongestName = 64;
-  return !name.empty() && name.size() <= kLongestName && isAsciiLetter(name.front()) &&
+  constexpr std::size_t longestName = 64;
+  return !name.empty() && name.size() <= longestName && isAsciiLetter(name.front()) &&
          std::ranges::all_of(
              name, [](char c) { return isAsciiLetter(c) || (c >= '0' && c <= '9') || c == '_'; });
 }
@@ -41,7 +43,9 @@ std::vector<std::string_view> partsOf(std::string_view locale) {
   while (true) {
     const std::size_t end = locale.find_first_of("_-");
     parts.push_back(locale.substr(0, end));
-    if (end == std::string_view::npos) return parts;
+    if (end == std::string_view::npos) {
+      return parts;
+    }
     locale.remove_prefix(end + 1);
   }
 }
@@ -55,14 +59,20 @@ std::string currentLocale(LocaleCategory category) {
   const std::string_view value = environmentLocale(category);
   std::string name(value.substr(0, value.find_first_of(".@")));
   std::ranges::replace(name, '-', '_');
-  if (name == "C" || name == "POSIX" || !namesLocale(name)) return "en_US_POSIX";
+  if (name == "C" || name == "POSIX" || !namesLocale(name)) {
+    return "en_US_POSIX";
+  }
 
   const std::size_t at = value.find('@');
   const std::string_view modifier =
       at == std::string_view::npos ? std::string_view() : value.substr(at + 1);
   const std::size_t languageEnd = std::min(name.find('_'), name.size());
-  if (modifier == "latin") name.insert(languageEnd, "_Latn");
-  if (modifier == "cyrillic") name.insert(languageEnd, "_Cyrl");
+  if (modifier == "latin") {
+    name.insert(languageEnd, "_Latn");
+  }
+  if (modifier == "cyrillic") {
+    name.insert(languageEnd, "_Cyrl");
+  }
   return name;
 }
 
@@ -81,4 +91,4 @@ std::vector<std::string> languagesOf(const std::string& locale) {
   return languages;
 }
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace foundation {
+namespace quillpad {
 
 enum class LocaleCategory { messages, numbers, dates };
 
@@ -18,4 +18,4 @@ std::string currentLocale(LocaleCategory category = LocaleCategory::messages);
 // "zh_CN", "de" for "de_DE".
 std::vector<std::string> languagesOf(const std::string& locale);
 
-}  // namespace foundation
+}  // namespace quillpad

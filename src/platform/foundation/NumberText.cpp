@@ -5,7 +5,7 @@
 #include <limits>
 #include <string>
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
@@ -14,12 +14,16 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
 }  // namespace
 
 std::optional<double> doubleFromText(std::string_view text) {
-  static const locale_t kPlainLocale = newlocale(LC_ALL_MASK, "C", nullptr);
-  if (text.empty() || isBlank(text.front())) return std::nullopt;
+  static const locale_t plainLocale = newlocale(LC_ALL_MASK, "C", nullptr);
+  if (text.empty() || isBlank(text.front())) {
+    return std::nullopt;
+  }
   const std::string terminated(text);
   char* end = nullptr;
-  const double value = strtod_l(terminated.c_str(), &end, kPlainLocale);
-  if (end != terminated.c_str() + terminated.size()) return std::nullopt;
+  const double value = strtod_l(terminated.c_str(), &end, plainLocale);
+  if (end != terminated.c_str() + terminated.size()) {
+    return std::nullopt;
+  }
   return value;
 }
 
@@ -29,7 +33,9 @@ std::int64_t integerValue(std::string_view text) {
     text.remove_prefix(1);
   }
   const bool negative = text.starts_with('-');
-  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  if (negative || text.starts_with('+')) {
+    text.remove_prefix(1);
+  }
 
   std::int64_t value = 0;
   while (!text.empty() && isDigit(text.front())) {
@@ -43,4 +49,4 @@ std::int64_t integerValue(std::string_view text) {
   return value;
 }
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-namespace foundation {
+namespace quillpad {
 
 // The number that the whole text is ("." as decimal point; exponents, hexadecimal, "inf" and "nan"
 // are numbers too; out of range gives infinity or zero), or nothing: no blanks, no separators.
@@ -16,4 +16,4 @@ std::optional<double> doubleFromText(std::string_view text);
 // digits; 0 without digits, the nearest bound where it does not fit.
 std::int64_t integerValue(std::string_view text);
 
-}  // namespace foundation
+}  // namespace quillpad

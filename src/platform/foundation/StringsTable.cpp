@@ -6,14 +6,16 @@
 
 #include "platform/foundation/Utf8.h"
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool isLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
 std::optional<std::string> utf8FromUtf16(std::string_view bytes, bool bigEndian) {
-  if (bytes.size() % 2 != 0) return std::nullopt;
+  if (bytes.size() % 2 != 0) {
+    return std::nullopt;
+  }
   const auto unitAt = [&](std::size_t i) {
     const auto first = static_cast<unsigned char>(bytes[i]);
     const auto second = static_cast<unsigned char>(bytes[i + 1]);
@@ -34,10 +36,18 @@ std::optional<std::string> utf8FromUtf16(std::string_view bytes, bool bigEndian)
 }
 
 std::optional<std::string> decoded(std::string_view bytes) {
-  if (bytes.starts_with("\xFE\xFF")) return utf8FromUtf16(bytes.substr(2), true);
-  if (bytes.starts_with("\xFF\xFE")) return utf8FromUtf16(bytes.substr(2), false);
-  if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
-  if (!isUtf8(bytes)) return std::nullopt;
+  if (bytes.starts_with("\xFE\xFF")) {
+    return utf8FromUtf16(bytes.substr(2), true);
+  }
+  if (bytes.starts_with("\xFF\xFE")) {
+    return utf8FromUtf16(bytes.substr(2), false);
+  }
+  if (bytes.starts_with("\xEF\xBB\xBF")) {
+    bytes.remove_prefix(3);
+  }
+  if (!isUtf8(bytes)) {
+    return std::nullopt;
+  }
   return std::string(bytes);
 }
 
@@ -50,12 +60,18 @@ class TableReader {
     std::vector<Dictionary::Member> members;
     while (skipBlanks() && !rest_.empty()) {
       std::optional<std::string> key = word();
-      if (!key || !mark('=')) return std::nullopt;
+      if (!key || !mark('=')) {
+        return std::nullopt;
+      }
       std::optional<std::string> value = word();
-      if (!value || !mark(';')) return std::nullopt;
+      if (!value || !mark(';')) {
+        return std::nullopt;
+      }
       members.push_back({std::move(*key), std::move(*value)});
     }
-    if (!rest_.empty()) return std::nullopt;
+    if (!rest_.empty()) {
+      return std::nullopt;
+    }
     return Dictionary::ofMembers(std::move(members));
   }
 
@@ -66,13 +82,17 @@ class TableReader {
       std::size_t end = 0;
       if (rest_.starts_with("/*")) {
         end = rest_.find("*/", 2);
-        if (end == std::string_view::npos) return false;
+        if (end == std::string_view::npos) {
+          return false;
+        }
         end += 2;
       } else if (rest_.starts_with("//")) {
         end = std::min(rest_.find_first_of("\r\n"), rest_.size());
       } else {
         end = std::min(rest_.find_first_not_of(" \t\r\n\v\f"), rest_.size());
-        if (end == 0) return true;
+        if (end == 0) {
+          return true;
+        }
       }
       rest_.remove_prefix(end);
     }
@@ -80,20 +100,28 @@ class TableReader {
   }
 
   bool mark(char sign) {
-    if (!skipBlanks() || !rest_.starts_with(sign)) return false;
+    if (!skipBlanks() || !rest_.starts_with(sign)) {
+      return false;
+    }
     rest_.remove_prefix(1);
     return true;
   }
 
   // A text in quotes, or a bare word of letters, digits and a few signs.
   std::optional<std::string> word() {
-    if (!skipBlanks()) return std::nullopt;
-    if (rest_.starts_with('"')) return quoted();
+    if (!skipBlanks()) {
+      return std::nullopt;
+    }
+    if (rest_.starts_with('"')) {
+      return quoted();
+    }
     const std::size_t end = std::min(
         rest_.find_first_not_of(
             "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_.$:-"),
         rest_.size());
-    if (end == 0) return std::nullopt;
+    if (end == 0) {
+      return std::nullopt;
+    }
     std::string text(rest_.substr(0, end));
     rest_.remove_prefix(end);
     return text;
@@ -105,7 +133,9 @@ class TableReader {
     while (!rest_.empty()) {
       const char c = rest_.front();
       rest_.remove_prefix(1);
-      if (c == '"') return text;
+      if (c == '"') {
+        return text;
+      }
       if (c != '\\') {
         text += c;
       } else if (!appendEscaped(text)) {
@@ -116,7 +146,9 @@ class TableReader {
   }
 
   bool appendEscaped(std::string& text) {
-    if (rest_.empty()) return false;
+    if (rest_.empty()) {
+      return false;
+    }
     const char c = rest_.front();
     rest_.remove_prefix(1);
     switch (c) {
@@ -143,8 +175,12 @@ class TableReader {
     unsigned unit = 0;
     const auto [end, error] =
         std::from_chars(digits.data(), digits.data() + digits.size(), unit, 16);
-    if (error != std::errc() || end != digits.data() + 4) return false;
-    if (isHighSurrogate(unit) || isLowSurrogate(unit)) return false;
+    if (error != std::errc() || end != digits.data() + 4) {
+      return false;
+    }
+    if (isHighSurrogate(unit) || isLowSurrogate(unit)) {
+      return false;
+    }
     appendUtf8(text, unit);
     rest_.remove_prefix(4);
     return true;
@@ -157,8 +193,10 @@ class TableReader {
 
 std::optional<Dictionary> readStringsTable(std::string_view bytes) {
   const std::optional<std::string> text = decoded(bytes);
-  if (!text) return std::nullopt;
+  if (!text) {
+    return std::nullopt;
+  }
   return TableReader(*text).read();
 }
 
-}  // namespace foundation
+}  // namespace quillpad

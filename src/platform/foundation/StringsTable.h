@@ -7,10 +7,10 @@
 
 #include "platform/foundation/Value.h"
 
-namespace foundation {
+namespace quillpad {
 
 // The table's texts by their keys, or nothing if the bytes are no such table. Of two entries with
 // one key the first is kept. A function of its argument alone, callable from any thread.
 std::optional<Dictionary> readStringsTable(std::string_view bytes);
 
-}  // namespace foundation
+}  // namespace quillpad

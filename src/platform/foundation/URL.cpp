@@ -6,7 +6,7 @@
 
 #include "platform/foundation/Utf8.h"
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -14,10 +14,10 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
 // The signs that may stand in each part as they are, beside letters and digits.
-constexpr std::string_view kUserSigns = "-._~!$&'()*+,;=:";
-constexpr std::string_view kHostSigns = "-._~!$&'()*+,;=";
-constexpr std::string_view kPathSigns = "-._~!$&'()*+,;=:@/";
-constexpr std::string_view kQuerySigns = "-._~!$&'()*+,;=:@/?";
+constexpr std::string_view userSigns = "-._~!$&'()*+,;=:";
+constexpr std::string_view hostSigns = "-._~!$&'()*+,;=";
+constexpr std::string_view pathSigns = "-._~!$&'()*+,;=:@/";
+constexpr std::string_view querySigns = "-._~!$&'()*+,;=:@/?";
 
 bool mayStand(char c, std::string_view signs) {
   return isLetter(c) || isDigit(c) || signs.contains(c);
@@ -39,16 +39,18 @@ bool isValid(std::string_view part, std::string_view signs) {
 
 // A part with one character out of place is encoded anew as a whole, its "%" too, as on the phone.
 std::string encoded(std::string_view part, std::string_view signs) {
-  if (isValid(part, signs)) return std::string(part);
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  if (isValid(part, signs)) {
+    return std::string(part);
+  }
+  constexpr std::string_view hexDigits = "0123456789ABCDEF";
   std::string text;
   for (const char c : part) {
     if (mayStand(c, signs)) {
       text += c;
     } else {
       text += '%';
-      text += kDigits[static_cast<unsigned char>(c) >> 4];
-      text += kDigits[static_cast<unsigned char>(c) & 0xF];
+      text += hexDigits[static_cast<unsigned char>(c) >> 4];
+      text += hexDigits[static_cast<unsigned char>(c) & 0xF];
     }
   }
   return text;
@@ -64,12 +66,16 @@ std::optional<std::string> internationalHost(std::string_view host) {
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<icu::IDNA> idna(
       icu::IDNA::createUTS46Instance(UIDNA_NONTRANSITIONAL_TO_ASCII, status));
-  if (U_FAILURE(status)) return std::nullopt;
+  if (U_FAILURE(status)) {
+    return std::nullopt;
+  }
   std::string ascii;
   icu::StringByteSink<std::string> sink(&ascii);
   icu::IDNAInfo info;
   idna->nameToASCII_UTF8({host.data(), static_cast<int32_t>(host.size())}, sink, info, status);
-  if (U_FAILURE(status) || info.hasErrors() || !isValid(ascii, kHostSigns)) return std::nullopt;
+  if (U_FAILURE(status) || info.hasErrors() || !isValid(ascii, hostSigns)) {
+    return std::nullopt;
+  }
   return ascii;
 }
 
@@ -81,7 +87,9 @@ std::optional<std::string> hostOf(std::string_view text) {
         std::ranges::all_of(address, [](char c) { return isHexDigit(c) || c == ':' || c == '.'; });
     return isAddress ? std::optional(std::string(text)) : std::nullopt;
   }
-  if (isValid(text, kHostSigns)) return std::string(text);
+  if (isValid(text, hostSigns)) {
+    return std::string(text);
+  }
   const bool isAscii =
       std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
   return isAscii ? std::nullopt : internationalHost(text);
@@ -96,16 +104,20 @@ struct Authority {
 std::optional<Authority> authorityOf(std::string_view text) {
   Authority authority;
   if (const std::size_t at = text.rfind('@'); at != std::string_view::npos) {
-    authority.user = encoded(text.substr(0, at), kUserSigns) + "@";
+    authority.user = encoded(text.substr(0, at), userSigns) + "@";
     text.remove_prefix(at + 1);
   }
   const std::size_t colon = text.find(':', text.starts_with('[') ? text.find(']') : 0);
   if (colon != std::string_view::npos) {
-    if (!std::ranges::all_of(text.substr(colon + 1), isDigit)) return std::nullopt;
+    if (!std::ranges::all_of(text.substr(colon + 1), isDigit)) {
+      return std::nullopt;
+    }
     authority.port = text.substr(colon);
   }
   std::optional<std::string> host = hostOf(text.substr(0, colon));
-  if (!host) return std::nullopt;
+  if (!host) {
+    return std::nullopt;
+  }
   authority.host = std::move(*host);
   return authority;
 }
@@ -113,7 +125,9 @@ std::optional<Authority> authorityOf(std::string_view text) {
 }  // namespace
 
 std::optional<URL> URL::parse(std::string_view text) {
-  if (text.empty() || !isUtf8(text)) return std::nullopt;
+  if (text.empty() || !isUtf8(text)) {
+    return std::nullopt;
+  }
   // Takes the front of the text up to the first of the signs.
   const auto takeUntil = [&text](std::string_view signs) {
     const std::string_view front = text.substr(0, text.find_first_of(signs));
@@ -124,7 +138,9 @@ std::optional<URL> URL::parse(std::string_view text) {
   URL url;
   if (const std::size_t end = text.find_first_of(":/?#");
       end != std::string_view::npos && text[end] == ':') {
-    if (!isScheme(text.substr(0, end))) return std::nullopt;
+    if (!isScheme(text.substr(0, end))) {
+      return std::nullopt;
+    }
     url.scheme_ = takeUntil(":");
     url.text_ = url.scheme_ + ":";
     text.remove_prefix(1);
@@ -132,19 +148,21 @@ std::optional<URL> URL::parse(std::string_view text) {
   if (text.starts_with("//")) {
     text.remove_prefix(2);
     std::optional<Authority> authority = authorityOf(takeUntil("/?#"));
-    if (!authority) return std::nullopt;
+    if (!authority) {
+      return std::nullopt;
+    }
     url.text_ += "//" + authority->user + authority->host + authority->port;
     url.host_ = std::move(authority->host);
   }
-  url.text_ += encoded(takeUntil("?#"), kPathSigns);
+  url.text_ += encoded(takeUntil("?#"), pathSigns);
   if (text.starts_with('?')) {
     text.remove_prefix(1);
-    url.text_ += "?" + encoded(takeUntil("#"), kQuerySigns);
+    url.text_ += "?" + encoded(takeUntil("#"), querySigns);
   }
   if (text.starts_with('#')) {
-    url.text_ += "#" + encoded(text.substr(1), kQuerySigns);
+    url.text_ += "#" + encoded(text.substr(1), querySigns);
   }
   return url;
 }
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace foundation {
+namespace quillpad {
 
 class URL {
  public:
@@ -28,4 +28,4 @@ class URL {
   std::string host_;
 };
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace foundation {
+namespace quillpad {
 
 bool isUtf8(std::string_view bytes) {
   struct Lead {
@@ -11,7 +11,7 @@ bool isUtf8(std::string_view bytes) {
     unsigned char secondMin, secondMax;  // of the byte after it
     std::size_t length;
   };
-  static constexpr Lead kLeads[] = {
+  static constexpr Lead leads[] = {
       {0xC2, 0xDF, 0x80, 0xBF, 2},
       {0xE0, 0xE0, 0xA0, 0xBF, 3},
       {0xE1, 0xEC, 0x80, 0xBF, 3},
@@ -23,13 +23,23 @@ bool isUtf8(std::string_view bytes) {
   };
   const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
   const auto lengthAt = [&](std::size_t i) -> std::size_t {
-    if (byteAt(i) < 0x80) return 1;
-    for (const Lead& lead : kLeads) {
-      if (byteAt(i) < lead.first || byteAt(i) > lead.last) continue;
-      if (i + lead.length > bytes.size()) return 0;
-      if (byteAt(i + 1) < lead.secondMin || byteAt(i + 1) > lead.secondMax) return 0;
+    if (byteAt(i) < 0x80) {
+      return 1;
+    }
+    for (const Lead& lead : leads) {
+      if (byteAt(i) < lead.first || byteAt(i) > lead.last) {
+        continue;
+      }
+      if (i + lead.length > bytes.size()) {
+        return 0;
+      }
+      if (byteAt(i + 1) < lead.secondMin || byteAt(i + 1) > lead.secondMax) {
+        return 0;
+      }
       for (std::size_t k = 2; k < lead.length; ++k) {
-        if ((byteAt(i + k) & 0xC0) != 0x80) return 0;
+        if ((byteAt(i + k) & 0xC0) != 0x80) {
+          return 0;
+        }
       }
       return lead.length;
     }
@@ -37,7 +47,9 @@ bool isUtf8(std::string_view bytes) {
   };
   for (std::size_t i = 0; i < bytes.size();) {
     const std::size_t length = lengthAt(i);
-    if (length == 0) return false;
+    if (length == 0) {
+      return false;
+    }
     i += length;
   }
   return true;
@@ -64,4 +76,4 @@ void appendUtf8(std::string& text, char32_t character) {
   }
 }
 
-}  // namespace foundation
+}  // namespace quillpad

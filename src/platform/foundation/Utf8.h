@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace foundation {
+namespace quillpad {
 
 // Whether the bytes are UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
 bool isUtf8(std::string_view bytes);
@@ -12,4 +12,4 @@ bool isUtf8(std::string_view bytes);
 // Appends the character, which must be a Unicode scalar value.
 void appendUtf8(std::string& text, char32_t character);
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -7,18 +7,24 @@
 #include <tuple>
 #include <type_traits>
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 std::string textOf(double value) {
-  if (std::isnan(value)) return "nan";
-  if (std::isinf(value)) return value < 0 ? "-inf" : "inf";
+  if (std::isnan(value)) {
+    return "nan";
+  }
+  if (std::isinf(value)) {
+    return value < 0 ? "-inf" : "inf";
+  }
   char buffer[32];
   const auto written =
       std::to_chars(std::begin(buffer), std::end(buffer), value, std::chars_format::scientific);
   const std::string_view scientific(buffer, written.ptr);
   const int exponent = std::atoi(std::string(scientific.substr(scientific.find('e') + 1)).c_str());
-  if (exponent < -4 || exponent >= 16) return std::string(scientific);
+  if (exponent < -4 || exponent >= 16) {
+    return std::string(scientific);
+  }
   const auto plain =
       std::to_chars(std::begin(buffer), std::end(buffer), value, std::chars_format::fixed);
   return {buffer, plain.ptr};
@@ -78,7 +84,9 @@ Dictionary Dictionary::ofMembers(std::vector<Member> members) {
     return dictionary;
   }
   for (std::size_t i = 0; i < members.size(); ++i) {
-    if (!repeated[i]) dictionary.members_.push_back(std::move(members[i]));
+    if (!repeated[i]) {
+      dictionary.members_.push_back(std::move(members[i]));
+    }
   }
   return dictionary;
 }
@@ -114,4 +122,4 @@ bool operator==(const Dictionary& left, const Dictionary& right) {
          });
 }
 
-}  // namespace foundation
+}  // namespace quillpad

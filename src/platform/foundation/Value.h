@@ -12,7 +12,7 @@
 #include <variant>
 #include <vector>
 
-namespace foundation {
+namespace quillpad {
 
 // A point in time, to the millisecond as the channel writes it.
 using Date = std::chrono::sys_time<std::chrono::milliseconds>;
@@ -138,4 +138,4 @@ struct Dictionary::Member {
   friend bool operator==(const Member&, const Member&) = default;
 };
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -8,7 +8,7 @@
 
 #include "platform/foundation/FileDescriptor.h"
 
-namespace foundation {
+namespace quillpad {
 namespace {
 
 std::error_code lastError() { return {errno, std::system_category()}; }
@@ -16,15 +16,21 @@ std::error_code lastError() { return {errno, std::system_category()}; }
 std::error_code writeAll(int descriptor, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-    if (written < 0 && errno != EINTR) return lastError();
-    if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
+    if (written < 0 && errno != EINTR) {
+      return lastError();
+    }
+    if (written > 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
   }
   return {};
 }
 
 std::error_code syncFolder(const std::filesystem::path& folder) {
   const FileDescriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!descriptor || fsync(descriptor.get()) != 0) return lastError();
+  if (!descriptor || fsync(descriptor.get()) != 0) {
+    return lastError();
+  }
   return {};
 }
 
@@ -46,9 +52,15 @@ std::expected<std::string, std::error_code> readWholeFile(
   std::array<char, 16384> piece{};
   while (true) {
     const ssize_t count = read(descriptor.get(), piece.data(), piece.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return std::unexpected(lastError());
-    if (count == 0) return bytes;
+    if (count < 0 && errno == EINTR) {
+      continue;
+    }
+    if (count < 0) {
+      return std::unexpected(lastError());
+    }
+    if (count == 0) {
+      return bytes;
+    }
     bytes.append(piece.data(), static_cast<std::size_t>(count));
     if (bytes.size() > maximumBytes) {
       return std::unexpected(std::make_error_code(std::errc::file_too_large));
@@ -60,11 +72,17 @@ std::error_code writeWholeFile(const std::filesystem::path& file, std::string_vi
   const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
   std::string temporary = (folder / ("." + file.filename().string() + ".XXXXXX")).string();
   const FileDescriptor descriptor(mkostemp(temporary.data(), O_CLOEXEC));  // mode 0600
-  if (!descriptor) return lastError();
+  if (!descriptor) {
+    return lastError();
+  }
 
   std::error_code error = writeAll(descriptor.get(), bytes);
-  if (!error && fsync(descriptor.get()) != 0) error = lastError();
-  if (!error && rename(temporary.c_str(), file.c_str()) != 0) error = lastError();
+  if (!error && fsync(descriptor.get()) != 0) {
+    error = lastError();
+  }
+  if (!error && rename(temporary.c_str(), file.c_str()) != 0) {
+    error = lastError();
+  }
   if (error) {
     unlink(temporary.c_str());
     return error;
@@ -72,4 +90,4 @@ std::error_code writeWholeFile(const std::filesystem::path& file, std::string_vi
   return syncFolder(folder);
 }
 
-}  // namespace foundation
+}  // namespace quillpad

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace foundation {
+namespace quillpad {
 
 // The bytes of a regular file as it is at this moment. Fails for anything but a regular file (and
 // never waits on one), and with file_too_large where it holds more than the given number of bytes.
@@ -19,4 +19,4 @@ std::expected<std::string, std::error_code> readWholeFile(
 // opens the file finds what was there before or all of the new. On failure the old file stands.
 std::error_code writeWholeFile(const std::filesystem::path& file, std::string_view bytes);
 
-}  // namespace foundation
+}  // namespace quillpad

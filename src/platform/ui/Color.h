@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace ui {
+namespace quillpad::ui {
 
 // sRGB, eight bits a component; alpha 255 is opaque.
 struct Rgba {
@@ -32,4 +32,4 @@ struct Color {
   Rgba dark;
 };
 
-}  // namespace ui
+}  // namespace quillpad::ui

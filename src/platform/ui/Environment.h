@@ -1,7 +1,7 @@
 // What the home screen says of the place that a view is made for. Plain values.
 #pragma once
 
-namespace ui {
+namespace quillpad::ui {
 
 enum class WidgetFamily { systemSmall, systemMedium };
 
@@ -9,4 +9,4 @@ struct Environment {
   WidgetFamily widgetFamily = WidgetFamily::systemSmall;
 };
 
-}  // namespace ui
+}  // namespace quillpad::ui

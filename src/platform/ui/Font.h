@@ -1,7 +1,7 @@
 // Fonts by what they are for; the home screen knows the files. Plain values.
 #pragma once
 
-namespace ui {
+namespace quillpad::ui {
 
 enum class Weight { regular, medium, semibold };
 
@@ -12,4 +12,4 @@ struct Font {
   friend bool operator==(const Font&, const Font&) = default;
 };
 
-}  // namespace ui
+}  // namespace quillpad::ui

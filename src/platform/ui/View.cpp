@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-namespace ui {
+namespace quillpad::ui {
 
 Text Text::verbatim(std::string text) {
   Text view(std::move(text));
@@ -33,4 +33,4 @@ void detail::append(std::vector<View>& children, Group group) {
       std::make_move_iterator(group.views.end()));
 }
 
-}  // namespace ui
+}  // namespace quillpad::ui

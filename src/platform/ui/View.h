@@ -16,7 +16,7 @@
 #include "platform/ui/Color.h"
 #include "platform/ui/Font.h"
 
-namespace ui {
+namespace quillpad::ui {
 
 class View;
 
@@ -64,7 +64,7 @@ struct Modifiable {
   View background(Color color) &&;
   View clipShape(ClipShape shape) &&;
   // The link that a tap anywhere on the widget opens; an absent one attaches nothing.
-  View widgetURL(const std::optional<foundation::URL>& url) &&;
+  View widgetURL(const std::optional<URL>& url) &&;
 };
 
 // The contents.
@@ -212,7 +212,7 @@ View Modifiable<Self>::clipShape(ClipShape shape) && {
 }
 
 template <class Self>
-View Modifiable<Self>::widgetURL(const std::optional<foundation::URL>& url) && {
+View Modifiable<Self>::widgetURL(const std::optional<URL>& url) && {
   View view = std::move(static_cast<Self&>(*this));
   if (url) {
     view.modifiers.emplace_back(WidgetUrl{url->absoluteString()});
@@ -220,4 +220,4 @@ View Modifiable<Self>::widgetURL(const std::optional<foundation::URL>& url) && {
   return view;
 }
 
-}  // namespace ui
+}  // namespace quillpad::ui

@@ -7,13 +7,8 @@
 #include <string_view>
 #include <utility>
 
-namespace ui {
+namespace quillpad::ui {
 namespace {
-
-using foundation::Array;
-using foundation::Dictionary;
-using foundation::Number;
-using foundation::Value;
 
 constexpr std::size_t deepestView = 256;
 constexpr std::size_t mostViews = 100'000;
@@ -451,4 +446,4 @@ Value toValue(const View& view) {
 
 std::expected<View, std::string> viewFromValue(const Value& value) { return Reader().read(value); }
 
-}  // namespace ui
+}  // namespace quillpad::ui

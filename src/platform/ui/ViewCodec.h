@@ -8,16 +8,16 @@
 #include "platform/foundation/Value.h"
 #include "platform/ui/View.h"
 
-namespace ui {
+namespace quillpad::ui {
 
 // The view with every looked-up text replaced by what `lookUp` finds for it, and so verbatim.
 View localized(View view, const std::function<std::string(const std::string& key)>& lookUp);
 
 // The view as a JSON value. What viewFromValue reads back gives the same value again.
-foundation::Value toValue(const View& view);
+Value toValue(const View& view);
 
 // The view that the value describes; on failure the first thing wrong with it, by its place in the
 // tree. At most 256 levels deep, 100,000 views and 32 modifiers of one view.
-std::expected<View, std::string> viewFromValue(const foundation::Value& value);
+std::expected<View, std::string> viewFromValue(const Value& value);
 
-}  // namespace ui
+}  // namespace quillpad::ui

@@ -6,7 +6,7 @@
 #include <functional>
 #include <utility>
 
-namespace widgets {
+namespace quillpad::widgets {
 
 template <class Answer>
 class Completion {
@@ -46,4 +46,4 @@ Completion<Answer> forwarding(Completion<Outer> outer, Convert convert) {
       nullptr);
 }
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

@@ -7,9 +7,9 @@
 
 #include "platform/channel/Messages.h"
 
-namespace widgets {
+namespace quillpad::widgets {
 
-Connection::Connection(foundation::FileDescriptor socket)
+Connection::Connection(FileDescriptor socket)
     : socket_(std::move(socket)), lines_(channel::longestFrame) {}
 
 std::optional<channel::Line> Connection::receive() {
@@ -41,4 +41,4 @@ void Connection::send(std::string line) {
   }
 }
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

@@ -8,11 +8,11 @@
 #include "platform/channel/LineReader.h"
 #include "platform/foundation/FileDescriptor.h"
 
-namespace widgets {
+namespace quillpad::widgets {
 
 class Connection {
  public:
-  explicit Connection(foundation::FileDescriptor socket);
+  explicit Connection(FileDescriptor socket);
 
   // The next line, waited for; nothing once the home screen has closed the channel.
   std::optional<channel::Line> receive();
@@ -21,9 +21,9 @@ class Connection {
   void send(std::string line);
 
  private:
-  foundation::FileDescriptor socket_;
+  FileDescriptor socket_;
   channel::LineReader lines_;
   std::mutex sending_;
 };
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

@@ -7,10 +7,10 @@
 #include "platform/foundation/Activity.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Locale.h"
-#include "platform/foundation/URLSession.h"
+#include "platform/net/URLSession.h"
 #include "platform/ui/ViewCodec.h"
 
-namespace widgets {
+namespace quillpad::widgets {
 namespace {
 
 using channel::Refused;
@@ -30,7 +30,7 @@ Completion<Answer> replying(
 }
 
 std::string lookUp(const std::string& key, const std::string& locale) {
-  return foundation::Bundle::main().localizedString(key, locale);
+  return Bundle::main().localizedString(key, locale);
 }
 
 }  // namespace
@@ -55,7 +55,7 @@ void Server::answer(std::string_view line) {
     connection_->send(channel::encode(request.error()));
     return;
   }
-  const foundation::ActivityScope activity(request->id);
+  const ActivityScope activity(request->id);
   auto reply =
       std::visit([&](const auto& one) { return handle(request->id, one); }, request->request);
   if (reply) {
@@ -65,7 +65,7 @@ void Server::answer(std::string_view line) {
 
 std::optional<Reply> Server::handle(
     std::uint64_t /*id*/, const channel::CatalogueRequest& /*request*/) {
-  const std::string locale = foundation::currentLocale();
+  const std::string locale = currentLocale();
   channel::Catalogue catalogue;
   for (const WidgetConfiguration& widget : widgets_) {
     catalogue.items.push_back(
@@ -80,14 +80,18 @@ std::optional<Reply> Server::handle(
 std::optional<Reply> Server::handle(
     std::uint64_t /*id*/, const channel::PlaceholderRequest& request) {
   const WidgetConfiguration* widget = find(request.kind);
-  if (widget == nullptr) return unknownKind(request.kind);
+  if (widget == nullptr) {
+    return unknownKind(request.kind);
+  }
   return channel::Entry{widget->placeholder({})};
 }
 
 std::optional<Reply> Server::handle(std::uint64_t id, const channel::SnapshotRequest& request) {
   const WidgetConfiguration* widget = find(request.kind);
-  if (widget == nullptr) return unknownKind(request.kind);
-  widget->snapshot({}, replying<foundation::Value>(connection_, id, [](foundation::Value entry) {
+  if (widget == nullptr) {
+    return unknownKind(request.kind);
+  }
+  widget->snapshot({}, replying<Value>(connection_, id, [](Value entry) {
                      return channel::Entry{std::move(entry)};
                    }));
   return std::nullopt;
@@ -95,7 +99,9 @@ std::optional<Reply> Server::handle(std::uint64_t id, const channel::SnapshotReq
 
 std::optional<Reply> Server::handle(std::uint64_t id, const channel::TimelineRequest& request) {
   const WidgetConfiguration* widget = find(request.kind);
-  if (widget == nullptr) return unknownKind(request.kind);
+  if (widget == nullptr) {
+    return unknownKind(request.kind);
+  }
   watchTransfers();
   widget->timeline({}, replying<EncodedTimeline>(connection_, id, [](EncodedTimeline timeline) {
                      return channel::Timeline{std::move(timeline.entries), timeline.reloadAfter};
@@ -105,14 +111,16 @@ std::optional<Reply> Server::handle(std::uint64_t id, const channel::TimelineReq
 
 std::optional<Reply> Server::handle(std::uint64_t /*id*/, const channel::RenderRequest& request) {
   const WidgetConfiguration* widget = find(request.kind);
-  if (widget == nullptr) return unknownKind(request.kind);
+  if (widget == nullptr) {
+    return unknownKind(request.kind);
+  }
   const ui::WidgetFamily family = request.family.value_or(widget->families.front());
   if (std::ranges::find(widget->families, family) == widget->families.end()) {
     return Refused{
         channel::invalidParams,
         request.kind + " is not offered as " + std::string(channel::familyName(family))};
   }
-  const std::string locale = request.locale.empty() ? foundation::currentLocale() : request.locale;
+  const std::string locale = request.locale.empty() ? currentLocale() : request.locale;
   return channel::Rendering{ui::localized(
       widget->render({family}, request.entry),
       [&](const std::string& key) { return lookUp(key, locale); })};
@@ -137,10 +145,9 @@ void Server::watchTransfers() {
   if (std::exchange(watching_, true)) {
     return;
   }
-  foundation::URLSession::shared().watchTransfers(
-      [connection = connection_](const foundation::TransferReport& report) {
-        connection->send(channel::encode(channel::TransferNotice{report}));
-      });
+  URLSession::shared().watchTransfers([connection = connection_](const TransferReport& report) {
+    connection->send(channel::encode(channel::TransferNotice{report}));
+  });
 }
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

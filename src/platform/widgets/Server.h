@@ -11,7 +11,7 @@
 #include "platform/widgets/Connection.h"
 #include "platform/widgets/StaticConfiguration.h"
 
-namespace widgets {
+namespace quillpad::widgets {
 
 class Server {
  public:
@@ -40,4 +40,4 @@ class Server {
   bool watching_ = false;
 };
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

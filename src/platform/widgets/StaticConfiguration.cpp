@@ -1,6 +1,6 @@
 #include "platform/widgets/StaticConfiguration.h"
 
-namespace widgets {
+namespace quillpad::widgets {
 
 WidgetConfiguration WidgetConfiguration::configurationDisplayName(std::string key) && {
   displayNameKey = std::move(key);
@@ -18,4 +18,4 @@ WidgetConfiguration WidgetConfiguration::supportedFamilies(
   return std::move(*this);
 }
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

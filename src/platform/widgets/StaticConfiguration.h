@@ -14,12 +14,12 @@
 #include "platform/ui/View.h"
 #include "platform/widgets/TimelineProvider.h"
 
-namespace widgets {
+namespace quillpad::widgets {
 
 // Entries as they cross to the home screen: {"date", "data"}.
 struct EncodedTimeline {
-  std::vector<foundation::Value> entries;
-  foundation::Date reloadAfter;
+  std::vector<Value> entries;
+  Date reloadAfter;
 };
 
 // A declaration with the types of provider and entry gone: what the extension serves.
@@ -34,28 +34,27 @@ class WidgetConfiguration {
   std::string descriptionKey;
   std::vector<ui::WidgetFamily> families;
 
-  std::function<foundation::Value(const TimelineProviderContext&)> placeholder;
-  std::function<void(const TimelineProviderContext&, Completion<foundation::Value>)> snapshot;
+  std::function<Value(const TimelineProviderContext&)> placeholder;
+  std::function<void(const TimelineProviderContext&, Completion<Value>)> snapshot;
   std::function<void(const TimelineProviderContext&, Completion<EncodedTimeline>)> timeline;
   // The view of an entry that the home screen sent back; an entry of another shape ends the
   // process.
-  std::function<ui::View(const ui::Environment&, const foundation::Value& entry)> render;
+  std::function<ui::View(const ui::Environment&, const Value& entry)> render;
 };
 
 template <TimelineEntry Entry>
-foundation::Value encoded(const Entry& entry) {
-  return foundation::Dictionary{
-      {"date", foundation::iso8601(entry.date)}, {"data", entry.data.toValue()}};
+Value encoded(const Entry& entry) {
+  return Dictionary{{"date", iso8601(entry.date)}, {"data", entry.data.toValue()}};
 }
 
 template <TimelineEntry Entry>
-Entry decodedEntry(const foundation::Value& value) {
+Entry decodedEntry(const Value& value) {
   using RecordType = decltype(Entry::data);
-  const auto& members = foundation::forcedAs<foundation::Dictionary>(value, "the entry");
-  const auto& date = foundation::forcedMember<std::string>(members, "date");
+  const auto& members = forcedAs<Dictionary>(value, "the entry");
+  const auto& date = forcedMember<std::string>(members, "date");
   return {
-      foundation::forced(foundation::dateFromIso8601(date), "the entry's date"),
-      RecordType::fromValue(foundation::forced(members.find("data"), "the entry's data"))};
+      forced(dateFromIso8601(date), "the entry's date"),
+      RecordType::fromValue(forced(members.find("data"), "the entry's data"))};
 }
 
 // Binds a kind to its provider and to the content of its entries: content(environment, entry) gives
@@ -66,11 +65,11 @@ WidgetConfiguration StaticConfiguration(std::string kind, Provider provider, Con
   WidgetConfiguration configuration;
   configuration.kind = std::move(kind);
   configuration.placeholder = [provider](const TimelineProviderContext& context) {
-    return foundation::Value(encoded(provider.placeholder(context)));
+    return Value(encoded(provider.placeholder(context)));
   };
   configuration.snapshot = [provider](
                                const TimelineProviderContext& context,
-                               Completion<foundation::Value> completion) {
+                               Completion<Value> completion) {
     provider.getSnapshot(context, forwarding<Entry>(std::move(completion), [](const Entry& entry) {
                            return encoded(entry);
                          }));
@@ -87,11 +86,10 @@ WidgetConfiguration StaticConfiguration(std::string kind, Provider provider, Con
               return result;
             }));
       };
-  configuration.render = [content](
-                             const ui::Environment& environment, const foundation::Value& entry) {
+  configuration.render = [content](const ui::Environment& environment, const Value& entry) {
     return ui::View(content(environment, decodedEntry<Entry>(entry)));
   };
   return configuration;
 }
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

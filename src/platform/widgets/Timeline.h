@@ -6,32 +6,32 @@
 
 #include "platform/foundation/Value.h"
 
-namespace widgets {
+namespace quillpad::widgets {
 
 // A record that can travel to the home screen and back. `fromValue` ends the process for a value
 // that it did not make.
 template <class T>
-concept Record = requires(const T& record, const foundation::Value& value) {
-  { record.toValue() } -> std::same_as<foundation::Value>;
+concept Record = requires(const T& record, const Value& value) {
+  { record.toValue() } -> std::same_as<Value>;
   { T::fromValue(value) } -> std::same_as<T>;
 };
 
 // A point in time with what to show from then on: two fields, `date` and `data`.
 template <class T>
 concept TimelineEntry = requires(const T& entry) {
-  { entry.date } -> std::convertible_to<foundation::Date>;
+  { entry.date } -> std::convertible_to<Date>;
   requires Record<std::remove_cvref_t<decltype(entry.data)>>;
 };
 
 // When the home screen may ask again.
 class TimelineReloadPolicy {
  public:
-  static TimelineReloadPolicy after(foundation::Date date) { return TimelineReloadPolicy(date); }
-  foundation::Date date() const { return date_; }
+  static TimelineReloadPolicy after(Date date) { return TimelineReloadPolicy(date); }
+  Date date() const { return date_; }
 
  private:
-  explicit TimelineReloadPolicy(foundation::Date date) : date_(date) {}
-  foundation::Date date_;
+  explicit TimelineReloadPolicy(Date date) : date_(date) {}
+  Date date_;
 };
 
 template <TimelineEntry Entry>
@@ -40,4 +40,4 @@ struct Timeline {
   TimelineReloadPolicy policy;
 };
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

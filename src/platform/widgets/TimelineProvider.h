@@ -8,7 +8,7 @@
 #include "platform/widgets/Completion.h"
 #include "platform/widgets/Timeline.h"
 
-namespace widgets {
+namespace quillpad::widgets {
 
 // The circumstances of a request.
 struct TimelineProviderContext {
@@ -27,4 +27,4 @@ concept TimelineProvider = TimelineEntry<typename T::Entry> &&
                              provider.getTimeline(context, std::move(timelineCompletion));
                            };
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

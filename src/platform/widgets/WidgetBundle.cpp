@@ -18,16 +18,18 @@
 #include "platform/foundation/FileDescriptor.h"
 #include "platform/widgets/Server.h"
 
-namespace widgets {
+namespace quillpad::widgets {
 namespace {
 
 constexpr int wrongUsage = 2;
 
 // The extension's end of the channel, out of the environment, so that nothing that this process
 // might start inherits it.
-std::optional<foundation::FileDescriptor> inheritedChannel() {
+std::optional<FileDescriptor> inheritedChannel() {
   const char* variable = std::getenv(channel::descriptorVariable);
-  if (variable == nullptr) return std::nullopt;
+  if (variable == nullptr) {
+    return std::nullopt;
+  }
   const std::string_view text = variable;
   int number = -1;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -39,7 +41,7 @@ std::optional<foundation::FileDescriptor> inheritedChannel() {
   }
   ::unsetenv(channel::descriptorVariable);
   ::fcntl(number, F_SETFD, FD_CLOEXEC);
-  return foundation::FileDescriptor(number);
+  return FileDescriptor(number);
 }
 
 }  // namespace
@@ -53,7 +55,7 @@ int serve(std::vector<WidgetConfiguration> widgets) {
         stderr);
     return wrongUsage;
   }
-  foundation::forbidCoreFiles();  // the access token may be in memory
+  forbidCoreFiles();  // the access token may be in memory
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   std::signal(SIGPIPE, SIG_IGN);
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
@@ -67,4 +69,4 @@ void leave(int status) {
   std::_Exit(status);
 }
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

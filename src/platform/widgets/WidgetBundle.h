@@ -7,7 +7,7 @@
 
 #include "platform/widgets/StaticConfiguration.h"
 
-namespace widgets {
+namespace quillpad::widgets {
 
 // A stateless value whose `body()` lists the widgets' declarations in the order in which the home
 // screen lists them.
@@ -29,4 +29,4 @@ int main(const Bundle& bundle) {
   leave(serve(bundle.body()));
 }
 
-}  // namespace widgets
+}  // namespace quillpad::widgets

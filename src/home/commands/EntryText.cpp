@@ -1,0 +1,131 @@
+#include "home/commands/EntryText.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <ctime>
+#include <vector>
+
+#include "home/commands/TextTable.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/Json.h"
+
+namespace quillpad::home {
+namespace {
+
+// A value that stands in one cell.
+Cell cell(const Value& value) {
+  if (const auto* text = value.as<std::string>()) {
+    return {*text};
+  }
+  if (const auto* number = value.as<Number>()) {
+    return {number->stringValue(), true};
+  }
+  return {writeJson(value, JsonLayout::compact).value_or("?")};
+}
+
+bool isRow(const Value& value) { return value.as<Dictionary>() != nullptr; }
+
+// The rows under a heading that names every key that one of them has.
+std::string describeRows(const Array& rows) {
+  std::vector<std::string> keys;
+  for (const Value& row : rows) {
+    for (const auto& [key, value] : *row.as<Dictionary>()) {
+      if (std::ranges::find(keys, key) == keys.end()) {
+        keys.push_back(key);
+      }
+    }
+  }
+
+  const auto cellOf = [](const Value& row, const std::string& key) {
+    const Value* value = row.as<Dictionary>()->find(key);
+    return value == nullptr ? Cell{} : cell(*value);
+  };
+  std::vector<Cell> heading;
+  heading.reserve(keys.size());
+  for (const std::string& key : keys) {
+    const bool numbers =
+        std::ranges::any_of(rows, [&](const Value& row) { return cellOf(row, key).alignedRight; });
+    heading.push_back({key, numbers});
+  }
+  TextTable table;
+  table.addRow(std::move(heading));
+  for (const Value& row : rows) {
+    std::vector<Cell> cells;
+    cells.reserve(keys.size());
+    for (const std::string& key : keys) {
+      cells.push_back(cellOf(row, key));
+    }
+    table.addRow(std::move(cells));
+  }
+  return table.text(4);
+}
+
+std::string describeData(const Value& data) {
+  const auto* members = data.as<Dictionary>();
+  if (members == nullptr) {
+    return "  " + printable(cell(data).text) + '\n';
+  }
+  TextTable fields;
+  std::string tables;
+  for (const auto& [key, value] : *members) {
+    const auto* rows = value.as<Array>();
+    if (rows == nullptr || !std::ranges::all_of(*rows, isRow)) {
+      fields.addRow({{key}, cell(value)});
+    } else if (rows->empty()) {
+      fields.addRow({{key}, {"(none)"}});
+    } else {
+      tables += "  " + printable(key) + '\n' + describeRows(*rows);
+    }
+  }
+  return fields.text(2) + tables;
+}
+
+std::string describeEntry(const Value& entry) {
+  const auto* members = entry.as<Dictionary>();
+  const Value* date = members == nullptr ? nullptr : members->find("date");
+  const Value* data = members == nullptr ? nullptr : members->find("data");
+  if (date == nullptr || data == nullptr) {
+    return printable(cell(entry).text) + '\n';
+  }
+  const auto moment = dateFromIso8601(cell(*date).text);
+  return (moment ? localTime(*moment) : printable(cell(*date).text)) + '\n' + describeData(*data);
+}
+
+}  // namespace
+
+std::string localTime(Date date) {
+  const std::time_t seconds =
+      std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(date));
+  std::tm local{};
+  ::localtime_r(&seconds, &local);
+  std::array<char, 64> buffer{};
+  const std::size_t length =
+      std::strftime(buffer.data(), buffer.size(), "%Y-%m-%d %H:%M:%S", &local);
+  return {buffer.data(), length};
+}
+
+std::string describe(const channel::Catalogue& catalogue) {
+  TextTable table;
+  table.addRow({{"Kind"}, {"Family"}, {"Name"}, {"Description"}});
+  for (const channel::CatalogueItem& item : catalogue.items) {
+    std::string families;
+    for (const ui::WidgetFamily family : item.families) {
+      families += (families.empty() ? "" : ", ") + std::string(channel::familyName(family));
+    }
+    table.addRow({{item.kind}, {families}, {item.displayName}, {item.description}});
+  }
+  return table.text(0);
+}
+
+std::string describe(const channel::Entry& entry) { return describeEntry(entry.entry); }
+
+std::string describe(const channel::Timeline& timeline) {
+  std::string text;
+  for (const Value& entry : timeline.entries) {
+    text += describeEntry(entry);
+  }
+  return text + "Reloads after " + localTime(timeline.reloadAfter) + '\n';
+}
+
+}  // namespace quillpad::home

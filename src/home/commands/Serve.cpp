@@ -1,0 +1,73 @@
+#include "home/commands/Serve.h"
+
+#include <csignal>
+#include <cstdio>
+#include <poll.h>
+#include <string>
+#include <sys/signalfd.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <vector>
+
+#include "home/commands/Output.h"
+#include "home/page/HomeScreen.h"
+#include "platform/foundation/FileDescriptor.h"
+
+namespace quillpad::home {
+namespace {
+
+// SIGINT, SIGTERM and SIGHUP as a descriptor to read from.
+FileDescriptor catchStopSignals(bool keepsRunning) {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGTERM);
+  if (!keepsRunning) {
+    sigaddset(&signals, SIGHUP);
+  }
+  ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+  return FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+}
+
+// Whether SIGHUP is ignored, which is how a person says that the program is to outlive its shell.
+bool outlivesItsParent() {
+  struct sigaction action{};
+  ::sigaction(SIGHUP, nullptr, &action);
+  return action.sa_handler == SIG_IGN;
+}
+
+// Readable once the parent process has ended; not open where it cannot be watched.
+FileDescriptor watchParent() {
+  return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, ::getppid(), 0)));
+}
+
+}  // namespace
+
+Done serve(const ServeOptions& options) {
+  ::signal(SIGPIPE, SIG_IGN);  // who reads the messages may leave
+  const bool keepsRunning = outlivesItsParent();
+  const FileDescriptor parent = keepsRunning ? FileDescriptor() : watchParent();
+  const FileDescriptor signals = catchStopSignals(keepsRunning);
+
+  auto screen = HomeScreen::start(options.extension, options.port);
+  if (!screen) {
+    return failure(ExitStatus::notPossible, screen.error());
+  }
+  if (Done printed = print((*screen)->address() + "\n"); !printed) {
+    return printed;
+  }
+
+  std::vector<pollfd> descriptors;
+  for (;;) {
+    descriptors = {{signals.get(), POLLIN, 0}, {parent.get(), POLLIN, 0}};
+    (*screen)->addDescriptors(descriptors);
+    ::poll(descriptors.data(), descriptors.size(), (*screen)->patience());
+    if (descriptors[0].revents != 0 || descriptors[1].revents != 0) {
+      (*screen)->stop();
+      return {};
+    }
+    (*screen)->run();
+  }
+}
+
+}  // namespace quillpad::home

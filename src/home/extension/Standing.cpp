@@ -1,0 +1,104 @@
+#include "home/extension/Standing.h"
+
+#include <array>
+#include <utility>
+
+namespace quillpad::home {
+namespace {
+
+// Lines with which extensions tell why they let a request go.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 2> knownLines{{
+    {"没有获取到businessID", "Nobody is signed in: the business identifier is empty."},
+    {"没有token", "The sign-in is not complete: the access token is empty."},
+}};
+
+std::string quoted(const std::string& line) { return "\u201c" + line + "\u201d"; }
+
+std::string whyDropped(const std::string& line) {
+  for (const auto& [known, meaning] : knownLines) {
+    if (line == known) {
+      return std::string(meaning) + " The extension said " + quoted(line) + ".";
+    }
+  }
+  return line.empty() ? "It gave no reason." : "It said " + quoted(line) + ".";
+}
+
+std::string standInWords(const TransportError& failure) {
+  return "The figures could not be fetched, so zeros or a sample stand in for them. " +
+         failure.localizedDescription + " (" + std::to_string(failure.code) + ")";
+}
+
+}  // namespace
+
+std::string inPlainWords(const Trouble& trouble) {
+  std::string words;
+  switch (trouble.cause) {
+    case Trouble::Cause::dropped:
+      return "The extension let the request go without an answer. " + whyDropped(trouble.said);
+    case Trouble::Cause::refused:
+      return "The extension could not take the request: " + trouble.how + ".";
+    case Trouble::Cause::late:
+      return "No answer came within " + trouble.how + ".";
+    case Trouble::Cause::overMemory:
+      return "The home screen ended the extension, which used " + trouble.how + ".";
+    case Trouble::Cause::notStarted:
+      return "The extension cannot be started: " + trouble.how;
+    case Trouble::Cause::ended:
+      words = "The extension ended (" + trouble.how + ").";
+      break;
+  }
+  if (!trouble.said.empty()) {
+    words += " Its last words: " + quoted(trouble.said) + ".";
+  }
+  return words;
+}
+
+Standing standingOf(const Card& card) {
+  using Level = Standing::Level;
+  Standing standing;
+  const Picture* picture = card.picture;
+  if (picture == nullptr) {
+    standing = {Level::blank, "No picture yet", "The extension has not sent a picture yet."};
+  } else if (picture->failure) {
+    standing = {Level::standIn, "Stand-in data", standInWords(*picture->failure)};
+  } else if (picture->source == Picture::Source::placeholder) {
+    standing = {Level::placeholder, "Placeholder", "The first figures are still on their way."};
+  } else if (card.trouble != nullptr) {
+    standing = {Level::old, "Old picture", "A newer picture did not come."};
+  } else if (picture->restored) {
+    standing = {
+        Level::old,
+        "Old picture",
+        "This is from before the home screen was started. Fresh figures "
+        "are on their way."};
+  }
+  if (card.trouble != nullptr) {
+    const std::string words = inPlainWords(*card.trouble);
+    const bool replaces = standing.level == Level::placeholder || standing.level == Level::blank;
+    standing.cause = replaces ? words : standing.cause + " " + words;
+  }
+  return standing;
+}
+
+std::string_view levelName(Standing::Level level) {
+  static constexpr std::array<std::string_view, 5> names{
+      "live", "placeholder", "stand-in", "old", "blank"};
+  return names.at(static_cast<std::size_t>(level));
+}
+
+std::string noticeOf(Supervisor::Life life, const std::optional<Trouble>& lastEnd) {
+  if (!lastEnd) {
+    return "";
+  }
+  switch (life) {
+    case Supervisor::Life::waiting:
+      return inPlainWords(*lastEnd) +
+             " It failed five times in a row, so it is not started again until you reload.";
+    case Supervisor::Life::pausing:
+      return inPlainWords(*lastEnd) + " It is started again shortly.";
+    default:
+      return "";
+  }
+}
+
+}  // namespace quillpad::home

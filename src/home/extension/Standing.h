@@ -1,0 +1,37 @@
+// How far what a widget shows is live, in plain words. Pure.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "home/extension/Supervisor.h"
+
+namespace quillpad::home {
+
+struct Standing {
+  enum class Level {
+    live,         // the newest entry, from a transfer that went well
+    placeholder,  // nothing was fetched yet
+    standIn,      // the transfer failed: zeros or a sample stand in
+    old,          // a newer entry was asked for and did not come
+    blank,        // there is no picture at all
+  };
+
+  Level level = Level::live;
+  std::string badge;  // two or three words; empty where it is live
+  std::string cause;  // a few sentences; empty where it is live
+};
+
+Standing standingOf(const Card& card);
+
+// "live", "placeholder", "stand-in", "old" or "blank".
+std::string_view levelName(Standing::Level level);
+
+// The trouble in one or two sentences.
+std::string inPlainWords(const Trouble& trouble);
+
+// What the whole home screen has to tell, or nothing while all is well.
+std::string noticeOf(Supervisor::Life life, const std::optional<Trouble>& lastEnd);
+
+}  // namespace quillpad::home

@@ -1,0 +1,17 @@
+# Writes files into a C++ source, each as a constant of namespace quillpad::home::page: style.css becomes styleCss.
+#   cmake -DOUTPUT=FILE -DFOLDER=FOLDER -DNAMES="home.html;style.css" -P Embed.cmake
+set(source "#include \"home/page/PageFiles.h\"\n\nnamespace quillpad::home::page {\n\n")
+foreach(name IN LISTS NAMES)
+  file(READ ${FOLDER}/${name} content)
+  string(REGEX REPLACE "[.-]" ";" words ${name})
+  list(POP_FRONT words constant)
+  foreach(word IN LISTS words)
+    string(SUBSTRING ${word} 0 1 initial)
+    string(SUBSTRING ${word} 1 -1 rest)
+    string(TOUPPER ${initial} initial)
+    string(APPEND constant ${initial}${rest})
+  endforeach()
+  string(APPEND source "const std::string_view ${constant} = R\"file(${content})file\";\n\n")
+endforeach()
+string(APPEND source "}  // namespace quillpad::home::page\n")
+file(WRITE ${OUTPUT} "${source}")

@@ -1,0 +1,193 @@
+#include "home/page/Page.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+#include "home/page/PageFiles.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/URL.h"
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+
+// "4 min", "2 h", "3 d"; nothing below a minute.
+std::string inWords(std::chrono::milliseconds time) {
+  if (time >= 24h) {
+    return std::to_string(time / 24h) + " d";
+  }
+  if (time >= 1h) {
+    return std::to_string(time / 1h) + " h";
+  }
+  if (time >= 1min) {
+    return std::to_string(time / 1min) + " min";
+  }
+  return "";
+}
+
+Markup timeMarkup(std::string_view says, Date date, const std::string& words) {
+  return {
+      "<time data-says=\"" + std::string(says) + "\" datetime=\"" + iso8601(date) + "\">" +
+      escaped(words).html + "</time>"};
+}
+
+Markup timesMarkup(const CardModel& card, Date now) {
+  Markup times;
+  if (card.updated) {
+    const std::string age = inWords(now - *card.updated);
+    times = timeMarkup("updated", *card.updated, age.empty() ? "just now" : age + " ago");
+  }
+  if (card.reload) {
+    const std::string left = inWords(*card.reload - now + 30s);
+    times.html += times.html.empty() ? "" : " · ";
+    times.html +=
+        timeMarkup("reloads", *card.reload, left.empty() ? "reloads now" : "reloads in " + left)
+            .html;
+  }
+  return times;
+}
+
+std::string familyOf(const channel::CatalogueItem& item) {
+  return std::string(channel::familyName(
+      item.families.empty() ? ui::WidgetFamily::systemSmall : item.families.front()));
+}
+
+Markup pictureOf(const DrawnCard* drawing) {
+  return drawing == nullptr ? Markup{} : drawing->picture;
+}
+
+}  // namespace
+
+std::optional<Markup> inBothAppearances(std::string_view light, std::string_view dark) {
+  constexpr std::string_view fill = " fill=\"";
+  Markup both;
+  for (;;) {
+    const std::size_t inLight = light.find(fill);
+    const std::size_t inDark = dark.find(fill);
+    if (light.substr(0, inLight) != dark.substr(0, inDark)) {
+      return std::nullopt;
+    }
+    both.html += light.substr(0, inLight);
+    if (inLight == std::string_view::npos || inDark == std::string_view::npos) {
+      return inLight == inDark ? std::optional(both) : std::nullopt;
+    }
+    light.remove_prefix(inLight + fill.size());
+    dark.remove_prefix(inDark + fill.size());
+    const std::string_view lightColor = light.substr(0, light.find('"'));
+    const std::string_view darkColor = dark.substr(0, dark.find('"'));
+    both.html += fill;
+    both.html += lightColor == darkColor
+                     ? std::string(lightColor)
+                     : "light-dark(" + std::string(lightColor) + "," + std::string(darkColor) + ")";
+    light.remove_prefix(lightColor.size());
+    dark.remove_prefix(darkColor.size());
+  }
+}
+
+Markup inEitherAppearance(const std::string& light, const std::string& dark) {
+  return {
+      "<span class=\"in-light\">" + light + "</span><span class=\"in-dark\">" + dark + "</span>"};
+}
+
+Markup cardMarkup(const CardModel& card, Date now) {
+  const Markup name = escaped(card.about->displayName);
+  const bool linked =
+      card.drawing != nullptr && card.drawing->link && leadsToApplication(*card.drawing->link);
+  Markup badge;
+  if (!card.standing.badge.empty()) {
+    badge = filled(
+        page::badgeHtml,
+        {{"badge", escaped(card.standing.badge)},
+         {"name", name},
+         {"cause", escaped(card.standing.cause)}});
+  }
+  return filled(
+      page::cardHtml,
+      {{"family", escaped(familyOf(*card.about))},
+       {"kind", escaped(card.about->kind)},
+       {"status", escaped(levelName(card.standing.level))},
+       {"element", {linked ? "a" : "div"}},
+       {"link", {linked ? " href=\"" + escaped(*card.drawing->link).html + "\"" : ""}},
+       {"picture", pictureOf(card.drawing)},
+       {"badge", badge},
+       {"name", name},
+       {"times", timesMarkup(card, now)}});
+}
+
+Markup homePage(const HomeModel& model, const PageFrame& frame, Date now) {
+  Markup cards;
+  for (const CardModel& card : model.cards) {
+    cards.html += cardMarkup(card, now).html;
+  }
+  return filled(
+      page::homeHtml,
+      {{"direction", {frame.rightToLeft ? "rtl" : "ltr"}},
+       {"token", escaped(frame.token)},
+       {"instance", escaped(frame.instance)},
+       {"version", {std::to_string(model.version)}},
+       {"nonce", escaped(frame.nonce)},
+       {"style", {std::string(page::styleCss)}},
+       {"appearanceScript", {std::string(page::appearanceJs)}},
+       {"notice", escaped(model.notice)},
+       {"cards", cards},
+       {"empty", escaped(model.empty)},
+       {"script", {std::string(page::homeJs)}}});
+}
+
+Markup galleryMarkup(const std::vector<OfferModel>& offers) {
+  Markup markup;
+  for (const OfferModel& offer : offers) {
+    const std::string& name = offer.about->displayName;
+    const bool small = familyOf(*offer.about) == "systemSmall";
+    const std::string word = offer.placed ? "Remove" : "Add";
+    std::string label = word;
+    label.append(" ").append(name).append(small ? ", small" : ", medium");
+    markup.html += filled(
+                       page::galleryItemHtml,
+                       {{"picture", pictureOf(offer.drawing)},
+                        {"name", escaped(name)},
+                        {"size", {small ? "Small" : "Medium"}},
+                        {"description", escaped(offer.about->description)},
+                        {"action", {offer.placed ? "remove" : "place"}},
+                        {"kind", escaped(offer.about->kind)},
+                        {"label", escaped(label)},
+                        {"word", {word}}})
+                       .html;
+  }
+  return markup;
+}
+
+std::string contentPolicy(const std::string& nonce) {
+  return "default-src 'none'; style-src 'nonce-" + nonce + "'; script-src 'nonce-" + nonce +
+         "'; img-src 'self' data:; connect-src 'self'; form-action 'self'; base-uri 'none'; "
+         "frame-ancestors 'none'";
+}
+
+bool leadsToApplication(std::string_view link) {
+  static constexpr std::array<std::string_view, 12> browsers{
+      "about",
+      "blob",
+      "chrome",
+      "data",
+      "file",
+      "filesystem",
+      "ftp",
+      "http",
+      "https",
+      "javascript",
+      "vbscript",
+      "view-source"};
+  const auto url = URL::parse(link);
+  if (!url || url->scheme().empty()) {
+    return false;
+  }
+  std::string scheme = url->scheme();
+  std::ranges::transform(scheme, scheme.begin(), [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  });
+  return std::ranges::find(browsers, scheme) == browsers.end();
+}
+
+}  // namespace quillpad::home

@@ -1,0 +1,68 @@
+// The home screen's page as HTML, made from what it shows. Pure.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "home/extension/Standing.h"
+#include "home/page/Markup.h"
+#include "platform/channel/Messages.h"
+#include "platform/foundation/Value.h"
+
+namespace quillpad::home {
+
+struct DrawnCard {
+  Markup picture;  // in both appearances
+  std::optional<std::string> link;
+};
+
+// The SVG documents of a card in light and in dark appearance as one whose fills follow the page's
+// appearance; nothing where they differ in more than the colours of fills, which is rare.
+std::optional<Markup> inBothAppearances(std::string_view light, std::string_view dark);
+
+// The documents, which must have no id in common, one of them shown.
+Markup inEitherAppearance(const std::string& light, const std::string& dark);
+
+struct CardModel {
+  const channel::CatalogueItem* about = nullptr;
+  const DrawnCard* drawing = nullptr;  // nullptr: none yet
+  Standing standing;
+  std::optional<Date> updated;
+  std::optional<Date> reload;
+};
+
+// What a page needs besides its content.
+struct PageFrame {
+  std::string token;     // that changes have to bring along
+  std::string instance;  // of the running home screen
+  std::string nonce;     // of this answer, for its style and scripts
+  bool rightToLeft = false;
+};
+
+Markup cardMarkup(const CardModel& card, Date now);
+
+struct HomeModel {
+  std::vector<CardModel> cards;
+  std::string notice;
+  std::string empty;  // said where there is no card
+  std::uint64_t version = 0;
+};
+Markup homePage(const HomeModel& model, const PageFrame& frame, Date now);
+
+struct OfferModel {
+  const channel::CatalogueItem* about = nullptr;
+  const DrawnCard* drawing = nullptr;  // nullptr: the extension gave none
+  bool placed = false;
+};
+Markup galleryMarkup(const std::vector<OfferModel>& offers);
+
+// The headers of a page whose style and scripts carry the nonce.
+std::string contentPolicy(const std::string& nonce);
+
+// Whether a link leads to an application, and so may stand on a page: a link into the browser, a
+// file or a script does not.
+bool leadsToApplication(std::string_view link);
+
+}  // namespace quillpad::home

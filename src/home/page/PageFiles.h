@@ -1,0 +1,22 @@
+// The files of the page folder, as they were when the program was built.
+#pragma once
+
+#include <string_view>
+
+namespace quillpad::home::page {
+
+extern const std::string_view homeHtml;
+extern const std::string_view cardHtml;
+extern const std::string_view badgeHtml;
+extern const std::string_view galleryItemHtml;
+extern const std::string_view styleCss;
+extern const std::string_view appearanceJs;
+extern const std::string_view homeJs;
+extern const std::string_view engineerHtml;
+extern const std::string_view engineerColumnHtml;
+extern const std::string_view engineerPictureHtml;
+extern const std::string_view engineerDetailsHtml;
+extern const std::string_view engineerCss;
+extern const std::string_view engineerJs;
+
+}  // namespace quillpad::home::page

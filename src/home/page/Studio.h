@@ -1,0 +1,53 @@
+// Draws widgets: the fonts, shaped texts and pictures that drawing needs, kept from card to card.
+// Belongs to one thread.
+#pragma once
+
+#include <expected>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/paint/Card.h"
+#include "platform/paint/DisplayList.h"
+#include "platform/paint/Pictures.h"
+#include "platform/paint/PngWriter.h"
+#include "platform/text/FontBook.h"
+#include "platform/text/TextEngine.h"
+#include "platform/ui/Environment.h"
+#include "platform/ui/View.h"
+
+namespace quillpad::home {
+
+enum class PictureFormat { png, svg, json };
+
+std::optional<PictureFormat> pictureFormatFromName(std::string_view name);
+
+// The size of a family's card on the default screen, in points.
+drawing::Size defaultSize(ui::WidgetFamily family);
+
+// Whether the language that the locale gets its texts in is written from right to left: true for
+// "ar_EG", false for "he_IL" as long as there is no Hebrew translation.
+bool isRightToLeft(const std::string& locale);
+
+class Studio {
+ public:
+  Studio();
+
+  // The card's display list. The language is that of the locale, for example "zh_Hans_CN", and
+  // with it the direction.
+  drawing::DisplayList compose(
+      const ui::View& view, drawing::CardRequest request, const std::string& locale);
+
+  // The list as a file of the format, or one line that tells why it cannot be drawn. The ids of an
+  // SVG document begin with the prefix, so that several can stand in a page.
+  std::expected<std::string, std::string> write(
+      const drawing::DisplayList& list, PictureFormat format, std::string_view idPrefix = "card");
+
+ private:
+  drawing::FontBook fonts_;
+  drawing::TextEngine texts_;
+  drawing::Pictures pictures_;
+  drawing::PngWriter png_;
+};
+
+}  // namespace quillpad::home

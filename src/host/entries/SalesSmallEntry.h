@@ -1,0 +1,14 @@
+// What the widget SalesSmallWidget shows from a moment on. A plain value.
+#pragma once
+
+#include "host/entries/Sales.h"
+#include "platform/foundation/Value.h"
+
+namespace quillpad {
+
+struct SalesSmallEntry {
+  Date date;
+  Sales data;
+};
+
+}  // namespace quillpad

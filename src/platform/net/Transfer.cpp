@@ -1,0 +1,297 @@
+#include "platform/net/Transfer.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+#include "platform/foundation/Activity.h"
+#include "platform/foundation/Locale.h"
+
+namespace quillpad {
+namespace {
+
+constexpr std::chrono::hours resourceTimeout{7 * 24};
+constexpr int maximumRedirects = 20;
+constexpr std::size_t maximumHeaderBytes = std::size_t{256} << 10;
+constexpr std::size_t maximumBodyBytes = std::size_t{256} << 20;
+
+std::string lowercase(std::string_view text) {
+  std::string lower(text);
+  std::ranges::transform(
+      lower, lower.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return lower;
+}
+
+std::string_view withoutScheme(std::string_view address) {
+  const std::size_t slashes = address.find("//");
+  return slashes == address.npos ? address : address.substr(slashes + 2);
+}
+
+std::string pathOf(std::string_view address) {
+  const std::string_view rest = withoutScheme(address);
+  const std::size_t begin = rest.find('/');
+  if (begin == rest.npos) {
+    return "/";
+  }
+  return std::string(rest.substr(begin, rest.find_first_of("?#", begin) - begin));
+}
+
+// Fields that the session writes itself, or that would change how the message is framed.
+bool isReserved(const std::string& lowercaseField) {
+  static constexpr std::array<std::string_view, 7> reserved = {
+      "connection",
+      "expect",
+      "host",
+      "proxy-authenticate",
+      "proxy-authorization",
+      "transfer-encoding",
+      "www-authenticate"};
+  return std::ranges::find(reserved, lowercaseField) != reserved.end();
+}
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view blanks = " \t\r\n";
+  const std::size_t first = text.find_first_not_of(blanks);
+  return first == text.npos ? std::string_view{}
+                            : text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+bool fitsOnOneLine(std::string_view text) {
+  return std::ranges::none_of(text, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
+}
+
+// The current locale as a wish: "de-DE, de;q=0.9".
+std::string acceptedLanguages() {
+  std::string tag = currentLocale();
+  tag.erase(std::min(tag.find("_POSIX"), tag.size()));
+  std::ranges::replace(tag, '_', '-');
+  const std::string language = tag.substr(0, tag.find('-'));
+  return language == tag ? tag : tag + ", " + language + ";q=0.9";
+}
+
+const char* orNull(const std::string& text) { return text.empty() ? nullptr : text.c_str(); }
+
+}  // namespace
+
+TrustStore TrustStore::fromEnvironment() {
+  const auto variable = [](const char* name) {
+    const char* value = std::getenv(name);
+    return std::string(value == nullptr ? "" : value);
+  };
+  TrustStore trust{.file = variable("SSL_CERT_FILE"), .folder = variable("SSL_CERT_DIR")};
+  if (trust.file.empty() && trust.folder.empty()) {
+    trust.folder = "/etc/ssl/certs";
+  }
+  return trust;
+}
+
+Transfer::Transfer(
+    URLRequest request, URLSession::Completion completion, std::chrono::milliseconds idleTimeout)
+    : request_(std::move(request)),
+      completion_(std::move(completion)),
+      address_(request_.url.absoluteString()),
+      idleTimeout_(idleTimeout) {
+  report_.activity = currentActivity();
+  report_.path = pathOf(address_);
+}
+
+std::optional<TransportErrorCode> Transfer::refusal() const {
+  const std::string scheme = lowercase(request_.url.scheme());
+  if (scheme == "https") {
+    return {};
+  }
+  return scheme == "http" ? secureConnectionRequired : unsupportedURL;
+}
+
+std::string Transfer::authority() const {
+  const std::string_view rest = withoutScheme(address_);
+  return lowercase(rest.substr(0, rest.find_first_of("/?#")));
+}
+
+void Transfer::prepare(CURL* handle) {
+  body_.clear();
+  headerBytes_ = 0;
+  received_ = 0;
+  sent_ = 0;
+
+  curl_easy_setopt(handle, CURLOPT_PRIVATE, this);
+  curl_easy_setopt(handle, CURLOPT_URL, address_.c_str());
+  curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "https");
+  curl_easy_setopt(handle, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_2TLS);
+  curl_easy_setopt(handle, CURLOPT_PROXY, "");
+  curl_easy_setopt(handle, CURLOPT_HTTPAUTH, CURLAUTH_NONE);
+  curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
+  // A name lookup that outlasts its transfer is left to end by itself.
+  curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
+  // Standing still is measured by deadline(), connecting included; this only has to be longer.
+  curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, 24L * 60 * 60);
+
+  curl_easy_setopt(handle, CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
+  curl_easy_setopt(handle, CURLOPT_CAINFO, orNull(trust_.file));
+  curl_easy_setopt(handle, CURLOPT_CAPATH, orNull(trust_.folder));
+
+  if (request_.httpMethod == "HEAD") {
+    curl_easy_setopt(handle, CURLOPT_NOBODY, 1L);
+  } else if (request_.httpMethod != "GET") {
+    curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(request_.httpBody.size()));
+    curl_easy_setopt(handle, CURLOPT_POSTFIELDS, request_.httpBody.c_str());
+    if (request_.httpMethod != "POST") {
+      curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, request_.httpMethod.c_str());
+    }
+  }
+  setHeaders(handle);
+
+  curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &Transfer::onHeader);
+  curl_easy_setopt(handle, CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &Transfer::onBody);
+  curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
+  curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, &Transfer::onProgress);
+  curl_easy_setopt(handle, CURLOPT_XFERINFODATA, this);
+  curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
+}
+
+void Transfer::setHeaders(CURL* handle) {
+  headers_.reset();
+  const auto add = [this](const std::string& line) {
+    headers_.reset(curl_slist_append(headers_.release(), line.c_str()));
+  };
+  static const std::string languages = "Accept-Language: " + acceptedLanguages();
+  add("Expect:");
+  add(languages);
+  for (const auto& [field, text] : request_.headers) {
+    const std::string_view value = trimmed(text);
+    const std::string name = lowercase(field);
+    // The length is sent as the sender spelled it, but only if it is the body's.
+    const bool isWrongLength =
+        name == "content-length" && value != std::to_string(request_.httpBody.size());
+    if (isReserved(name) || isWrongLength || !fitsOnOneLine(field) || !fitsOnOneLine(value)) {
+      continue;
+    }
+    // libcurl takes "Field:" as the wish not to send it, and "Field;" as an empty value.
+    add(value.empty() ? field + ";" : field + ": " + std::string(value));
+  }
+  curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers_.get());
+  curl_easy_setopt(handle, CURLOPT_USERAGENT, "Quillpad/1");
+  curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, "gzip, deflate, br");
+}
+
+Transfer::Clock::time_point Transfer::deadline() const {
+  return std::min<Clock::time_point>(lastProgress_ + idleTimeout_, begin_ + resourceTimeout);
+}
+
+bool Transfer::endExchange(CURL* handle, CURLcode result) {
+  curl_off_t sent = 0;
+  curl_off_t received = 0;
+  long status = 0;
+  curl_easy_getinfo(handle, CURLINFO_SIZE_UPLOAD_T, &sent);
+  curl_easy_getinfo(handle, CURLINFO_SIZE_DOWNLOAD_T, &received);
+  curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &status);
+  report_.sentBytes += static_cast<std::uint64_t>(sent);
+  report_.receivedBytes += static_cast<std::uint64_t>(received);
+  report_.statusCode = static_cast<int>(status);
+  lastProgress_ = Clock::now();
+
+  if (result == CURLE_OK) {
+    return follow(handle);
+  }
+  if (!failure_) {
+    failure_ = transportErrorCode(result, handle);
+  }
+  return false;
+}
+
+// By hand, because libcurl would carry the Authorization field on and follow other answers than
+// the phone does.
+bool Transfer::follow(CURL* handle) {
+  const int status = report_.statusCode;
+  if (status != 301 && status != 302 && status != 303 && status != 307 && status != 308) {
+    return false;
+  }
+  const char* location = nullptr;
+  curl_easy_getinfo(handle, CURLINFO_REDIRECT_URL, &location);
+  if (location == nullptr) {
+    return false;
+  }
+  address_ = location;
+  const std::string scheme = lowercase(std::string_view(address_).substr(0, address_.find(':')));
+  if (scheme != "https") {
+    failure_ = scheme == "http" ? secureConnectionRequired : unsupportedURL;
+    return false;
+  }
+  if (++redirects_ > maximumRedirects) {
+    failure_ = tooManyRedirects;
+    return false;
+  }
+  const std::string& method = request_.httpMethod;
+  if ((status == 303 && method != "HEAD") || (status < 303 && method == "POST")) {
+    request_.httpMethod = "GET";
+    request_.httpBody.clear();
+    request_.setValue(std::nullopt, "Content-Type");
+    request_.setValue(std::nullopt, "Content-Length");
+  }
+  request_.setValue(std::nullopt, "Authorization");
+  return true;
+}
+
+void Transfer::fail(TransportErrorCode code) { failure_ = code; }
+
+void Transfer::deliver(const std::function<void(const TransferReport&)>& watcher) {
+  const ActivityScope scope(report_.activity);
+  std::optional<std::string> data;
+  if (failure_) {
+    report_.error = transportError(*failure_);
+  } else {
+    data = std::move(body_);
+  }
+  report_.duration = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin_);
+  if (watcher) {
+    watcher(report_);
+  }
+  std::optional<URLResponse> response;
+  if (report_.statusCode != 0) {
+    response = URLResponse{report_.statusCode};
+  }
+  completion_(std::move(data), response, std::move(report_.error));
+}
+
+std::size_t Transfer::onHeader(
+    char* /*bytes*/, std::size_t size, std::size_t count, void* transfer) {
+  Transfer& self = *static_cast<Transfer*>(transfer);
+  self.lastProgress_ = Clock::now();
+  self.headerBytes_ += size * count;
+  if (self.headerBytes_ > maximumHeaderBytes) {
+    self.failure_ = cannotParseResponse;
+    return CURL_WRITEFUNC_ERROR;
+  }
+  return size * count;
+}
+
+std::size_t Transfer::onBody(char* bytes, std::size_t size, std::size_t count, void* transfer) {
+  Transfer& self = *static_cast<Transfer*>(transfer);
+  if (self.body_.size() + size * count > maximumBodyBytes) {
+    self.failure_ = dataLengthExceedsMaximum;
+    return CURL_WRITEFUNC_ERROR;
+  }
+  self.body_.append(bytes, size * count);
+  return size * count;
+}
+
+int Transfer::onProgress(
+    void* transfer,
+    curl_off_t /*toReceive*/,
+    curl_off_t received,
+    curl_off_t /*toSend*/,
+    curl_off_t sent) {
+  Transfer& self = *static_cast<Transfer*>(transfer);
+  if (received != self.received_ || sent != self.sent_) {
+    self.received_ = received;
+    self.sent_ = sent;
+    self.lastProgress_ = Clock::now();
+  }
+  return 0;
+}
+
+}  // namespace quillpad

@@ -1,0 +1,96 @@
+// One request on its way: what libcurl is told of it, the answer as it arrives, the redirects it
+// follows and how it ended. Made on the thread that resumes the task, then owned by the thread that
+// drives the transfers, and at last by the one that delivers. Private to the session.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <curl/curl.h>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/net/TransportErrors.h"
+#include "platform/net/URLRequest.h"
+#include "platform/net/URLSession.h"
+
+namespace quillpad {
+
+// The certificates to trust: a file, a hashed folder, or both.
+struct TrustStore {
+  std::string file;
+  std::string folder;
+
+  // SSL_CERT_FILE and SSL_CERT_DIR where either is set, else the system's folder, which is read
+  // certificate by certificate and thus faster than the system's file.
+  static TrustStore fromEnvironment();
+};
+
+class Transfer {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  Transfer(
+      URLRequest request, URLSession::Completion completion, std::chrono::milliseconds idleTimeout);
+  Transfer(const Transfer&) = delete;
+  Transfer& operator=(const Transfer&) = delete;
+
+  // Why the address may not be asked at all, if so.
+  std::optional<TransportErrorCode> refusal() const;
+
+  // Host and port of the address to ask next.
+  std::string authority() const;
+
+  // Sets the fresh handle up for the next exchange.
+  void prepare(CURL* handle);
+
+  // When the transfer has stood still, or lasted, for too long.
+  Clock::time_point deadline() const;
+
+  // Takes in how the handle's exchange ended. True if it was answered with a redirect that is
+  // followed: another exchange is wanted, maybe of another host.
+  bool endExchange(CURL* handle, CURLcode result);
+
+  // Ends the transfer with an error.
+  void fail(TransportErrorCode code);
+
+  // Calls the watcher, then the completion.
+  void deliver(const std::function<void(const TransferReport&)>& watcher);
+
+ private:
+  static std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* transfer);
+  static std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* transfer);
+  static int onProgress(
+      void* transfer,
+      curl_off_t toReceive,
+      curl_off_t received,
+      curl_off_t toSend,
+      curl_off_t sent);
+
+  struct FreeList {
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+  };
+
+  void setHeaders(CURL* handle);
+  bool follow(CURL* handle);
+
+  URLRequest request_;
+  URLSession::Completion completion_;
+  std::string address_;
+  TrustStore trust_ = TrustStore::fromEnvironment();
+  std::unique_ptr<curl_slist, FreeList> headers_;
+
+  std::chrono::milliseconds idleTimeout_;
+  Clock::time_point begin_ = Clock::now();
+  Clock::time_point lastProgress_ = begin_;
+  curl_off_t received_ = 0;
+  curl_off_t sent_ = 0;
+  int redirects_ = 0;
+
+  std::string body_;
+  std::size_t headerBytes_ = 0;
+  std::optional<TransportErrorCode> failure_;
+  TransferReport report_;
+};
+
+}  // namespace quillpad

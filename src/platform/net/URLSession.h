@@ -1,0 +1,69 @@
+// The shared URL session: asynchronous HTTPS with the phone's rules (60 s without progress is a
+// time-out, status codes are no errors, at most 20 redirects and none carries the Authorization
+// header on). One thread drives all transfers; completions are called one at a time on one other
+// thread, never on the caller's. Connections and TLS sessions are kept and reused; there is no
+// cache and no cookie is kept. All operations are callable from any thread.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/foundation/TransferReport.h"
+#include "platform/net/URLRequest.h"
+
+namespace quillpad {
+
+struct URLResponse {
+  int statusCode = 0;
+};
+
+class URLSession {
+ public:
+  // Exactly one of data (which may be empty) and error is there; the response wherever one came.
+  using Completion = std::move_only_function<void(
+      std::optional<std::string> data,
+      std::optional<URLResponse> response,
+      std::optional<TransportError> error)>;
+
+  // A request that is ready to start. Dropping it unstarted drops its completion uncalled.
+  class DataTask {
+   public:
+    // Starts the transfer and returns at once; nothing of it is kept by the caller.
+    void resume() &&;
+
+   private:
+    friend class URLSession;
+    DataTask(URLSession& session, URLRequest request, Completion completion);
+    URLSession& session_;
+    URLRequest request_;
+    Completion completion_;
+  };
+
+  // The one session of the process, made at first use.
+  static URLSession& shared();
+
+  DataTask dataTask(URLRequest request, Completion completionHandler);
+
+  // Has every transfer's end reported to the watcher, on the thread of the completions and before
+  // the task's own.
+  void watchTransfers(std::function<void(const TransferReport&)> watcher);
+
+  // For tests: how long a transfer may stand still. 60 seconds unless set; holds for transfers
+  // resumed afterwards.
+  void setIdleTimeout(std::chrono::milliseconds timeout);
+
+  URLSession(const URLSession&) = delete;
+  URLSession& operator=(const URLSession&) = delete;
+
+ private:
+  URLSession();
+  ~URLSession();
+  class Engine;
+  std::unique_ptr<Engine> engine_;
+};
+
+}  // namespace quillpad

@@ -1,0 +1,68 @@
+#include "platform/paint/Card.h"
+
+#include "platform/layout/Layout.h"
+#include "platform/paint/Record.h"
+
+namespace quillpad::drawing {
+namespace {
+
+class CardMetrics final : public Metrics {
+ public:
+  CardMetrics(TextEngine& texts, const TextPlace& place, const ImageSize& imageSize)
+      : texts_(texts), place_(place), imageSize_(imageSize) {}
+
+  Size textSize(const ui::Text& text, Size proposed) override {
+    return texts_.measure(text, place_, proposed);
+  }
+
+  Size imageSize(const std::string& name) override { return imageSize_(name); }
+
+  double scale() const override { return place_.scale; }
+
+ private:
+  TextEngine& texts_;
+  const TextPlace& place_;
+  const ImageSize& imageSize_;
+};
+
+const char* appearanceName(ui::Appearance appearance) {
+  switch (appearance) {
+    case ui::Appearance::light:
+      return "light";
+    case ui::Appearance::dark:
+      return "dark";
+    case ui::Appearance::unspecified:
+      break;
+  }
+  return "unspecified";
+}
+
+}  // namespace
+
+DisplayList compose(
+    const ui::View& view,
+    const CardRequest& request,
+    const ImageSize& imageSize,
+    TextEngine& texts) {
+  const TextPlace place{request.language, request.rightToLeft, static_cast<double>(request.scale)};
+  CardMetrics metrics(texts, place, imageSize);
+  const auto direction =
+      request.rightToLeft ? LayoutDirection::rightToLeft : LayoutDirection::leftToRight;
+  const Layout layout = layOut(view, request.size, direction, metrics);
+
+  DisplayList list{
+      .kind = request.kind,
+      .family = request.family,
+      .appearance = appearanceName(request.appearance),
+      .scale = request.scale,
+      .size = request.size,
+      .link = {},
+      .items = {}};
+  if (layout.link != nullptr) {
+    list.link = *layout.link;
+  }
+  record(layout, Ground{}, request.appearance, place, texts, list);
+  return list;
+}
+
+}  // namespace quillpad::drawing

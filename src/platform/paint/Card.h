@@ -1,0 +1,34 @@
+// A widget's card from its view: layout, texts and colours in one step, ready for a writer. Belongs
+// to the thread of the text engine.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/paint/DisplayList.h"
+#include "platform/text/TextEngine.h"
+#include "platform/ui/Color.h"
+#include "platform/ui/View.h"
+
+namespace quillpad::drawing {
+
+struct CardRequest {
+  std::string kind{};
+  std::string family = "systemSmall";
+  Size size{158, 158};
+  ui::Appearance appearance = ui::Appearance::unspecified;
+  int scale = 2;             // device pixels per point
+  bool rightToLeft = false;  // whether the card is mirrored, as right-to-left languages have it
+  std::string language{};    // for example "en" or "zh-Hans"
+};
+
+// The natural size of a named picture, in points; of none for a missing one.
+using ImageSize = std::function<Size(const std::string& name)>;
+
+DisplayList compose(
+    const ui::View& view,
+    const CardRequest& request,
+    const ImageSize& imageSize,
+    TextEngine& texts);
+
+}  // namespace quillpad::drawing

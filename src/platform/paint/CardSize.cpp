@@ -1,0 +1,24 @@
+#include "platform/paint/CardSize.h"
+
+#include <cmath>
+
+#include "platform/text/Bitmap.h"
+
+namespace quillpad::drawing {
+
+std::optional<std::string> sizeError(const DisplayList& list) {
+  if (list.scale < 1 || list.scale > 3) {
+    return "the scale " + std::to_string(list.scale) + " cannot be drawn: use 1, 2 or 3";
+  }
+  const double width = std::round(list.size.width * list.scale);
+  const double height = std::round(list.size.height * list.scale);
+  if (std::isnan(width * height) || width < 1 || height < 1) {
+    return "an empty card cannot be drawn: its width and height must be more than 0 points";
+  }
+  if (width * height > static_cast<double>(maximumPixels)) {
+    return "a card of more than 32 million pixels cannot be drawn: use a smaller size or scale";
+  }
+  return std::nullopt;
+}
+
+}  // namespace quillpad::drawing

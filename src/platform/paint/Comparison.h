@@ -1,0 +1,29 @@
+// Tells how far two pictures are apart. Pure.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/text/Bitmap.h"
+
+namespace quillpad::drawing {
+
+enum class Likeness { identical, similar, different };
+
+struct Tolerance {
+  int channel = 0;          // how far a component may be off before its pixel counts as differing
+  std::int64_t pixels = 0;  // how many pixels may differ
+};
+
+struct Comparison {
+  Likeness likeness = Likeness::identical;
+  std::int64_t differingPixels = 0;  // beyond the tolerated distance
+  int largestDifference = 0;         // of any component
+  Bitmap difference;                 // the expected picture, faint, with differing pixels in red;
+                                     // empty when the sizes differ
+};
+
+// Pictures of different sizes are different, in every pixel of the larger one. A pixel that cannot
+// be seen has no colour.
+Comparison compare(const Bitmap& expected, const Bitmap& actual, Tolerance tolerance = {});
+
+}  // namespace quillpad::drawing

@@ -1,0 +1,60 @@
+// What is to be painted, in the order painted: the seam between layout and the writers (PNG, SVG,
+// JSON). Plain values, lengths in points; colours are already those of one appearance.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "platform/text/Geometry.h"
+#include "platform/text/GlyphRun.h"
+#include "platform/ui/Color.h"
+#include "platform/ui/Font.h"
+
+namespace quillpad::drawing {
+
+// A mask to a rectangle with round corners.
+struct Clip {
+  Rect frame;
+  double cornerRadius = 0;
+  friend bool operator==(const Clip&, const Clip&) = default;
+};
+
+struct Fill {
+  Rect frame;
+  ui::Rgba color;
+  double cornerRadius = 0;
+};
+
+struct TextItem {
+  std::string text;  // as shown, an ellipsis included
+  Rect frame;
+  ui::Font font;
+  ui::Rgba color;
+  std::vector<GlyphRun> runs;
+};
+
+struct ImageItem {
+  std::string name;
+  Rect frame;
+};
+
+struct Item {
+  std::variant<Fill, TextItem, ImageItem> content;
+  std::vector<Clip> clips;  // all of them mask the content; a fill that fills its clip has taken
+                            // its corners instead
+};
+
+struct DisplayList {
+  std::string kind;
+  std::string family;      // "systemSmall" or "systemMedium"
+  std::string appearance;  // "light", "dark" or "unspecified"
+  int scale = 2;           // device pixels per point that the layout rounded for
+  Size size;
+  std::optional<std::string> link;
+  std::vector<Item> items;  // the card's ground first
+};
+
+}  // namespace quillpad::drawing

@@ -1,0 +1,296 @@
+#include "platform/paint/SvgWriter.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "platform/foundation/Base64.h"
+#include "platform/foundation/Utf8.h"
+#include "platform/paint/CardSize.h"
+#include "platform/paint/PngWriter.h"
+#include "platform/text/GlyphMasks.h"
+#include "platform/text/GlyphOutline.h"
+#include "platform/text/Utf8.h"
+
+namespace quillpad::drawing {
+
+namespace {
+
+constexpr int pictureScale = 3;
+
+// Three decimals at most, none where they are zeros.
+std::string number(double value) {
+  if (!std::isfinite(value)) {
+    return "0";
+  }
+  std::array<char, 400> digits{};
+  auto* end = std::to_chars(
+                  digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, 3)
+                  .ptr;
+  while (end[-1] == '0') {
+    --end;
+  }
+  if (end[-1] == '.') {
+    --end;
+  }
+  const std::string text(digits.data(), end);
+  return text == "-0" ? "0" : text;
+}
+
+// Text for a document: markup is escaped, and what XML does not allow becomes U+FFFD.
+std::string escaped(std::string_view text) {
+  std::string result;
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t character = nextCharacter(text, at);
+    switch (character) {
+      case U'&':
+        result += "&amp;";
+        break;
+      case U'<':
+        result += "&lt;";
+        break;
+      case U'>':
+        result += "&gt;";
+        break;
+      case U'"':
+        result += "&quot;";
+        break;
+      case U'\t':
+      case U'\n':
+      case U'\r':
+        result += ' ';
+        break;
+      default:
+        if (character < 0x20 || character == 0x7F || (character & 0xFFFE) == 0xFFFE) {
+          appendUtf8(result, U'\uFFFD');
+        } else {
+          appendUtf8(result, character);
+        }
+    }
+  }
+  return result;
+}
+
+std::string attribute(std::string_view name, std::string_view value) {
+  return " " + std::string(name) + "=\"" + std::string(value) + "\"";
+}
+
+std::string frameAttributes(const Rect& frame) {
+  return attribute("x", number(frame.x)) + attribute("y", number(frame.y)) +
+         attribute("width", number(frame.width)) + attribute("height", number(frame.height));
+}
+
+std::string roundAttribute(double cornerRadius) {
+  return cornerRadius > 0 ? attribute("rx", number(cornerRadius)) : "";
+}
+
+std::string fillAttributes(ui::Rgba color) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string name = "#";
+  for (const int component : {color.red, color.green, color.blue}) {
+    name += digits[static_cast<std::size_t>(component / 16)];
+    name += digits[static_cast<std::size_t>(component % 16)];
+  }
+  return attribute("fill", name) +
+         (color.alpha == 255 ? "" : attribute("fill-opacity", number(color.alpha / 255.0)));
+}
+
+std::string dataUri(const Bitmap& picture) {
+  const std::vector<std::uint8_t> file = writePng(picture);
+  return "data:image/png;base64," +
+         base64({reinterpret_cast<const char*>(file.data()), file.size()});
+}
+
+class SvgDocument {
+ public:
+  SvgDocument(FontBook& fonts, Pictures& pictures, std::string_view idPrefix)
+      : fonts_(fonts), pictures_(pictures), prefix_(idPrefix) {}
+
+  void paint(const Item& item) {
+    for (const Clip& clip : item.clips) {
+      body_ += "<g" + attribute("clip-path", "url(#" + clipId(clip) + ")") + ">\n";
+    }
+    std::visit([&](const auto& content) { paint(content); }, item.content);
+    for (std::size_t i = 0; i < item.clips.size(); ++i) {
+      body_ += "</g>\n";
+    }
+  }
+
+  std::string finished(const DisplayList& list) const {
+    const std::string label = escaped(readersLabel(list));
+    std::string document =
+        R"(<svg xmlns="http://www.w3.org/2000/svg")" + attribute("width", number(list.size.width)) +
+        attribute("height", number(list.size.height)) +
+        attribute("viewBox", "0 0 " + number(list.size.width) + " " + number(list.size.height)) +
+        attribute("role", "img") + attribute("aria-label", label) + ">\n";
+    document += "<title>" + label + "</title>\n";
+    if (!definitions_.empty()) {
+      document += "<defs>\n" + definitions_ + "</defs>\n";
+    }
+    return document + body_ + "</svg>\n";
+  }
+
+ private:
+  static std::string readersLabel(const DisplayList& list) {
+    std::string label;
+    for (const Item& item : list.items) {
+      const auto* text = std::get_if<TextItem>(&item.content);
+      if (text == nullptr || text->text.empty()) {
+        continue;
+      }
+      if (!label.empty()) {
+        label += ", ";
+      }
+      label += text->text;
+    }
+    return label.empty() ? list.kind : label;
+  }
+
+  void paint(const Fill& fill) {
+    body_ += "<rect" + frameAttributes(fill.frame) + roundAttribute(fill.cornerRadius) +
+             fillAttributes(fill.color) + "/>\n";
+  }
+
+  void paint(const TextItem& text) {
+    body_ += "<g" + fillAttributes(text.color) + ">\n";
+    for (const GlyphRun& run : text.runs) {
+      const bool inColor = fonts_.hasColorBitmaps(run.font);
+      for (const Glyph& glyph : run.glyphs) {
+        const Definition& shape = inColor ? colorGlyph(run, glyph.id) : outline(run.font, glyph.id);
+        if (shape.id.empty()) {
+          continue;
+        }
+        body_ += "<use";
+        body_ += attribute("href", "#" + shape.id);
+        body_ +=
+            attribute("transform", placed(glyph.origin, run.size / shape.unitsPerSize, inColor));
+        body_ += "/>\n";
+      }
+    }
+    body_ += "</g>\n";
+  }
+
+  void paint(const ImageItem& image) {
+    const Bitmap* picture = pictures_.find(image.name, pictureScale);
+    if (picture == nullptr) {
+      return;
+    }
+    body_ += "<image" + frameAttributes(image.frame) + attribute("preserveAspectRatio", "none") +
+             attribute("href", dataUri(*picture)) + "/>\n";
+  }
+
+  // Something that is drawn by reference; no id where there is nothing to draw.
+  struct Definition {
+    std::string id;
+    double unitsPerSize = 1;
+  };
+
+  const Definition& outline(FontId font, std::uint32_t glyph) {
+    const auto [entry, isNew] = glyphs_.try_emplace({font, glyph});
+    Definition& shape = entry->second;
+    if (!isNew) {
+      return shape;
+    }
+    const std::string path = glyphPath(fonts_, font, glyph);
+    if (path.empty()) {
+      return shape;
+    }
+    shape = {.id = newId(), .unitsPerSize = fonts_.unitsPerEm(font)};
+    definitions_ += "<path" + attribute("id", shape.id) + attribute("d", path) + "/>\n";
+    return shape;
+  }
+
+  const Definition& colorGlyph(const GlyphRun& run, std::uint32_t glyph) {
+    const auto [entry, isNew] = glyphs_.try_emplace({run.font, glyph});
+    Definition& shape = entry->second;
+    if (!isNew) {
+      return shape;
+    }
+    const StrikeGlyph strike = strikeGlyph(fonts_, run.font, glyph);
+    if (strike.size <= 0 || strike.picture.pixels.empty()) {
+      return shape;
+    }
+    const double shrink = std::min(1.0, pictureScale * run.size / strike.size);
+    const auto shrunk = [&](int length) {
+      return std::max(1, static_cast<int>(std::lround(length * shrink)));
+    };
+    const Bitmap picture =
+        scaled(strike.picture, shrunk(strike.picture.width), shrunk(strike.picture.height));
+    shape = {.id = newId(), .unitsPerSize = strike.size};
+    const Rect frame{
+        .x = static_cast<double>(strike.left),
+        .y = -static_cast<double>(strike.top),
+        .width = static_cast<double>(strike.picture.width),
+        .height = static_cast<double>(strike.picture.height)};
+    definitions_ += "<image" + attribute("id", shape.id) + frameAttributes(frame) +
+                    attribute("preserveAspectRatio", "none") + attribute("href", dataUri(picture)) +
+                    "/>\n";
+    return shape;
+  }
+
+  const std::string& clipId(const Clip& clip) {
+    const auto known = std::ranges::find(clips_, clip, &std::pair<Clip, std::string>::first);
+    if (known != clips_.end()) {
+      return known->second;
+    }
+    const std::string id = newId();
+    definitions_ += "<clipPath" + attribute("id", id) + "><rect" + frameAttributes(clip.frame) +
+                    roundAttribute(clip.cornerRadius) + "/></clipPath>\n";
+    return clips_.emplace_back(clip, id).second;
+  }
+
+  std::string newId() { return prefix_ + std::to_string(++ids_); }
+
+  // Glyphs are defined around their origins; outlines point upwards, pictures down as the page
+  // does.
+  static std::string placed(Point origin, double scale, bool pointsDown) {
+    const std::string factor = significant(scale);
+    std::string matrix = "matrix(" + factor;
+    matrix += pointsDown ? " 0 0 " : " 0 0 -";
+    matrix += factor + " ";
+    matrix += number(origin.x) + " ";
+    matrix += number(origin.y) + ")";
+    return matrix;
+  }
+
+  // A scale is a small number: six digits wherever they begin.
+  static std::string significant(double value) {
+    std::array<char, 40> digits{};
+    char* end =
+        std::to_chars(
+            digits.data(), digits.data() + digits.size(), value, std::chars_format::general, 6)
+            .ptr;
+    return {digits.data(), end};
+  }
+
+  FontBook& fonts_;
+  Pictures& pictures_;
+  std::string prefix_;
+  int ids_ = 0;
+  std::string definitions_;
+  std::string body_;
+  std::map<std::pair<FontId, std::uint32_t>, Definition> glyphs_;
+  std::vector<std::pair<Clip, std::string>> clips_;
+};
+
+}  // namespace
+
+std::expected<std::string, std::string> writeSvg(
+    const DisplayList& list, FontBook& fonts, Pictures& pictures, std::string_view idPrefix) {
+  if (auto error = sizeError(list)) {
+    return std::unexpected(*std::move(error));
+  }
+  SvgDocument document(fonts, pictures, idPrefix);
+  for (const Item& item : list.items) {
+    document.paint(item);
+  }
+  return document.finished(list);
+}
+
+}  // namespace quillpad::drawing

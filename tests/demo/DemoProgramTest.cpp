@@ -1,0 +1,258 @@
+// The program quillpad-demo-gateway, started as a person starts it and asked over HTTPS.
+
+#include <array>
+#include <csignal>
+#include <fcntl.h>
+#include <fstream>
+#include <future>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <optional>
+#include <spawn.h>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+#include "fixtures/ScopedVariable.h"
+#include "fixtures/TemporaryHome.h"
+#include "platform/net/URLSession.h"
+
+namespace quillpad {
+
+namespace {
+using fixtures::ScopedVariable;
+using fixtures::TemporaryFolder;
+using fixtures::TemporaryHome;
+using testing::HasSubstr;
+using testing::Not;
+
+std::string contentsOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// The running program; its output goes to a file.
+class Program {
+ public:
+  explicit Program(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), QUILLPAD_DEMO_GATEWAY);
+    std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
+    for (std::string& argument : arguments) {
+      pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    const std::string output = outputFile().string();
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(
+        &actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    posix_spawn_file_actions_adddup2(&actions, 1, 2);
+    posix_spawn(&process_, pointers[0], &actions, nullptr, pointers.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+  }
+
+  ~Program() { stop(SIGKILL); }
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  // Its exit status, or minus the number of the signal that ended it.
+  int wait() {
+    if (process_ > 0) {
+      waitpid(process_, &status_, 0);
+      process_ = 0;
+    }
+    return WIFEXITED(status_) ? WEXITSTATUS(status_) : -WTERMSIG(status_);
+  }
+
+  int stop(int signal) {
+    if (process_ > 0) {
+      kill(process_, signal);
+    }
+    return wait();
+  }
+
+  std::string output() const { return contentsOf(outputFile()); }
+
+  // "https://localhost:<port>" once it serves.
+  std::string origin() const {
+    for (int tries = 0; tries < 500; ++tries) {
+      const std::string text = output();
+      const std::size_t begin = text.find("https://");
+      if (begin != text.npos && text.find('\n') != text.npos) {
+        return text.substr(begin, text.find(' ', begin) - begin);
+      }
+      usleep(20000);
+    }
+    ADD_FAILURE() << "it does not serve: " << output();
+    return "https://localhost:1";
+  }
+
+ private:
+  std::filesystem::path outputFile() const { return folder_.path() / "output"; }
+
+  TemporaryFolder folder_;
+  pid_t process_ = 0;
+  int status_ = 0;
+};
+
+struct Result {
+  std::optional<std::string> data;
+  int status = 0;
+  int error = 0;
+};
+
+Result fetch(const std::string& address, const std::string& token, const std::string& body) {
+  URLRequest request(URL::parse(address).value());
+  request.httpMethod = body.empty() ? "GET" : "POST";
+  request.httpBody = body;
+  request.setValue("application/json", "Content-type");
+  request.setValue(token, "Authorization");
+  std::promise<Result> result;
+  URLSession::shared()
+      .dataTask(
+          std::move(request),
+          [&](std::optional<std::string> data,
+              std::optional<URLResponse> response,
+              std::optional<TransportError> error) {
+            result.set_value(
+                {std::move(data), response ? response->statusCode : 0, error ? error->code : 0});
+          })
+      .resume();
+  return result.get_future().get();
+}
+
+constexpr const char* summary = R"({"businessId":"demo","currentTime":"2026-03-07 10:00:00"})";
+
+class DemoProgramTest : public testing::Test {
+ protected:
+  std::filesystem::path state() const {
+    return home_.path() / ".local/state/quillpad/demo-gateway";
+  }
+
+  TemporaryHome home_;
+  ScopedVariable trust_{"SSL_CERT_FILE", (state() / "certificate.pem").string()};
+};
+
+int modeOf(const std::filesystem::path& file) {
+  struct stat status{};
+  return stat(file.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 0777U) : -1;
+}
+
+TEST_F(DemoProgramTest, ServesWithAnIdentityThatItKeeps) {
+  std::string token;
+  std::string certificate;
+  for (const int start : {1, 2}) {
+    Program program({"--port", "0"});
+    const std::string origin = program.origin();
+    token = start == 1 ? contentsOf(state() / "token") : token;
+    certificate = start == 1 ? contentsOf(state() / "certificate.pem") : certificate;
+    const std::string path = "/invoice/invoice/getDataMap";
+    EXPECT_EQ(fetch(origin + path, token, summary).status, 200);
+    EXPECT_EQ(fetch(origin + path, "wrong", summary).status, 401);
+    const std::string numeric = "https://127.0.0.1" + origin.substr(origin.rfind(':'));
+    EXPECT_EQ(fetch(numeric + path, token, summary).status, 200);
+
+    EXPECT_THAT(program.output(), HasSubstr((state() / "certificate.pem").string()));
+    EXPECT_THAT(program.output(), HasSubstr((state() / "token").string()));
+    EXPECT_THAT(program.output(), HasSubstr("POST /invoice/invoice/getDataMap 401"));
+    EXPECT_THAT(program.output(), Not(HasSubstr(token)));
+    EXPECT_EQ(program.stop(start == 1 ? SIGTERM : SIGINT), 0);
+  }
+  EXPECT_GE(token.size(), 32U);
+  EXPECT_EQ(contentsOf(state() / "token"), token);
+  EXPECT_EQ(contentsOf(state() / "certificate.pem"), certificate);
+  EXPECT_EQ(modeOf(state()), 0700);
+  EXPECT_EQ(modeOf(state() / "token"), 0600);
+  EXPECT_EQ(modeOf(state() / "key.pem"), 0600);
+}
+
+TEST_F(DemoProgramTest, MakesAnotherCertificateWhereTheKeptOneIsOfNoUse) {
+  {
+    Program(std::vector<std::string>{"--port", "0"}).origin();
+  }
+  const std::string before = contentsOf(state() / "certificate.pem");
+  std::ofstream(state() / "key.pem") << "half a key";
+  const Program program({"--port", "0"});
+  const std::string origin = program.origin();
+  EXPECT_NE(contentsOf(state() / "certificate.pem"), before);
+  EXPECT_EQ(fetch(origin + "/", "", "").status, 404);
+}
+
+TEST_F(DemoProgramTest, ShowsFaultsWhileItRuns) {
+  const Program program({"--port", "0", "--fault", "status=503"});
+  const std::string origin = program.origin();
+  const std::string token = contentsOf(state() / "token");
+  const auto ask = [&] { return fetch(origin + "/invoice/invoice/getDataMap", token, summary); };
+  const auto order = [&](const std::string& fault) {
+    return fetch(origin + "/demo/fault", token, fault).status;
+  };
+  EXPECT_EQ(ask().status, 503);
+  EXPECT_EQ(order("drop"), 200);
+  EXPECT_EQ(ask().error, -1005);
+  EXPECT_EQ(order("truncate"), 200);
+  EXPECT_EQ(ask().error, -1005);
+  EXPECT_EQ(order("not-json"), 200);
+  EXPECT_THAT(ask().data.value_or(""), HasSubstr("<h1>"));
+  EXPECT_EQ(order("nonsense"), 400);
+  EXPECT_EQ(fetch(origin + "/demo/fault", "wrong", "drop").status, 401);
+  EXPECT_EQ(order("off"), 200);
+  EXPECT_EQ(ask().status, 200);
+  EXPECT_EQ(fetch(origin + "/demo/documents", "wrong", "").status, 401);
+  EXPECT_THAT(
+      fetch(origin + "/demo/documents", token, "").data.value_or(""), HasSubstr("clientName"));
+}
+
+TEST_F(DemoProgramTest, EndsAtOnceWhileAnswersWait) {
+  Program program({"--port", "0", "--fault", "delay=600000"});
+  const std::string origin = program.origin();
+  auto waiting = std::async(std::launch::async, [&] {
+    return fetch(origin + "/invoice/invoice/getDataMap", contentsOf(state() / "token"), summary);
+  });
+  EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
+  EXPECT_EQ(program.stop(SIGTERM), 0);
+  EXPECT_NE(waiting.get().error, 0);
+}
+
+TEST_F(DemoProgramTest, RefusesWebPagesAndLargeBodies) {
+  const Program program({"--port", "0"});
+  const std::string origin = program.origin();
+  const std::string token = contentsOf(state() / "token");
+  EXPECT_EQ(fetch(origin + "/demo/fault", token, std::string(1 << 20, 'x')).status, 413);
+  URLRequest page(URL::parse(origin + "/demo/documents").value());
+  page.setValue(token, "Authorization");
+  page.setValue("https://page.test", "Origin");
+  std::promise<int> status;
+  URLSession::shared()
+      .dataTask(
+          page, [&](auto&&, auto response, auto&&) { status.set_value(response->statusCode); })
+      .resume();
+  EXPECT_EQ(status.get_future().get(), 403);
+}
+
+TEST_F(DemoProgramTest, EndsWithOneLineWhereItCannotServe) {
+  const Program first({"--port", "0"});
+  const std::string origin = first.origin();
+  const struct {
+    std::vector<std::string> arguments;
+    int status;
+    const char* line;
+  } cases[] = {
+      {{"--port", origin.substr(origin.rfind(':') + 1)}, 1, "choose another with --port"},
+      {{"--state", "/proc/nothing"}, 1, "choose another --state"},
+      {{"--port", "65536"}, 2, "--port takes a number from 0 to 65535"},
+      {{"--fault", "slow"}, 2, "'slow' is no fault"},
+      {{"now"}, 2, "there is no use for 'now'"},
+  };
+  for (const auto& [arguments, status, line] : cases) {
+    Program program(arguments);
+    EXPECT_EQ(program.wait(), status) << line;
+    EXPECT_THAT(program.output(), HasSubstr(line));
+  }
+}
+
+}  // namespace
+
+}  // namespace quillpad

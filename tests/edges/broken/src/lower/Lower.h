@@ -1,0 +1,3 @@
+#include <curl/curl.h>
+
+#include "upper/Upper.h"

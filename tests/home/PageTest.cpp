@@ -1,0 +1,159 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "home/page/Page.h"
+#include "platform/foundation/Clock.h"
+
+namespace quillpad::home {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+const Date noon = *dateFromIso8601("2026-03-07T12:00:00.000Z");
+
+TEST(Page, NamesAreTextWhateverTheyHold) {
+  const channel::CatalogueItem item{
+      .kind = "\"><script>kind()</script>",
+      .displayName = "<img src=x onerror=name()> {{link}}",
+      .description = "</p>&'\"",
+      .families = {}};
+  const DrawnCard drawing{.picture = {"PICTURE"}, .link = "quillpad://a\"b"};
+  CardModel card{.about = &item, .drawing = &drawing, .standing = {}, .updated = {}, .reload = {}};
+  card.standing = {Standing::Level::old, "Old <i>", "It said “</p><script>”."};
+  const std::string html = cardMarkup(card, noon).html;
+  EXPECT_THAT(html, Not(HasSubstr("<script")));
+  EXPECT_THAT(html, Not(HasSubstr("<img")));
+  EXPECT_THAT(html, Not(HasSubstr("<i>")));
+  EXPECT_THAT(html, HasSubstr("data-kind=\"&quot;&gt;&lt;script&gt;"));
+  EXPECT_THAT(html, HasSubstr("{{link}}")) << "what is put in is not filled again";
+  EXPECT_THAT(html, HasSubstr("PICTURE"));
+
+  const std::string offers = galleryMarkup({{.about = &item, .drawing = nullptr}}).html;
+  EXPECT_THAT(offers, Not(HasSubstr("<script")));
+  EXPECT_THAT(offers, Not(HasSubstr("<img")));
+}
+
+TEST(Page, OnePictureFollowsTheAppearance) {
+  EXPECT_EQ(
+      inBothAppearances(
+          R"(<svg><rect fill="#FFFFFF"/><path fill="#11B826"/></svg>)",
+          R"(<svg><rect fill="#1C1C1E"/><path fill="#11B826"/></svg>)")
+          .value()
+          .html,
+      R"svg(<svg><rect fill="light-dark(#FFFFFF,#1C1C1E)"/><path fill="#11B826"/></svg>)svg");
+  for (const auto& [light, dark] :
+       {std::pair{R"(<rect fill="#FFFFFF"/>)", R"(<rect fill="#1C1C1E" fill-opacity="0.5"/>)"},
+        {R"(<rect fill="#FFFFFF"/>)", R"(<rect/>)"},
+        {R"(<path/><rect fill="#FFFFFF"/>)", R"(<rect fill="#FFFFFF"/>)"},
+        {R"(<rect fill="#FFFFFF"/>)", R"(<rect fill="#FFFFFF"/><path fill="#FFFFFF"/>)"}}) {
+    EXPECT_FALSE(inBothAppearances(light, dark)) << light << dark;
+  }
+}
+
+TEST(Page, OnlyLinksToApplicationsStandOnIt) {
+  for (const char* link : {"quillpad://Report", "QuillPad://x", "mailto:someone"}) {
+    EXPECT_TRUE(leadsToApplication(link)) << link;
+  }
+  for (const char* link :
+       {"javascript:alert(1)",
+        "JavaScript:alert(1)",
+        "data:text/html,x",
+        "http://evil.example",
+        "https://evil.example",
+        "file:///etc/passwd",
+        "vbscript:x",
+        "Report",
+        "",
+        "//evil.example",
+        " javascript:alert(1)"}) {
+    EXPECT_FALSE(leadsToApplication(link)) << link;
+  }
+}
+
+TEST(Page, TellsAgeAndReload) {
+  using namespace std::chrono_literals;
+  const channel::CatalogueItem item{"A", "A", "", {}};
+  const struct {
+    std::chrono::milliseconds age;
+    std::chrono::milliseconds left;
+    const char* words;
+  } cases[] = {
+      {0s, 5min, "just now · reloads in 5 min"},
+      {59s, 61s, "just now · reloads in 1 min"},
+      {60s, 20s, "1 min ago · reloads now"},
+      {59min, -1min, "59 min ago · reloads now"},
+      {25h, 3h, "1 d ago · reloads in 3 h"},
+      {-10min, 5min, "just now · reloads in 5 min"},
+  };
+  for (const auto& [age, left, words] : cases) {
+    const CardModel card{
+        .about = &item,
+        .drawing = nullptr,
+        .standing = {},
+        .updated = noon - age,
+        .reload = noon + left};
+    const std::string html = cardMarkup(card, noon).html;
+    std::string text;
+    for (bool inTag = false; const char character : html) {
+      inTag = inTag || character == '<';
+      if (!inTag) {
+        text += character;
+      }
+      inTag = inTag && character != '>';
+    }
+    EXPECT_THAT(text, HasSubstr(words));
+  }
+}
+
+TEST(Standing, SaysInPlainWordsWhatIsShown) {
+  using Cause = Trouble::Cause;
+  const channel::CatalogueItem item{"A", "A", "", {}};
+  const Picture live{.source = Picture::Source::timeline, .entry = {}, .received = noon};
+  Picture placeholder = live;
+  placeholder.source = Picture::Source::placeholder;
+  Picture standIn = live;
+  standIn.failure = TransportError{-1004, "Could not connect to the server."};
+  Picture restored = live;
+  restored.restored = true;
+  const Trouble dropped{Cause::dropped, "", "没有token", noon};
+  const Trouble droppedSilently{Cause::dropped, "", "", noon};
+  const Trouble ended{Cause::ended, "signal 6, Aborted", "SalesData line 58: no JSON", noon};
+  const Trouble late{Cause::late, "90 seconds", "", noon};
+  const Trouble tooLarge{Cause::overMemory, "41 MB of the 30 MB that it may use", "", noon};
+  const struct {
+    const Picture* picture;
+    const Trouble* trouble;
+    const char* level;
+    std::vector<std::string> words;
+  } cases[] = {
+      {&live, nullptr, "live", {}},
+      {&placeholder, nullptr, "placeholder", {"on their way"}},
+      {&placeholder, &dropped, "placeholder", {"access token is empty", "没有token"}},
+      {&standIn, nullptr, "stand-in", {"zeros or a sample", "Could not connect", "-1004"}},
+      {&standIn, &late, "stand-in", {"Could not connect", "90 seconds"}},
+      {&live, &ended, "old", {"signal 6, Aborted", "SalesData line 58: no JSON"}},
+      {&live, &droppedSilently, "old", {"gave no reason"}},
+      {&live, &tooLarge, "old", {"41 MB of the 30 MB"}},
+      {&restored, nullptr, "old", {"before the home screen was started"}},
+      {nullptr, nullptr, "blank", {"not sent a picture"}},
+      {nullptr, &ended, "blank", {"signal 6"}},
+  };
+  for (const auto& [picture, trouble, level, words] : cases) {
+    const Standing standing =
+        standingOf({.about = &item, .picture = picture, .trouble = trouble, .reload = {}});
+    EXPECT_EQ(levelName(standing.level), level);
+    EXPECT_EQ(standing.badge.empty(), standing.level == Standing::Level::live);
+    for (const std::string& part : words) {
+      EXPECT_THAT(standing.cause, HasSubstr(part));
+    }
+  }
+}
+
+TEST(Page, ATemplateWithoutItsValueEndsTheProcess) {
+  EXPECT_DEATH(filled("a {{missing}} b", {{"other", {}}}), "no value for missing");
+}
+
+}  // namespace
+}  // namespace quillpad::home

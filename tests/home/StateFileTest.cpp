@@ -1,0 +1,125 @@
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+
+#include "fixtures/ScopedVariable.h"
+#include "fixtures/TemporaryHome.h"
+#include "home/extension/StateFile.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/Json.h"
+#include "platform/ui/ViewCodec.h"
+
+namespace quillpad::home {
+namespace {
+using testing::HasSubstr;
+
+SavedHome example() {
+  SavedHome home{
+      .catalogue =
+          {{.kind = "A",
+            .displayName = "First \"one\"",
+            .description = "d",
+            .families = {ui::WidgetFamily::systemMedium}}},
+      .placed = {"A"},
+      .pictures = {}};
+  home.pictures.emplace(
+      "A",
+      Picture{
+          .source = Picture::Source::timeline,
+          .entry = Dictionary{{"date", "2026-03-07T09:05:03.250Z"}, {"data", 23.89}},
+          .view = ui::VStack(ui::Text::verbatim("Åse <b>"), ui::Spacer()).padding(16),
+          .received = *dateFromIso8601("2026-03-07T09:05:04.000Z"),
+          .failure = TransportError{-1004, "Could not connect to the server."}});
+  return home;
+}
+
+std::string viewText(const ui::View& view) {
+  return *writeJson(ui::toValue(view), JsonLayout::compact);
+}
+
+TEST(StateFile, ReadsBackWhatItWrote) {
+  const fixtures::TemporaryHome folder;
+  const auto file = stateFile();
+  ASSERT_TRUE(file);
+  ASSERT_TRUE(writeState(*file, example()));
+  struct stat status{};
+  ::stat(file->c_str(), &status);
+  EXPECT_EQ(status.st_mode & 0777U, 0600U);
+
+  const auto read = readState(*file);
+  ASSERT_TRUE(read) << read.error();
+  ASSERT_TRUE(*read);
+  const SavedHome& home = **read;
+  EXPECT_EQ(home.placed, std::vector<std::string>{"A"});
+  EXPECT_EQ(home.catalogue.at(0).displayName, "First \"one\"");
+  EXPECT_EQ(home.catalogue.at(0).families.at(0), ui::WidgetFamily::systemMedium);
+  const SavedHome original = example();
+  const Picture& picture = home.pictures.at("A");
+  EXPECT_EQ(picture.entry, original.pictures.at("A").entry);
+  EXPECT_EQ(viewText(picture.view), viewText(original.pictures.at("A").view));
+  EXPECT_EQ(picture.received, original.pictures.at("A").received);
+  EXPECT_EQ(picture.failure->localizedDescription, "Could not connect to the server.");
+}
+
+TEST(StateFile, NoFileIsAFreshStart) {
+  const fixtures::TemporaryHome folder;
+  const auto read = readState(*stateFile());
+  ASSERT_TRUE(read);
+  EXPECT_FALSE(*read);
+}
+
+TEST(StateFile, AFileThatIsCutOffAnywhereIsNotTaken) {
+  const std::string whole = *encodeState(example());
+  ASSERT_TRUE(decodeState(whole));
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    EXPECT_FALSE(decodeState(whole.substr(0, length))) << length;
+  }
+}
+
+TEST(StateFile, ForeignContentIsToldByName) {
+  const fixtures::TemporaryHome folder;
+  const auto file = *stateFile();
+  std::filesystem::create_directories(file.parent_path());
+  const struct {
+    const char* content;
+    const char* reason;
+  } cases[] = {
+      {"[]", "another version"},
+      {R"({"version":2})", "another version"},
+      {R"({"version":1,"placed":[],"pictures":{}})", "missing"},
+      {R"({"version":1,"catalogue":[7],"placed":[],"pictures":{}})", "catalogue"},
+      {R"({"version":1,"catalogue":[],"placed":[null],"pictures":{}})", "placed"},
+      {R"({"version":1,"catalogue":[],"placed":[],"pictures":{"A":{"received":1}}})", "of A"},
+  };
+  for (const auto& [content, reason] : cases) {
+    std::ofstream(file) << content;
+    const auto read = readState(file);
+    ASSERT_FALSE(read) << content;
+    EXPECT_THAT(read.error(), HasSubstr(file.string()));
+    EXPECT_THAT(read.error(), HasSubstr(reason));
+  }
+}
+
+TEST(StateFile, AFolderThatCannotBeWrittenIsTold) {
+  const fixtures::TemporaryFolder folder;
+  std::ofstream(folder.path() / "quillpad") << "in the way";
+  const auto written = writeState(folder.path() / "quillpad" / "home.json", example());
+  ASSERT_FALSE(written);
+  EXPECT_THAT(written.error(), HasSubstr("cannot be written"));
+}
+
+TEST(StateFile, LiesInTheStateFolder) {
+  const fixtures::ScopedVariable home("HOME", "/home/someone");
+  const fixtures::ScopedVariable state("XDG_STATE_HOME", "/elsewhere");
+  EXPECT_EQ(stateFile(), "/elsewhere/quillpad/home.json");
+  const fixtures::ScopedVariable unset("XDG_STATE_HOME", std::nullopt);
+  EXPECT_EQ(stateFile(), "/home/someone/.local/state/quillpad/home.json");
+  const fixtures::ScopedVariable relative("HOME", "somewhere");
+  EXPECT_EQ(stateFile(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace quillpad::home

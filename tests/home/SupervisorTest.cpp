@@ -1,0 +1,583 @@
+// The supervisor against an extension that the test plays, with a clock that the test holds.
+#include <chrono>
+#include <cstddef>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "home/extension/Supervisor.h"
+#include "platform/foundation/Clock.h"
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+using Cause = Trouble::Cause;
+using Life = Supervisor::Life;
+
+channel::Catalogue catalogueOf(const std::vector<std::string>& kinds) {
+  channel::Catalogue catalogue;
+  for (const std::string& kind : kinds) {
+    catalogue.items.push_back(
+        {.kind = kind, .displayName = kind, .description = "", .families = {}});
+  }
+  return catalogue;
+}
+
+Value entryAt(Date date, const std::string& data) {
+  return Dictionary{{"date", iso8601(date)}, {"data", data}};
+}
+
+// A home screen with the widgets A and B, whose extension answers what it is told to.
+class SupervisorTest : public testing::Test {
+ protected:
+  // What the supervisor has had done since the last call, in words.
+  std::vector<std::string> done() {
+    EXPECT_TRUE(!supervisor.wakeUp() || *supervisor.wakeUp() > uptime) << "it would spin";
+    std::vector<std::string> words;
+    for (const Supervisor::Action& action : supervisor.takeActions()) {
+      if (std::holds_alternative<Supervisor::StartExtension>(action)) {
+        words.emplace_back("start");
+        lastId = 0;
+        open.clear();
+      } else if (std::holds_alternative<Supervisor::KillExtension>(action)) {
+        words.emplace_back("kill");
+      } else {
+        words.push_back(wordsOf(std::get<Supervisor::Send>(action).request));
+        open[words.back()] = ++lastId;
+      }
+    }
+    return words;
+  }
+
+  static std::string wordsOf(const channel::Request& request) {
+    struct Words {
+      std::string operator()(const channel::CatalogueRequest&) { return "catalogue"; }
+      std::string operator()(const channel::PlaceholderRequest& r) {
+        return "placeholder " + r.kind;
+      }
+      std::string operator()(const channel::SnapshotRequest& r) { return "snapshot " + r.kind; }
+      std::string operator()(const channel::TimelineRequest& r) { return "timeline " + r.kind; }
+      std::string operator()(const channel::RenderRequest& r) { return "render " + r.kind; }
+    };
+    return std::visit(Words{}, request);
+  }
+
+  Now now() const { return {.date = date, .uptime = uptime}; }
+
+  void pass(std::chrono::milliseconds time) {
+    date += time;
+    uptime += time;
+    supervisor.timePassed(now());
+  }
+
+  void answer(const std::string& words, channel::Reply reply) {
+    const auto request = open.find(words);
+    ASSERT_NE(request, open.end()) << words << " is not asked";
+    const std::uint64_t id = request->second;
+    open.erase(request);
+    supervisor.replied(now(), {.id = id, .reply = std::move(reply)});
+  }
+
+  channel::Timeline timelineOf(const std::string& data) const {
+    return {.entries = {entryAt(date, data)}, .reloadAfter = date + 5min};
+  }
+
+  // Answers everything but timelines until nothing else is asked; returns what was.
+  std::vector<std::string> answerAllButTimelines() {
+    std::vector<std::string> all;
+    for (std::vector<std::string> words = done(); !words.empty(); words = done()) {
+      all.insert(all.end(), words.begin(), words.end());
+      for (const std::string& request : words) {
+        if (request == "catalogue") {
+          answer(request, catalogueOf({"A", "B"}));
+        } else if (request.starts_with("placeholder") || request.starts_with("snapshot")) {
+          answer(request, channel::Entry{entryAt(date, "sample")});
+        } else if (request.starts_with("render")) {
+          answer(request, channel::Rendering{ui::Spacer{}});
+        }
+      }
+    }
+    return all;
+  }
+
+  // Brings both widgets to their first live picture.
+  void bringUp() {
+    supervisor.timePassed(now());
+    answerAllButTimelines();
+    answer("timeline A", timelineOf("a1"));
+    answer("timeline B", timelineOf("b1"));
+    answerAllButTimelines();
+  }
+
+  void endExtension(const std::string& manner = "signal 9, Killed") {
+    supervisor.ended(now(), manner);
+  }
+
+  void passThePause() {
+    if (supervisor.life() == Life::pausing) {
+      pass(*supervisor.wakeUp() - uptime);
+    }
+  }
+
+  Card card(const std::string& kind) const {
+    for (const Card& each : supervisor.cards()) {
+      if (each.about->kind == kind) {
+        return each;
+      }
+    }
+    ADD_FAILURE() << kind << " is not placed";
+    return {};
+  }
+
+  Picture picture(const std::string& kind) const {
+    const Picture* shown = card(kind).picture;
+    EXPECT_NE(shown, nullptr) << kind << " is blank";
+    return shown == nullptr ? Picture{} : *shown;
+  }
+
+  Trouble trouble(const std::string& kind) const {
+    const Trouble* met = card(kind).trouble;
+    EXPECT_NE(met, nullptr) << kind << " has no trouble";
+    return met == nullptr ? Trouble{} : *met;
+  }
+
+  // The data of the entry that the widget shows.
+  std::string shown(const std::string& kind) const {
+    const Picture* picture = card(kind).picture;
+    return picture == nullptr ? "blank"
+                              : *picture->entry.as<Dictionary>()->find("data")->as<std::string>();
+  }
+
+  Date date = *dateFromIso8601("2026-03-07T09:00:00.000Z");
+  Uptime uptime = 1h;
+  Supervisor supervisor;
+  std::map<std::string, std::uint64_t> open;
+  std::uint64_t lastId = 0;
+};
+
+TEST_F(SupervisorTest, FirstRunPlacesTheWholeCatalogueAndShowsPlaceholdersMeanwhile) {
+  supervisor.timePassed(now());
+  EXPECT_THAT(
+      answerAllButTimelines(),
+      ElementsAre(
+          "start",
+          "catalogue",
+          "placeholder A",
+          "placeholder B",
+          "render A",
+          "render B",
+          "timeline A",
+          "timeline B"));
+  EXPECT_EQ(picture("A").source, Picture::Source::placeholder);
+
+  answer("timeline B", timelineOf("b1"));
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("render B"));
+  EXPECT_EQ(shown("B"), "b1");
+  EXPECT_EQ(picture("B").source, Picture::Source::timeline);
+  EXPECT_EQ(card("B").reload, date + 5min);
+  EXPECT_EQ(shown("A"), "sample");
+}
+
+TEST_F(SupervisorTest, AsksAgainAtTheReloadTimeAndNotBefore) {
+  bringUp();
+  ASSERT_EQ(supervisor.wakeUp(), uptime + 5min);
+  pass(5min - 1ms);
+  EXPECT_THAT(done(), IsEmpty());
+  pass(1ms);
+  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
+}
+
+TEST_F(SupervisorTest, AClockThatIsSetDoesNotMoveTheReload) {
+  bringUp();
+  date += 24h;
+  supervisor.timePassed(now());
+  EXPECT_THAT(done(), IsEmpty());
+  date -= 48h;
+  pass(5min);
+  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
+}
+
+TEST_F(SupervisorTest, AReloadTimeInThePastIsThrottled) {
+  supervisor.timePassed(now());
+  answerAllButTimelines();
+  answer("timeline A", channel::Timeline{{entryAt(date, "a1")}, date - 1h});
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("render A"));
+  pass(999ms);
+  EXPECT_THAT(done(), IsEmpty());
+  pass(1ms);
+  EXPECT_THAT(done(), ElementsAre("timeline A"));
+}
+
+TEST_F(SupervisorTest, ShowsEachEntryOfATimelineWhenItsTimeComes) {
+  supervisor.timePassed(now());
+  answerAllButTimelines();
+  answer(
+      "timeline A",
+      channel::Timeline{
+          {entryAt(date + 2min, "third"), entryAt(date - 1min, "first"), entryAt(date, "second")},
+          date + 10min});
+  answer("timeline B", timelineOf("b1"));
+  answerAllButTimelines();
+  EXPECT_EQ(shown("A"), "second");
+  EXPECT_EQ(supervisor.wakeUp(), uptime + 2min);
+  pass(2min - 1ms);
+  EXPECT_THAT(done(), IsEmpty());
+  pass(1ms);
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("render A"));
+  EXPECT_EQ(shown("A"), "third");
+}
+
+TEST_F(SupervisorTest, NeverHasTwoRequestsOfOneKindUnderWay) {
+  supervisor.timePassed(now());
+  answerAllButTimelines();
+  supervisor.reload(now());
+  supervisor.openGallery(now());
+  EXPECT_THAT(done(), IsEmpty());
+  answer("timeline A", timelineOf("a1"));
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("render A", "snapshot A", "render A"));
+}
+
+TEST_F(SupervisorTest, KeepsThePictureThroughADropAndSaysWhatWasPrinted) {
+  bringUp();
+  pass(5min);
+  done();
+  supervisor.printed("no token");
+  answer("timeline A", channel::Dropped{});
+  EXPECT_EQ(shown("A"), "a1");
+  EXPECT_EQ(trouble("A").cause, Cause::dropped);
+  EXPECT_EQ(trouble("A").said, "no token");
+  EXPECT_EQ(card("A").reload, date + 5min);
+  answer("timeline B", timelineOf("b2"));
+  answerAllButTimelines();
+  EXPECT_EQ(card("B").trouble, nullptr);
+
+  pass(5min);
+  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
+  answer("timeline A", timelineOf("a2"));
+  answerAllButTimelines();
+  EXPECT_EQ(shown("A"), "a2");
+  EXPECT_EQ(card("A").trouble, nullptr);
+}
+
+TEST_F(SupervisorTest, KnowsOfZerosThatStandInForFiguresByTheFailedTransfer) {
+  supervisor.timePassed(now());
+  answerAllButTimelines();
+  supervisor.transferred({{
+      .activity = open.at("timeline B"),
+      .path = "/invoice",
+      .error = TransportError{-1004, "Could not connect to the server."},
+  }});
+  supervisor.transferred({{.activity = open.at("timeline A"), .path = "/invoice", .error = {}}});
+  answer("timeline A", timelineOf("a1"));
+  answer("timeline B", timelineOf("zeros"));
+  answerAllButTimelines();
+  EXPECT_FALSE(picture("A").failure);
+  EXPECT_EQ(picture("B").failure.value().localizedDescription, "Could not connect to the server.");
+}
+
+TEST_F(SupervisorTest, GivesUpALateRequestButNotTheExtensionThatAnswersOthers) {
+  bringUp();
+  pass(5min);
+  done();
+  answer("timeline B", timelineOf("b2"));  // in the same moment
+  answerAllButTimelines();
+  pass(1s);
+  supervisor.openGallery(now());
+  answerAllButTimelines();  // the extension is well
+  pass(89s - 1ms);
+  EXPECT_EQ(card("A").trouble, nullptr);
+  pass(1ms);
+  EXPECT_EQ(trouble("A").cause, Cause::late);
+  EXPECT_EQ(shown("A"), "a1");
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("snapshot A", "render A"));
+}
+
+TEST_F(SupervisorTest, EndsAnExtensionThatHangs) {
+  bringUp();
+  pass(5min);
+  done();
+  pass(1ms);
+  pass(90s);
+  EXPECT_THAT(done(), ElementsAre("kill"));
+  pass(1s);
+  EXPECT_THAT(done(), IsEmpty()) << "nothing is asked of an extension that was killed";
+  endExtension();
+  EXPECT_EQ(supervisor.lastEnd()->cause, Cause::late);
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue"));
+}
+
+TEST_F(SupervisorTest, AnAnswerAfterTheDeadlineIsNotTaken) {
+  bringUp();
+  pass(5min);
+  done();
+  const auto late = open;
+  answer("timeline B", timelineOf("b2"));
+  pass(91s);
+  supervisor.replied(now(), {late.at("timeline A"), timelineOf("late")});
+  EXPECT_EQ(shown("A"), "a1");
+}
+
+TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
+  bringUp();
+  supervisor.reload(now());
+  done();
+  for (const auto pause : {0s, 1s, 5s, 25s}) {
+    supervisor.printed("SalesData line 58: no JSON");
+    endExtension("signal 6, Aborted");
+    if (pause > 0s) {
+      EXPECT_EQ(supervisor.life(), Life::pausing);
+      EXPECT_EQ(supervisor.wakeUp(), uptime + pause);
+      pass(pause - 1ms);
+      EXPECT_THAT(done(), IsEmpty());
+      pass(1ms);
+    }
+    EXPECT_THAT(done(), ElementsAre("start", "catalogue"));
+    answer("catalogue", catalogueOf({"A", "B"}));
+    EXPECT_THAT(done(), ElementsAre(testing::StartsWith("timeline")));
+    EXPECT_EQ(shown("A"), "a1");
+  }
+  supervisor.printed("SalesData line 58: no JSON");
+  endExtension("signal 6, Aborted");
+  EXPECT_EQ(supervisor.life(), Life::waiting);
+  EXPECT_EQ(supervisor.wakeUp(), std::nullopt);
+  pass(24h);
+  EXPECT_THAT(done(), IsEmpty());
+  EXPECT_EQ(supervisor.lastEnd()->how, "signal 6, Aborted");
+  EXPECT_EQ(supervisor.lastEnd()->said, "SalesData line 58: no JSON");
+  EXPECT_EQ(shown("A"), "a1");
+  EXPECT_EQ(card("A").reload, std::nullopt);
+
+  supervisor.reload(now());
+  EXPECT_THAT(
+      answerAllButTimelines(),
+      UnorderedElementsAre("start", "catalogue", "timeline A", "timeline B"));
+}
+
+TEST_F(SupervisorTest, AnEndWhileNothingIsAskedLeavesThePicturesFresh) {
+  bringUp();
+  pass(1min);
+  endExtension();
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue"));
+  EXPECT_EQ(card("A").trouble, nullptr);
+  EXPECT_EQ(card("A").reload, date + 4min);
+  pass(4min);
+  EXPECT_THAT(done(), ElementsAre("timeline A"));
+}
+
+TEST_F(SupervisorTest, OneWidgetThatEndsTheExtensionTakesNoOtherWithIt) {
+  bringUp();
+  pass(5min);
+  done();
+  for (int end = 0; end < 5; ++end) {
+    endExtension("signal 6, Aborted");
+    passThePause();
+    answerAllButTimelines();
+    if (open.contains("timeline B")) {
+      answer("timeline B", timelineOf("b2"));
+      answerAllButTimelines();
+    }
+  }
+  EXPECT_EQ(supervisor.life(), Life::waiting) << "the good answers of B do not hide the ends of A";
+  EXPECT_EQ(shown("B"), "b2");
+  EXPECT_EQ(card("B").trouble, nullptr);
+  EXPECT_EQ(shown("A"), "a1");
+  EXPECT_EQ(trouble("A").cause, Cause::ended);
+}
+
+TEST_F(SupervisorTest, AGoodRoundForgetsEarlierEnds) {
+  bringUp();
+  for (int round = 0; round < 10; ++round) {
+    supervisor.reload(now());
+    done();
+    endExtension();
+    answerAllButTimelines();
+    answer("timeline A", timelineOf("a"));
+    answerAllButTimelines();
+    answer("timeline B", timelineOf("b"));
+    answerAllButTimelines();
+    EXPECT_EQ(supervisor.lastEnd(), std::nullopt);
+  }
+  EXPECT_EQ(supervisor.life(), Life::running);
+}
+
+TEST_F(SupervisorTest, ThePlaceholderIsAskedAgainWhereAnEndCameFirst) {
+  supervisor.timePassed(now());
+  done();
+  answer("catalogue", catalogueOf({"A", "B"}));
+  EXPECT_THAT(done(), ElementsAre("placeholder A", "placeholder B"));
+  endExtension();
+  answerAllButTimelines();
+  EXPECT_EQ(shown("A"), "sample");
+}
+
+TEST_F(SupervisorTest, StrikesAtTheMemoryBoundAndSaysSo) {
+  bringUp();
+  supervisor.memoryMeasured(now(), std::size_t{30} * 1024 * 1024);
+  EXPECT_THAT(done(), IsEmpty());
+  supervisor.reload(now());
+  done();
+  supervisor.memoryMeasured(now(), std::size_t{41} * 1024 * 1024);
+  supervisor.memoryMeasured(now(), std::size_t{42} * 1024 * 1024);
+  EXPECT_THAT(done(), ElementsAre("kill"));
+  endExtension();
+  EXPECT_EQ(trouble("A").cause, Cause::overMemory);
+  EXPECT_EQ(trouble("A").how, "41 MB of the 30 MB that it may use");
+  EXPECT_EQ(shown("A"), "a1");
+}
+
+TEST_F(SupervisorTest, AnExtensionThatCannotBeStartedCountsAsOneThatEnds) {
+  supervisor.timePassed(now());
+  for (int attempt = 0; attempt < 5; ++attempt) {
+    EXPECT_THAT(done(), ElementsAre("start", "catalogue"));
+    supervisor.failedToStart(now(), "There is no program there.");
+    passThePause();
+  }
+  EXPECT_EQ(supervisor.life(), Life::waiting);
+  EXPECT_EQ(supervisor.lastEnd()->cause, Cause::notStarted);
+}
+
+TEST_F(SupervisorTest, RemovesAndAddsInTheCataloguesOrder) {
+  bringUp();
+  EXPECT_TRUE(supervisor.remove(now(), "A"));
+  EXPECT_FALSE(supervisor.place(now(), "C"));
+  EXPECT_FALSE(supervisor.remove(now(), "C"));
+  EXPECT_EQ(supervisor.cards().size(), 1U);
+  pass(5min);
+  EXPECT_THAT(done(), ElementsAre("timeline B"));
+
+  EXPECT_TRUE(supervisor.place(now(), "A"));
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("placeholder A", "render A", "timeline A"));
+  EXPECT_EQ(supervisor.cards().front().about->kind, "A");
+  EXPECT_EQ(supervisor.cards().size(), 2U);
+}
+
+TEST_F(SupervisorTest, AnAnswerForAWidgetThatIsGoneChangesNothing) {
+  bringUp();
+  supervisor.reload(now());
+  done();
+  supervisor.remove(now(), "A");
+  answer("timeline A", timelineOf("a2"));
+  answerAllButTimelines();
+  EXPECT_EQ(supervisor.cards().size(), 1U);
+  EXPECT_FALSE(supervisor.saved().pictures.contains("A"));
+}
+
+TEST_F(SupervisorTest, ShowsWhatAnEarlierRunLeftUntilFreshEntriesCome) {
+  bringUp();
+  supervisor.remove(now(), "B");
+  Supervisor next;
+  next.restore(supervisor.saved());
+  supervisor = std::move(next);
+  date += 24h;
+  EXPECT_EQ(shown("A"), "a1");
+  EXPECT_TRUE(picture("A").restored);
+  EXPECT_EQ(picture("A").received, date - 24h);
+
+  supervisor.timePassed(now());
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue", "timeline A"));
+  answer("timeline A", timelineOf("a2"));
+  answerAllButTimelines();
+  EXPECT_FALSE(picture("A").restored);
+  EXPECT_EQ(supervisor.cards().size(), 1U);
+}
+
+TEST_F(SupervisorTest, AWidgetThatTheExtensionNoLongerOffersIsKeptInMind) {
+  bringUp();
+  SavedHome saved = supervisor.saved();
+  saved.placed.emplace_back("Former");
+  supervisor = Supervisor();
+  supervisor.restore(std::move(saved));
+  bringUp();
+  EXPECT_EQ(supervisor.cards().size(), 2U);
+  EXPECT_EQ(supervisor.wakeUp(), uptime + 5min);
+  EXPECT_TRUE(supervisor.isPlaced("Former"));
+}
+
+TEST_F(SupervisorTest, ARenderingThatIsRefusedLeavesNothingToWaitFor) {
+  supervisor.timePassed(now());
+  done();
+  answer("catalogue", catalogueOf({"A"}));
+  done();
+  answer("placeholder A", channel::Refused{channel::invalidParams, "no"});
+  done();
+  answer(
+      "timeline A",
+      channel::Timeline{{entryAt(date, "now"), entryAt(date + 1min, "later")}, date + 5min});
+  done();
+  answer("render A", channel::Refused{channel::invalidParams, "no"});
+  EXPECT_EQ(shown("A"), "blank");
+  pass(2min);
+  EXPECT_THAT(done(), IsEmpty());
+}
+
+TEST_F(SupervisorTest, AnAnswerOfAnotherKindIsARefusal) {
+  bringUp();
+  supervisor.reload(now());
+  done();
+  answer("timeline A", channel::Rendering{ui::Spacer{}});
+  EXPECT_EQ(trouble("A").cause, Cause::refused);
+  answer("timeline B", channel::Refused{channel::invalidParams, "unknown kind"});
+  EXPECT_EQ(trouble("B").how, "unknown kind");
+  EXPECT_EQ(shown("B"), "b1");
+  EXPECT_EQ(supervisor.life(), Life::running);
+}
+
+// Two hundred times, at random: some steps of a refresh, then an end. Whatever the step was, no
+// widget is ever blank again, nothing is asked twice or of an extension that is gone, and the fresh
+// pictures come in the end.
+TEST_F(SupervisorTest, SurvivesEndsAtEveryStepOfARefresh) {
+  bringUp();
+  std::mt19937 random(20260307);
+  const auto step = [&] {
+    for (const std::string& words : done()) {
+      EXPECT_NE(words, "kill");
+    }
+    std::set<std::string> kinds;
+    for (const auto& [words, id] : open) {
+      EXPECT_TRUE(kinds.insert(words.substr(words.find(' ') + 1)).second) << words;
+    }
+    if (open.empty()) {
+      return false;
+    }
+    const std::string words =
+        std::next(open.begin(), static_cast<std::ptrdiff_t>(random() % open.size()))->first;
+    if (words == "catalogue") {
+      answer(words, catalogueOf({"A", "B"}));
+    } else if (words.starts_with("timeline")) {
+      answer(words, timelineOf("fresh"));
+    } else {
+      answer(words, channel::Rendering{ui::Spacer{}});
+    }
+    return true;
+  };
+  for (int round = 0; round < 200; ++round) {
+    supervisor.reload(now());
+    for (auto steps = random() % 7; steps > 0 && step(); --steps) {
+      pass(1ms);
+    }
+    open.clear();
+    endExtension();
+    EXPECT_NE(shown("A"), "blank");
+    EXPECT_NE(shown("B"), "blank");
+    passThePause();
+    while (step()) {
+    }
+    EXPECT_EQ(shown("A"), "fresh");
+    EXPECT_EQ(shown("B"), "fresh");
+    EXPECT_EQ(card("A").trouble, nullptr);
+    EXPECT_EQ(card("B").trouble, nullptr);
+    EXPECT_EQ(supervisor.life(), Life::running);
+  }
+}
+
+}  // namespace
+}  // namespace quillpad::home

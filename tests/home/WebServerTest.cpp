@@ -1,0 +1,281 @@
+// The web server against clients that write their own bytes.
+#include <arpa/inet.h>
+#include <atomic>
+#include <chrono>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <netinet/in.h>
+#include <optional>
+#include <poll.h>
+#include <string>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <thread>
+#include <vector>
+
+#include "home/server/WebServer.h"
+#include "platform/foundation/FileDescriptor.h"
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+// A server whose loop runs on a thread of its own, as long as the test lasts.
+class RunningServer {
+ public:
+  explicit RunningServer(WebServer::Handler handler, WebServer::Limits limits = {}) {
+    auto started = WebServer::start(0, limits, std::move(handler));
+    EXPECT_TRUE(started) << started.error();
+    server_.emplace(std::move(*started));
+    port_ = server_->port();
+    loop_ = std::thread([this] {
+      while (!ending_) {
+        pollfd descriptors[] = {{server_->descriptor(), POLLIN, 0}, {changed_.get(), POLLIN, 0}};
+        ::poll(descriptors, 2, static_cast<int>(server_->patience().count()));
+        server_->run();
+        if (std::uint64_t count = 0; ::read(changed_.get(), &count, sizeof count) > 0) {
+          server_->wake();
+        }
+      }
+    });
+  }
+
+  ~RunningServer() {
+    ending_ = true;
+    change();
+    loop_.join();
+  }
+
+  std::uint16_t port() const { return port_; }
+  std::string host() const { return "127.0.0.1:" + std::to_string(port_); }
+  void change() const {
+    const std::uint64_t one = 1;
+    EXPECT_EQ(::write(changed_.get(), &one, sizeof one), sizeof one);
+  }
+
+ private:
+  std::optional<WebServer> server_;
+  std::uint16_t port_ = 0;
+  std::atomic<bool> ending_ = false;
+  FileDescriptor changed_{::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)};
+  std::thread loop_;
+};
+
+// One connection. Reads give up after ten seconds.
+class Client {
+ public:
+  explicit Client(const RunningServer& server)
+      : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(server.port());
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(
+        ::connect(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    const timeval patience{10, 0};
+    ::setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+  }
+
+  void write(const std::string& bytes) {
+    ::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+  }
+
+  // What comes until the text does, or the connection ends.
+  std::string readUntil(const std::string& text) {
+    while (!received_.contains(text)) {
+      char buffer[4096];
+      const ssize_t count = ::recv(socket_.get(), buffer, sizeof buffer, 0);
+      if (count <= 0) {
+        break;
+      }
+      received_.append(buffer, static_cast<std::size_t>(count));
+    }
+    return std::exchange(received_, {});
+  }
+
+  std::string readAll() { return readUntil("there is no such text in any answer"); }
+
+ private:
+  FileDescriptor socket_;
+  std::string received_;
+};
+
+WebReply echo(const WebRequest& request) {
+  return WebAnswer{
+      .body = request.method + " " + request.path +
+              " kind=" + std::string(request.parameter("kind")) + " token=" + request.pageToken};
+}
+
+std::string ask(const RunningServer& server, const std::string& start, const std::string& headers) {
+  Client client(server);
+  client.write(start + " HTTP/1.1\r\n" + headers + "Connection: close\r\n\r\n");
+  return client.readAll();
+}
+
+TEST(WebServer, HandsRequestsOverDecoded) {
+  const RunningServer server(echo);
+  const std::string answer =
+      ask(server,
+          "POST /place?kind=a%26b%3Cc&kind=second",
+          "Host: " + server.host() + "\r\nX-Page-Token: secret\r\n");
+  EXPECT_THAT(answer, StartsWith("HTTP/1.1 200 "));
+  EXPECT_THAT(answer, HasSubstr("POST /place kind=a&b<c token=secret"));
+}
+
+TEST(WebServer, TakesRequestsForItselfOnly) {
+  const RunningServer server(echo);
+  const std::string port = std::to_string(server.port());
+  const std::string own = "Host: " + server.host() + "\r\n";
+  const struct {
+    std::string start;
+    std::string headers;
+    int status;
+  } cases[] = {
+      {"GET /", own, 200},
+      {"GET /", "Host: localhost:" + port + "\r\n", 200},
+      {"GET /", "Host: evil.example:" + port + "\r\n", 421},
+      {"GET /", "Host: 127.0.0.1:1\r\n", 421},
+      {"GET /", "Host: 127.0.0.1\r\n", 421},
+      {"GET /", "Host: 127.0.0.1.evil.example:" + port + "\r\n", 421},
+      {"POST /", own + "Origin: http://" + server.host() + "\r\n", 200},
+      {"POST /", own + "Origin: http://evil.example\r\n", 403},
+      {"POST /", own + "Origin: null\r\n", 403},
+      {"POST /", own + "Origin: https://" + server.host() + "\r\n", 403},
+      {"GET /", own + "Origin: http://localhost:1\r\n", 403},
+      {"GET /", own + "Sec-Fetch-Site: cross-site\r\n", 403},
+      {"GET /", own + "Sec-Fetch-Site: same-site\r\nSec-Fetch-Mode: cors\r\n", 403},
+      {"GET /", own + "Sec-Fetch-Site: cross-site\r\nSec-Fetch-Mode: navigate\r\n", 200},
+      {"POST /", own + "Sec-Fetch-Site: cross-site\r\nSec-Fetch-Mode: navigate\r\n", 403},
+      {"DELETE /", own, 405},
+      {"POST /", own + "Content-Length: 5\r\n", 413},
+      {"POST /", own + "Transfer-Encoding: chunked\r\n", 413},
+  };
+  for (const auto& [start, headers, status] : cases) {
+    EXPECT_THAT(ask(server, start, headers), StartsWith("HTTP/1.1 " + std::to_string(status) + " "))
+        << start << "\n"
+        << headers;
+  }
+  EXPECT_THAT(ask(server, "GET /", ""), Not(HasSubstr("GET / kind")));
+}
+
+TEST(WebServer, EveryAnswerKeepsThePageToItself) {
+  const RunningServer server(echo);
+  for (const char* start : {"GET /", "DELETE /"}) {
+    const std::string answer = ask(server, start, "Host: " + server.host() + "\r\n");
+    EXPECT_THAT(answer, HasSubstr("Content-Security-Policy: default-src 'none'"));
+    EXPECT_THAT(answer, HasSubstr("X-Content-Type-Options: nosniff"));
+    EXPECT_THAT(answer, HasSubstr("Referrer-Policy: no-referrer"));
+    EXPECT_THAT(answer, HasSubstr("Cache-Control: no-store"));
+  }
+}
+
+TEST(WebServer, AnswersLaterWhenThereIsSomethingToSay) {
+  std::atomic<bool> ready = false;
+  std::atomic<bool> asked = false;
+  const RunningServer server([&](const WebRequest&) -> WebReply {
+    return LaterAnswer{[&]() -> std::optional<WebAnswer> {
+      asked = true;
+      return ready ? std::optional(WebAnswer{.body = "at last"}) : std::nullopt;
+    }};
+  });
+  Client client(server);
+  client.write("GET / HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
+  while (!asked) {
+    std::this_thread::yield();
+  }
+  ready = true;
+  server.change();
+  EXPECT_THAT(client.readUntil("at last"), HasSubstr("at last"));
+}
+
+TEST(WebServer, BoundsTheAnswersThatAreStillToCome) {
+  const RunningServer server(
+      [](const WebRequest&) -> WebReply {
+        return LaterAnswer{[]() -> std::optional<WebAnswer> { return std::nullopt; }};
+      },
+      {.laterAnswers = 2});
+  std::vector<std::unique_ptr<Client>> clients;
+  for (int count = 0; count < 3; ++count) {
+    clients.push_back(std::make_unique<Client>(server));
+    clients.back()->write("GET / HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
+  }
+  // Whichever of them came last is turned away; the others are when the server ends.
+  EXPECT_THAT(clients.back()->readUntil("busy"), HasSubstr("503"));
+}
+
+TEST(WebServer, StreamsToEveryListenerAndEndsThemCleanly) {
+  std::atomic<int> event = 0;
+  std::vector<std::unique_ptr<Client>> clients;
+  {
+    const RunningServer server(
+        [&](const WebRequest&) -> WebReply {
+          return EventStream{[&, seen = 0]() mutable -> std::shared_ptr<const std::string> {
+            if (seen == event) {
+              return nullptr;
+            }
+            seen = event;
+            return std::make_shared<const std::string>(
+                "data: " + std::to_string(seen) + std::string(100'000, '.') + "\n\n");
+          }};
+        },
+        {.heartbeat = 20ms});
+    for (int count = 0; count < 50; ++count) {
+      clients.push_back(std::make_unique<Client>(server));
+      clients.back()->write("GET /events HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
+    }
+    clients.front()->readUntil(":\n\n");  // the heartbeat: the stream is open
+    for (int round = 1; round <= 3; ++round) {
+      event = round;
+      server.change();
+      for (const auto& client : clients) {
+        EXPECT_THAT(
+            client->readUntil("data: " + std::to_string(round)),
+            HasSubstr("data: " + std::to_string(round)));
+      }
+    }
+  }
+  for (const auto& client : clients) {
+    EXPECT_THAT(client->readAll(), Not(HasSubstr("HTTP/1.1")));
+  }
+}
+
+TEST(WebServer, HangsUpOnWhoGetsNoRequestAcross) {
+  const RunningServer server(echo, {.requestTime = 50ms});
+  Client silent(server);
+  Client dribbling(server);
+  dribbling.write("GET / HTTP/1.1\r\nX-Never: end");
+  EXPECT_EQ(silent.readAll(), "");
+  EXPECT_EQ(dribbling.readAll(), "");
+  Client keptAlive(server);
+  keptAlive.write("GET / HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
+  EXPECT_THAT(keptAlive.readAll(), HasSubstr("GET / kind="));
+}
+
+TEST(WebServer, MakesRoomByHangingUpOnTheOldest) {
+  const RunningServer server(echo, {.otherConnections = 8, .requestTime = 1h});
+  std::vector<std::unique_ptr<Client>> silent;
+  silent.reserve(20);
+  for (int count = 0; count < 20; ++count) {
+    silent.push_back(std::make_unique<Client>(server));
+  }
+  EXPECT_THAT(ask(server, "GET /", "Host: " + server.host() + "\r\n"), HasSubstr("200"));
+  EXPECT_EQ(silent.front()->readAll(), "");
+}
+
+TEST(WebServer, TellsThatThePortIsTaken) {
+  const RunningServer first(echo);
+  const auto second = WebServer::start(first.port(), {}, echo);
+  ASSERT_FALSE(second);
+  EXPECT_EQ(
+      second.error(),
+      "port " + std::to_string(first.port()) +
+          " cannot be listened on: another program uses it; choose another with --port");
+}
+
+}  // namespace
+}  // namespace quillpad::home

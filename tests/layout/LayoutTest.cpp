@@ -1,0 +1,269 @@
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "layout/SquareMetrics.h"
+#include "platform/layout/Layout.h"
+
+namespace quillpad::drawing {
+namespace {
+
+using namespace ui;
+
+constexpr Rgba black = blackColor;
+
+std::string thousandths(double length) {
+  std::ostringstream text;
+  text << std::round(length * 1000) / 1000 + 0.0;
+  return text.str();
+}
+
+// What stands where, one item a line: "text abc 0,0 30x10". Colours are "fill", clips by number.
+std::string describe(const Layout& layout) {
+  std::string lines;
+  for (const PlacedItem& item : layout.items) {
+    if (const auto* const* text = std::get_if<const Text*>(&item.content)) {
+      lines += "text " + (*text)->text;
+    } else if (std::holds_alternative<const Image*>(item.content)) {
+      lines += "image";
+    } else {
+      lines += "fill";
+    }
+    const Rect& at = item.frame;
+    lines += " " + thousandths(at.x) + "," + thousandths(at.y) + " " + thousandths(at.width) + "x" +
+             thousandths(at.height);
+    lines += item.clip >= 0 ? " clip " + std::to_string(item.clip) + "\n" : "\n";
+  }
+  return lines;
+}
+
+std::string laidOut(
+    const View& view, Size size, LayoutDirection direction = LayoutDirection::leftToRight) {
+  SquareMetrics metrics;
+  return describe(layOut(view, size, direction, metrics));
+}
+
+Text text(std::string characters, double size = 10) {
+  return Text::verbatim(std::move(characters)).font({size, Weight::regular});
+}
+
+// A view that takes exactly so much.
+View box(double width, double height) {
+  return Rectangle(black).frame(Frame{.width = width, .height = height});
+}
+
+// A view that takes what it is offered, down to `least` and up to `most` across the row.
+View flexible(double least, double most) {
+  return Rectangle(black)
+      .frame(FlexibleFrame{.minWidth = least, .maxWidth = most})
+      .frame(Frame{.height = 10});
+}
+
+struct Case {
+  const char* what;
+  View view;
+  Size size;
+  const char* placed;
+};
+
+TEST(Layout, PlacesWhatItIsGiven) {
+  const Case cases[] = {
+      {"a text in the middle", text("abc"), {100, 50}, "text abc 35,20 30x10\n"},
+      {"a shape takes all", Rectangle(black), {100, 50}, "fill 0,0 100x50\n"},
+      {"an image keeps its size", Image("Graph"), {10, 10}, "image -7,-1 24x12\n"},
+      {"a missing image has none", Image("missing"), {10, 10}, "image 5,5 0x0\n"},
+      {"ordinary views stand 8 apart",
+       HStack(box(10, 10), box(20, 20)),
+       {38, 20},
+       "fill 0,5 10x10\nfill 18,0 20x20\n"},
+      {"nothing stands beside a spacer",
+       HStack(text("a"), Spacer(), text("b")),
+       {100, 10},
+       "text a 0,0 10x10\ntext b 90,0 10x10\n"},
+      {"a spacer is 8 long at least",
+       HStack(box(40, 10), Spacer(), box(40, 10)),
+       {80, 10},
+       "fill -4,0 40x10\nfill 44,0 40x10\n"},
+      {"texts below each other touch",
+       VStack(text("a"), text("b")),
+       {10, 20},
+       "text a 0,0 10x10\ntext b 0,10 10x10\n"},
+      {"a row of texts counts as a text",
+       VStack(HStack(text("a"), Spacer()), HStack(text("b"), Spacer())),
+       {50, 20},
+       "text a 0,0 10x10\ntext b 0,10 10x10\n"},
+      {"a shape above a text",  // 11.934 + 2 - 9.521
+       VStack(box(10, 10), text("a")),
+       {10, 24.413},
+       "fill 0,0 10x10\ntext a 0,14.413 10x10\n"},
+      {"a text above a shape",  // 11.934 + 2 - 7.046
+       VStack(text("a"), box(10, 10)),
+       {10, 26.888},
+       "text a 0,0 10x10\nfill 0,16.888 10x10\n"},
+      {"a fixed height makes a text's edges ordinary",
+       VStack(text("a").frame(Frame{.height = 12}), box(10, 10)),
+       {10, 30},
+       "text a 0,1 10x10\nfill 0,20 10x10\n"},
+      {"a fixed width does not",
+       VStack(text("a").frame(Frame{.width = 10}), text("b")),
+       {10, 20},
+       "text a 0,0 10x10\ntext b 0,10 10x10\n"},
+      {"any padding makes edges ordinary",
+       VStack(text("a").padding(0), text("b").padding(0)),
+       {10, 28},
+       "text a 0,0 10x10\ntext b 0,18 10x10\n"},
+      {"content that does not fit overflows evenly",
+       VStack(box(10, 30), box(10, 30)),
+       {10, 40},
+       "fill 0,-14 10x30\nfill 0,24 10x30\n"},
+      {"an empty stack is nothing", VStack(box(4, 4), HStack()), {4, 12}, "fill 0,0 4x4\n"},
+  };
+  for (const Case& one : cases) {
+    EXPECT_EQ(laidOut(one.view, one.size), one.placed) << one.what;
+  }
+}
+
+TEST(Layout, SharesTheRoomByFlexibility) {
+  const Case cases[] = {
+      {"the least flexible first, the rest shared",
+       HStack(Rectangle(black), flexible(0, 20), Rectangle(black)).frame(Frame{.height = 10}),
+       {116, 10},
+       "fill 0,0 40x10\nfill 48,0 20x10\nfill 76,0 40x10\n"},
+      {"equally flexible ones in their order",
+       HStack(text("aaaaaaaa"), text("bbbbbbbb")),
+       {108, 10},
+       "text aaaaaaaa 0,0 50x10\ntext bbbbbbbb 58,0 50x10\n"},
+      {"the shorter text is served before the longer one",
+       HStack(text("aaaaaaaaaaaa"), Spacer(), text("bb")),
+       {100, 10},
+       "text aaaaaaaaaaaa 0,0 70x10\ntext bb 80,0 20x10\n"},
+      {"a spacer's least length is held back from the texts",
+       HStack(text("aaaaaaaaaaaa"), Spacer()),
+       {58, 10},
+       "text aaaaaaaaaaaa 0,0 50x10\n"},
+      {"two spacers share what is left",
+       VStack(Spacer(), box(10, 10), Spacer(), Spacer()),
+       {10, 100},
+       "fill 0,30 10x10\n"},
+      {"one that takes more than its share leaves less",
+       HStack(box(80, 10), Rectangle(black)),
+       {100, 10},
+       "fill 0,0 80x10\nfill 88,0 12x10\n"},
+      {"nobody is shrunk again",
+       HStack(flexible(60, 70), flexible(60, 80)),
+       {100, 10},
+       "fill -14,0 60x10\nfill 54,0 60x10\n"},
+  };
+  for (const Case& one : cases) {
+    EXPECT_EQ(laidOut(one.view, one.size), one.placed) << one.what;
+  }
+}
+
+TEST(Layout, AppliesModifiersInTheirOrder) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double infinity = std::numeric_limits<double>::infinity();
+  const Case cases[] = {
+      {"padding insets the offer",
+       Rectangle(black).padding({.top = 1, .leading = 2, .bottom = 3, .trailing = 4}),
+       {100, 50},
+       "fill 2,1 94x46\n"},
+      {"padding larger than the offer", Rectangle(black).padding(20), {30, 10}, "fill 15,5 0x0\n"},
+      {"padding inside a background",
+       text("ab").padding(5).background(black),
+       {100, 50},
+       "fill 35,15 30x20\ntext ab 40,20 20x10\n"},
+      {"padding outside a background",
+       text("ab").background(black).padding(5),
+       {100, 50},
+       "fill 40,20 20x10\ntext ab 40,20 20x10\n"},
+      {"a frame centres and lets overflow",
+       Image("Graph").frame(Frame{.width = 10, .height = 20}).background(black),
+       {50, 50},
+       "fill 20,15 10x20\nimage 13,19 24x12\n"},
+      {"a frame with one length takes the other from its content",
+       text("ab").frame(Frame{.height = 30}).background(black),
+       {50, 50},
+       "fill 15,10 20x30\ntext ab 15,20 20x10\n"},
+      {"senseless lengths bind nothing",
+       text("ab").frame(Frame{.width = -1, .height = nan}).background(black),
+       {50, 50},
+       "fill 15,20 20x10\ntext ab 15,20 20x10\n"},
+      {"a flexible frame bound both ways takes the clamped offer",
+       text("a").frame(FlexibleFrame{.minWidth = 20, .maxWidth = 30}).background(black),
+       {100, 50},
+       "fill 35,20 30x10\ntext a 45,20 10x10\n"},
+      {"a flexible frame without an upper bound is as large as its content",
+       text("a").frame(FlexibleFrame{.minWidth = 20}).background(black),
+       {100, 50},
+       "fill 40,20 20x10\ntext a 45,20 10x10\n"},
+      {"a flexible frame with an infinite one takes all",
+       text("a").frame(FlexibleFrame{.maxWidth = infinity}).background(black),
+       {100, 50},
+       "fill 0,20 100x10\ntext a 45,20 10x10\n"},
+      {"a clip masks what is inside it and takes no part otherwise",
+       HStack(Image("Graph").frame(Frame{.width = 8}).clipShape({.cornerRadius = 4}), box(4, 4)),
+       {20, 12},
+       "image -8,0 24x12 clip 0\nfill 16,4 4x4\n"},
+      {"a framed spacer is still a spacer",
+       HStack(Spacer().frame(Frame{.height = 4}), box(10, 10)),
+       {100, 10},
+       "fill 90,0 10x10\n"},
+  };
+  for (const Case& one : cases) {
+    EXPECT_EQ(laidOut(one.view, one.size), one.placed) << one.what;
+  }
+}
+
+TEST(Layout, MirrorsTheCardForRightToLeft) {
+  const View view =
+      HStack(text("abc"), Spacer(), box(10, 10).padding({.leading = 5})).padding({.leading = 2});
+  EXPECT_EQ(
+      laidOut(view, {100, 10}, LayoutDirection::rightToLeft),
+      "text abc 68,0 30x10\nfill 0,0 10x10\n");
+}
+
+TEST(Layout, FindsTheOutermostLink) {
+  SquareMetrics metrics;
+  const View inner = text("a").widgetURL(URL::parse("quillpad://inner"));
+  const View view = VStack(inner).widgetURL(URL::parse("quillpad://outer"));
+  const Layout layout = layOut(view, {10, 10}, LayoutDirection::leftToRight, metrics);
+  ASSERT_NE(layout.link, nullptr);
+  EXPECT_EQ(*layout.link, "quillpad://outer");
+}
+
+// Rows and columns in one another, each with a text: every level asks for its content's least and
+// greatest size on the way.
+View nested(int depth) {
+  View view = text("innermost");
+  for (int level = 0; level < depth; ++level) {
+    view = level % 2 == 0 ? HStack(std::move(view), text("beside it"), Spacer())
+                          : VStack(std::move(view), text("below it, rather long"), Spacer());
+  }
+  return view;
+}
+
+TEST(Layout, MeasuresDeepNestingInReasonableTime) {
+  SquareMetrics shallow;
+  layOut(nested(60), {338, 158}, LayoutDirection::leftToRight, shallow);
+  SquareMetrics deep;
+  layOut(nested(120), {338, 158}, LayoutDirection::leftToRight, deep);
+  EXPECT_LT(deep.measured, 5 * shallow.measured);
+  EXPECT_LT(deep.measured, 100'000);
+}
+
+TEST(Layout, MeasuresEachRowOfALongListAFewTimes) {
+  Group rows;
+  for (int i = 0; i < 3000; ++i) {
+    rows.views.push_back(HStack(text("name"), Spacer(), text("12")));
+  }
+  SquareMetrics metrics;
+  const Layout layout =
+      layOut(VStack(std::move(rows)), {338, 158}, LayoutDirection::leftToRight, metrics);
+  EXPECT_EQ(layout.items.size(), 6000U);
+  EXPECT_LT(metrics.measured, 6000 * 12);
+}
+
+}  // namespace
+}  // namespace quillpad::drawing

@@ -1,0 +1,642 @@
+#include <atomic>
+#include <condition_variable>
+#include <cstdlib>
+#include <filesystem>
+#include <future>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <netinet/in.h>
+#include <set>
+#include <sys/socket.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "fixtures/HttpsServer.h"
+#include "fixtures/ScopedVariable.h"
+#include "fixtures/TemporaryHome.h"
+#include "platform/foundation/Activity.h"
+#include "platform/net/URLSession.h"
+
+namespace quillpad {
+namespace {
+
+using fixtures::HttpsServer;
+using fixtures::ScopedVariable;
+using testing::ElementsAre;
+using namespace std::chrono_literals;
+
+URLRequest requestFor(const std::string& address) {
+  return URLRequest(URL::parse(address).value());
+}
+
+URLRequest postFor(const std::string& address, std::string body) {
+  URLRequest request = requestFor(address);
+  request.httpMethod = "POST";
+  request.httpBody = std::move(body);
+  request.setValue("application/json", "Content-type");
+  request.setValue("secret", "Authorization");
+  return request;
+}
+
+struct Result {
+  std::optional<std::string> data;
+  std::optional<URLResponse> response;
+  std::optional<TransportError> error;
+
+  int status() const { return response ? response->statusCode : 0; }
+  int errorCode() const { return error ? error->code : 0; }
+};
+
+// Gathers the results of tasks in the order in which they are delivered.
+class Results {
+ public:
+  URLSession::Completion completion() {
+    return [this](auto data, auto response, auto error) {
+      const std::lock_guard lock(mutex_);
+      results_.push_back({std::move(data), response, std::move(error)});
+      threads_.insert(std::this_thread::get_id());
+      changed_.notify_all();
+    };
+  }
+
+  std::vector<Result> wait(std::size_t count) {
+    std::unique_lock lock(mutex_);
+    EXPECT_TRUE(changed_.wait_for(lock, 30s, [&] { return results_.size() >= count; }))
+        << results_.size() << " of " << count << " results came";
+    return results_;
+  }
+
+  std::set<std::thread::id> threads() {
+    const std::lock_guard lock(mutex_);
+    return threads_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::vector<Result> results_;
+  std::set<std::thread::id> threads_;
+};
+
+Result fetch(URLRequest request) {
+  Results results;
+  URLSession::shared().dataTask(std::move(request), results.completion()).resume();
+  std::vector<Result> all = results.wait(1);
+  return all.empty() ? Result{} : std::move(all.front());
+}
+
+Result fetch(const std::string& address) { return fetch(requestFor(address)); }
+
+class URLSessionTest : public testing::Test {
+ protected:
+  void TearDown() override {
+    URLSession::shared().setIdleTimeout(60s);
+    URLSession::shared().watchTransfers({});
+  }
+
+  ScopedVariable trust_{"SSL_CERT_FILE", HttpsServer::authorityFile()};
+  ScopedVariable folder_{"SSL_CERT_DIR", std::nullopt};
+};
+
+TEST_F(URLSessionTest, PostsTheBodyAndItsFields) {
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, "fine"); });
+  URLRequest request = postFor(server.address("/invoice?page=1"), R"({"businessId":"7"})");
+  request.setValue("18", "content-length");
+  request.setValue("evil\r\nInjected: yes", "X-Note");
+  request.setValue("", "X-Empty");
+
+  const Result result = fetch(std::move(request));
+
+  EXPECT_EQ(result.data, "fine");
+  EXPECT_EQ(result.status(), 200);
+  const HttpsServer::Request got = server.requests().at(0);
+  EXPECT_EQ(got.method, "POST");
+  EXPECT_EQ(got.path, "/invoice?page=1");
+  EXPECT_EQ(got.body, R"({"businessId":"7"})");
+  EXPECT_EQ(got.header("Authorization"), "secret");
+  EXPECT_EQ(got.header("Content-Type"), "application/json");
+  EXPECT_EQ(got.headerCount("Content-Length"), 1);
+  EXPECT_EQ(got.header("Content-Length"), "18");
+  EXPECT_EQ(got.header("X-Empty"), "");
+  EXPECT_EQ(got.headerCount("X-Note"), 0);
+  EXPECT_EQ(got.headerCount("Injected"), 0);
+  EXPECT_EQ(got.headerCount("Expect"), 0);
+  EXPECT_EQ(got.headerCount("Cookie"), 0);
+}
+
+TEST_F(URLSessionTest, WrongContentLengthOfTheCallerIsNotBelieved) {
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
+  URLRequest request = postFor(server.address("/"), "four");
+  request.setValue("4000", "content-length");
+  EXPECT_EQ(fetch(std::move(request)).data, "");
+  EXPECT_EQ(server.requests().at(0).header("Content-Length"), "4");
+}
+
+TEST_F(URLSessionTest, StatusCodesAreNoErrors) {
+  const HttpsServer server([](auto& request, auto& exchange) {
+    const int status = std::stoi(request.path.substr(1));
+    exchange.respond(status, status == 204 || status == 304 ? "" : "body", {{"Location", "/200"}});
+  });
+  for (const int status : {300, 304, 401, 404, 500, 503}) {
+    const Result result = fetch(server.address("/" + std::to_string(status)));
+    EXPECT_EQ(result.status(), status);
+    EXPECT_EQ(result.errorCode(), 0) << status;
+    EXPECT_EQ(result.data, status == 304 ? "" : "body") << status;
+  }
+}
+
+TEST_F(URLSessionTest, BodyInPiecesArrivesWhole) {
+  const HttpsServer server([](auto&, auto& exchange) {
+    exchange.send("HTTP/1.1 200 OK\r\nTransfer-Enco");
+    exchange.pause(5ms);
+    exchange.send("ding: chunked\r\n\r\n");
+    for (const char* piece : {"3\r\nabc", "\r\n", "2\r", "\nde\r\n", "0\r\n", "\r\n"}) {
+      exchange.pause(5ms);
+      exchange.send(piece);
+    }
+  });
+  EXPECT_EQ(fetch(server.address("/")).data, "abcde");
+}
+
+TEST_F(URLSessionTest, BodiesAreDecoded) {
+  // "hello" as a gzip member with one stored block.
+  static constexpr std::string_view zipped(
+      "\x1f\x8b\x08\0\0\0\0\0\0\x03\x01\x05\0\xfa\xffhello\x86\xa6\x10\x36\x05\0\0\0", 28);
+  const HttpsServer server([](auto& request, auto& exchange) {
+    const std::string_view body = request.path == "/whole" ? zipped : "this is no gzip";
+    exchange.respond(200, body, {{"Content-Encoding", "gzip"}});
+  });
+  EXPECT_EQ(fetch(server.address("/whole")).data, "hello");
+  EXPECT_EQ(server.requests().at(0).header("Accept-Encoding"), "gzip, deflate, br");
+  EXPECT_EQ(fetch(server.address("/broken")).errorCode(), -1015);
+}
+
+TEST_F(URLSessionTest, FastAnswerDoesNotWaitForASlowOne) {
+  for (const bool slowFirst : {true, false}) {
+    HttpsServer server([](auto& request, auto& exchange) {
+      if (request.path == "/slow") {
+        exchange.hold();
+      }
+      exchange.respond(200, request.path);
+    });
+    Results results;
+    for (const bool slow : {slowFirst, !slowFirst}) {
+      URLSession::shared()
+          .dataTask(requestFor(server.address(slow ? "/slow" : "/fast")), results.completion())
+          .resume();
+    }
+    EXPECT_EQ(results.wait(1).at(0).data, "/fast");
+    server.release();
+    EXPECT_EQ(results.wait(2).at(1).data, "/slow");
+  }
+}
+
+// A port that is taken and where nobody speaks: connections are refused or, where it listens, taken
+// by the system and never answered.
+class SilentPort {
+ public:
+  explicit SilentPort(bool listens = false) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    auto* any = reinterpret_cast<sockaddr*>(&address);
+    if (socket_ < 0 || bind(socket_, any, length) != 0 || (listens && listen(socket_, 8) != 0) ||
+        getsockname(socket_, any, &length) != 0) {
+      std::abort();
+    }
+    number_ = ntohs(address.sin_port);
+  }
+  ~SilentPort() { close(socket_); }
+  SilentPort(const SilentPort&) = delete;
+  SilentPort& operator=(const SilentPort&) = delete;
+
+  std::string number() const { return std::to_string(number_); }
+
+ private:
+  int socket_;
+  int number_ = 0;
+};
+
+TEST_F(URLSessionTest, AddressesThatCannotBeAsked) {
+  const SilentPort closed;
+  const struct {
+    std::string address;
+    int code;
+    const char* description;
+  } cases[] = {
+      {"https://localhost:" + closed.number(), -1004, "Could not connect to the server."},
+      {"https://nowhere.invalid/",
+       -1003,
+       "A server with the specified hostname could not be found."},
+      {"http://localhost:" + closed.number(),
+       -1022,
+       "The resource could not be loaded because the address does not use a secure connection."},
+      {"HTTP://localhost/", -1022, nullptr},
+      {"ftp://localhost/", -1002, "unsupported URL"},
+      {"file:///etc/hostname", -1002, nullptr},
+  };
+  for (const auto& [address, code, description] : cases) {
+    const Result result = fetch(address);
+    EXPECT_EQ(result.errorCode(), code) << address;
+    EXPECT_EQ(result.data, std::nullopt) << address;
+    EXPECT_EQ(result.status(), 0) << address;
+    if (description != nullptr && result.error) {
+      EXPECT_EQ(result.error->localizedDescription, description);
+    }
+  }
+}
+
+TEST_F(URLSessionTest, LostConnectionsAreErrorsWithoutData) {
+  const HttpsServer server([](auto& request, auto& exchange) {
+    if (request.path == "/at-once") {
+      exchange.close();
+    } else if (request.path == "/reset-in-body") {
+      exchange.send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf of");
+      exchange.pause(20ms);
+      exchange.reset();
+    } else if (request.path == "/short-body") {
+      exchange.send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf of");
+      exchange.close();
+    } else {
+      exchange.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n");
+      exchange.close();
+    }
+  });
+  for (const char* path : {"/at-once", "/reset-in-body", "/short-body", "/chunks-without-end"}) {
+    const Result result = fetch(postFor(server.address(path), "{}"));
+    EXPECT_EQ(result.errorCode(), -1005) << path;
+    EXPECT_EQ(result.data, std::nullopt) << path;
+  }
+}
+
+TEST_F(URLSessionTest, AnswersThatAreNotHttp) {
+  const HttpsServer server([](auto& request, auto& exchange) {
+    if (request.path == "/nonsense") {
+      exchange.send("220 mail.test ESMTP ready\r\n\r\n");
+      exchange.close();
+    } else if (request.path == "/endless-line") {
+      exchange.send("HTTP/1.1 200 OK\r\nX-Long: ");
+      while (exchange.send(std::string(16384, 'x'))) {
+      }
+    } else {
+      exchange.send("HTTP/1.1 200 OK\r\n");
+      while (exchange.send("X-Field: " + std::string(1000, 'x') + "\r\n")) {
+      }
+    }
+  });
+  for (const char* path : {"/nonsense", "/endless-line", "/endless-fields"}) {
+    const Result result = fetch(server.address(path));
+    EXPECT_EQ(result.errorCode(), -1017) << path;
+    EXPECT_EQ(result.data, std::nullopt) << path;
+  }
+}
+
+TEST_F(URLSessionTest, EndlessBodyIsAnError) {
+  const HttpsServer server([](auto&, auto& exchange) {
+    exchange.send("HTTP/1.1 200 OK\r\n\r\n");
+    const std::string piece(std::size_t{1} << 20, 'x');
+    while (exchange.send(piece)) {
+    }
+  });
+  const Result result = fetch(server.address("/"));
+  EXPECT_EQ(result.errorCode(), -1103);
+  EXPECT_EQ(result.data, std::nullopt);
+}
+
+TEST_F(URLSessionTest, CertificatesAreVerified) {
+  using enum HttpsServer::Certificate;
+  const fixtures::TemporaryFolder nothingTrusted;
+  const std::string authority = HttpsServer::authorityFile();
+  const struct {
+    std::optional<std::string> file;
+    std::optional<std::string> folder;
+    HttpsServer::Certificate certificate;
+    int code;
+  } cases[] = {
+      {authority, {}, valid, 0},
+      {{}, nothingTrusted.path(), valid, -1203},
+      {{}, {}, valid, -1203},
+      {"/nowhere/authority.pem", {}, valid, -1200},
+      {authority, {}, forAnotherHost, -1202},
+      {authority, {}, expired, -1201},
+      {authority, {}, fromUnknownAuthority, -1203},
+  };
+  for (const auto& [file, folder, certificate, code] : cases) {
+    const ScopedVariable fileVariable("SSL_CERT_FILE", file);
+    const ScopedVariable folderVariable("SSL_CERT_DIR", folder);
+    const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); }, certificate);
+    EXPECT_EQ(fetch(postFor(server.address("/"), "{}")).errorCode(), code);
+    EXPECT_EQ(server.requests().size(), code == 0 ? 1U : 0U) << code;
+  }
+}
+
+// A connection that was verified with one trust store is no proof for another.
+TEST_F(URLSessionTest, KeptConnectionsBelongToTheirTrustStore) {
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
+  EXPECT_EQ(fetch(server.address("/")).errorCode(), 0);
+  const ScopedVariable system("SSL_CERT_FILE", std::nullopt);
+  EXPECT_EQ(fetch(server.address("/")).errorCode(), -1203);
+}
+
+TEST_F(URLSessionTest, StandingStillIsATimeout) {
+  const HttpsServer server([](auto& request, auto& exchange) {
+    if (request.path == "/in-body") {
+      exchange.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf");
+    }
+    exchange.hold();
+  });
+  const SilentPort silent(true);
+  URLSession::shared().setIdleTimeout(150ms);
+  for (const std::string& stalled :
+       {server.address("/before-head"),
+        server.address("/in-body"),
+        "https://127.0.0.1:" + silent.number()}) {
+    const Result result = fetch(stalled);
+    EXPECT_EQ(result.errorCode(), -1001) << stalled;
+    EXPECT_EQ(result.data, std::nullopt) << stalled;
+  }
+}
+
+TEST_F(URLSessionTest, SlowProgressIsNoTimeout) {
+  const HttpsServer server([](auto&, auto& exchange) {
+    exchange.send("HTTP/1.1 200 OK\r\nContent-Length: 12\r\n\r\n");
+    for (int i = 0; i < 12; ++i) {
+      exchange.pause(100ms);
+      exchange.send("x");
+    }
+  });
+  URLSession::shared().setIdleTimeout(800ms);
+  EXPECT_EQ(fetch(server.address("/")).data, "xxxxxxxxxxxx");
+}
+
+TEST_F(URLSessionTest, RedirectsKeepOrDropTheBodyAndNeverCarryTheToken) {
+  const struct {
+    int status;
+    const char* method;
+    const char* nextMethod;
+  } cases[] = {
+      {301, "POST", "GET"},
+      {302, "POST", "GET"},
+      {303, "POST", "GET"},
+      {303, "PUT", "GET"},
+      {303, "HEAD", "HEAD"},
+      {302, "PUT", "PUT"},
+      {307, "POST", "POST"},
+      {308, "POST", "POST"},
+  };
+  for (const auto& [status, method, nextMethod] : cases) {
+    const HttpsServer server([status = status](auto& request, auto& exchange) {
+      if (request.path == "/old") {
+        exchange.respond(status, "moved", {{"Location", "/new?a=1"}});
+      } else {
+        exchange.respond(200, "");
+      }
+    });
+    URLRequest request = postFor(server.address("/old"), "{}");
+    request.httpMethod = method;
+    request.setValue("kept", "X-Custom");
+
+    EXPECT_EQ(fetch(std::move(request)).status(), 200);
+
+    ASSERT_EQ(server.requests().size(), 2U);
+    const HttpsServer::Request next = server.requests().at(1);
+    EXPECT_EQ(next.path, "/new?a=1");
+    EXPECT_EQ(next.method, nextMethod) << status << " " << method;
+    const bool carriesBody = next.method == "POST" || next.method == "PUT";
+    EXPECT_EQ(next.body, carriesBody ? "{}" : "");
+    EXPECT_EQ(next.header("Content-Type").has_value(), carriesBody || next.method == "HEAD");
+    EXPECT_EQ(next.header("Authorization"), std::nullopt);
+    EXPECT_EQ(next.header("X-Custom"), "kept");
+  }
+}
+
+TEST_F(URLSessionTest, RedirectsToAnotherHostGoWithoutTheToken) {
+  HttpsServer target([](auto&, auto& exchange) { exchange.respond(200, "there"); });
+  const HttpsServer server([&](auto&, auto& exchange) {
+    const std::string there = "https://127.0.0.1:" + std::to_string(target.port()) + "/";
+    exchange.respond(308, "", {{"Location", there}});
+  });
+  EXPECT_EQ(fetch(postFor(server.address("/"), "{}")).data, "there");
+  EXPECT_EQ(target.requests().at(0).body, "{}");
+  EXPECT_EQ(target.requests().at(0).header("Authorization"), std::nullopt);
+}
+
+TEST_F(URLSessionTest, RedirectsThatAreNotFollowed) {
+  const struct {
+    const char* location;
+    int status;
+    int code;
+  } cases[] = {
+      {nullptr, 302, 0},
+      {"http://localhost/", 302, -1022},
+      {"ftp://localhost/", 302, -1002},
+      {"/again", 302, -1007},
+  };
+  for (const auto& [location, status, code] : cases) {
+    const HttpsServer server([location = location](auto&, auto& exchange) {
+      HttpsServer::Headers headers;
+      if (location != nullptr) {
+        headers.emplace_back("Location", location);
+      }
+      exchange.respond(302, "moved", headers);
+    });
+    const Result result = fetch(postFor(server.address("/"), "{}"));
+    EXPECT_EQ(result.status(), status);
+    EXPECT_EQ(result.errorCode(), code);
+    EXPECT_EQ(result.data.has_value(), code == 0);
+    EXPECT_EQ(server.requests().size(), code == -1007 ? 21U : 1U);
+  }
+}
+
+TEST_F(URLSessionTest, ConnectionsAndTlsSessionsAreReused) {
+  const HttpsServer server([](auto& request, auto& exchange) {
+    exchange.respond(200, "");
+    if (request.path == "/last") {
+      exchange.close();
+    }
+  });
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_EQ(fetch(postFor(server.address("/"), "{}")).data, "");
+  }
+  EXPECT_EQ(server.handshakes(), 1);
+  EXPECT_EQ(fetch(postFor(server.address("/last"), "{}")).data, "");
+  EXPECT_EQ(fetch(postFor(server.address("/"), "{}")).data, "");
+  EXPECT_EQ(server.handshakes(), 2);
+  EXPECT_EQ(server.resumedHandshakes(), 1);
+}
+
+int threadsOfThisProcess() {
+  const auto tasks = std::filesystem::directory_iterator("/proc/self/task");
+  return static_cast<int>(std::distance(begin(tasks), end(tasks)));
+}
+
+TEST_F(URLSessionTest, ManyTasksAtOnceShareFewConnectionsAndNoThreadEach) {
+  constexpr int count = 200;
+  HttpsServer server([](auto& request, auto& exchange) {
+    exchange.hold();
+    exchange.respond(200, request.path);
+  });
+  Results results;
+  for (int i = 0; i < count; ++i) {
+    const std::string address = server.address("/" + std::to_string(i));
+    URLSession::shared().dataTask(postFor(address, "{}"), results.completion()).resume();
+  }
+  EXPECT_TRUE(server.waitForRequests(6));
+  // The test's own thread, the session's two, the server's acceptor and one for each connection,
+  // and a few of the sanitizers'.
+  EXPECT_LE(threadsOfThisProcess(), 4 + 6 + 4);
+  server.release();
+
+  std::set<std::string> bodies;
+  for (const Result& result : results.wait(count)) {
+    bodies.insert(result.data.value_or("error"));
+  }
+  EXPECT_EQ(bodies.size(), std::size_t{count});
+  EXPECT_EQ(bodies.count("error"), 0U);
+  EXPECT_LE(server.mostConnectionsAtOnce(), 6);
+}
+
+TEST_F(URLSessionTest, CompletionsAreCalledOneAtATimeOnOneOtherThread) {
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
+  Results results;
+  std::atomic<int> inside = 0;
+  std::atomic<bool> overlapped = false;
+  for (int i = 0; i < 60; ++i) {
+    // Every third is refused without a connection: these take the same way.
+    const std::string address = i % 3 == 0 ? "http://localhost/" : server.address("/");
+    URLSession::shared()
+        .dataTask(
+            requestFor(address),
+            [&, done = results.completion()](auto data, auto response, auto error) mutable {
+              overlapped = overlapped || inside.fetch_add(1) != 0;
+              std::this_thread::sleep_for(1ms);
+              inside.fetch_sub(1);
+              done(std::move(data), response, std::move(error));
+            })
+        .resume();
+  }
+  results.wait(60);
+  EXPECT_FALSE(overlapped);
+  EXPECT_EQ(results.threads().size(), 1U);
+  EXPECT_EQ(results.threads().count(std::this_thread::get_id()), 0U);
+}
+
+// Tells where its last owner let go of it.
+class Tracer {
+ public:
+  explicit Tracer(std::promise<std::thread::id>& end) : end_(&end) {}
+  Tracer(Tracer&& other) noexcept : end_(std::exchange(other.end_, nullptr)) {}
+  Tracer& operator=(Tracer&&) = delete;
+  ~Tracer() {
+    if (end_ != nullptr) {
+      end_->set_value(std::this_thread::get_id());  // throws when it happens twice
+    }
+  }
+
+ private:
+  std::promise<std::thread::id>* end_;
+};
+
+TEST_F(URLSessionTest, CompletionsAreDestroyedWhereTheyAreCalled) {
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
+  for (const std::string& address : {server.address("/"), std::string("http://localhost/")}) {
+    std::promise<std::thread::id> ended;
+    std::thread::id called;
+    URLSession::shared()
+        .dataTask(
+            requestFor(address),
+            [&called, tracer = Tracer(ended)](auto&&...) { called = std::this_thread::get_id(); })
+        .resume();
+    EXPECT_EQ(ended.get_future().get(), called);
+  }
+
+  std::promise<std::thread::id> dropped;
+  {
+    auto task = URLSession::shared().dataTask(
+        requestFor(server.address("/")), [tracer = Tracer(dropped)](auto&&...) { FAIL(); });
+  }
+  EXPECT_EQ(dropped.get_future().get(), std::this_thread::get_id());
+}
+
+TEST_F(URLSessionTest, WatcherIsToldOfEveryEnd) {
+  const HttpsServer server([](auto& request, auto& exchange) {
+    if (request.path == "/lost?token=secret") {
+      exchange.reset();
+    } else {
+      exchange.respond(401, "refused");
+    }
+  });
+  std::vector<TransferReport> reports;
+  std::vector<std::uint64_t> activities;
+  URLSession::shared().watchTransfers(
+      [&](const TransferReport& report) { reports.push_back(report); });
+  for (const char* path : {"/a/b", "/lost?token=secret"}) {
+    Results results;
+    const ActivityScope activity(reports.size() + 41);
+    URLSession::shared()
+        .dataTask(
+            postFor(server.address(path), "body"),
+            [&, done = results.completion()](auto data, auto response, auto error) mutable {
+              activities.push_back(currentActivity());
+              done(std::move(data), response, std::move(error));
+            })
+        .resume();
+    results.wait(1);
+  }
+  EXPECT_EQ(currentActivity(), 0U);
+  EXPECT_THAT(activities, ElementsAre(41U, 42U));
+  ASSERT_EQ(reports.size(), 2U);
+  EXPECT_EQ(reports[0].activity, 41U);
+  EXPECT_EQ(reports[0].path, "/a/b");
+  EXPECT_EQ(reports[0].statusCode, 401);
+  EXPECT_FALSE(reports[0].error);
+  EXPECT_EQ(reports[0].sentBytes, 4U);
+  EXPECT_EQ(reports[0].receivedBytes, 7U);
+  EXPECT_GT(reports[0].duration, 0us);
+  EXPECT_EQ(reports[1].activity, 42U);
+  EXPECT_EQ(reports[1].path, "/lost");
+  EXPECT_EQ(reports[1].statusCode, 0);
+  ASSERT_TRUE(reports[1].error);
+  EXPECT_EQ(reports[1].error->code, -1005);
+}
+
+TEST_F(URLSessionTest, ProxiesOfTheEnvironmentAreNotAsked) {
+  const SilentPort nobody;
+  const ScopedVariable proxy("HTTPS_PROXY", "http://localhost:" + nobody.number());
+  const ScopedVariable all("ALL_PROXY", "http://localhost:" + nobody.number());
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, "direct"); });
+  EXPECT_EQ(fetch(server.address("/")).data, "direct");
+}
+
+TEST_F(URLSessionTest, ProcessEndsCleanlyWhileTransfersRun) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        const HttpsServer& server =
+            *new HttpsServer([](auto&, auto& exchange) { exchange.hold(); });
+        for (int i = 0; i < 10; ++i) {
+          URLSession::shared().dataTask(requestFor(server.address("/")), [](auto&&...) {}).resume();
+        }
+        server.waitForRequests(6);  // as many as it has connections: none is in a handshake
+        std::exit(7);
+      },
+      testing::ExitedWithCode(7),
+      "");
+  // From within a completion, too, where the session must not wait for itself.
+  EXPECT_EXIT(
+      {
+        URLSession::shared()
+            .dataTask(requestFor("https://localhost:1/"), [](auto&&...) { std::exit(8); })
+            .resume();
+        pause();
+      },
+      testing::ExitedWithCode(8),
+      "");
+}
+
+}  // namespace
+}  // namespace quillpad

@@ -1,0 +1,38 @@
+// Display lists made by hand, and the pictures that the PNG writer makes of them.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/paint/DisplayList.h"
+
+namespace quillpad::drawing {
+
+constexpr ui::Rgba white{255, 255, 255};
+constexpr ui::Rgba black{0, 0, 0};
+constexpr ui::Rgba green{17, 184, 38};
+
+inline Item fill(
+    Rect frame, ui::Rgba color, double cornerRadius = 0, std::vector<Clip> clips = {}) {
+  return {Fill{frame, color, cornerRadius}, std::move(clips)};
+}
+
+// A card with a white ground and round corners, and what stands on it.
+inline DisplayList card(Size size, int scale, std::vector<Item> items, double cornerRadius = 22) {
+  DisplayList list{
+      .kind = "Card",
+      .family = "systemSmall",
+      .appearance = "light",
+      .scale = scale,
+      .size = size,
+      .link = {},
+      .items = {}};
+  list.items.push_back(fill({0, 0, size.width, size.height}, white, cornerRadius));
+  for (Item& item : items) {
+    list.items.push_back(std::move(item));
+  }
+  return list;
+}
+
+}  // namespace quillpad::drawing

@@ -1,0 +1,247 @@
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <limits>
+#include <numbers>
+#include <random>
+#include <vector>
+
+#include "fixtures/TemporaryHome.h"
+#include "paint/DrawnCard.h"
+#include "platform/foundation/Bundle.h"
+#include "platform/paint/Card.h"
+#include "platform/paint/Comparison.h"
+#include "platform/paint/PngReader.h"
+#include "platform/paint/PngWriter.h"
+#include "platform/text/TextEngine.h"
+
+namespace quillpad::drawing {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+void save(const std::filesystem::path& file, const Bytes& bytes) {
+  std::ofstream(file, std::ios::binary)
+      .write(
+          reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+ui::Rgba at(const Bitmap& picture, int x, int y) { return picture.row(y)[x]; }
+
+class PngWriterTest : public ::testing::Test {
+ protected:
+  Bitmap draw(const DisplayList& list) {
+    file_ = writer_.write(list).value();
+    return readPng(file_).value();
+  }
+
+  bool lastHasPalette() const { return file_.at(25) == 3; }
+
+  fixtures::TemporaryHome home_;
+  Bundle bundle_{home_.path()};
+  FontBook fonts_;
+  Pictures pictures_{bundle_};
+  PngWriter writer_{fonts_, pictures_};
+  Bytes file_;
+};
+
+TEST_F(PngWriterTest, CornersAreRoundAndClear) {
+  for (const int scale : {1, 2, 3}) {
+    const Bitmap picture = draw(card({158, 158}, scale, {}));
+    ASSERT_EQ(picture.width, 158 * scale);
+    EXPECT_TRUE(lastHasPalette());
+    const int last = picture.width - 1;
+    double clear = 0;
+    for (int y = 0; y < picture.height; ++y) {
+      for (int x = 0; x < picture.width; ++x) {
+        const int alpha = at(picture, x, y).alpha;
+        EXPECT_EQ(alpha, at(picture, last - x, y).alpha);
+        EXPECT_EQ(alpha, at(picture, x, last - y).alpha);
+        clear += 1 - alpha / 255.0;
+      }
+    }
+    const double radius = 22.0 * scale;
+    EXPECT_NEAR(clear, (4 - std::numbers::pi) * radius * radius, 2.0 * scale);
+    EXPECT_EQ(at(picture, 0, 0).alpha, 0);
+    EXPECT_EQ(at(picture, last / 2, last / 2), white);
+  }
+}
+
+TEST_F(PngWriterTest, DiscIsAsLargeAsACircle) {
+  const Bitmap picture = draw(card({158, 158}, 3, {fill({110, 110, 32, 32}, black, 16)}));
+  double ink = 0;
+  for (const ui::Rgba pixel : picture.pixels) {
+    if (pixel.alpha == 255) {
+      ink += 1 - pixel.red / 255.0;
+    }
+  }
+  EXPECT_NEAR(ink, std::numbers::pi * 48 * 48, 8);
+}
+
+TEST_F(PngWriterTest, EdgesBetweenPixelsCoverThemInPart) {
+  const Rect hairline{16, 50, 100, 0.5};
+  const Bitmap coarse = draw(card({158, 158}, 1, {fill(hairline, black)}));
+  EXPECT_NEAR(at(coarse, 60, 50).red, 127, 3);
+  EXPECT_EQ(at(coarse, 60, 51), white);
+  const Bitmap fine = draw(card({158, 158}, 2, {fill(hairline, black)}));
+  EXPECT_EQ(at(fine, 120, 100), black);
+  EXPECT_EQ(at(fine, 120, 101), white);
+}
+
+TEST_F(PngWriterTest, ClipMasks) {
+  const Rect disc{20, 20, 32, 32};
+  const Bitmap clipped =
+      draw(card({80, 80}, 3, {fill({0, 0, 80, 80}, green, 0, {Clip{disc, 16}})}));
+  const Bitmap round = draw(card({80, 80}, 3, {fill(disc, green, 16)}));
+  EXPECT_EQ(compare(round, clipped).differingPixels, 0);
+}
+
+// The same content on either canvas: three hundred colours in a corner leave no room for a palette.
+TEST_F(PngWriterTest, PaletteAndFullColourLookAlike) {
+  const ui::View view = ui::Text::verbatim("Quick figures 1,234.56")
+                            .font({15, ui::Weight::medium})
+                            .foregroundColor(ui::Rgba{34, 114, 255});
+  TextEngine texts(fonts_);
+  const auto noPicture = [](const std::string&) { return Size{}; };
+  DisplayList list = compose(view, {.size = {338, 158}, .scale = 3}, noPicture, texts);
+  list.items.push_back(fill({20.25, 20.25, 40, 40}, {255, 161, 29, 120}));
+  list.items.push_back(fill({40, 30, 40, 40}, green, 16));
+  const Bitmap few = draw(list);
+  EXPECT_TRUE(lastHasPalette());
+  const Rect corner{300, 130, 1.0 / 3, 1.0 / 3};
+  for (int i = 0; i < 300; ++i) {
+    list.items.push_back(
+        fill(corner, {static_cast<std::uint8_t>(i % 256), static_cast<std::uint8_t>(i / 256), 7}));
+  }
+  const Bitmap many = draw(list);
+  EXPECT_FALSE(lastHasPalette());
+  const Comparison comparison = compare(few, many, {.channel = 3, .pixels = 1});
+  EXPECT_LE(comparison.differingPixels, 1);
+}
+
+TEST_F(PngWriterTest, EmojiAreDrawnInColour) {
+  TextEngine texts(fonts_);
+  const auto noPicture = [](const std::string&) { return Size{}; };
+  const DisplayList list = compose(
+      ui::Text::verbatim("\U0001F600").font({20, ui::Weight::regular}),
+      {.scale = 2},
+      noPicture,
+      texts);
+  const GlyphRun& run = std::get<TextItem>(list.items.at(1).content).runs.at(0);
+  if (!fonts_.hasColorBitmaps(run.font)) {
+    GTEST_SKIP() << "no emoji font";
+  }
+  int yellow = 0;
+  for (const ui::Rgba pixel : draw(list).pixels) {
+    if (pixel.red > 200 && pixel.green > 150 && pixel.blue < 100) {
+      ++yellow;
+    }
+  }
+  EXPECT_GT(yellow, 400);
+  EXPECT_FALSE(lastHasPalette());
+}
+
+TEST_F(PngWriterTest, MissingAndDamagedPicturesLeaveTheDisc) {
+  const DisplayList bare = card({80, 80}, 2, {fill({20, 20, 32, 32}, green, 16)});
+  DisplayList list = bare;
+  list.items.push_back({ImageItem{"Graph", {26, 26, 20, 20}}, {Clip{{20, 20, 32, 32}, 16}}});
+  EXPECT_EQ(compare(draw(bare), draw(list)).likeness, Likeness::identical);
+
+  const Bitmap bar{.width = 40, .height = 40, .pixels = std::vector<ui::Rgba>(1600, white)};
+  Bytes damaged = writePng(bar);
+  damaged.resize(damaged.size() / 2);
+  save(home_.path() / "Graph@2x.png", damaged);
+  Pictures broken(bundle_);
+  EXPECT_EQ(file_, PngWriter(fonts_, broken).write(list).value());
+
+  save(home_.path() / "Graph@2x.png", writePng(bar));
+  Pictures whole(bundle_);
+  file_ = PngWriter(fonts_, whole).write(list).value();
+  const Bitmap picture = readPng(file_).value();
+  EXPECT_EQ(at(picture, 52, 52), white);
+  EXPECT_EQ(at(picture, 91, 91), white);
+  EXPECT_EQ(at(picture, 50, 72), green);
+  EXPECT_EQ(whole.naturalSize("Graph"), (Size{20, 20}));
+}
+
+TEST_F(PngWriterTest, WhatReachesBeyondTheCardIsCut) {
+  const Bitmap picture = draw(card(
+      {40, 40},
+      3,
+      {fill({-100, -100, 150, 115}, green),
+       fill({30, 30, 500, 500}, black, 4),
+       fill({-1e12, 5, 2e12, 1}, green),
+       fill({10, 10, -5, 3}, green)},
+      0));
+  EXPECT_EQ(at(picture, 0, 0), green);
+  EXPECT_EQ(at(picture, 119, 119), black);
+  EXPECT_EQ(at(picture, 0, 119), white);
+}
+
+TEST_F(PngWriterTest, ImpossibleSizesAreRefused) {
+  const double notANumber = std::numeric_limits<double>::quiet_NaN();
+  const std::vector<std::pair<Size, int>> impossible{
+      {{0, 158}, 2},
+      {{158, -1}, 2},
+      {{notANumber, 158}, 2},
+      {{10000, 10000}, 3},
+      {{1e300, 1e300}, 1},
+      {{158, 158}, 0},
+      {{158, 158}, 4}};
+  for (const auto& [size, scale] : impossible) {
+    const auto file = writer_.write(card(size, scale, {}));
+    ASSERT_FALSE(file.has_value()) << size.width << " x " << size.height;
+    EXPECT_NE(file.error().find("cannot be drawn"), std::string::npos);
+  }
+  EXPECT_EQ(draw(card({1, 1}, 1, {})).pixels.size(), 1U);
+  EXPECT_EQ(draw(card({40000, 2}, 1, {fill({35000, 0, 10, 2}, green)}, 0)).width, 40000);
+}
+
+// Whatever the pixels, what is read back is what was written.
+class PngRoundTrip : public ::testing::TestWithParam<int> {};
+
+TEST_P(PngRoundTrip, KeepsEveryPixel) {
+  const int width = GetParam();
+  const int height = width > 1000 ? 3 : 9;
+  std::mt19937 random(static_cast<unsigned>(width));
+  for (const int noise : {0, 1, 20, 100}) {  // per cent of pixels that are not their left one's
+    Bitmap picture{.width = width, .height = height, .pixels = {}};
+    ui::Rgba color = white;
+    for (int i = 0; i < width * height; ++i) {
+      if (static_cast<int>(random() % 100) < noise) {
+        const auto component = [&] { return static_cast<std::uint8_t>(random()); };
+        color = {component(), component(), component(), component()};
+      }
+      picture.pixels.push_back(color);
+    }
+    const auto back = readPng(writePng(picture));
+    ASSERT_TRUE(back.has_value()) << back.error();
+    EXPECT_TRUE(back->pixels == picture.pixels) << width << ", noise " << noise;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Widths,
+    PngRoundTrip,
+    ::testing::Values(1, 2, 3, 4, 5, 63, 64, 65, 66, 129, 256, 257, 258, 259, 8191, 8193, 40000));
+
+TEST_F(PngWriterTest, PngcheckAcceptsTheFiles) {
+  if (std::system("command -v pngcheck > /dev/null") != 0) {
+    GTEST_SKIP() << "pngcheck is missing";
+  }
+  const auto check = [&](const Bytes& bytes) {
+    const std::filesystem::path file = home_.path() / "card.png";
+    save(file, bytes);
+    EXPECT_EQ(std::system(("pngcheck -q " + file.string()).c_str()), 0);
+  };
+  draw(card({158, 158}, 3, {fill({110, 110, 32, 32}, green, 16)}));
+  check(file_);
+  check(writePng({.width = 2, .height = 1, .pixels = {white, {1, 2, 3, 4}}}));
+}
+
+}  // namespace
+}  // namespace quillpad::drawing

@@ -1,0 +1,143 @@
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "fixtures/TemporaryHome.h"
+#include "paint/DrawnCard.h"
+#include "platform/foundation/Bundle.h"
+#include "platform/paint/Card.h"
+#include "platform/paint/Comparison.h"
+#include "platform/paint/PngReader.h"
+#include "platform/paint/PngWriter.h"
+#include "platform/paint/SvgWriter.h"
+#include "platform/text/TextEngine.h"
+
+namespace quillpad::drawing {
+namespace {
+
+std::vector<std::string> found(const std::string& text, const std::string& pattern) {
+  const std::regex expression(pattern);
+  std::vector<std::string> all;
+  for (std::sregex_iterator at(text.begin(), text.end(), expression); at != std::sregex_iterator();
+       ++at) {
+    all.push_back((*at)[1]);
+  }
+  return all;
+}
+
+bool installed(const std::string& program) {
+  return std::system(("command -v " + program + " > /dev/null").c_str()) == 0;
+}
+
+class SvgWriterTest : public ::testing::Test {
+ protected:
+  DisplayList textCard(const std::string& text, int scale = 2) {
+    const auto noPicture = [](const std::string&) { return Size{}; };
+    return compose(
+        ui::Text::verbatim(text).font({17, ui::Weight::regular}),
+        {.kind = "Card", .scale = scale},
+        noPicture,
+        texts_);
+  }
+
+  std::string svg(const DisplayList& list, const char* prefix = "w") {
+    return writeSvg(list, fonts_, pictures_, prefix).value();
+  }
+
+  std::filesystem::path saved(const std::string& document) {
+    std::filesystem::path file = home_.path() / "card.svg";
+    std::ofstream(file, std::ios::binary) << document;
+    return file;
+  }
+
+  fixtures::TemporaryHome home_;
+  Bundle bundle_{home_.path()};
+  FontBook fonts_;
+  TextEngine texts_{fonts_};
+  Pictures pictures_{bundle_};
+};
+
+TEST_F(SvgWriterTest, NoTextBreaksTheDocument) {
+  const std::vector<std::string> texts{
+      "<script>alert(1)</script>",
+      "a \"b\" 'c' & ]]> --> <![CDATA[",
+      std::string("nul\0nul", 7),
+      "bell\x07 escape\x1b[0m",
+      "\xED\xA0\x80 lone",
+      "\xEF\xBF\xBF\xEF\xBF\xBE",
+      "cut \xE2\x82",
+      "tab\tline\nreturn\r",
+      ""};
+  for (const std::string& text : texts) {
+    const std::string document = svg(textCard(text));
+    EXPECT_EQ(document.find("<script"), std::string::npos);
+    if (installed("xmllint")) {
+      const std::string command = "xmllint --nonet --noout " + saved(document).string();
+      EXPECT_EQ(std::system(command.c_str()), 0) << document;
+    }
+  }
+}
+
+TEST_F(SvgWriterTest, ReadersGetTheTexts) {
+  const std::string document = svg(textCard("Tom & Jerry"));
+  EXPECT_NE(document.find("<title>Tom &amp; Jerry</title>"), std::string::npos);
+  EXPECT_NE(document.find("role=\"img\" aria-label=\"Tom &amp; Jerry\""), std::string::npos);
+  EXPECT_NE(svg(card({10, 10}, 1, {})).find("<title>Card</title>"), std::string::npos);
+}
+
+TEST_F(SvgWriterTest, IdsAreThePagesOwn) {
+  DisplayList list = textCard("aabba");
+  list.items.push_back(fill({0, 0, 9, 9}, green, 0, {Clip{{0, 0, 5, 5}, 2}}));
+  list.items.push_back(fill({0, 0, 9, 9}, black, 0, {Clip{{0, 0, 5, 5}, 2}}));
+  const std::string document = svg(list, "first-");
+  const std::vector<std::string> ids = found(document, " id=\"([^\"]*)\"");
+  EXPECT_EQ(ids.size(), 3U) << "one for each letter, one for the clip";
+  const std::set<std::string> unique(ids.begin(), ids.end());
+  EXPECT_EQ(unique.size(), ids.size());
+  for (const std::string& id : ids) {
+    EXPECT_EQ(id.rfind("first-", 0), 0U) << id;
+  }
+  for (const std::string& used : found(document, "#(first[^\")]*)[\")]")) {
+    EXPECT_TRUE(unique.contains(used)) << used;
+  }
+  EXPECT_EQ(found(document, "<(use)").size(), 5U);
+}
+
+TEST_F(SvgWriterTest, NumbersAreShort) {
+  const std::string document =
+      svg(card({158, 158}, 3, {fill({0.1 + 0.2, -0.0001, 1e-9, 1.0 / 3}, green)}));
+  EXPECT_NE(
+      document.find(R"(<rect x="0.3" y="0" width="0" height="0.333" fill="#11b826"/>)"),
+      std::string::npos)
+      << document;
+}
+
+TEST_F(SvgWriterTest, ImpossibleSizesAreRefused) {
+  EXPECT_FALSE(writeSvg(card({0, 1}, 1, {}), fonts_, pictures_, "w").has_value());
+  EXPECT_FALSE(writeSvg(card({10000, 10000}, 3, {}), fonts_, pictures_, "w").has_value());
+}
+
+// Another program's drawing of the document against the PNG writer's: the same but for baselines,
+// which stand on whole pixels in both, and quarter-pixel places.
+TEST_F(SvgWriterTest, LooksLikeThePng) {
+  if (!installed("rsvg-convert")) {
+    GTEST_SKIP() << "rsvg-convert is missing";
+  }
+  DisplayList list = textCard("Figures 1,234.56", 3);
+  list.items.push_back(fill({110, 110, 32, 32}, green, 16));
+  const std::filesystem::path drawn = home_.path() / "drawn.png";
+  const std::string command =
+      "rsvg-convert --zoom 3 --output " + drawn.string() + " " + saved(svg(list)).string();
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  const Bitmap png = readPng(PngWriter(fonts_, pictures_).write(list).value()).value();
+  const Comparison comparison = compare(png, readPngFile(drawn).value(), {.channel = 64});
+  EXPECT_LT(comparison.differingPixels, 40);
+}
+
+}  // namespace
+}  // namespace quillpad::drawing

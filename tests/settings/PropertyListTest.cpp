@@ -1,0 +1,195 @@
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <limits>
+
+#include "fixtures/TemporaryHome.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/WholeFile.h"
+#include "platform/settings/PropertyList.h"
+
+namespace quillpad {
+namespace {
+
+std::optional<Value> readContent(std::string_view content) {
+  return readPropertyList(
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">" + std::string(content) +
+      "</plist>");
+}
+
+Dictionary everyKind() {
+  return {
+      {"text", " a <b> & \"c\" 张\t\n\r "},
+      {"blank", "  "},
+      {"empty", ""},
+      {"least", std::numeric_limits<std::int64_t>::min()},
+      {"most", std::numeric_limits<std::uint64_t>::max()},
+      {"real", 0.1 + 0.2},
+      {"yes", true},
+      {"no", false},
+      {"date", dateFromIso8601("2026-03-07T09:05:03.000Z").value()},
+      {"data", Data{std::string("\0\xFF\x10 bytes", 9)}},
+      {"", Array{1, Array(), Dictionary{{"currency", "€ - EUR"}}}},
+  };
+}
+
+TEST(PropertyList, ReadsBackWhatItWrites) {
+  const std::string text = writePropertyList(everyKind()).value();
+  EXPECT_EQ(readPropertyList(text), Value(everyKind())) << text;
+}
+
+TEST(PropertyList, ReadsEveryElement) {
+  const struct {
+    std::string_view content;
+    Value value;
+  } cases[] = {
+      {"<string/>", ""},
+      {"<string>a&amp;&#x5f20;<![CDATA[<b>]]></string>", "a&张<b>"},
+      {"<string>a<!-- no -->b</string>", "ab"},
+      {"<integer> -5 </integer>", -5},
+      {"<integer>+5</integer>", 5},
+      {"<integer>0x1F</integer>", 31},
+      {"<integer>18446744073709551615</integer>", std::numeric_limits<std::uint64_t>::max()},
+      {"<real>1e3</real>", 1000.0},
+      {"<true/>", true},
+      {"<false></false>", false},
+      {"<data>\n\tAP8Q\n\tIA==\n</data>", Data{std::string("\0\xFF\x10 ", 4)}},
+      {"<data></data>", Data{}},
+      {"<dict><key>a</key><true/><key>b</key><array> <true/> </array></dict>",
+       Dictionary{{"a", true}, {"b", Array{true}}}},
+      {"<dict><key>a</key><true/><key>a</key><false/></dict>", Dictionary{{"a", true}}},
+  };
+  for (const auto& [content, value] : cases) {
+    EXPECT_EQ(readContent(content), value) << content;
+  }
+}
+
+TEST(PropertyList, IsNothingWhenDamaged) {
+  for (const char* content :
+       {"",
+        "<true/><true/>",
+        "<integer></integer>",
+        "<integer>1.5</integer>",
+        "<integer>18446744073709551616</integer>",
+        "<integer>0x</integer>",
+        "<real>abc</real>",
+        "<date>yesterday</date>",
+        "<date>2026-02-30T00:00:00Z</date>",
+        "<data>A</data>",
+        "<data>AAA?</data>",
+        "<data>A=AA</data>",
+        "<null/>",
+        "<string><true/></string>",
+        "<dict><true/></dict>",
+        "<dict><key>a</key></dict>",
+        "<dict><key>a</key><key>b</key><true/></dict>",
+        "<dict><key>a</key><true/><true/></dict>",
+        "<string>\xFF</string>",
+        "<string>&#xD800;</string>"}) {
+    EXPECT_FALSE(readContent(content)) << content;
+  }
+  EXPECT_FALSE(readPropertyList("<dict/>"));
+  EXPECT_FALSE(readPropertyList("bplist00"));
+}
+
+TEST(PropertyList, IsNothingWhenCutOffAnywhere) {
+  const std::string whole = writePropertyList(everyKind()).value();
+  const std::size_t end = whole.find("</plist>") + std::string_view("</plist>").size();
+  for (std::size_t length = 0; length < end; ++length) {
+    ASSERT_FALSE(readPropertyList(whole.substr(0, length))) << whole.substr(0, length);
+  }
+}
+
+TEST(PropertyList, StopsAt512ContainersWithinEachOther) {
+  const auto nested = [](std::size_t depth) {
+    std::string content;
+    for (std::size_t i = 0; i < depth; ++i) {
+      content += "<array>";
+    }
+    for (std::size_t i = 0; i < depth; ++i) {
+      content += "</array>";
+    }
+    return content;
+  };
+  EXPECT_TRUE(readContent(nested(512)));
+  EXPECT_FALSE(readContent(nested(513)));
+  EXPECT_FALSE(readContent(nested(100'000)));
+}
+
+TEST(PropertyList, RefusesToWriteWhatItCannotHold) {
+  const Value cases[] = {
+      Null(),
+      std::string("bell \a"),
+      std::string("zero \0", 6),
+      "\xFF",
+      "\uFFFE",
+      Dictionary{{"\x1B", 1}},
+      Array{Dictionary{{"a", "\x7F\x1"}}},
+  };
+  for (const Value& value : cases) {
+    EXPECT_FALSE(writePropertyList(value));
+  }
+}
+
+// The property lists of another hand: Python's standard library.
+class PropertyListOfPython : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (!run("import plistlib")) {
+      GTEST_SKIP() << "no python3 here";
+    }
+  }
+
+  bool run(const std::string& script) const {
+    const std::string program = (folder_.path() / "script.py").string();
+    std::ofstream(program) << script;
+    return std::system(("python3 '" + program + "' '" + file_ + "' 2>/dev/null").c_str()) == 0;
+  }
+
+  fixtures::TemporaryFolder folder_;
+  const std::string file_ = (folder_.path() / "list.plist").string();
+};
+
+TEST_F(PropertyListOfPython, IsRead) {
+  ASSERT_TRUE(run(R"(
+import datetime, plistlib, sys
+plistlib.dump({
+    'text': ' a <b> & "c" 张\t\n ', 'empty': '', 'least': -2**63, 'most': 2**64 - 1, 'real': 0.1,
+    'yes': True, 'no': False, 'date': datetime.datetime(2026, 3, 7, 9, 5, 3),
+    'data': bytes(range(256)), 'list': [1, [], {'currency': '€ - EUR'}],
+}, open(sys.argv[1], 'wb'))
+)"));
+  std::string bytes;
+  for (int i = 0; i < 256; ++i) {
+    bytes += static_cast<char>(i);
+  }
+  const Dictionary expected = {
+      {"text", " a <b> & \"c\" 张\t\n "},
+      {"empty", ""},
+      {"least", std::numeric_limits<std::int64_t>::min()},
+      {"most", std::numeric_limits<std::uint64_t>::max()},
+      {"real", 0.1},
+      {"yes", true},
+      {"no", false},
+      {"date", dateFromIso8601("2026-03-07T09:05:03.000Z").value()},
+      {"data", Data{bytes}},
+      {"list", Array{1, Array(), Dictionary{{"currency", "€ - EUR"}}}},
+  };
+  EXPECT_EQ(readPropertyList(readWholeFile(file_, 100'000).value()), Value(expected));
+}
+
+TEST_F(PropertyListOfPython, ReadsOurs) {
+  std::ofstream(file_) << writePropertyList(everyKind()).value();
+  EXPECT_TRUE(run(R"(
+import datetime, plistlib, sys
+assert plistlib.load(open(sys.argv[1], 'rb')) == {
+    'text': ' a <b> & "c" 张\t\n\r ', 'blank': '  ', 'empty': '', 'least': -2**63,
+    'most': 2**64 - 1, 'real': 0.1 + 0.2, 'yes': True, 'no': False,
+    'date': datetime.datetime(2026, 3, 7, 9, 5, 3), 'data': b'\x00\xff\x10 bytes',
+    '': [1, [], {'currency': '€ - EUR'}],
+}
+)"));
+}
+
+}  // namespace
+}  // namespace quillpad

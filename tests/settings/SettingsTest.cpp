@@ -1,0 +1,230 @@
+#include <atomic>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include "fixtures/ScopedVariable.h"
+#include "fixtures/TemporaryHome.h"
+#include "platform/foundation/WholeFile.h"
+#include "platform/settings/SettingsWriter.h"
+#include "platform/settings/UserDefaults.h"
+
+namespace quillpad {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr std::string_view suite = "group.test";
+
+std::string storeOf(std::string_view dictionary) {
+  return R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0">)" +
+         std::string(dictionary) + "</plist>";
+}
+
+std::optional<Value> stored(std::string_view key) {
+  const std::optional<UserDefaults> defaults = UserDefaults::open(suite);
+  return defaults ? defaults->object(key) : std::nullopt;
+}
+
+std::expected<void, std::string> set(const std::string& key, const Value& value) {
+  return changeSettings(suite, [&](Dictionary& objects) { objects.set(key, value); });
+}
+
+mode_t modeOf(const std::filesystem::path& file) {
+  struct stat status{};
+  EXPECT_EQ(stat(file.c_str(), &status), 0) << file;
+  return status.st_mode & 07777;
+}
+
+class SettingsTest : public testing::Test {
+ protected:
+  void put(std::string_view bytes) {
+    std::filesystem::create_directories(file_.parent_path());
+    std::ofstream(file_, std::ios::binary | std::ios::trunc) << bytes;
+  }
+
+  fixtures::TemporaryHome home_;
+  const std::filesystem::path file_ = UserDefaults::path(suite);
+};
+
+TEST_F(SettingsTest, LieBelowTheDataFolder) {
+  const fixtures::ScopedVariable home("HOME", "/home/ada");
+  const std::string tail = "/quillpad/group.test/Library/Preferences/group.test.plist";
+  const auto pathWith = [](const std::optional<std::string>& dataFolder) {
+    const fixtures::ScopedVariable data("XDG_DATA_HOME", dataFolder);
+    return UserDefaults::path(suite).string();
+  };
+  EXPECT_EQ(pathWith(std::nullopt), "/home/ada/.local/share" + tail);
+  EXPECT_EQ(pathWith(""), "/home/ada/.local/share" + tail);
+  EXPECT_EQ(pathWith("relative"), "/home/ada/.local/share" + tail);
+  EXPECT_EQ(pathWith("/data"), "/data" + tail);
+}
+
+TEST_F(SettingsTest, KeepEachObjectWithItsKind) {
+  put(
+      storeOf("<dict><key>token</key><string>abc</string><key>businessId</key><integer>7</integer>"
+              "</dict>"));
+  EXPECT_EQ(stored("token"), Value("abc"));
+  EXPECT_EQ(stored("businessId"), Value(7));
+  EXPECT_EQ(stored("currentBusiness"), std::nullopt);
+}
+
+TEST_F(SettingsTest, CannotBeOpenedWhenDamaged) {
+  const std::string whole = storeOf("<dict><key>a</key><string>b</string></dict>");
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    put(whole.substr(0, length));
+    ASSERT_FALSE(UserDefaults::open(suite)) << length;
+  }
+  for (const std::string& bytes :
+       {storeOf("<array/>"),
+        storeOf("<string>a</string>"),
+        std::string("not XML"),
+        std::string(R"({"token":"abc"})"),
+        storeOf("<dict/><!--" + std::string(std::size_t{1} << 20, 'x') + "-->")}) {
+    put(bytes);
+    EXPECT_FALSE(UserDefaults::open(suite)) << bytes.substr(0, 80);
+  }
+  put(whole);
+  EXPECT_TRUE(UserDefaults::open(suite));
+}
+
+TEST_F(SettingsTest, CannotBeOpenedWhenThereIsNoFileToRead) {
+  EXPECT_FALSE(UserDefaults::open(suite));
+  std::filesystem::create_directories(file_);
+  EXPECT_FALSE(UserDefaults::open(suite));
+  std::filesystem::remove(file_);
+  ASSERT_EQ(mkfifo(file_.c_str(), 0600), 0);
+  EXPECT_FALSE(UserDefaults::open(suite));
+  std::filesystem::remove(file_);
+  std::filesystem::create_symlink("/dev/zero", file_);
+  EXPECT_FALSE(UserDefaults::open(suite));
+  std::filesystem::remove(file_);
+
+  put(storeOf("<dict/>"));
+  std::filesystem::permissions(file_, std::filesystem::perms::none);
+  // The superuser reads it nevertheless.
+  EXPECT_EQ(UserDefaults::open(suite).has_value(), geteuid() == 0);
+
+  const fixtures::ScopedVariable home("HOME", std::nullopt);
+  const fixtures::ScopedVariable data("XDG_DATA_HOME", std::nullopt);
+  EXPECT_FALSE(UserDefaults::open(suite));
+}
+
+TEST_F(SettingsTest, AreMadeForTheirOwnerAlone) {
+  ASSERT_TRUE(set("token", "abc"));
+  EXPECT_EQ(stored("token"), Value("abc"));
+  EXPECT_EQ(modeOf(file_), 0600U);
+  EXPECT_EQ(modeOf(file_.parent_path()), 0700U);
+  EXPECT_EQ(modeOf(file_.parent_path().parent_path().parent_path()), 0700U);
+}
+
+TEST_F(SettingsTest, KeepEntriesThatAChangeLeavesAlone) {
+  put(
+      storeOf("<dict><key>other</key><array><date>2026-03-07T09:05:03Z</date><real>0.1</real>"
+              "</array><key>token</key><string>old</string></dict>"));
+  const std::optional<Value> other = stored("other");
+  ASSERT_TRUE(set("token", "new"));
+  EXPECT_EQ(stored("token"), Value("new"));
+  EXPECT_EQ(stored("other"), other);
+  ASSERT_TRUE(changeSettings(suite, [](Dictionary& objects) { objects.remove("token"); }));
+  EXPECT_EQ(stored("token"), std::nullopt);
+  EXPECT_EQ(stored("other"), other);
+}
+
+TEST_F(SettingsTest, AreLeftAloneWhenTheyCannotBeChanged) {
+  const struct {
+    std::string bytes;
+    Value token;
+    const char* why;
+  } cases[] = {
+      {"not a store", "new", "not a property list"},
+      {storeOf("<array/>"), "new", "not a property list"},
+      {storeOf("<dict/>") + std::string(std::size_t{1} << 20, ' '), "new", "larger than 1 MiB"},
+      {storeOf("<dict/>"), "secret\x1B", "control character"},
+      {storeOf("<dict/>"), "secret\xFF", "UTF-8"},
+      {storeOf("<dict/>"), std::string(std::size_t{1} << 20, 's'), "larger than 1 MiB"},
+  };
+  for (const auto& [bytes, token, why] : cases) {
+    put(bytes);
+    const auto changed = set("token", token);
+    ASSERT_FALSE(changed) << why;
+    EXPECT_THAT(changed.error(), HasSubstr(why));
+    EXPECT_THAT(changed.error(), HasSubstr(file_.string()));
+    EXPECT_THAT(changed.error(), Not(HasSubstr("secret")));
+    EXPECT_EQ(readWholeFile(file_, 2 << 20), bytes);
+  }
+}
+
+TEST_F(SettingsTest, LeaveNoTemporaryFileBehind) {
+  ASSERT_TRUE(set("a", 1));
+  ASSERT_FALSE(set("a", "\x1B"));
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(file_.parent_path())) {
+    names.push_back(entry.path().filename());
+  }
+  EXPECT_THAT(names, testing::UnorderedElementsAre("group.test.plist", "group.test.plist.lock"));
+
+  std::filesystem::remove(file_);
+  std::filesystem::create_directories(file_ / "occupied");
+  EXPECT_FALSE(set("a", 1));
+  EXPECT_TRUE(std::filesystem::exists(file_ / "occupied"));
+}
+
+TEST_F(SettingsTest, AreSeenBeforeOrAfterAChangeByWhoReadsMeanwhile) {
+  const std::string longText(50'000, 'x');
+  ASSERT_TRUE(set("token", longText));
+  std::atomic<bool> done = false;
+  const std::jthread writer([&] {
+    for (int i = 0; i < 100; ++i) {
+      EXPECT_TRUE(set("token", i % 2 == 0 ? "short" : longText));
+    }
+    done = true;
+  });
+  while (!done) {
+    const std::optional<Value> token = stored("token");
+    ASSERT_TRUE(token);
+    ASSERT_TRUE(*token == Value("short") || *token == Value(longText));
+  }
+}
+
+TEST_F(SettingsTest, LoseNothingToManyWritersAtOnce) {
+  constexpr int changes = 25;
+  const auto write = [](const std::string& writer) {
+    for (int i = 0; i < changes; ++i) {
+      if (!set(writer + std::to_string(i), i)) {
+        return false;
+      }
+    }
+    return true;
+  };
+  std::vector<pid_t> processes;
+  for (const char* name : {"a", "b"}) {
+    const pid_t process = fork();
+    if (process == 0) {
+      _exit(write(name) ? 0 : 1);
+    }
+    processes.push_back(process);
+  }
+  {
+    const std::jthread one([&] { EXPECT_TRUE(write("c")); });
+    const std::jthread two([&] { EXPECT_TRUE(write("d")); });
+  }
+  for (const pid_t process : processes) {
+    int status = 0;
+    ASSERT_EQ(waitpid(process, &status, 0), process);
+    EXPECT_EQ(status, 0);
+  }
+  for (const char* name : {"a", "b", "c", "d"}) {
+    for (int i = 0; i < changes; ++i) {
+      EXPECT_EQ(stored(name + std::to_string(i)), Value(i)) << name << i;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quillpad

@@ -1,0 +1,257 @@
+#include <array>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <poll.h>
+#include <string>
+#include <sys/socket.h>
+#include <thread>
+#include <variant>
+#include <vector>
+
+#include "platform/foundation/Activity.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/Fatal.h"
+#include "platform/widgets/Server.h"
+
+namespace quillpad {
+
+namespace {
+
+using channel::NumberedReply;
+using channel::NumberedRequest;
+
+struct Note {
+  std::string text;
+  Value toValue() const { return text; }
+  static Note fromValue(const Value& value) { return {forcedAs<std::string>(value, "the note")}; }
+};
+
+struct NoteEntry {
+  Date date;
+  Note data;
+};
+
+// What the test has the provider do with the next timelines, and what the provider saw.
+struct Script {
+  std::vector<widgets::Completion<widgets::Timeline<NoteEntry>>> held;
+  std::vector<std::uint64_t> activities;
+  bool dropNext = false;
+};
+
+widgets::Timeline<NoteEntry> timelineOf(const std::string& text) {
+  return {{{{}, {text}}}, widgets::TimelineReloadPolicy::after({})};
+}
+
+struct NoteProvider {
+  using Entry = NoteEntry;
+  Script* script;
+
+  Entry placeholder(const widgets::TimelineProviderContext& /*context*/) const {
+    return {{}, {"placeholder"}};
+  }
+  void getSnapshot(
+      const widgets::TimelineProviderContext& /*context*/,
+      widgets::Completion<Entry> completion) const {
+    completion({{}, {std::string(script->activities.size(), 'x')}});
+  }
+  void getTimeline(
+      const widgets::TimelineProviderContext& /*context*/,
+      widgets::Completion<widgets::Timeline<Entry>> completion) const {
+    script->activities.push_back(currentActivity());
+    if (!std::exchange(script->dropNext, false)) {
+      script->held.push_back(std::move(completion));
+    }
+  }
+};
+
+std::vector<widgets::WidgetConfiguration> noteWidgets(Script& script) {
+  return {widgets::StaticConfiguration(
+              "Note",
+              NoteProvider{&script},
+              [](const ui::Environment&, const NoteEntry& entry) {
+                return ui::View(ui::Text::verbatim(entry.data.text));
+              })
+              .configurationDisplayName("A note")
+              .description("Shows a note.")
+              .supportedFamilies({ui::WidgetFamily::systemSmall})};
+}
+
+// A server of the note widget, and the home screen's end of its channel. The provider's script is
+// read by the test only while the server waits, that is, after a reply.
+class ServerTest : public testing::Test {
+ protected:
+  ServerTest() {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()), 0);
+    home_ = std::make_unique<widgets::Connection>(FileDescriptor(ends[0]));
+    homeDescriptor_ = ends[0];
+    auto connection = std::make_shared<widgets::Connection>(FileDescriptor(ends[1]));
+    thread_ = std::jthread(
+        [this, connection] { widgets::Server(noteWidgets(script_), connection).run(); });
+  }
+
+  ~ServerTest() override {
+    hangUp();
+    script_.held.clear();
+  }
+
+  void hangUp() {
+    ::shutdown(homeDescriptor_, SHUT_WR);
+    if (thread_.joinable()) {
+      thread_.join();
+    }
+  }
+
+  void say(std::string line) { home_->send(std::move(line)); }
+  void ask(std::uint64_t id, channel::Request request) {
+    say(channel::encode(NumberedRequest{id, std::move(request)}));
+  }
+
+  NumberedReply hear() {
+    const auto line = home_->receive();
+    if (!line) {
+      ADD_FAILURE() << "the server hung up";
+      return {};
+    }
+    auto message = channel::decodeFromExtension(line->text);
+    if (!message || !std::holds_alternative<NumberedReply>(*message)) {
+      ADD_FAILURE() << line->text;
+      return {};
+    }
+    return std::get<NumberedReply>(std::move(*message));
+  }
+
+  // The text of the note in the reply's first entry.
+  static std::string noteIn(const NumberedReply& reply) {
+    const Value* entry = nullptr;
+    if (const auto* timeline = std::get_if<channel::Timeline>(&reply.reply)) {
+      entry = &timeline->entries.at(0);
+    } else if (const auto* single = std::get_if<channel::Entry>(&reply.reply)) {
+      entry = &single->entry;
+    }
+    return entry == nullptr ? "(no entry)"
+                            : *entry->as<Dictionary>()->find("data")->as<std::string>();
+  }
+
+  // Waits until the server has taken everything that was said before.
+  void settle() {
+    ask(999, channel::PlaceholderRequest{"Note"});
+    EXPECT_EQ(noteIn(hear()), "placeholder");
+  }
+
+  Script script_;
+  std::unique_ptr<widgets::Connection> home_;
+  int homeDescriptor_ = -1;
+  std::jthread thread_;
+};
+
+TEST_F(ServerTest, AnswersTimelinesInTheOrderInWhichTheyEnd) {
+  for (std::uint64_t id = 1; id <= 3; ++id) {
+    ask(id, channel::TimelineRequest{"Note"});
+  }
+  settle();
+  ASSERT_EQ(script_.held.size(), 3U);
+  EXPECT_EQ(script_.activities, (std::vector<std::uint64_t>{1, 2, 3}));
+
+  script_.held[2](timelineOf("third"));
+  std::jthread([&] { script_.held[0](timelineOf("first")); }).join();
+  script_.held[1](timelineOf("second"));
+  for (const auto& [id, note] : {std::pair{3U, "third"}, {1U, "first"}, {2U, "second"}}) {
+    const NumberedReply reply = hear();
+    EXPECT_EQ(reply.id, id);
+    EXPECT_EQ(noteIn(reply), note);
+  }
+}
+
+TEST_F(ServerTest, ARequestThatTheProviderLetsGoIsDroppedAtOnceAndAlone) {
+  ask(1, channel::TimelineRequest{"Note"});
+  settle();
+  script_.dropNext = true;
+  ask(2, channel::TimelineRequest{"Note"});
+  const NumberedReply dropped = hear();
+  EXPECT_EQ(dropped.id, 2U);
+  EXPECT_TRUE(std::holds_alternative<channel::Dropped>(dropped.reply));
+
+  script_.held[0](timelineOf("later"));
+  EXPECT_EQ(noteIn(hear()), "later");
+}
+
+TEST_F(ServerTest, LivesOnAfterWhatItCannotTake) {
+  const struct {
+    std::string line;
+    std::optional<std::uint64_t> id;
+    int code;
+  } cases[] = {
+      {"garbage", std::nullopt, channel::parseError},
+      {std::string(100'000, '['), std::nullopt, channel::parseError},
+      {std::string(channel::longestFrame + 1, ' '), std::nullopt, channel::invalidRequest},
+      {R"({"id":3,"method":"launch"})", 3, channel::methodNotFound},
+      {R"({"id":4,"method":"timeline","params":{"kind":"Other"}})", 4, channel::invalidParams},
+      {R"({"id":5,"method":"render","params":{"kind":"Note","entry":0,"family":"systemMedium"}})",
+       5,
+       channel::invalidParams},
+  };
+  for (const auto& [line, id, code] : cases) {
+    say(line);
+    const NumberedReply reply = hear();
+    EXPECT_EQ(reply.id, id) << line.substr(0, 80);
+    ASSERT_TRUE(std::holds_alternative<channel::Refused>(reply.reply)) << line.substr(0, 80);
+    EXPECT_EQ(std::get<channel::Refused>(reply.reply).code, code);
+    settle();
+  }
+}
+
+TEST_F(ServerTest, RendersTheEntryThatTheHomeScreenSendsBack) {
+  ask(1, channel::SnapshotRequest{"Note"});
+  EXPECT_EQ(noteIn(hear()), "");
+  const Value entry = Dictionary{{"date", "2026-03-07T09:05:03.250Z"}, {"data", "by hand"}};
+  ask(2, channel::RenderRequest{"Note", entry, std::nullopt, ""});
+  const NumberedReply reply = hear();
+  ASSERT_TRUE(std::holds_alternative<channel::Rendering>(reply.reply));
+  const auto& view = std::get<channel::Rendering>(reply.reply).view;
+  EXPECT_EQ(std::get<ui::Text>(view.content).text, "by hand");
+}
+
+TEST_F(ServerTest, EndsWhenTheHomeScreenHangsUpWithTimelinesUnderWay) {
+  ask(1, channel::TimelineRequest{"Note"});
+  settle();
+  hangUp();
+  script_.held[0](timelineOf("too late"));
+}
+
+TEST(CompletionTest, AnswersOnceAndTellsOfItsAbandonment) {
+  int answers = 0;
+  int abandonments = 0;
+  const auto make = [&] {
+    return widgets::Completion<int>([&](int) { ++answers; }, [&] { ++abandonments; });
+  };
+  {
+    auto called = make();
+    called(1);
+    called(2);
+  }
+  EXPECT_EQ(answers, 1);
+  EXPECT_EQ(abandonments, 0);
+  {
+    auto moved = make();
+    const auto target = std::move(moved);
+    EXPECT_EQ(abandonments, 0);
+  }
+  EXPECT_EQ(abandonments, 1);
+  {
+    const auto outer = widgets::forwarding<std::string>(
+        make(), [](const std::string& text) { return std::stoi(text); });
+  }
+  EXPECT_EQ(abandonments, 2);
+  widgets::forwarding<std::string>(
+      make(), [](const std::string& text) { return std::stoi(text); })("7");
+  EXPECT_EQ(answers, 2);
+  EXPECT_EQ(abandonments, 2);
+}
+
+}  // namespace
+
+}  // namespace quillpad
