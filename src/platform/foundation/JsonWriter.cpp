@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <type_traits>
 
+#include "platform/foundation/Hex.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Utf8.h"
 
@@ -93,10 +94,7 @@ class JsonWriter {
         break;
       default:
         if (static_cast<unsigned char>(c) < 0x20) {
-          constexpr std::string_view hexDigits = "0123456789abcdef";
-          text_ += "\\u00";
-          text_ += hexDigits[static_cast<unsigned char>(c) >> 4];
-          text_ += hexDigits[static_cast<unsigned char>(c) & 0xF];
+          text_ += "\\u00" + hexByte(static_cast<unsigned char>(c));
         } else {
           text_ += c;
         }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <unicode/idna.h>
 
+#include "platform/foundation/Hex.h"
 #include "platform/foundation/Utf8.h"
 
 namespace quillpad {
@@ -42,15 +43,12 @@ std::string encoded(std::string_view part, std::string_view signs) {
   if (isValid(part, signs)) {
     return std::string(part);
   }
-  constexpr std::string_view hexDigits = "0123456789ABCDEF";
   std::string text;
   for (const char c : part) {
     if (mayStand(c, signs)) {
       text += c;
     } else {
-      text += '%';
-      text += hexDigits[static_cast<unsigned char>(c) >> 4];
-      text += hexDigits[static_cast<unsigned char>(c) & 0xF];
+      text += "%" + upperHexByte(static_cast<unsigned char>(c));
     }
   }
   return text;

@@ -80,6 +80,10 @@ class Dictionary {
   // objects of this system have few.
   const Value* find(std::string_view key) const;
 
+  // The value under the key as a T, or nullptr if there is none or it is of another kind.
+  template <class T>
+  const T* get(std::string_view key) const;
+
   // Sets the key's value, in place where the key stands already.
   void set(std::string key, Value value);
 
@@ -137,5 +141,11 @@ struct Dictionary::Member {
   Value value;
   friend bool operator==(const Member&, const Member&) = default;
 };
+
+template <class T>
+const T* Dictionary::get(std::string_view key) const {
+  const Value* value = find(key);
+  return value == nullptr ? nullptr : value->as<T>();
+}
 
 }  // namespace quillpad
