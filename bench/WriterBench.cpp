@@ -41,7 +41,7 @@ void writePng(benchmark::State& state) {
   double raster = 0;
   double encode = 0;
   for ([[maybe_unused]] const auto iteration : state) {
-    benchmark::DoNotOptimize(writer.write(card.list()));
+    benchmark::DoNotOptimize(writer.write(card.list(), ui::Appearance::light));
     raster += writer.lastSplit().raster;
     encode += writer.lastSplit().encode;
   }
@@ -55,7 +55,8 @@ BENCHMARK(writePng)->Arg(1)->Arg(2)->Arg(3)->Unit(benchmark::kMicrosecond);
 void writeSvg(benchmark::State& state) {
   SalesCard card(2);
   for ([[maybe_unused]] const auto iteration : state) {
-    benchmark::DoNotOptimize(drawing::writeSvg(card.list(), card.fonts(), card.pictures(), "card"));
+    benchmark::DoNotOptimize(
+        drawing::writeSvg(card.list(), std::nullopt, card.fonts(), card.pictures(), "card"));
   }
 }
 BENCHMARK(writeSvg)->Unit(benchmark::kMicrosecond);

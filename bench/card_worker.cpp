@@ -66,12 +66,11 @@ class Workshop {
         {.kind = card,
          .family = card == "small" ? "systemSmall" : "systemMedium",
          .size = {card == "small" ? 158.0 : 338.0, 158},
-         .appearance = ui::Appearance::light,
          .scale = scale},
         [this](const std::string& name) { return pictures_.naturalSize(name); },
         texts_);
     const Clock::time_point composed = Clock::now();
-    auto png = writer_.write(list);
+    auto png = writer_.write(list, ui::Appearance::light);
     if (!png) {
       std::cerr << "card_worker: " << png.error() << '\n';
       std::exit(1);

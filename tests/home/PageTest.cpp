@@ -35,23 +35,6 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
   EXPECT_THAT(offers, Not(HasSubstr("<img")));
 }
 
-TEST(Page, OnePictureFollowsTheAppearance) {
-  EXPECT_EQ(
-      inBothAppearances(
-          R"(<svg><rect fill="#FFFFFF"/><path fill="#11B826"/></svg>)",
-          R"(<svg><rect fill="#1C1C1E"/><path fill="#11B826"/></svg>)")
-          .value()
-          .html,
-      R"svg(<svg><rect fill="light-dark(#FFFFFF,#1C1C1E)"/><path fill="#11B826"/></svg>)svg");
-  for (const auto& [light, dark] :
-       {std::pair{R"(<rect fill="#FFFFFF"/>)", R"(<rect fill="#1C1C1E" fill-opacity="0.5"/>)"},
-        {R"(<rect fill="#FFFFFF"/>)", R"(<rect/>)"},
-        {R"(<path/><rect fill="#FFFFFF"/>)", R"(<rect fill="#FFFFFF"/>)"},
-        {R"(<rect fill="#FFFFFF"/>)", R"(<rect fill="#FFFFFF"/><path fill="#FFFFFF"/>)"}}) {
-    EXPECT_FALSE(inBothAppearances(light, dark)) << light << dark;
-  }
-}
-
 TEST(Page, OnlyLinksToApplicationsStandOnIt) {
   for (const char* link : {"quillpad://Report", "QuillPad://x", "mailto:someone"}) {
     EXPECT_TRUE(leadsToApplication(link)) << link;

@@ -14,7 +14,7 @@ constexpr ui::Rgba black{0, 0, 0};
 constexpr ui::Rgba green{17, 184, 38};
 
 inline Item fill(
-    Rect frame, ui::Rgba color, double cornerRadius = 0, std::vector<Clip> clips = {}) {
+    Rect frame, ui::Color color, double cornerRadius = 0, std::vector<Clip> clips = {}) {
   return {Fill{frame, color, cornerRadius}, std::move(clips)};
 }
 
@@ -23,7 +23,6 @@ inline DisplayList card(Size size, int scale, std::vector<Item> items, double co
   DisplayList list{
       .kind = "Card",
       .family = "systemSmall",
-      .appearance = "light",
       .scale = scale,
       .size = size,
       .link = {},

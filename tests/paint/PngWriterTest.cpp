@@ -35,7 +35,7 @@ ui::Rgba at(const Bitmap& picture, int x, int y) { return picture.row(y)[x]; }
 class PngWriterTest : public ::testing::Test {
  protected:
   Bitmap draw(const DisplayList& list) {
-    file_ = writer_.write(list).value();
+    file_ = writer_.write(list, ui::Appearance::light).value();
     return readPng(file_).value();
   }
 
@@ -108,14 +108,15 @@ TEST_F(PngWriterTest, PaletteAndFullColourLookAlike) {
   TextEngine texts(fonts_);
   const auto noPicture = [](const std::string&) { return Size{}; };
   DisplayList list = compose(view, {.size = {338, 158}, .scale = 3}, noPicture, texts);
-  list.items.push_back(fill({20.25, 20.25, 40, 40}, {255, 161, 29, 120}));
+  list.items.push_back(fill({20.25, 20.25, 40, 40}, ui::Rgba{255, 161, 29, 120}));
   list.items.push_back(fill({40, 30, 40, 40}, green, 16));
   const Bitmap few = draw(list);
   EXPECT_TRUE(lastHasPalette());
   const Rect corner{300, 130, 1.0 / 3, 1.0 / 3};
   for (int i = 0; i < 300; ++i) {
-    list.items.push_back(
-        fill(corner, {static_cast<std::uint8_t>(i % 256), static_cast<std::uint8_t>(i / 256), 7}));
+    list.items.push_back(fill(
+        corner,
+        ui::Rgba{static_cast<std::uint8_t>(i % 256), static_cast<std::uint8_t>(i / 256), 7}));
   }
   const Bitmap many = draw(list);
   EXPECT_FALSE(lastHasPalette());
@@ -156,11 +157,11 @@ TEST_F(PngWriterTest, MissingAndDamagedPicturesLeaveTheDisc) {
   damaged.resize(damaged.size() / 2);
   save(home_.path() / "Graph@2x.png", damaged);
   Pictures broken(bundle_);
-  EXPECT_EQ(file_, PngWriter(fonts_, broken).write(list).value());
+  EXPECT_EQ(file_, PngWriter(fonts_, broken).write(list, ui::Appearance::light).value());
 
   save(home_.path() / "Graph@2x.png", writePng(bar));
   Pictures whole(bundle_);
-  file_ = PngWriter(fonts_, whole).write(list).value();
+  file_ = PngWriter(fonts_, whole).write(list, ui::Appearance::light).value();
   const Bitmap picture = readPng(file_).value();
   EXPECT_EQ(at(picture, 52, 52), white);
   EXPECT_EQ(at(picture, 91, 91), white);
@@ -193,7 +194,7 @@ TEST_F(PngWriterTest, ImpossibleSizesAreRefused) {
       {{158, 158}, 0},
       {{158, 158}, 4}};
   for (const auto& [size, scale] : impossible) {
-    const auto file = writer_.write(card(size, scale, {}));
+    const auto file = writer_.write(card(size, scale, {}), ui::Appearance::light);
     ASSERT_FALSE(file.has_value()) << size.width << " x " << size.height;
     EXPECT_NE(file.error().find("cannot be drawn"), std::string::npos);
   }

@@ -46,7 +46,7 @@ class SvgWriterTest : public ::testing::Test {
   }
 
   std::string svg(const DisplayList& list, const char* prefix = "w") {
-    return writeSvg(list, fonts_, pictures_, prefix).value();
+    return writeSvg(list, ui::Appearance::light, fonts_, pictures_, prefix).value();
   }
 
   std::filesystem::path saved(const std::string& document) {
@@ -117,9 +117,32 @@ TEST_F(SvgWriterTest, NumbersAreShort) {
       << document;
 }
 
+TEST_F(SvgWriterTest, ColoursAreOfOneAppearanceOrFollowThePage) {
+  constexpr ui::Rgba clear{17, 184, 38, 51};
+  const struct {
+    std::optional<ui::Appearance> appearance;
+    ui::Color color;
+    std::string fill;
+  } cases[] = {
+      {ui::Appearance::light, {white, black}, R"(fill="#ffffff")"},
+      {ui::Appearance::dark, {white, black}, R"(fill="#000000")"},
+      {ui::Appearance::dark, {white, clear}, R"(fill="#11b826" fill-opacity="0.2")"},
+      {{}, {white, black}, R"svg(fill="light-dark(#ffffff,#000000)")svg"},
+      {{}, {white, clear}, R"svg(fill="light-dark(#ffffffff,#11b82633)")svg"},
+      {{}, clear, R"(fill="#11b826" fill-opacity="0.2")"},
+  };
+  for (const auto& [appearance, color, expected] : cases) {
+    const DisplayList list = card({9, 9}, 1, {fill({1, 1, 2, 2}, color)});
+    const std::string document = writeSvg(list, appearance, fonts_, pictures_, "w").value();
+    EXPECT_EQ(found(document, "<rect x=\"1\"[^>]* (fill=.*)/>"), std::vector{expected});
+  }
+}
+
 TEST_F(SvgWriterTest, ImpossibleSizesAreRefused) {
-  EXPECT_FALSE(writeSvg(card({0, 1}, 1, {}), fonts_, pictures_, "w").has_value());
-  EXPECT_FALSE(writeSvg(card({10000, 10000}, 3, {}), fonts_, pictures_, "w").has_value());
+  EXPECT_FALSE(
+      writeSvg(card({0, 1}, 1, {}), ui::Appearance::light, fonts_, pictures_, "w").has_value());
+  EXPECT_FALSE(
+      writeSvg(card({10000, 10000}, 3, {}), std::nullopt, fonts_, pictures_, "w").has_value());
 }
 
 // Another program's drawing of the document against the PNG writer's: the same but for baselines,
@@ -134,7 +157,8 @@ TEST_F(SvgWriterTest, LooksLikeThePng) {
   const std::string command =
       "rsvg-convert --zoom 3 --output " + drawn.string() + " " + saved(svg(list)).string();
   ASSERT_EQ(std::system(command.c_str()), 0);
-  const Bitmap png = readPng(PngWriter(fonts_, pictures_).write(list).value()).value();
+  const Bitmap png =
+      readPng(PngWriter(fonts_, pictures_).write(list, ui::Appearance::light).value()).value();
   const Comparison comparison = compare(png, readPngFile(drawn).value(), {.channel = 64});
   EXPECT_LT(comparison.differingPixels, 40);
 }

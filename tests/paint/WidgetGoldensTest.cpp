@@ -56,10 +56,14 @@ DisplayList composed(const ui::View& view, const CardRequest& request) {
 
 class WidgetGoldens : public ::testing::Test {
  protected:
-  static void expectGolden(const std::string& name, const ui::View& view, CardRequest request) {
+  static void expectGolden(
+      const std::string& name,
+      const ui::View& view,
+      CardRequest request,
+      ui::Appearance appearance = ui::Appearance::unspecified) {
     request.kind = name;
     request.family = request.size == medium ? "systemMedium" : "systemSmall";
-    EXPECT_TRUE(matchesGolden(name + ".json", toJson(composed(view, request))));
+    EXPECT_TRUE(matchesGolden(name + ".json", toJson(composed(view, request), appearance)));
   }
 
  private:
@@ -96,13 +100,12 @@ TEST_F(WidgetGoldens, MediumRows) {
 
 TEST_F(WidgetGoldens, DarkAppearanceAndOtherScreens) {
   const quillpad::SalesMallView sales{"1234.5", "quillpad://Report"};
-  expectGolden("sales-dark", sales, {.appearance = ui::Appearance::dark});
+  expectGolden("sales-dark", sales, {}, ui::Appearance::dark);
   expectGolden("sales-at-3", sales, {.scale = 3});
   expectGolden("sales-smallest-screen", sales, {.size = {141, 141}});
 
   const quillpad::UnpaidMediumView unpaid{rows(3)};
-  const CardRequest dark{.size = medium, .appearance = ui::Appearance::dark, .scale = 3};
-  expectGolden("unpaid-dark-at-3", unpaid, dark);
+  expectGolden("unpaid-dark-at-3", unpaid, {.size = medium, .scale = 3}, ui::Appearance::dark);
 }
 
 TEST_F(WidgetGoldens, RightToLeftLanguage) {
@@ -137,7 +140,7 @@ TEST_F(WidgetGoldens, ThreeRowsStayInSight) {
 // The comparison itself: what differs in one digit has to fail, and to say where.
 TEST_F(WidgetGoldens, TellADifference) {
   const DisplayList list = composed(quillpad::UnpaidSmallView{"4"}, {.kind = "unpaid-plain"});
-  const auto result = matchesGolden("unpaid-plain.json", toJson(list));
+  const auto result = matchesGolden("unpaid-plain.json", toJson(list, ui::Appearance::unspecified));
   EXPECT_FALSE(result);
   EXPECT_THAT(
       result.message(), ::testing::HasSubstr("actual:     {\"type\":\"text\",\"text\":\"4\""));

@@ -47,9 +47,8 @@ class WidgetPictures : public ::testing::Test {
     const auto pictureSize = [this](const std::string& name) {
       return pictures_.naturalSize(name);
     };
-    const DisplayList list = compose(
-        view, {.size = size, .appearance = appearance, .scale = scale}, pictureSize, texts_);
-    return PngWriter(fonts_, pictures_).write(list).value();
+    const DisplayList list = compose(view, {.size = size, .scale = scale}, pictureSize, texts_);
+    return PngWriter(fonts_, pictures_).write(list, appearance).value();
   }
 
   void expectGoldens(const std::string& name, const ui::View& view, Size size) {

@@ -85,8 +85,11 @@ std::expected<ui::WidgetFamily, Failure> familyOf(
 }
 
 std::expected<std::string, Failure> draw(
-    Studio& studio, const drawing::DisplayList& list, PictureFormat format) {
-  auto bytes = studio.write(list, format);
+    CardRenderer& cards,
+    const drawing::DisplayList& list,
+    PictureFormat format,
+    ui::Appearance appearance) {
+  auto bytes = cards.write(list, format, appearance);
   if (!bytes) {
     return failure(ExitStatus::wrongUsage, bytes.error());
   }
@@ -100,10 +103,8 @@ Done render(ExtensionClient& extension, const RenderChoice& choice) {
   if (!family) {
     return std::unexpected(family.error());
   }
-  drawing::DisplayList list;
-  list.size = choice.size.value_or(defaultSize(*family));
-  list.scale = choice.scale;
-  if (const auto error = drawing::sizeError(list)) {
+  const drawing::Size size = choice.size.value_or(defaultSize(*family));
+  if (const auto error = drawing::sizeError(size, choice.scale)) {
     return failure(ExitStatus::wrongUsage, *error);
   }
 
@@ -111,16 +112,15 @@ Done render(ExtensionClient& extension, const RenderChoice& choice) {
   if (!view) {
     return std::unexpected(view.error());
   }
-  Studio studio;
-  list = studio.compose(
+  CardRenderer cards;
+  const drawing::DisplayList list = cards.compose(
       *view,
       {.kind = choice.view.kind,
        .family = std::string(channel::familyName(*family)),
-       .size = list.size,
-       .appearance = choice.appearance,
+       .size = size,
        .scale = choice.scale},
       currentLocale());
-  const auto bytes = draw(studio, list, choice.format);
+  const auto bytes = draw(cards, list, choice.format, choice.appearance);
   if (!bytes) {
     return std::unexpected(bytes.error());
   }
@@ -146,7 +146,7 @@ std::expected<Gallery, Failure> drawGallery(
     return std::unexpected(catalogue.error());
   }
 
-  Studio studio;
+  CardRenderer cards;
   Gallery gallery;
   for (const channel::CatalogueItem& item : catalogue->items) {
     const ui::WidgetFamily family = item.families.front();
@@ -156,17 +156,17 @@ std::expected<Gallery, Failure> drawGallery(
     }
     GalleryPage::Widget& widget = gallery.page.widgets.emplace_back();
     widget = {item.kind, item.displayName, item.description, defaultSize(family), {}};
+    const auto list = cards.compose(
+        *view,
+        {.kind = item.kind,
+         .family = std::string(channel::familyName(family)),
+         .size = widget.size,
+         .scale = scale},
+        currentLocale());
+    widget.accessibilityLabel = accessibilityLabel(list);
     for (const auto& [appearance, name] :
          {std::pair{ui::Appearance::light, "light"}, {ui::Appearance::dark, "dark"}}) {
-      const auto list = studio.compose(
-          *view,
-          {.kind = item.kind,
-           .family = std::string(channel::familyName(family)),
-           .size = widget.size,
-           .appearance = appearance,
-           .scale = scale},
-          currentLocale());
-      auto bytes = draw(studio, list, PictureFormat::png);
+      auto bytes = draw(cards, list, PictureFormat::png, appearance);
       if (!bytes) {
         return std::unexpected(bytes.error());
       }
@@ -175,7 +175,6 @@ std::expected<Gallery, Failure> drawGallery(
            .title = item.displayName + ", " + name,
            .size = widget.size,
            .bytes = std::move(*bytes)});
-      widget.spokenText = spokenText(list);
     }
   }
   return gallery;

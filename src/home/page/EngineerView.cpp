@@ -6,7 +6,6 @@
 #include <memory>
 #include <utility>
 
-#include "home/page/GalleryPage.h"
 #include "home/page/PageFiles.h"
 #include "platform/foundation/Base64.h"
 #include "platform/foundation/Json.h"
@@ -258,18 +257,16 @@ EngineerView::Column EngineerView::column(
   return column;
 }
 
-drawing::DisplayList EngineerView::compose(
-    const EngineerChoice& choice, const ui::View& view, ui::Appearance appearance) {
+drawing::DisplayList EngineerView::compose(const EngineerChoice& choice, const ui::View& view) {
   const ui::WidgetFamily family = choice.widget.families.empty() ? ui::WidgetFamily::systemSmall
                                                                  : choice.widget.families.front();
   const drawing::CardRequest request{
       .kind = choice.widget.kind,
       .family = std::string(channel::familyName(family)),
       .size = choice.size,
-      .appearance = appearance,
       .scale = choice.scale,
       .language = ""};
-  return studio_.compose(view, request, choice.language.empty() ? locale_ : choice.language);
+  return cards_.compose(view, request, choice.language.empty() ? locale_ : choice.language);
 }
 
 LaterAnswer EngineerView::page(const Now& now, const WebRequest& request, PageFrame frame) {
@@ -316,7 +313,7 @@ LaterAnswer EngineerView::picture(const Now& now, const WebRequest& request, Pic
     }
     const auto appearance =
         choice.appearance == "dark" ? ui::Appearance::dark : ui::Appearance::light;
-    auto file = studio_.write(compose(choice, result->view, appearance), format);
+    auto file = cards_.write(compose(choice, result->view), format, appearance);
     if (!file) {
       return WebAnswer{.status = 422, .body = file.error() + "\n"};
     }
@@ -393,9 +390,10 @@ Markup EngineerView::columnMarkup(const EngineerChoice& choice, const Column& co
       const auto* text = value == nullptr ? nullptr : value->as<std::string>();
       date = text == nullptr ? "" : *text;
     }
+    const drawing::DisplayList list = compose(choice, result->view);
     for (const auto appearance : {ui::Appearance::light, ui::Appearance::dark}) {
       if (choice.appearance == "both" || choice.appearance == appearanceName(appearance)) {
-        content.html += pictureMarkup(choice, column, result->view, appearance).html;
+        content.html += pictureMarkup(choice, column, list, appearance).html;
       }
     }
   }
@@ -407,14 +405,14 @@ Markup EngineerView::columnMarkup(const EngineerChoice& choice, const Column& co
 Markup EngineerView::pictureMarkup(
     const EngineerChoice& choice,
     const Column& column,
-    const ui::View& view,
+    const drawing::DisplayList& list,
     ui::Appearance appearance) {
-  const drawing::DisplayList list = compose(choice, view, appearance);
   const std::string_view name = appearanceName(appearance);
   const bool png = choice.format == "png";
-  auto file = studio_.write(
+  auto file = cards_.write(
       list,
       png ? PictureFormat::png : PictureFormat::svg,
+      appearance,
       column.state + "-" + std::string(name) + "-");
   Markup picture;
   if (!file) {
@@ -424,7 +422,7 @@ Markup EngineerView::pictureMarkup(
         imageHtml,
         {{"width", length(list.size.width)},
          {"height", length(list.size.height)},
-         {"alt", escaped(spokenText(list))},
+         {"alt", escaped(accessibilityLabel(list))},
          {"bytes", {base64(*file)}}});
   } else {
     picture.html = std::move(*file);
@@ -448,7 +446,7 @@ Markup EngineerView::detailsMarkup(
   }
   const auto appearance =
       choice.appearance == "dark" ? ui::Appearance::dark : ui::Appearance::light;
-  const auto list = studio_.write(compose(choice, result->view, appearance), PictureFormat::json);
+  const auto list = cards_.write(compose(choice, result->view), PictureFormat::json, appearance);
   return filled(
       page::engineerDetailsHtml,
       {{"tree", escaped(prettyJson(ui::toValue(result->view)))},

@@ -10,9 +10,9 @@
 
 #include "home/extension/Supervisor.h"
 #include "home/extension/Workbench.h"
+#include "home/page/CardRenderer.h"
 #include "home/page/Markup.h"
 #include "home/page/Page.h"
-#include "home/page/Studio.h"
 #include "home/server/WebServer.h"
 #include "platform/paint/DisplayList.h"
 
@@ -36,11 +36,8 @@ class EngineerView {
  public:
   // All must outlive the view.
   EngineerView(
-      const Supervisor& supervisor, Workbench& workbench, Studio& studio, std::string locale)
-      : supervisor_(supervisor),
-        workbench_(workbench),
-        studio_(studio),
-        locale_(std::move(locale)) {}
+      const Supervisor& supervisor, Workbench& workbench, CardRenderer& cards, std::string locale)
+      : supervisor_(supervisor), workbench_(workbench), cards_(cards), locale_(std::move(locale)) {}
 
   // The page that the request's choices make.
   LaterAnswer page(const Now& now, const WebRequest& request, PageFrame frame);
@@ -64,8 +61,7 @@ class EngineerView {
 
   std::optional<EngineerChoice> choiceOf(const WebRequest& request) const;
   Column column(const Now& now, const EngineerChoice& choice, const std::string& state);
-  drawing::DisplayList compose(
-      const EngineerChoice& choice, const ui::View& view, ui::Appearance appearance);
+  drawing::DisplayList compose(const EngineerChoice& choice, const ui::View& view);
 
   Markup render(
       const EngineerChoice& choice, const std::vector<Column>& columns, const PageFrame& frame);
@@ -73,13 +69,13 @@ class EngineerView {
   Markup pictureMarkup(
       const EngineerChoice& choice,
       const Column& column,
-      const ui::View& view,
+      const drawing::DisplayList& list,
       ui::Appearance appearance);
   Markup detailsMarkup(const EngineerChoice& choice, const std::vector<Column>& columns);
 
   const Supervisor& supervisor_;
   Workbench& workbench_;
-  Studio& studio_;
+  CardRenderer& cards_;
   std::string locale_;
 };
 

@@ -1,7 +1,6 @@
 #include "home/page/GalleryPage.h"
 
 #include <cmath>
-#include <variant>
 
 #include "home/page/Markup.h"
 
@@ -33,20 +32,11 @@ std::string picture(const GalleryPage::Widget& widget, const std::string& appear
   const auto pixels = [](double points) { return std::to_string(std::lround(points)); };
   return "    <div class=\"" + appearance + "\"><img src=\"" + escaped(widget.kind).html + "-" +
          appearance + ".png\" width=\"" + pixels(widget.size.width) + "\" height=\"" +
-         pixels(widget.size.height) + "\" alt=\"" + escaped(widget.spokenText).html + "\"></div>\n";
+         pixels(widget.size.height) + "\" alt=\"" + escaped(widget.accessibilityLabel).html +
+         "\"></div>\n";
 }
 
 }  // namespace
-
-std::string spokenText(const drawing::DisplayList& list) {
-  std::string result;
-  for (const drawing::Item& item : list.items) {
-    if (const auto* text = std::get_if<drawing::TextItem>(&item.content)) {
-      result += (result.empty() ? "" : ", ") + text->text;
-    }
-  }
-  return result;
-}
 
 std::string GalleryPage::html() const {
   std::string page = pageStart;

@@ -89,7 +89,7 @@ HomeScreen::HomeScreen(std::filesystem::path extension)
       instance_(secret()),
       locale_(currentLocale()),
       workbench_(extensionProgram_, {}),
-      engineer_(supervisor_, workbench_, studio_, locale_) {}
+      engineer_(supervisor_, workbench_, cards_, locale_) {}
 
 void HomeScreen::restore() {
   if (!stateFile_) {
@@ -395,26 +395,17 @@ std::optional<DrawnCard> HomeScreen::draw(
     const channel::CatalogueItem& about, const ui::View& view, const std::string& idPrefix) {
   const ui::WidgetFamily family =
       about.families.empty() ? ui::WidgetFamily::systemSmall : about.families.front();
-  drawing::CardRequest request{
-      .kind = about.kind,
-      .family = std::string(channel::familyName(family)),
-      .size = defaultSize(family),
-      .appearance = ui::Appearance::light,
-      .language = ""};
-  const drawing::DisplayList light = studio_.compose(view, request, locale_);
-  request.appearance = ui::Appearance::dark;
-  const drawing::DisplayList dark = studio_.compose(view, request, locale_);
-  const auto lightSvg = studio_.write(light, PictureFormat::svg, idPrefix);
-  auto darkSvg = studio_.write(dark, PictureFormat::svg, idPrefix);
-  if (!lightSvg || !darkSvg) {
+  const drawing::DisplayList list = cards_.compose(
+      view,
+      {.kind = about.kind,
+       .family = std::string(channel::familyName(family)),
+       .size = defaultSize(family)},
+      locale_);
+  auto picture = cards_.writeForPage(list, idPrefix);
+  if (!picture) {
     return std::nullopt;
   }
-  auto picture = inBothAppearances(*lightSvg, *darkSvg);
-  if (!picture) {
-    darkSvg = studio_.write(dark, PictureFormat::svg, idPrefix + "dark-");
-    picture = inEitherAppearance(*lightSvg, darkSvg.value_or(""));
-  }
-  return DrawnCard{.picture = std::move(*picture), .link = light.link};
+  return DrawnCard{.picture = {std::move(*picture)}, .link = list.link};
 }
 
 std::string HomeScreen::emptyText() const {

@@ -17,9 +17,9 @@
 #include "home/extension/ExtensionProcess.h"
 #include "home/extension/Supervisor.h"
 #include "home/extension/Workbench.h"
+#include "home/page/CardRenderer.h"
 #include "home/page/EngineerView.h"
 #include "home/page/Page.h"
-#include "home/page/Studio.h"
 #include "home/server/WebServer.h"
 
 namespace quillpad::home {
@@ -82,7 +82,7 @@ class HomeScreen {
 
   Supervisor supervisor_;
   std::optional<ExtensionProcess> extension_;
-  Studio studio_;
+  CardRenderer cards_;
   Workbench workbench_;
   EngineerView engineer_;
   std::map<std::string, Drawn, std::less<>> drawings_;

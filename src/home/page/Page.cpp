@@ -60,37 +60,6 @@ Markup pictureOf(const DrawnCard* drawing) {
 
 }  // namespace
 
-std::optional<Markup> inBothAppearances(std::string_view light, std::string_view dark) {
-  constexpr std::string_view fill = " fill=\"";
-  Markup both;
-  for (;;) {
-    const std::size_t inLight = light.find(fill);
-    const std::size_t inDark = dark.find(fill);
-    if (light.substr(0, inLight) != dark.substr(0, inDark)) {
-      return std::nullopt;
-    }
-    both.html += light.substr(0, inLight);
-    if (inLight == std::string_view::npos || inDark == std::string_view::npos) {
-      return inLight == inDark ? std::optional(both) : std::nullopt;
-    }
-    light.remove_prefix(inLight + fill.size());
-    dark.remove_prefix(inDark + fill.size());
-    const std::string_view lightColor = light.substr(0, light.find('"'));
-    const std::string_view darkColor = dark.substr(0, dark.find('"'));
-    both.html += fill;
-    both.html += lightColor == darkColor
-                     ? std::string(lightColor)
-                     : "light-dark(" + std::string(lightColor) + "," + std::string(darkColor) + ")";
-    light.remove_prefix(lightColor.size());
-    dark.remove_prefix(darkColor.size());
-  }
-}
-
-Markup inEitherAppearance(const std::string& light, const std::string& dark) {
-  return {
-      "<span class=\"in-light\">" + light + "</span><span class=\"in-dark\">" + dark + "</span>"};
-}
-
 Markup cardMarkup(const CardModel& card, Date now) {
   const Markup name = escaped(card.about->displayName);
   const bool linked =

@@ -14,16 +14,9 @@
 namespace quillpad::home {
 
 struct DrawnCard {
-  Markup picture;  // in both appearances
+  Markup picture;  // follows the page's appearance
   std::optional<std::string> link;
 };
-
-// The SVG documents of a card in light and in dark appearance as one whose fills follow the page's
-// appearance; nothing where they differ in more than the colours of fills, which is rare.
-std::optional<Markup> inBothAppearances(std::string_view light, std::string_view dark);
-
-// The documents, which must have no id in common, one of them shown.
-Markup inEitherAppearance(const std::string& light, const std::string& dark);
 
 struct CardModel {
   const channel::CatalogueItem* about = nullptr;

@@ -25,18 +25,6 @@ class CardMetrics final : public Metrics {
   const ImageSize& imageSize_;
 };
 
-const char* appearanceName(ui::Appearance appearance) {
-  switch (appearance) {
-    case ui::Appearance::light:
-      return "light";
-    case ui::Appearance::dark:
-      return "dark";
-    case ui::Appearance::unspecified:
-      break;
-  }
-  return "unspecified";
-}
-
 }  // namespace
 
 DisplayList compose(
@@ -53,7 +41,6 @@ DisplayList compose(
   DisplayList list{
       .kind = request.kind,
       .family = request.family,
-      .appearance = appearanceName(request.appearance),
       .scale = request.scale,
       .size = request.size,
       .link = {},
@@ -61,7 +48,7 @@ DisplayList compose(
   if (layout.link != nullptr) {
     list.link = *layout.link;
   }
-  record(layout, Ground{}, request.appearance, place, texts, list);
+  record(layout, Ground{}, place, texts, list);
   return list;
 }
 

@@ -1,4 +1,4 @@
-// A widget's card from its view: layout, texts and colours in one step, ready for a writer. Belongs
+// A widget's card from its view: layout, texts and glyphs in one step, ready for a writer. Belongs
 // to the thread of the text engine.
 #pragma once
 
@@ -7,7 +7,6 @@
 
 #include "platform/paint/DisplayList.h"
 #include "platform/text/TextEngine.h"
-#include "platform/ui/Color.h"
 #include "platform/ui/View.h"
 
 namespace quillpad::drawing {
@@ -16,7 +15,6 @@ struct CardRequest {
   std::string kind{};
   std::string family = "systemSmall";
   Size size{158, 158};
-  ui::Appearance appearance = ui::Appearance::unspecified;
   int scale = 2;             // device pixels per point
   bool rightToLeft = false;  // whether the card is mirrored, as right-to-left languages have it
   std::string language{};    // for example "en" or "zh-Hans"

@@ -6,12 +6,12 @@
 
 namespace quillpad::drawing {
 
-std::optional<std::string> sizeError(const DisplayList& list) {
-  if (list.scale < 1 || list.scale > 3) {
-    return "the scale " + std::to_string(list.scale) + " cannot be drawn: use 1, 2 or 3";
+std::optional<std::string> sizeError(Size size, int scale) {
+  if (scale < 1 || scale > 3) {
+    return "the scale " + std::to_string(scale) + " cannot be drawn: use 1, 2 or 3";
   }
-  const double width = std::round(list.size.width * list.scale);
-  const double height = std::round(list.size.height * list.scale);
+  const double width = std::round(size.width * scale);
+  const double height = std::round(size.height * scale);
   if (std::isnan(width * height) || width < 1 || height < 1) {
     return "an empty card cannot be drawn: its width and height must be more than 0 points";
   }

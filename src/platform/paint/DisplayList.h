@@ -1,5 +1,6 @@
 // What is to be painted, in the order painted: the seam between layout and the writers (PNG, SVG,
-// JSON). Plain values, lengths in points; colours are already those of one appearance.
+// JSON). Plain values, lengths in points. A colour is a pair that the writers resolve, so that one
+// list serves both appearances.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +25,7 @@ struct Clip {
 
 struct Fill {
   Rect frame;
-  ui::Rgba color;
+  ui::Color color = ui::blackColor;
   double cornerRadius = 0;
 };
 
@@ -32,7 +33,7 @@ struct TextItem {
   std::string text;  // as shown, an ellipsis included
   Rect frame;
   ui::Font font;
-  ui::Rgba color;
+  ui::Color color = ui::blackColor;
   std::vector<GlyphRun> runs;
 };
 
@@ -49,12 +50,15 @@ struct Item {
 
 struct DisplayList {
   std::string kind;
-  std::string family;      // "systemSmall" or "systemMedium"
-  std::string appearance;  // "light", "dark" or "unspecified"
-  int scale = 2;           // device pixels per point that the layout rounded for
+  std::string family;  // "systemSmall" or "systemMedium"
+  int scale = 2;       // device pixels per point that the layout rounded for
   Size size;
   std::optional<std::string> link;
   std::vector<Item> items;  // the card's ground first
 };
+
+// What a screen reader says in place of the card: its texts in the order painted, its kind where it
+// has none.
+std::string accessibilityLabel(const DisplayList& list);
 
 }  // namespace quillpad::drawing

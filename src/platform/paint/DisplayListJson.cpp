@@ -21,8 +21,22 @@ std::string_view weightName(ui::Weight weight) {
   return "";
 }
 
+std::string_view appearanceName(ui::Appearance appearance) {
+  switch (appearance) {
+    case ui::Appearance::light:
+      return "light";
+    case ui::Appearance::dark:
+      return "dark";
+    case ui::Appearance::unspecified:
+      break;
+  }
+  return "unspecified";
+}
+
 class Writer {
  public:
+  explicit Writer(ui::Appearance appearance) : appearance_(appearance) {}
+
   std::string take() { return std::move(json_); }
 
   Writer& raw(std::string_view text) {
@@ -56,7 +70,8 @@ class Writer {
     return *this;
   }
 
-  Writer& color(ui::Rgba color) {
+  Writer& color(const ui::Color& pair) {
+    const ui::Rgba color = pair.resolved(appearance_);
     constexpr std::string_view digits = "0123456789ABCDEF";
     json_ += "\"#";
     hex(color.red, digits);
@@ -115,15 +130,16 @@ class Writer {
     json_ += digits[byte & 15U];
   }
 
+  ui::Appearance appearance_;
   std::string json_;
 };
 
 }  // namespace
 
-std::string toJson(const DisplayList& list) {
-  Writer json;
+std::string toJson(const DisplayList& list, ui::Appearance appearance) {
+  Writer json(appearance);
   json.raw(R"({"kind":)").string(list.kind).raw(R"(,"family":)").string(list.family);
-  json.raw(R"(,"appearance":)").string(list.appearance);
+  json.raw(R"(,"appearance":)").string(appearanceName(appearance));
   json.raw(R"(,"scale":)").number(list.scale);
   json.raw(R"(,"size":{"width":)").number(list.size.width);
   json.raw(R"(,"height":)").number(list.size.height).raw("},\n ").raw(R"("link":)");

@@ -7,8 +7,8 @@
 
 namespace quillpad::drawing {
 
-// One item a line, lengths in points with at most three decimals. An item that is masked has its
-// masks under "clips".
-std::string toJson(const DisplayList& list);
+// The list in one appearance: one item a line, lengths in points with at most three decimals. An
+// item that is masked has its masks under "clips".
+std::string toJson(const DisplayList& list, ui::Appearance appearance);
 
 }  // namespace quillpad::drawing

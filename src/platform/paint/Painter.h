@@ -28,10 +28,11 @@ struct PaintBox {
 template <class Canvas>
 class Painter {
  public:
-  Painter(Canvas& canvas, PaintBox& box, const DisplayList& list)
+  Painter(Canvas& canvas, PaintBox& box, const DisplayList& list, ui::Appearance appearance)
       : canvas_(canvas),
         box_(box),
         list_(list),
+        appearance_(appearance),
         scale_(list.scale),
         width_(pixel(list.size.width)),
         height_(pixel(list.size.height)) {}
@@ -39,7 +40,10 @@ class Painter {
   // Starts the canvas and paints every item, as long as the canvas takes their colours.
   void paint() {
     const Fill* ground = groundFill();
-    canvas_.start(width_, height_, ground != nullptr ? ground->color : ui::Rgba{0, 0, 0, 0});
+    canvas_.start(
+        width_,
+        height_,
+        ground != nullptr ? ground->color.resolved(appearance_) : ui::Rgba{0, 0, 0, 0});
     for (const Item& item : list_.items) {
       if (canvas_.full()) {
         return;
@@ -142,7 +146,7 @@ class Painter {
     if (&fill == groundFill()) {
       return;
     }
-    canvas_.chooseInk(fill.color);
+    canvas_.chooseInk(fill.color.resolved(appearance_));
     if (fill.cornerRadius > 0) {
       drawRound(shape(fill.frame, fill.cornerRadius));
     } else {
@@ -218,7 +222,7 @@ class Painter {
       if (box_.fonts.hasColorBitmaps(run.font)) {
         drawColor(run);
       } else {
-        canvas_.chooseInk(text.color);
+        canvas_.chooseInk(text.color.resolved(appearance_));
         drawMasks(run);
       }
     }
@@ -337,6 +341,7 @@ class Painter {
   Canvas& canvas_;
   PaintBox& box_;
   const DisplayList& list_;
+  ui::Appearance appearance_;
   double scale_;
   int width_;
   int height_;

@@ -26,12 +26,12 @@ class PngWriter::Easel {
   Easel(FontBook& fonts, Pictures& pictures)
       : box_{.fonts = fonts, .pictures = pictures, .glyphs = GlyphMasks(fonts), .corners = {}} {}
 
-  std::vector<std::uint8_t> draw(const DisplayList& list) {
+  std::vector<std::uint8_t> draw(const DisplayList& list, ui::Appearance appearance) {
     const Clock::time_point start = Clock::now();
     RgbaCanvas manyColors;
-    Painter(fewColors_, box_, list).paint();
+    Painter(fewColors_, box_, list, appearance).paint();
     if (fewColors_.full()) {
-      Painter(manyColors, box_, list).paint();
+      Painter(manyColors, box_, list, appearance).paint();
     }
     const Clock::time_point painted = Clock::now();
     std::vector<std::uint8_t> file =
@@ -55,11 +55,12 @@ PngWriter::PngWriter(FontBook& fonts, Pictures& pictures)
 
 PngWriter::~PngWriter() = default;
 
-std::expected<std::vector<std::uint8_t>, std::string> PngWriter::write(const DisplayList& list) {
-  if (auto error = sizeError(list)) {
+std::expected<std::vector<std::uint8_t>, std::string> PngWriter::write(
+    const DisplayList& list, ui::Appearance appearance) {
+  if (auto error = sizeError(list.size, list.scale)) {
     return std::unexpected(*std::move(error));
   }
-  return easel_->draw(list);
+  return easel_->draw(list, appearance);
 }
 
 PngWriter::Split PngWriter::lastSplit() const { return easel_->split; }

@@ -29,7 +29,8 @@ class PngWriter {
 
   // The PNG file of the list at its scale, or one line that tells why it cannot be drawn: an empty
   // size, or more than maximumPixels.
-  std::expected<std::vector<std::uint8_t>, std::string> write(const DisplayList& list);
+  std::expected<std::vector<std::uint8_t>, std::string> write(
+      const DisplayList& list, ui::Appearance appearance);
 
   // Milliseconds that the last write spent on painting and on encoding.
   struct Split {

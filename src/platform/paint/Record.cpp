@@ -47,13 +47,8 @@ bool contains(const Clip& clip, const Rect& frame) {
 
 class Recorder {
  public:
-  Recorder(
-      const Layout& layout,
-      const Clip& ground,
-      ui::Appearance appearance,
-      const TextPlace& place,
-      TextEngine& texts)
-      : layout_(layout), ground_(ground), appearance_(appearance), place_(place), texts_(texts) {}
+  Recorder(const Layout& layout, const Clip& ground, const TextPlace& place, TextEngine& texts)
+      : layout_(layout), ground_(ground), place_(place), texts_(texts) {}
 
   Item item(const PlacedItem& placed) {
     const Rect frame = onPixels(placed.frame, place_.scale);
@@ -64,7 +59,7 @@ class Recorder {
       item.content = ImageItem{(*image)->name, frame};
     } else {
       const auto& color = std::get<ui::Color>(placed.content);
-      item.content = Fill{frame, color.resolved(appearance_), 0};
+      item.content = Fill{frame, color, 0};
     }
     clip(item, frame, placed.clip);
     return item;
@@ -77,7 +72,7 @@ class Recorder {
         .text = std::move(setting.text),
         .frame = frame,
         .font = text.textFont,
-        .color = text.color.value_or(primaryTextColor).resolved(appearance_),
+        .color = text.color.value_or(primaryTextColor),
         .runs = std::move(setting.runs)};
   }
 
@@ -99,7 +94,6 @@ class Recorder {
 
   const Layout& layout_;
   Clip ground_;
-  ui::Appearance appearance_;
   const TextPlace& place_;
   TextEngine& texts_;
 };
@@ -109,15 +103,13 @@ class Recorder {
 void record(
     const Layout& layout,
     const Ground& ground,
-    ui::Appearance appearance,
     const TextPlace& place,
     TextEngine& texts,
     DisplayList& list) {
   const Clip card{{0, 0, list.size.width, list.size.height}, ground.cornerRadius};
   list.items.reserve(list.items.size() + layout.items.size() + 1);
-  list.items.push_back(
-      {Fill{card.frame, ground.color.resolved(appearance), ground.cornerRadius}, {}});
-  Recorder recorder(layout, card, appearance, place, texts);
+  list.items.push_back({Fill{card.frame, ground.color, ground.cornerRadius}, {}});
+  Recorder recorder(layout, card, place, texts);
   for (const PlacedItem& placed : layout.items) {
     list.items.push_back(recorder.item(placed));
   }

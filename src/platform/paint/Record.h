@@ -1,4 +1,4 @@
-// Turns a layout into what is painted: device pixels, one appearance, glyphs. Belongs to the thread
+// Turns a layout into what is painted: device pixels, glyphs. Belongs to the thread
 // of the text engine.
 #pragma once
 
@@ -25,7 +25,6 @@ struct Ground {
 void record(
     const Layout& layout,
     const Ground& ground,
-    ui::Appearance appearance,
     const TextPlace& place,
     TextEngine& texts,
     DisplayList& list);

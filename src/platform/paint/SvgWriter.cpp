@@ -90,15 +90,29 @@ std::string roundAttribute(double cornerRadius) {
   return cornerRadius > 0 ? attribute("rx", number(cornerRadius)) : "";
 }
 
-std::string fillAttributes(ui::Rgba color) {
+std::string hex(ui::Rgba color) {
   constexpr std::string_view digits = "0123456789abcdef";
   std::string name = "#";
-  for (const int component : {color.red, color.green, color.blue}) {
+  for (const int component : {color.red, color.green, color.blue, color.alpha}) {
     name += digits[static_cast<std::size_t>(component / 16)];
     name += digits[static_cast<std::size_t>(component % 16)];
   }
-  return attribute("fill", name) +
+  return name;
+}
+
+std::string fillAttributes(ui::Rgba color) {
+  return attribute("fill", hex(color).substr(0, 7)) +
          (color.alpha == 255 ? "" : attribute("fill-opacity", number(color.alpha / 255.0)));
+}
+
+// A fill that follows the color scheme of the page.
+std::string fillAttributes(const ui::Color& color) {
+  const std::size_t digits = color.light.alpha == 255 && color.dark.alpha == 255 ? 7 : 9;
+  const std::string light = hex(color.light).substr(0, digits);
+  return color.light == color.dark
+             ? fillAttributes(color.light)
+             : attribute(
+                   "fill", "light-dark(" + light + "," + hex(color.dark).substr(0, digits) + ")");
 }
 
 std::string dataUri(const Bitmap& picture) {
@@ -109,8 +123,12 @@ std::string dataUri(const Bitmap& picture) {
 
 class SvgDocument {
  public:
-  SvgDocument(FontBook& fonts, Pictures& pictures, std::string_view idPrefix)
-      : fonts_(fonts), pictures_(pictures), prefix_(idPrefix) {}
+  SvgDocument(
+      std::optional<ui::Appearance> appearance,
+      FontBook& fonts,
+      Pictures& pictures,
+      std::string_view idPrefix)
+      : appearance_(appearance), fonts_(fonts), pictures_(pictures), prefix_(idPrefix) {}
 
   void paint(const Item& item) {
     for (const Clip& clip : item.clips) {
@@ -123,7 +141,7 @@ class SvgDocument {
   }
 
   std::string finished(const DisplayList& list) const {
-    const std::string label = escaped(readersLabel(list));
+    const std::string label = escaped(accessibilityLabel(list));
     std::string document =
         R"(<svg xmlns="http://www.w3.org/2000/svg")" + attribute("width", number(list.size.width)) +
         attribute("height", number(list.size.height)) +
@@ -137,28 +155,17 @@ class SvgDocument {
   }
 
  private:
-  static std::string readersLabel(const DisplayList& list) {
-    std::string label;
-    for (const Item& item : list.items) {
-      const auto* text = std::get_if<TextItem>(&item.content);
-      if (text == nullptr || text->text.empty()) {
-        continue;
-      }
-      if (!label.empty()) {
-        label += ", ";
-      }
-      label += text->text;
-    }
-    return label.empty() ? list.kind : label;
+  std::string filledWith(const ui::Color& color) const {
+    return appearance_ ? fillAttributes(color.resolved(*appearance_)) : fillAttributes(color);
   }
 
   void paint(const Fill& fill) {
     body_ += "<rect" + frameAttributes(fill.frame) + roundAttribute(fill.cornerRadius) +
-             fillAttributes(fill.color) + "/>\n";
+             filledWith(fill.color) + "/>\n";
   }
 
   void paint(const TextItem& text) {
-    body_ += "<g" + fillAttributes(text.color) + ">\n";
+    body_ += "<g" + filledWith(text.color) + ">\n";
     for (const GlyphRun& run : text.runs) {
       const bool inColor = fonts_.hasColorBitmaps(run.font);
       for (const Glyph& glyph : run.glyphs) {
@@ -269,6 +276,7 @@ class SvgDocument {
     return {digits.data(), end};
   }
 
+  std::optional<ui::Appearance> appearance_;
   FontBook& fonts_;
   Pictures& pictures_;
   std::string prefix_;
@@ -282,11 +290,15 @@ class SvgDocument {
 }  // namespace
 
 std::expected<std::string, std::string> writeSvg(
-    const DisplayList& list, FontBook& fonts, Pictures& pictures, std::string_view idPrefix) {
-  if (auto error = sizeError(list)) {
+    const DisplayList& list,
+    std::optional<ui::Appearance> appearance,
+    FontBook& fonts,
+    Pictures& pictures,
+    std::string_view idPrefix) {
+  if (auto error = sizeError(list.size, list.scale)) {
     return std::unexpected(*std::move(error));
   }
-  SvgDocument document(fonts, pictures, idPrefix);
+  SvgDocument document(appearance, fonts, pictures, idPrefix);
   for (const Item& item : list.items) {
     document.paint(item);
   }

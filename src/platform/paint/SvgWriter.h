@@ -3,6 +3,7 @@
 #pragma once
 
 #include <expected>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,9 +14,14 @@
 namespace quillpad::drawing {
 
 // The document, without an XML declaration, so that it can stand in a page; or one line that tells
-// why the size cannot be drawn. Every id in it begins with the prefix (letters, digits, hyphens,
-// a letter first): documents of different prefixes may share a page.
+// why the size cannot be drawn. Without an appearance its colours are CSS light-dark() pairs, which
+// follow the color scheme of the page around it. Every id in it begins with the prefix (letters,
+// digits, hyphens, a letter first): documents of different prefixes may share a page.
 std::expected<std::string, std::string> writeSvg(
-    const DisplayList& list, FontBook& fonts, Pictures& pictures, std::string_view idPrefix);
+    const DisplayList& list,
+    std::optional<ui::Appearance> appearance,
+    FontBook& fonts,
+    Pictures& pictures,
+    std::string_view idPrefix);
 
 }  // namespace quillpad::drawing

@@ -1,4 +1,4 @@
-#include "home/page/Studio.h"
+#include "home/page/CardRenderer.h"
 
 #include <algorithm>
 #include <array>
@@ -40,9 +40,9 @@ drawing::Size defaultSize(ui::WidgetFamily family) {
                                                  : drawing::Size{338, 158};
 }
 
-Studio::Studio() : texts_(fonts_), pictures_(Bundle::main()), png_(fonts_, pictures_) {}
+CardRenderer::CardRenderer() : texts_(fonts_), pictures_(Bundle::main()), png_(fonts_, pictures_) {}
 
-drawing::DisplayList Studio::compose(
+drawing::DisplayList CardRenderer::compose(
     const ui::View& view, drawing::CardRequest request, const std::string& locale) {
   const auto languages = languagesOf(locale);
   request.language = languages.empty() ? "en" : languages.front();
@@ -51,21 +51,29 @@ drawing::DisplayList Studio::compose(
   return drawing::compose(view, request, imageSize, texts_);
 }
 
-std::expected<std::string, std::string> Studio::write(
-    const drawing::DisplayList& list, PictureFormat format, std::string_view idPrefix) {
+std::expected<std::string, std::string> CardRenderer::write(
+    const drawing::DisplayList& list,
+    PictureFormat format,
+    ui::Appearance appearance,
+    std::string_view idPrefix) {
   switch (format) {
     case PictureFormat::svg:
-      return drawing::writeSvg(list, fonts_, pictures_, idPrefix);
+      return drawing::writeSvg(list, appearance, fonts_, pictures_, idPrefix);
     case PictureFormat::json:
-      return drawing::toJson(list);
+      return drawing::toJson(list, appearance);
     case PictureFormat::png:
       break;
   }
-  const auto bytes = png_.write(list);
+  const auto bytes = png_.write(list, appearance);
   if (!bytes) {
     return std::unexpected(bytes.error());
   }
   return std::string(bytes->begin(), bytes->end());
+}
+
+std::expected<std::string, std::string> CardRenderer::writeForPage(
+    const drawing::DisplayList& list, std::string_view idPrefix) {
+  return drawing::writeSvg(list, std::nullopt, fonts_, pictures_, idPrefix);
 }
 
 }  // namespace quillpad::home

@@ -1,4 +1,5 @@
-// Draws widgets: the fonts, shaped texts and pictures that drawing needs, kept from card to card.
+// Draws widgets: a card is composed once and written in any format and appearance. Keeps the fonts,
+// shaped texts and pictures that drawing needs from card to card.
 // Belongs to one thread.
 #pragma once
 
@@ -13,6 +14,7 @@
 #include "platform/paint/PngWriter.h"
 #include "platform/text/FontBook.h"
 #include "platform/text/TextEngine.h"
+#include "platform/ui/Color.h"
 #include "platform/ui/Environment.h"
 #include "platform/ui/View.h"
 
@@ -29,9 +31,9 @@ drawing::Size defaultSize(ui::WidgetFamily family);
 // "ar_EG", false for "he_IL" as long as there is no Hebrew translation.
 bool isRightToLeft(const std::string& locale);
 
-class Studio {
+class CardRenderer {
  public:
-  Studio();
+  CardRenderer();
 
   // The card's display list. The language is that of the locale, for example "zh_Hans_CN", and
   // with it the direction.
@@ -41,7 +43,14 @@ class Studio {
   // The list as a file of the format, or one line that tells why it cannot be drawn. The ids of an
   // SVG document begin with the prefix, so that several can stand in a page.
   std::expected<std::string, std::string> write(
-      const drawing::DisplayList& list, PictureFormat format, std::string_view idPrefix = "card");
+      const drawing::DisplayList& list,
+      PictureFormat format,
+      ui::Appearance appearance,
+      std::string_view idPrefix = "card");
+
+  // The list as an SVG document that follows the appearance of the page around it.
+  std::expected<std::string, std::string> writeForPage(
+      const drawing::DisplayList& list, std::string_view idPrefix);
 
  private:
   drawing::FontBook fonts_;
