@@ -273,6 +273,68 @@ TEST_F(URLSessionTest, LostConnectionsAreErrorsWithoutData) {
   }
 }
 
+// A request that may have reached the server is never sent again, not even by the library beneath.
+TEST_F(URLSessionTest, RequestLostOnAKeptConnectionIsSentOnce) {
+  using enum HttpsServer::Protocol;
+  for (const auto& [protocol, method] :
+       {std::pair{http1, "POST"}, {http1, "GET"}, {http2, "POST"}, {http2, "GET"}}) {
+    for (const bool inGoodOrder : {true, false}) {
+      std::atomic<int> count = 0;
+      const HttpsServer server(protocol, [&](auto&, auto& exchange) {
+        if (++count == 1) {
+          exchange.respond(200, "kept");
+        } else if (inGoodOrder) {
+          exchange.close();
+        } else {
+          exchange.reset();
+        }
+      });
+      URLRequest request = requestFor(server.address("/"));
+      request.httpMethod = method;
+      request.httpBody = method == std::string_view("POST") ? "{}" : "";
+      EXPECT_EQ(fetch(request).data, "kept");
+      EXPECT_EQ(fetch(request).errorCode(), -1005) << method;
+      EXPECT_EQ(server.requests().size(), 2U) << method;
+      EXPECT_EQ(server.connections(), 1) << method;
+    }
+  }
+}
+
+TEST_F(URLSessionTest, ConnectionsThatTheServerClosedMeanwhileAreNoFailures) {
+  using namespace std::string_literals;
+  using enum HttpsServer::Protocol;
+  const struct {
+    HttpsServer::Protocol protocol;
+    bool inGoodOrder;
+    std::string lastWords;
+  } cases[] = {
+      {http1, true, ""},
+      {http1, false, ""},
+      {http1, true, "HTTP/1.1 408 Request Timeout\r\nContent-Length: 0\r\n\r\n"},
+      {http2, true, ""},
+      {http2, false, ""},
+      {http2, true, "\0\0\x08\7\0\0\0\0\0\0\0\0\1\0\0\0\0"s},  // GOAWAY
+  };
+  for (const auto& [protocol, inGoodOrder, lastWords] : cases) {
+    std::promise<void> ended;
+    std::atomic<int> count = 0;
+    const HttpsServer server(protocol, [&](auto&, auto& exchange) {
+      exchange.respond(200, "fine");
+      if (++count == 1) {
+        exchange.pause(20ms);
+        exchange.send(lastWords);
+        inGoodOrder ? exchange.close() : exchange.reset();
+        ended.set_value();
+      }
+    });
+    EXPECT_EQ(fetch(postFor(server.address("/"), "{}")).data, "fine");
+    ended.get_future().wait();
+    EXPECT_EQ(fetch(postFor(server.address("/"), "{}")).data, "fine") << lastWords;
+    EXPECT_EQ(server.requests().size(), 2U);
+    EXPECT_EQ(server.connections(), 2);
+  }
+}
+
 TEST_F(URLSessionTest, AnswersThatAreNotHttp) {
   const HttpsServer server([](auto& request, auto& exchange) {
     if (request.path == "/nonsense") {

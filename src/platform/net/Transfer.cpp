@@ -4,7 +4,10 @@
 #include <array>
 #include <cctype>
 #include <cstdlib>
+#include <openssl/err.h>
+#include <openssl/ssl.h>
 #include <string_view>
+#include <sys/socket.h>
 #include <utility>
 
 #include "platform/foundation/Activity.h"
@@ -72,6 +75,30 @@ std::string acceptedLanguages() {
   return language == tag ? tag : tag + ", " + language + ";q=0.9";
 }
 
+// Whether the server has meanwhile closed the kept connection that the handle is about to use.
+// libcurl's own check only looks whether the socket is at its end, and so overlooks a TLS
+// close-notify or a late answer that waits to be read. On HTTP/2 libcurl does the reading, since
+// other streams may wait for what comes.
+bool isClosedByServer(CURL* handle) {
+  long newConnections = 0;
+  curl_tlssessioninfo* session = nullptr;
+  if (curl_easy_getinfo(handle, CURLINFO_NUM_CONNECTS, &newConnections) != CURLE_OK ||
+      newConnections > 0 || curl_easy_getinfo(handle, CURLINFO_TLS_SSL_PTR, &session) != CURLE_OK ||
+      session->internals == nullptr) {
+    return false;
+  }
+  SSL* tls = static_cast<SSL*>(session->internals);
+  const unsigned char* protocol = nullptr;
+  unsigned length = 0;
+  SSL_get0_alpn_selected(tls, &protocol, &length);
+  if (std::string_view(reinterpret_cast<const char*>(protocol), length) == "h2") {
+    return (SSL_get_shutdown(tls) & SSL_RECEIVED_SHUTDOWN) != 0;
+  }
+  ERR_clear_error();
+  char byte = 0;
+  return SSL_get_error(tls, SSL_peek(tls, &byte, 1)) != SSL_ERROR_WANT_READ;
+}
+
 const char* orNull(const std::string& text) { return text.empty() ? nullptr : text.c_str(); }
 
 }  // namespace
@@ -116,6 +143,8 @@ void Transfer::prepare(CURL* handle) {
   headerBytes_ = 0;
   received_ = 0;
   sent_ = 0;
+  handle_ = handle;
+  isSent_ = false;
 
   curl_easy_setopt(handle, CURLOPT_PRIVATE, this);
   curl_easy_setopt(handle, CURLOPT_URL, address_.c_str());
@@ -128,6 +157,15 @@ void Transfer::prepare(CURL* handle) {
   curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
   // Standing still is measured by deadline(), connecting included; this only has to be longer.
   curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, 24L * 60 * 60);
+
+  curl_easy_setopt(handle, CURLOPT_FRESH_CONNECT, isStale_ ? 1L : 0L);
+  curl_easy_setopt(handle, CURLOPT_RESOLVER_START_FUNCTION, &Transfer::onResolve);
+  curl_easy_setopt(handle, CURLOPT_RESOLVER_START_DATA, this);
+  curl_easy_setopt(handle, CURLOPT_OPENSOCKETFUNCTION, &Transfer::onConnect);
+  curl_easy_setopt(handle, CURLOPT_OPENSOCKETDATA, this);
+  curl_easy_setopt(handle, CURLOPT_PREREQFUNCTION, &Transfer::onRequest);
+  curl_easy_setopt(handle, CURLOPT_PREREQDATA, this);
+  isStale_ = false;
 
   curl_easy_setopt(handle, CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
   curl_easy_setopt(handle, CURLOPT_CAINFO, orNull(trust_.file));
@@ -197,6 +235,9 @@ bool Transfer::endExchange(CURL* handle, CURLcode result) {
   if (result == CURLE_OK) {
     return follow(handle);
   }
+  if (isStale_) {
+    return true;
+  }
   if (!failure_) {
     failure_ = transportErrorCode(result, handle);
   }
@@ -234,6 +275,42 @@ bool Transfer::follow(CURL* handle) {
   }
   request_.setValue(std::nullopt, "Authorization");
   return true;
+}
+
+// Where a kept connection ends without an answer, libcurl asks again on another one. Whether the
+// server has acted on the first request is unknown, so this is a failure.
+bool Transfer::refuseRepetition() {
+  if (isSent_) {
+    failure_ = networkConnectionLost;
+  }
+  return isSent_;
+}
+
+int Transfer::onResolve(void* /*resolver*/, void* /*reserved*/, void* transfer) {
+  return static_cast<Transfer*>(transfer)->refuseRepetition() ? 1 : 0;
+}
+
+curl_socket_t Transfer::onConnect(
+    void* transfer, curlsocktype /*purpose*/, curl_sockaddr* address) {
+  if (static_cast<Transfer*>(transfer)->refuseRepetition()) {
+    return CURL_SOCKET_BAD;
+  }
+  return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+}
+
+int Transfer::onRequest(
+    void* transfer, char* /*peer*/, char* /*local*/, int /*peerPort*/, int /*localPort*/) {
+  Transfer& self = *static_cast<Transfer*>(transfer);
+  if (self.refuseRepetition()) {
+    return CURL_PREREQFUNC_ABORT;
+  }
+  if (isClosedByServer(self.handle_)) {
+    self.isStale_ = true;
+    curl_easy_setopt(self.handle_, CURLOPT_FORBID_REUSE, 1L);
+    return CURL_PREREQFUNC_ABORT;
+  }
+  self.isSent_ = true;
+  return CURL_PREREQFUNC_OK;
 }
 
 void Transfer::fail(TransportErrorCode code) { failure_ = code; }

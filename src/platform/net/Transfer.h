@@ -47,8 +47,9 @@ class Transfer {
   // When the transfer has stood still, or lasted, for too long.
   Clock::time_point deadline() const;
 
-  // Takes in how the handle's exchange ended. True if it was answered with a redirect that is
-  // followed: another exchange is wanted, maybe of another host.
+  // Takes in how the handle's exchange ended. True if another exchange is wanted: it was answered
+  // with a redirect that is followed, maybe to another host, or nothing was sent because the kept
+  // connection had ended.
   bool endExchange(CURL* handle, CURLcode result);
 
   // Ends the transfer with an error.
@@ -67,10 +68,16 @@ class Transfer {
       curl_off_t toSend,
       curl_off_t sent);
 
+  // Called by libcurl before it asks, also before it would ask a second time by itself.
+  static int onResolve(void* resolver, void* reserved, void* transfer);
+  static curl_socket_t onConnect(void* transfer, curlsocktype purpose, curl_sockaddr* address);
+  static int onRequest(void* transfer, char* peer, char* local, int peerPort, int localPort);
+
   struct FreeList {
     void operator()(curl_slist* list) const { curl_slist_free_all(list); }
   };
 
+  bool refuseRepetition();
   void setHeaders(CURL* handle);
   bool follow(CURL* handle);
 
@@ -86,6 +93,9 @@ class Transfer {
   curl_off_t received_ = 0;
   curl_off_t sent_ = 0;
   int redirects_ = 0;
+  CURL* handle_ = nullptr;  // of the exchange under way
+  bool isSent_ = false;     // in this exchange
+  bool isStale_ = false;    // the connection at hand, or the last one
 
   std::string body_;
   std::size_t headerBytes_ = 0;

@@ -1,8 +1,9 @@
 // The shared URL session: asynchronous HTTPS with the phone's rules (60 s without progress is a
 // time-out, status codes are no errors, at most 20 redirects and none carries the Authorization
-// header on). One thread drives all transfers; completions are called one at a time on one other
-// thread, never on the caller's. Connections and TLS sessions are kept and reused; there is no
-// cache and no cookie is kept. All operations are callable from any thread.
+// header on). No request is sent twice: one that is lost on its way is an error. One thread drives
+// all transfers; completions are called one at a time on one other thread, never on the caller's.
+// Connections and TLS sessions are kept and reused; there is no cache and no cookie is kept. All
+// operations are callable from any thread.
 #pragma once
 
 #include <chrono>
