@@ -20,8 +20,8 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
       .description = "</p>&'\"",
       .families = {}};
   const DrawnCard drawing{.picture = {"PICTURE"}, .link = "quillpad://a\"b"};
-  CardModel card{.about = &item, .drawing = &drawing, .standing = {}, .updated = {}, .reload = {}};
-  card.standing = {Standing::Level::old, "Old <i>", "It said “</p><script>”."};
+  CardModel card{.about = &item, .drawing = &drawing, .status = {}, .updated = {}, .reload = {}};
+  card.status = {WidgetStatus::Level::stale, "Old <i>", "It said “</p><script>”."};
   const std::string html = cardMarkup(card, noon).html;
   EXPECT_THAT(html, Not(HasSubstr("<script")));
   EXPECT_THAT(html, Not(HasSubstr("<img")));
@@ -74,7 +74,7 @@ TEST(Page, TellsAgeAndReload) {
     const CardModel card{
         .about = &item,
         .drawing = nullptr,
-        .standing = {},
+        .status = {},
         .updated = noon - age,
         .reload = noon + left};
     const std::string html = cardMarkup(card, noon).html;
@@ -90,14 +90,14 @@ TEST(Page, TellsAgeAndReload) {
   }
 }
 
-TEST(Standing, SaysInPlainWordsWhatIsShown) {
+TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   using Cause = Trouble::Cause;
   const channel::CatalogueItem item{"A", "A", "", {}};
   const Picture live{.source = Picture::Source::timeline, .entry = {}, .received = noon};
   Picture placeholder = live;
   placeholder.source = Picture::Source::placeholder;
-  Picture standIn = live;
-  standIn.failure = TransportError{-1004, "Could not connect to the server."};
+  Picture fallback = live;
+  fallback.failure = TransportError{-1004, "Could not connect to the server."};
   Picture restored = live;
   restored.restored = true;
   const Trouble dropped{Cause::dropped, "", "没有token", noon};
@@ -114,22 +114,22 @@ TEST(Standing, SaysInPlainWordsWhatIsShown) {
       {&live, nullptr, "live", {}},
       {&placeholder, nullptr, "placeholder", {"on their way"}},
       {&placeholder, &dropped, "placeholder", {"access token is empty", "没有token"}},
-      {&standIn, nullptr, "stand-in", {"zeros or a sample", "Could not connect", "-1004"}},
-      {&standIn, &late, "stand-in", {"Could not connect", "90 seconds"}},
-      {&live, &ended, "old", {"signal 6, Aborted", "SalesData line 58: no JSON"}},
-      {&live, &droppedSilently, "old", {"gave no reason"}},
-      {&live, &tooLarge, "old", {"41 MB of the 30 MB"}},
-      {&restored, nullptr, "old", {"before the home screen was started"}},
-      {nullptr, nullptr, "blank", {"not sent a picture"}},
-      {nullptr, &ended, "blank", {"signal 6"}},
+      {&fallback, nullptr, "fallback", {"zeros or a sample", "Could not connect", "-1004"}},
+      {&fallback, &late, "fallback", {"Could not connect", "90 seconds"}},
+      {&live, &ended, "stale", {"signal 6, Aborted", "SalesData line 58: no JSON"}},
+      {&live, &droppedSilently, "stale", {"gave no reason"}},
+      {&live, &tooLarge, "stale", {"41 MB of the 30 MB"}},
+      {&restored, nullptr, "stale", {"before the home screen was started"}},
+      {nullptr, nullptr, "empty", {"not sent a picture"}},
+      {nullptr, &ended, "empty", {"signal 6"}},
   };
   for (const auto& [picture, trouble, level, words] : cases) {
-    const Standing standing =
-        standingOf({.about = &item, .picture = picture, .trouble = trouble, .reload = {}});
-    EXPECT_EQ(levelName(standing.level), level);
-    EXPECT_EQ(standing.badge.empty(), standing.level == Standing::Level::live);
+    const WidgetStatus status =
+        statusOf({.about = &item, .picture = picture, .trouble = trouble, .reload = {}});
+    EXPECT_EQ(levelName(status.level), level);
+    EXPECT_EQ(status.badge.empty(), status.level == WidgetStatus::Level::live);
     for (const std::string& part : words) {
-      EXPECT_THAT(standing.cause, HasSubstr(part));
+      EXPECT_THAT(status.cause, HasSubstr(part));
     }
   }
 }

@@ -122,7 +122,7 @@ export class World {
     return html.match(/name="page-token" content="(\w+)"/)[1];
   }
 
-  // What the page would show: the standing of each card, by kind.
+  // What the page would show: the markup of each card, by kind.
   async cards() {
     const changes = await (await fetch(`${this.address}/changes?since=0`)).json();
     return changes.cards;

@@ -171,6 +171,7 @@ test("a badge tells that the gateway is away, and goes when it is back", async (
   await page.getByRole("button", { name: "Reload" }).click();
   const badge = page.locator(`${salesCard} .badge`);
   await badge.waitFor();
+  assert.equal(await page.locator(salesCard).getAttribute("data-status"), "fallback");
   assert.match(await badge.locator("summary").innerText(), /Stand-in data/);
   assert.match(await label(page, salesCard), /\$0/);
   await badge.locator("summary").click();
@@ -195,6 +196,7 @@ test("an empty sign-in keeps the picture and says why", async () => {
   await page.getByRole("button", { name: "Reload" }).click();
   const badge = page.locator(`${salesCard} .badge`);
   await badge.locator("summary").click();
+  assert.equal(await page.locator(salesCard).getAttribute("data-status"), "stale");
   assert.match(await badge.locator("p").innerText(), /Nobody is signed in/);
   assert.equal(await label(page, salesCard), before);
   world.signIn();

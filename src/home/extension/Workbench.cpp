@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "home/extension/MemoryUse.h"
-#include "home/extension/Standing.h"
+#include "home/extension/WidgetStatus.h"
 
 namespace quillpad::home {
 namespace {

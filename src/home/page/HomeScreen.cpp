@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "home/extension/MemoryUse.h"
-#include "home/extension/Standing.h"
 #include "home/extension/StateFile.h"
+#include "home/extension/WidgetStatus.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Locale.h"
@@ -371,7 +371,7 @@ CardModel HomeScreen::modelOf(const Card& card) {
   CardModel model{
       .about = card.about,
       .drawing = drawnCard(card),
-      .standing = standingOf(card),
+      .status = statusOf(card),
       .updated = std::nullopt,
       .reload = card.reload};
   if (card.picture != nullptr && card.picture->source == Picture::Source::timeline) {

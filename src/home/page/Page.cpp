@@ -65,18 +65,18 @@ Markup cardMarkup(const CardModel& card, Date now) {
   const bool linked =
       card.drawing != nullptr && card.drawing->link && leadsToApplication(*card.drawing->link);
   Markup badge;
-  if (!card.standing.badge.empty()) {
+  if (!card.status.badge.empty()) {
     badge = filled(
         page::badgeHtml,
-        {{"badge", escaped(card.standing.badge)},
+        {{"badge", escaped(card.status.badge)},
          {"name", name},
-         {"cause", escaped(card.standing.cause)}});
+         {"cause", escaped(card.status.cause)}});
   }
   return filled(
       page::cardHtml,
       {{"family", escaped(familyOf(*card.about))},
        {"kind", escaped(card.about->kind)},
-       {"status", escaped(levelName(card.standing.level))},
+       {"status", escaped(levelName(card.status.level))},
        {"element", {linked ? "a" : "div"}},
        {"link", {linked ? " href=\"" + escaped(*card.drawing->link).html + "\"" : ""}},
        {"picture", pictureOf(card.drawing)},

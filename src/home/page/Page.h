@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "home/extension/Standing.h"
+#include "home/extension/WidgetStatus.h"
 #include "home/page/Markup.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/Value.h"
@@ -21,7 +21,7 @@ struct DrawnCard {
 struct CardModel {
   const channel::CatalogueItem* about = nullptr;
   const DrawnCard* drawing = nullptr;  // nullptr: none yet
-  Standing standing;
+  WidgetStatus status;
   std::optional<Date> updated;
   std::optional<Date> reload;
 };

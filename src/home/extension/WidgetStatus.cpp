@@ -1,4 +1,4 @@
-#include "home/extension/Standing.h"
+#include "home/extension/WidgetStatus.h"
 
 #include <array>
 #include <utility>
@@ -23,7 +23,7 @@ std::string whyDropped(const std::string& line) {
   return line.empty() ? "It gave no reason." : "It said " + quoted(line) + ".";
 }
 
-std::string standInWords(const TransportError& failure) {
+std::string fallbackWords(const TransportError& failure) {
   return "The figures could not be fetched, so zeros or a sample stand in for them. " +
          failure.localizedDescription + " (" + std::to_string(failure.code) + ")";
 }
@@ -53,36 +53,36 @@ std::string inPlainWords(const Trouble& trouble) {
   return words;
 }
 
-Standing standingOf(const Card& card) {
-  using Level = Standing::Level;
-  Standing standing;
+WidgetStatus statusOf(const Card& card) {
+  using Level = WidgetStatus::Level;
+  WidgetStatus status;
   const Picture* picture = card.picture;
   if (picture == nullptr) {
-    standing = {Level::blank, "No picture yet", "The extension has not sent a picture yet."};
+    status = {Level::empty, "No picture yet", "The extension has not sent a picture yet."};
   } else if (picture->failure) {
-    standing = {Level::standIn, "Stand-in data", standInWords(*picture->failure)};
+    status = {Level::fallback, "Stand-in data", fallbackWords(*picture->failure)};
   } else if (picture->source == Picture::Source::placeholder) {
-    standing = {Level::placeholder, "Placeholder", "The first figures are still on their way."};
+    status = {Level::placeholder, "Placeholder", "The first figures are still on their way."};
   } else if (card.trouble != nullptr) {
-    standing = {Level::old, "Old picture", "A newer picture did not come."};
+    status = {Level::stale, "Old picture", "A newer picture did not come."};
   } else if (picture->restored) {
-    standing = {
-        Level::old,
+    status = {
+        Level::stale,
         "Old picture",
         "This is from before the home screen was started. Fresh figures "
         "are on their way."};
   }
   if (card.trouble != nullptr) {
     const std::string words = inPlainWords(*card.trouble);
-    const bool replaces = standing.level == Level::placeholder || standing.level == Level::blank;
-    standing.cause = replaces ? words : standing.cause + " " + words;
+    const bool replaces = status.level == Level::placeholder || status.level == Level::empty;
+    status.cause = replaces ? words : status.cause + " " + words;
   }
-  return standing;
+  return status;
 }
 
-std::string_view levelName(Standing::Level level) {
+std::string_view levelName(WidgetStatus::Level level) {
   static constexpr std::array<std::string_view, 5> names{
-      "live", "placeholder", "stand-in", "old", "blank"};
+      "live", "placeholder", "fallback", "stale", "empty"};
   return names.at(static_cast<std::size_t>(level));
 }
 

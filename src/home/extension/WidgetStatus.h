@@ -9,13 +9,13 @@
 
 namespace quillpad::home {
 
-struct Standing {
+struct WidgetStatus {
   enum class Level {
     live,         // the newest entry, from a transfer that went well
     placeholder,  // nothing was fetched yet
-    standIn,      // the transfer failed: zeros or a sample stand in
-    old,          // a newer entry was asked for and did not come
-    blank,        // there is no picture at all
+    fallback,     // the transfer failed: zeros or a sample stand in
+    stale,        // a newer entry was asked for and did not come
+    empty,        // there is no picture at all
   };
 
   Level level = Level::live;
@@ -23,10 +23,10 @@ struct Standing {
   std::string cause;  // a few sentences; empty where it is live
 };
 
-Standing standingOf(const Card& card);
+WidgetStatus statusOf(const Card& card);
 
-// "live", "placeholder", "stand-in", "old" or "blank".
-std::string_view levelName(Standing::Level level);
+// "live", "placeholder", "fallback", "stale" or "empty".
+std::string_view levelName(WidgetStatus::Level level);
 
 // The trouble in one or two sentences.
 std::string inPlainWords(const Trouble& trouble);
