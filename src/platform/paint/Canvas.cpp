@@ -107,9 +107,9 @@ int IndexedCanvas::ramp() {
     return rampBase_ = known->base;
   }
   rampBase_ = noRoom;
-  if (palette_.size() + fullCover <= paletteSize) {
+  if (palette_.size() + fullCoverage <= paletteSize) {
     rampBase_ = static_cast<int>(palette_.size()) - 1;
-    for (int level = 1; level <= fullCover; ++level) {
+    for (int level = 1; level <= fullCoverage; ++level) {
       palette_.push_back(over(palette_[0], ink_, level));
     }
   }
@@ -119,9 +119,9 @@ int IndexedCanvas::ramp() {
 
 std::uint8_t IndexedCanvas::mixed(std::uint8_t under, int level) {
   const int step = under - rampBase_;
-  if (rampBase_ >= 0 && step >= 1 && step <= fullCover && ink_.alpha == 255) {
+  if (rampBase_ >= 0 && step >= 1 && step <= fullCoverage && ink_.alpha == 255) {
     // Where pixels of one ink meet, the ground shows through what neither covers.
-    return static_cast<std::uint8_t>(rampBase_ + step + masked(fullCover - step, level));
+    return static_cast<std::uint8_t>(rampBase_ + step + masked(fullCoverage - step, level));
   }
   if (under != mixedUnder_) {
     mixedUnder_ = under;
@@ -134,11 +134,11 @@ std::uint8_t IndexedCanvas::mixed(std::uint8_t under, int level) {
   return static_cast<std::uint8_t>(index);
 }
 
-void IndexedCanvas::stamp(int x, int y, const CoverLevel* levels, int count) {
+void IndexedCanvas::stamp(int x, int y, const Coverage* levels, int count) {
   mix(row(x, y), levels, count);
 }
 
-void IndexedCanvas::mix(std::uint8_t* pixels, const CoverLevel* levels, int count) {
+void IndexedCanvas::mix(std::uint8_t* pixels, const Coverage* levels, int count) {
   for (int i = 0; i < count; ++i) {
     if (levels[i] != 0) {
       pixels[i] = mixed(pixels[i], levels[i]);
@@ -155,7 +155,7 @@ void IndexedCanvas::stamp(int x, int y, const GlyphMask& mask) {
   const int stride = mask.stride;
   for (int line = 0; line < height; ++line) {
     std::uint8_t* pixels = row(x, y + line);
-    const CoverLevel* levels = mask.row(line);
+    const Coverage* levels = mask.row(line);
     for (int at = 0; at < stride; at += GlyphMask::step) {
       Pixels under;
       Pixels ink;
@@ -178,19 +178,19 @@ void IndexedCanvas::stamp(int x, int y, const GlyphMask& mask) {
 void IndexedCanvas::span(int x, int y, int count) {
   std::uint8_t* pixels = row(x, y);
   if (ink_.alpha == 255) {
-    std::memset(pixels, mixed(0, fullCover), static_cast<std::size_t>(count));
+    std::memset(pixels, mixed(0, fullCoverage), static_cast<std::size_t>(count));
     return;
   }
   for (int i = 0; i < count; ++i) {
-    pixels[i] = mixed(pixels[i], fullCover);
+    pixels[i] = mixed(pixels[i], fullCoverage);
   }
 }
 
-void IndexedCanvas::uncover(int x, int y, const CoverLevel* levels, int count) {
+void IndexedCanvas::uncover(int x, int y, const Coverage* levels, int count) {
   std::uint8_t* pixels = row(x, y);
   for (int i = 0; i < count; ++i) {
     const int level = levels[i];
-    if (level == fullCover) {
+    if (level == fullCoverage) {
       continue;
     }
     std::int16_t& index = corner_[static_cast<std::size_t>(level)];
@@ -231,7 +231,7 @@ std::uint8_t* RgbaCanvas::at(int x, int y) {
          std::size_t{4} * static_cast<std::size_t>(x);
 }
 
-void RgbaCanvas::stamp(int x, int y, const CoverLevel* levels, int count) {
+void RgbaCanvas::stamp(int x, int y, const Coverage* levels, int count) {
   std::uint8_t* pixel = at(x, y);
   for (int i = 0; i < count; ++i, pixel += 4) {
     if (levels[i] == 0) {
@@ -255,15 +255,15 @@ void RgbaCanvas::span(int x, int y, int count) {
   for (int i = 0; i < count; ++i, pixel += 4) {
     ui::Rgba color;
     std::memcpy(&color, pixel, 4);
-    color = over(color, ink_, fullCover);
+    color = over(color, ink_, fullCoverage);
     std::memcpy(pixel, &color, 4);
   }
 }
 
-void RgbaCanvas::uncover(int x, int y, const CoverLevel* levels, int count) {
+void RgbaCanvas::uncover(int x, int y, const Coverage* levels, int count) {
   std::uint8_t* pixel = at(x, y);
   for (int i = 0; i < count; ++i, pixel += 4) {
-    if (levels[i] == fullCover) {
+    if (levels[i] == fullCoverage) {
       continue;
     }
     const ui::Rgba color = withAlpha(ground_, ground_.alpha * alphaOf(levels[i]) / 255);

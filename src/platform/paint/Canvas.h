@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/paint/PixelRows.h"
-#include "platform/text/Cover.h"
+#include "platform/text/Coverage.h"
 #include "platform/text/GlyphMasks.h"
 #include "platform/ui/Color.h"
 
@@ -28,13 +28,13 @@ class IndexedCanvas {
 
   void chooseInk(ui::Rgba ink);
   // Lays down `count` pixels of the ink from (x, y) on, each with its cover.
-  void stamp(int x, int y, const CoverLevel* levels, int count);
+  void stamp(int x, int y, const Coverage* levels, int count);
   // Lays down a glyph with its top left corner at (x, y).
   void stamp(int x, int y, const GlyphMask& mask);
   // The same with full cover.
   void span(int x, int y, int count);
   // Takes the ground away but for the given cover: the card's round corners.
-  void uncover(int x, int y, const CoverLevel* levels, int count);
+  void uncover(int x, int y, const Coverage* levels, int count);
 
   bool full() const { return full_; }
   PixelRows rows() const;
@@ -45,7 +45,7 @@ class IndexedCanvas {
   void forgetInk();
   std::uint8_t indexOf(ui::Rgba color);
   std::uint8_t mixed(std::uint8_t under, int level);
-  void mix(std::uint8_t* pixels, const CoverLevel* levels, int count);
+  void mix(std::uint8_t* pixels, const Coverage* levels, int count);
   // First index of the ink's ramp over the ground, less one; -1 where there was no room for one.
   int ramp();
 
@@ -62,13 +62,13 @@ class IndexedCanvas {
   std::vector<std::uint8_t> marked_;
   std::vector<ui::Rgba> palette_;
   std::vector<Ramp> ramps_;
-  std::array<std::int16_t, fullCover + 1> corner_{};
+  std::array<std::int16_t, fullCoverage + 1> corner_{};
   bool full_ = false;
 
   ui::Rgba ink_;
   int rampBase_ = unknown;
   std::uint8_t mixedUnder_ = 0;
-  std::array<std::int16_t, fullCover + 1> mixed_{};
+  std::array<std::int16_t, fullCoverage + 1> mixed_{};
 };
 
 // Four bytes a pixel.
@@ -77,10 +77,10 @@ class RgbaCanvas {
   void start(int width, int height, ui::Rgba ground);
 
   void chooseInk(ui::Rgba ink) { ink_ = ink; }
-  void stamp(int x, int y, const CoverLevel* levels, int count);
+  void stamp(int x, int y, const Coverage* levels, int count);
   void stamp(int x, int y, const GlyphMask& mask);
   void span(int x, int y, int count);
-  void uncover(int x, int y, const CoverLevel* levels, int count);
+  void uncover(int x, int y, const Coverage* levels, int count);
 
   static constexpr bool full() { return false; }
   PixelRows rows() const;

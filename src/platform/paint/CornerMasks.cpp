@@ -29,12 +29,12 @@ CornerMask quarterCircle(double radius) {
       }
     }
     for (const double sum : cover) {
-      mask.levels.push_back(static_cast<CoverLevel>(std::lround(fullCover * sum / linesPerPixel)));
+      mask.levels.push_back(static_cast<Coverage>(std::lround(fullCoverage * sum / linesPerPixel)));
     }
   }
   mask.mirrored = mask.levels;
   for (auto row = mask.mirrored.begin(); row != mask.mirrored.end(); row += side) {
-    mask.open.push_back(static_cast<int>(std::find(row, row + side, fullCover) - row));
+    mask.open.push_back(static_cast<int>(std::find(row, row + side, fullCoverage) - row));
     std::reverse(row, row + side);
   }
   return mask;

@@ -4,21 +4,19 @@
 #include <map>
 #include <vector>
 
-#include "platform/text/Cover.h"
+#include "platform/text/Coverage.h"
 
 namespace quillpad::drawing {
 
 // The top left corner of a round rectangle: side x side levels, rows from the top.
 struct CornerMask {
   int side = 0;
-  std::vector<CoverLevel> levels;
-  std::vector<CoverLevel> mirrored;  // each row backwards: the top right corner
-  std::vector<int> open;             // for each row, how many levels from the left are not full
+  std::vector<Coverage> levels;
+  std::vector<Coverage> mirrored;  // each row backwards: the top right corner
+  std::vector<int> open;           // for each row, how many levels from the left are not full
 
-  const CoverLevel* row(int y) const {
-    return levels.data() + static_cast<std::ptrdiff_t>(y) * side;
-  }
-  const CoverLevel* mirroredRow(int y) const {
+  const Coverage* row(int y) const { return levels.data() + static_cast<std::ptrdiff_t>(y) * side; }
+  const Coverage* mirroredRow(int y) const {
     return mirrored.data() + static_cast<std::ptrdiff_t>(y) * side;
   }
 };

@@ -12,7 +12,7 @@
 #include "platform/paint/CornerMasks.h"
 #include "platform/paint/DisplayList.h"
 #include "platform/paint/Pictures.h"
-#include "platform/text/Cover.h"
+#include "platform/text/Coverage.h"
 #include "platform/text/GlyphMasks.h"
 
 namespace quillpad::drawing {
@@ -207,9 +207,9 @@ class Painter {
       const double high = overlap(y, top, bottom);
       for (int x = first; x < first + count; ++x) {
         row_.push_back(
-            static_cast<CoverLevel>(std::lround(fullCover * high * overlap(x, left, right))));
+            static_cast<Coverage>(std::lround(fullCoverage * high * overlap(x, left, right))));
       }
-      if (std::ranges::all_of(row_, [](CoverLevel level) { return level == fullCover; })) {
+      if (std::ranges::all_of(row_, [](Coverage level) { return level == fullCoverage; })) {
         span(first, y, count);
       } else {
         stamp(first, y, row_.data(), count);
@@ -280,7 +280,7 @@ class Painter {
         const int begin = x;
         pictureRow_.clear();
         do {
-          pictureRow_.push_back(coverLevel(pixels[x].alpha));
+          pictureRow_.push_back(coverageOf(pixels[x].alpha));
           ++x;
         } while (x < picture.width && (pixels[x].alpha == 0 || sameInk(pixels[x], color)));
         canvas_.chooseInk({color.red, color.green, color.blue, 255});
@@ -301,12 +301,12 @@ class Painter {
         canvas_.span(begin, y, end - begin);
       }
     } else {
-      full_.assign(static_cast<std::size_t>(std::max(count, 0)), fullCover);
+      full_.assign(static_cast<std::size_t>(std::max(count, 0)), fullCoverage);
       stamp(x, y, full_.data(), count);
     }
   }
 
-  void stamp(int x, int y, const CoverLevel* levels, int count) {
+  void stamp(int x, int y, const Coverage* levels, int count) {
     const int begin = std::max(x, 0);
     const int end = std::min(x + count, width_);
     if (y < 0 || y >= height_ || begin >= end) {
@@ -345,11 +345,11 @@ class Painter {
   double scale_;
   int width_;
   int height_;
-  std::vector<Shape> clips_;     // of the item being painted
-  std::vector<CoverLevel> row_;  // of a plain fill
-  std::vector<CoverLevel> pictureRow_;
-  std::vector<CoverLevel> full_;  // stands for a span where there are clips
-  std::vector<CoverLevel> clipped_;
+  std::vector<Shape> clips_;   // of the item being painted
+  std::vector<Coverage> row_;  // of a plain fill
+  std::vector<Coverage> pictureRow_;
+  std::vector<Coverage> full_;  // stands for a span where there are clips
+  std::vector<Coverage> clipped_;
 };
 
 }  // namespace quillpad::drawing

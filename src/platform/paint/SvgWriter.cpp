@@ -16,7 +16,6 @@
 #include "platform/paint/PngWriter.h"
 #include "platform/text/GlyphMasks.h"
 #include "platform/text/GlyphOutline.h"
-#include "platform/text/Utf8.h"
 
 namespace quillpad::drawing {
 

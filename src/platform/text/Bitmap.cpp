@@ -9,7 +9,7 @@ namespace {
 
 // The part of a source line that a new pixel covers: whole pixels from first to last, and the
 // weights of these two.
-struct Stretch {
+struct PixelSpan {
   int first = 0;
   int last = 0;
   double firstWeight = 1;
@@ -18,16 +18,16 @@ struct Stretch {
   double weight(int at) const { return at == first ? firstWeight : at == last ? lastWeight : 1.0; }
 };
 
-std::vector<Stretch> stretches(int from, int to) {
-  std::vector<Stretch> all(static_cast<std::size_t>(to));
+std::vector<PixelSpan> pixelSpans(int from, int to) {
+  std::vector<PixelSpan> all(static_cast<std::size_t>(to));
   for (int i = 0; i < to; ++i) {
     const double begin = static_cast<double>(i) * from / to;
     const double end = static_cast<double>(i + 1) * from / to;
     const int first = std::min(static_cast<int>(begin), from - 1);
     const int last = std::clamp(static_cast<int>(std::ceil(end)) - 1, first, from - 1);
     all[static_cast<std::size_t>(i)] = first == last
-                                           ? Stretch{first, last, end - begin, end - begin}
-                                           : Stretch{first, last, first + 1 - begin, end - last};
+                                           ? PixelSpan{first, last, end - begin, end - begin}
+                                           : PixelSpan{first, last, first + 1 - begin, end - last};
   }
   return all;
 }
@@ -50,10 +50,10 @@ Bitmap scaled(const Bitmap& picture, int width, int height) {
       .height = height,
       .pixels = std::vector<ui::Rgba>(
           static_cast<std::size_t>(width) * static_cast<std::size_t>(height))};
-  const std::vector<Stretch> columns = stretches(picture.width, width);
+  const std::vector<PixelSpan> columns = pixelSpans(picture.width, width);
   auto pixel = result.pixels.begin();
-  for (const Stretch& lines : stretches(picture.height, height)) {
-    for (const Stretch& column : columns) {
+  for (const PixelSpan& lines : pixelSpans(picture.height, height)) {
+    for (const PixelSpan& column : columns) {
       double red = 0;
       double green = 0;
       double blue = 0;

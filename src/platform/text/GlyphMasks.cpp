@@ -12,13 +12,11 @@ namespace quillpad::drawing {
 
 namespace {
 
-constexpr std::size_t mostBytesKept = std::size_t{4} << 20;
-constexpr double largestSize = 4096;  // device pixels; what is larger is drawn at this size
+constexpr std::size_t maxBytesKept = std::size_t{4} << 20;
+constexpr double maxSize = 4096;  // device pixels; what is larger is drawn at this size
 
 // Sizes in 64ths of a pixel, as FreeType counts.
-long sixtyFourths(double size) {
-  return std::max(1L, std::lround(std::min(size, largestSize) * 64));
-}
+long sixtyFourths(double size) { return std::max(1L, std::lround(std::min(size, maxSize) * 64)); }
 
 std::uint64_t keyOf(FontId font, std::uint32_t glyph, long size, int phase) {
   return std::uint64_t{glyph} << 40 | static_cast<std::uint64_t>(size) << 18 |
@@ -82,7 +80,7 @@ const GlyphMask& GlyphMasks::find(FontId font, std::uint32_t glyph, double size,
   if (const auto known = kept_.find(key); known != kept_.end()) {
     return known->second;
   }
-  if (keptBytes_ > mostBytesKept) {
+  if (keptBytes_ > maxBytesKept) {
     kept_.clear();
     keptBytes_ = 0;
   }
@@ -118,7 +116,7 @@ GlyphMask GlyphMasks::render(FontId font, std::uint32_t glyph, long size, int ph
         cover,
         cover + mask.width,
         mask.levels.begin() + static_cast<std::ptrdiff_t>(y) * mask.stride,
-        coverLevel);
+        coverageOf);
   }
   return mask;
 }
@@ -128,13 +126,13 @@ const ColorGlyph& GlyphMasks::findColor(FontId font, std::uint32_t glyph, double
   if (const auto known = keptColor_.find(key); known != keptColor_.end()) {
     return known->second;
   }
-  constexpr std::size_t mostColorGlyphsKept = 256;
-  if (keptColor_.size() == mostColorGlyphsKept) {
+  constexpr std::size_t maxColorGlyphsKept = 256;
+  if (keptColor_.size() == maxColorGlyphsKept) {
     keptColor_.clear();
   }
   ColorGlyph result;
   if (const StrikeGlyph strike = strikeGlyph(fonts_, font, glyph); strike.size > 0) {
-    const double scale = std::min(size, largestSize) / strike.size;
+    const double scale = std::min(size, maxSize) / strike.size;
     const auto pixels = [&](int length) { return static_cast<int>(std::lround(length * scale)); };
     result = {
         .left = pixels(strike.left),

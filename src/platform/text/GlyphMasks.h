@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/text/Bitmap.h"
-#include "platform/text/Cover.h"
+#include "platform/text/Coverage.h"
 #include "platform/text/FontBook.h"
 
 namespace quillpad::drawing {
@@ -23,9 +23,9 @@ struct GlyphMask {
   int width = 0;
   int height = 0;
   int stride = 0;  // the width with padding
-  std::vector<CoverLevel> levels;
+  std::vector<Coverage> levels;
 
-  const CoverLevel* row(int y) const {
+  const Coverage* row(int y) const {
     return levels.data() + static_cast<std::ptrdiff_t>(y) * stride;
   }
 };

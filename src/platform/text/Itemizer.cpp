@@ -8,7 +8,7 @@
 #include <unicode/uscript.h>
 #include <unicode/utext.h>
 
-#include "platform/text/Utf8.h"
+#include "platform/foundation/Utf8.h"
 
 namespace quillpad::drawing {
 namespace {

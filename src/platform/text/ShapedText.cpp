@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "platform/foundation/Utf8.h"
-#include "platform/text/Utf8.h"
 
 namespace quillpad::drawing {
 namespace {
