@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <poll.h>
 #include <spawn.h>
 #include <string>
@@ -20,7 +21,7 @@
 #include <vector>
 
 #include "fixtures/TemporaryHome.h"
-#include "home/extension/ExtensionProcess.h"
+#include "home/extension/ExtensionSession.h"
 
 using namespace quillpad;
 
@@ -144,13 +145,13 @@ struct Answers {
 
 // Takes answers until there are so many timelines.
 void takeTimelines(
-    home::ExtensionProcess& extension, int count, Answers& answers, auto&& afterEach) {
+    home::ExtensionSession& extension, int count, Answers& answers, auto&& afterEach) {
   for (const int last = answers.timelines + count; answers.timelines < last;) {
     auto descriptors = extension.descriptors();
     if (::poll(descriptors.data(), descriptors.size(), 90'000) == 0) {
       giveUp("no answer");
     }
-    for (const home::ExtensionEvent& event : extension.takeEvents()) {
+    for (const home::SessionEvent& event : extension.poll({})) {
       if (const auto* reply = std::get_if<channel::NumberedReply>(&event)) {
         if (!std::holds_alternative<channel::Timeline>(reply->reply)) {
           giveUp("no timeline");
@@ -158,7 +159,7 @@ void takeTimelines(
         ++answers.timelines;
       } else if (const auto* notice = std::get_if<channel::TransferNotice>(&event)) {
         answers.failedTransfers += notice->report.error ? 1 : 0;
-      } else if (const auto* end = std::get_if<home::ExtensionEnd>(&event)) {
+      } else if (const auto* end = std::get_if<home::SessionEnd>(&event)) {
         giveUp("the extension ended: " + end->lastWords);
       }
     }
@@ -200,14 +201,14 @@ void measureCold(const fs::path& folder) {
   }
 }
 
-void measureBurst(home::ExtensionProcess& extension) {
+void measureBurst(home::ExtensionSession& extension) {
   constexpr int burst = 200;
   Answers answers;
   long mostThreads = 0;
   long mostSockets = 0;
   const auto start = Clock::now();
   for (std::size_t i = 0; i < burst; ++i) {
-    extension.send(channel::TimelineRequest{kinds[i % kinds.size()]});
+    extension.ask({}, channel::TimelineRequest{kinds[i % kinds.size()]});
   }
   const std::string process = "/proc/" + std::to_string(extension.pid());
   takeTimelines(extension, burst, answers, [&] {
@@ -224,7 +225,7 @@ void measureBurst(home::ExtensionProcess& extension) {
       mostSockets);
 }
 
-void measureMemory(home::ExtensionProcess& extension) {
+void measureMemory(home::ExtensionSession& extension) {
   constexpr int refreshes = 10'000;
   constexpr int underWay = 5;
   std::printf("The extension's memory:   resident    private\n");
@@ -240,7 +241,7 @@ void measureMemory(home::ExtensionProcess& extension) {
   const auto start = Clock::now();
   while (answers.timelines < refreshes) {
     for (const std::string& kind : kinds) {
-      extension.send(channel::TimelineRequest{kind});
+      extension.ask({}, channel::TimelineRequest{kind});
     }
     takeTimelines(extension, underWay, answers, [] {});
     if (answers.timelines == underWay || answers.timelines == 100 ||
@@ -254,8 +255,9 @@ void measureMemory(home::ExtensionProcess& extension) {
       answers.failedTransfers);
 }
 
-home::ExtensionProcess startExtension() {
-  auto extension = home::ExtensionProcess::start(EXTENSION_PROGRAM);
+home::ExtensionSession startExtension() {
+  auto extension =
+      home::ExtensionSession::start(EXTENSION_PROGRAM, std::numeric_limits<std::size_t>::max());
   if (!extension) {
     giveUp(extension.error());
   }

@@ -10,7 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "fixtures/TemporaryHome.h"
+#include "home/ScriptedExtension.h"
 #include "home/extension/ExtensionClient.h"
 
 namespace quillpad {
@@ -23,27 +23,19 @@ using testing::AllOf;
 using testing::HasSubstr;
 using namespace std::chrono_literals;
 
-// Extensions are shell scripts here: they do what no product would. Their end of the channel is
-// descriptor 3.
 class ExtensionClientTest : public testing::Test {
  protected:
-  std::filesystem::path script(const std::string& commands) {
-    const auto path = folder_.path() / "extension";
-    std::ofstream(path) << "#!/bin/sh\n" << commands << '\n';
-    ::chmod(path.c_str(), 0755);
-    return path;
-  }
-
   std::expected<channel::Entry, home::Failure> askSnapshot(
       const std::string& commands, std::chrono::milliseconds allowed = 20s) {
-    auto extension = ExtensionClient::start(script(commands));
+    extension_.play(commands);
+    auto extension = ExtensionClient::start(extension_.path());
     if (!extension) {
       return std::unexpected(extension.error());
     }
     return extension->ask<channel::Entry>(channel::SnapshotRequest{"A"}, allowed);
   }
 
-  fixtures::TemporaryFolder folder_;
+  home::ScriptedExtension extension_{"exit 1"};
 };
 
 constexpr const char* goodAnswer =
@@ -106,17 +98,26 @@ TEST_F(ExtensionClientTest, StopsAnExtensionThatDoesNotAnswer) {
   EXPECT_THAT(entry.error().message, HasSubstr("not answered within 1 s"));
 }
 
-TEST_F(ExtensionClientTest, AnAnswerBeforeTheEndCounts) { EXPECT_TRUE(askSnapshot(goodAnswer)); }
+TEST_F(ExtensionClientTest, AnAnswerBeforeTheEndCountsAndNothingIsAskedAfterIt) {
+  extension_.play("read r <&3; " + std::string(goodAnswer));
+  auto extension = ExtensionClient::start(extension_.path());
+  ASSERT_TRUE(extension);
+  EXPECT_TRUE(extension->ask<channel::Entry>(channel::SnapshotRequest{"A"}));
+  const auto second = extension->ask<channel::Entry>(channel::SnapshotRequest{"A"});
+  ASSERT_FALSE(second);
+  EXPECT_EQ(second.error().status, ExitStatus::extensionEnded);
+}
 
-TEST_F(ExtensionClientTest, AnAnswerToAnotherRequestIsNotTaken) {
-  EXPECT_TRUE(askSnapshot(
-      R"(echo '{"id":9,"result":{"dropped":true}}' >&3; )" + std::string(goodAnswer) +
-      "; sleep 60"));
+TEST_F(ExtensionClientTest, AnExtensionMayNotUseAllMemory) {
+  const auto entry = askSnapshot("x=$(head -c 40000000 /dev/zero | tr '\\0' x); sleep 60");
+  ASSERT_FALSE(entry);
+  EXPECT_EQ(entry.error().status, ExitStatus::extensionEnded);
+  EXPECT_THAT(entry.error().message, HasSubstr("the limit is 30 MB"));
 }
 
 TEST_F(ExtensionClientTest, SendsARequestThatIsLargerThanTheChannelTakesAtOnce) {
-  auto extension = ExtensionClient::start(
-      script("head -n 1 <&3 | wc -c >&2; " + std::string(goodAnswer) + "; sleep 60"));
+  extension_.play("head -n 1 <&3 | wc -c >&2; " + std::string(goodAnswer) + "; sleep 60");
+  auto extension = ExtensionClient::start(extension_.path());
   ASSERT_TRUE(extension);
   testing::internal::CaptureStderr();
   const auto entry = extension->ask<channel::Entry>(
@@ -126,30 +127,17 @@ TEST_F(ExtensionClientTest, SendsARequestThatIsLargerThanTheChannelTakesAtOnce) 
 }
 
 TEST_F(ExtensionClientTest, AProgramThatCannotBeStartedIsNamed) {
-  const auto plain = folder_.path() / "plain";
+  const auto plain = extension_.folder() / "plain";
   std::ofstream(plain) << "#!/bin/sh\n";
-  const auto noProgram = folder_.path() / "no program";
+  const auto noProgram = extension_.folder() / "no program";
   std::ofstream(noProgram) << "text";
   ::chmod(noProgram.c_str(), 0755);
-  for (const auto& path : {folder_.path() / "absent", folder_.path(), plain, noProgram}) {
+  for (const auto& path : {extension_.folder() / "absent", extension_.folder(), plain, noProgram}) {
     const auto extension = ExtensionClient::start(path);
     ASSERT_FALSE(extension) << path;
     EXPECT_EQ(extension.error().status, ExitStatus::notPossible);
     EXPECT_THAT(extension.error().message, HasSubstr(path.string() + ": "));
   }
-}
-
-TEST_F(ExtensionClientTest, LeavesNoProcessBehind) {
-  pid_t pid = 0;
-  {
-    auto process = home::ExtensionProcess::start(script("exec sleep 60"));
-    ASSERT_TRUE(process);
-    const home::ExtensionProcess moved = std::move(*process);
-    pid = moved.pid();
-  }
-  EXPECT_EQ(::kill(pid, 0), -1);
-  EXPECT_EQ(errno, ESRCH);
-  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
 }
 
 TEST_F(ExtensionClientTest, TheExtensionInheritsNothingButItsOwnDescriptors) {

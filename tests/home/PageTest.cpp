@@ -91,7 +91,7 @@ TEST(Page, TellsAgeAndReload) {
 }
 
 TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
-  using Cause = Trouble::Cause;
+  using Cause = Problem::Cause;
   const channel::CatalogueItem item{"A", "A", "", {}};
   const Picture live{.source = Picture::Source::timeline, .entry = {}, .received = noon};
   Picture placeholder = live;
@@ -100,14 +100,14 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   fallback.failure = TransportError{-1004, "Could not connect to the server."};
   Picture restored = live;
   restored.restored = true;
-  const Trouble dropped{Cause::dropped, "", "没有token", noon};
-  const Trouble droppedSilently{Cause::dropped, "", "", noon};
-  const Trouble ended{Cause::ended, "signal 6, Aborted", "SalesData line 58: no JSON", noon};
-  const Trouble late{Cause::late, "90 seconds", "", noon};
-  const Trouble tooLarge{Cause::overMemory, "41 MB of the 30 MB that it may use", "", noon};
+  const Problem dropped{Cause::dropped, "", "没有token", noon};
+  const Problem droppedSilently{Cause::dropped, "", "", noon};
+  const Problem ended{Cause::ended, "signal 6, Aborted", "SalesData line 58: no JSON", noon};
+  const Problem late{Cause::late, "90 seconds", "", noon};
+  const Problem tooLarge{Cause::overMemory, "it used 41 MB, the limit is 30 MB", "", noon};
   const struct {
     const Picture* picture;
-    const Trouble* trouble;
+    const Problem* problem;
     const char* level;
     std::vector<std::string> words;
   } cases[] = {
@@ -118,14 +118,14 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
       {&fallback, &late, "fallback", {"Could not connect", "90 seconds"}},
       {&live, &ended, "stale", {"signal 6, Aborted", "SalesData line 58: no JSON"}},
       {&live, &droppedSilently, "stale", {"gave no reason"}},
-      {&live, &tooLarge, "stale", {"41 MB of the 30 MB"}},
+      {&live, &tooLarge, "stale", {"used 41 MB, the limit is 30 MB"}},
       {&restored, nullptr, "stale", {"before the home screen was started"}},
       {nullptr, nullptr, "empty", {"not sent a picture"}},
       {nullptr, &ended, "empty", {"signal 6"}},
   };
-  for (const auto& [picture, trouble, level, words] : cases) {
+  for (const auto& [picture, problem, level, words] : cases) {
     const WidgetStatus status =
-        statusOf({.about = &item, .picture = picture, .trouble = trouble, .reload = {}});
+        statusOf({.about = &item, .picture = picture, .problem = problem, .reload = {}});
     EXPECT_EQ(levelName(status.level), level);
     EXPECT_EQ(status.badge.empty(), status.level == WidgetStatus::Level::live);
     for (const std::string& part : words) {

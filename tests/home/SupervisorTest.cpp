@@ -20,7 +20,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-using Cause = Trouble::Cause;
+using Cause = Problem::Cause;
 using Life = Supervisor::Life;
 
 channel::Catalogue catalogueOf(const std::vector<std::string>& kinds) {
@@ -41,17 +41,18 @@ class SupervisorTest : public testing::Test {
  protected:
   // What the supervisor has had done since the last call, in words.
   std::vector<std::string> done() {
-    EXPECT_TRUE(!supervisor.wakeUp() || *supervisor.wakeUp() > uptime) << "it would spin";
+    EXPECT_TRUE(!supervisor.nextDeadline() || *supervisor.nextDeadline() > uptime)
+        << "it would spin";
     std::vector<std::string> words;
     for (const Supervisor::Action& action : supervisor.takeActions()) {
       if (std::holds_alternative<Supervisor::StartExtension>(action)) {
         words.emplace_back("start");
         lastId = 0;
         open.clear();
-      } else if (std::holds_alternative<Supervisor::KillExtension>(action)) {
-        words.emplace_back("kill");
+      } else if (std::holds_alternative<Supervisor::EndExtension>(action)) {
+        words.emplace_back("end");
       } else {
-        words.push_back(wordsOf(std::get<Supervisor::Send>(action).request));
+        words.push_back(wordsOf(std::get<Supervisor::Ask>(action).request));
         open[words.back()] = ++lastId;
       }
     }
@@ -71,7 +72,7 @@ class SupervisorTest : public testing::Test {
     return std::visit(Words{}, request);
   }
 
-  Now now() const { return {.date = date, .uptime = uptime}; }
+  Moment now() const { return {.date = date, .uptime = uptime}; }
 
   void pass(std::chrono::milliseconds time) {
     date += time;
@@ -118,18 +119,19 @@ class SupervisorTest : public testing::Test {
     answerAllButTimelines();
   }
 
-  void endExtension(const std::string& manner = "signal 9, Killed") {
-    supervisor.ended(now(), manner);
+  void endExtension(
+      const std::string& manner = "signal 9, Killed", const std::string& lastWords = "") {
+    supervisor.ended(now(), {SessionEnd::Cause::exited, manner, lastWords});
   }
 
   void passThePause() {
-    if (supervisor.life() == Life::pausing) {
-      pass(*supervisor.wakeUp() - uptime);
+    if (supervisor.life() == Life::backingOff) {
+      pass(*supervisor.nextDeadline() - uptime);
     }
   }
 
-  Card card(const std::string& kind) const {
-    for (const Card& each : supervisor.cards()) {
+  WidgetState widget(const std::string& kind) const {
+    for (const WidgetState& each : supervisor.widgets()) {
       if (each.about->kind == kind) {
         return each;
       }
@@ -139,21 +141,21 @@ class SupervisorTest : public testing::Test {
   }
 
   Picture picture(const std::string& kind) const {
-    const Picture* shown = card(kind).picture;
-    EXPECT_NE(shown, nullptr) << kind << " is blank";
+    const Picture* shown = widget(kind).picture;
+    EXPECT_NE(shown, nullptr) << kind << " is empty";
     return shown == nullptr ? Picture{} : *shown;
   }
 
-  Trouble trouble(const std::string& kind) const {
-    const Trouble* met = card(kind).trouble;
-    EXPECT_NE(met, nullptr) << kind << " has no trouble";
-    return met == nullptr ? Trouble{} : *met;
+  Problem problem(const std::string& kind) const {
+    const Problem* met = widget(kind).problem;
+    EXPECT_NE(met, nullptr) << kind << " has no problem";
+    return met == nullptr ? Problem{} : *met;
   }
 
   // The data of the entry that the widget shows.
   std::string shown(const std::string& kind) const {
-    const Picture* picture = card(kind).picture;
-    return picture == nullptr ? "blank"
+    const Picture* picture = widget(kind).picture;
+    return picture == nullptr ? "empty"
                               : *picture->entry.as<Dictionary>()->find("data")->as<std::string>();
   }
 
@@ -183,13 +185,13 @@ TEST_F(SupervisorTest, FirstRunPlacesTheWholeCatalogueAndShowsPlaceholdersMeanwh
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("render B"));
   EXPECT_EQ(shown("B"), "b1");
   EXPECT_EQ(picture("B").source, Picture::Source::timeline);
-  EXPECT_EQ(card("B").reload, date + 5min);
+  EXPECT_EQ(widget("B").reload, date + 5min);
   EXPECT_EQ(shown("A"), "sample");
 }
 
 TEST_F(SupervisorTest, AsksAgainAtTheReloadTimeAndNotBefore) {
   bringUp();
-  ASSERT_EQ(supervisor.wakeUp(), uptime + 5min);
+  ASSERT_EQ(supervisor.nextDeadline(), uptime + 5min);
   pass(5min - 1ms);
   EXPECT_THAT(done(), IsEmpty());
   pass(1ms);
@@ -206,15 +208,27 @@ TEST_F(SupervisorTest, AClockThatIsSetDoesNotMoveTheReload) {
   EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
 }
 
-TEST_F(SupervisorTest, AReloadTimeInThePastIsThrottled) {
-  supervisor.timePassed(now());
-  answerAllButTimelines();
-  answer("timeline A", channel::Timeline{{entryAt(date, "a1")}, date - 1h});
-  EXPECT_THAT(answerAllButTimelines(), ElementsAre("render A"));
-  pass(999ms);
-  EXPECT_THAT(done(), IsEmpty());
-  pass(1ms);
-  EXPECT_THAT(done(), ElementsAre("timeline A"));
+TEST_F(SupervisorTest, AReloadTimeInThePastOrFarAwayIsBounded) {
+  const std::pair<Date, std::chrono::milliseconds> cases[] = {
+      {date - 1h, 1s},
+      {*dateFromIso8601("0001-01-01T00:00:00.000Z"), 1s},
+      {*dateFromIso8601("9999-12-31T23:59:59.999Z"), 24h},
+  };
+  bringUp();
+  for (const auto& [reloadAfter, wait] : cases) {
+    supervisor.remove(now(), "B");
+    supervisor.reload(now());
+    done();
+    answer("timeline A", channel::Timeline{{entryAt(date, "a1")}, reloadAfter});
+    answerAllButTimelines();
+    EXPECT_EQ(widget("A").reload, date + wait);
+    pass(wait - 1ms);
+    EXPECT_THAT(done(), IsEmpty());
+    pass(1ms);
+    EXPECT_THAT(done(), ElementsAre("timeline A"));
+    answer("timeline A", timelineOf("a1"));
+    answerAllButTimelines();
+  }
 }
 
 TEST_F(SupervisorTest, ShowsEachEntryOfATimelineWhenItsTimeComes) {
@@ -228,7 +242,7 @@ TEST_F(SupervisorTest, ShowsEachEntryOfATimelineWhenItsTimeComes) {
   answer("timeline B", timelineOf("b1"));
   answerAllButTimelines();
   EXPECT_EQ(shown("A"), "second");
-  EXPECT_EQ(supervisor.wakeUp(), uptime + 2min);
+  EXPECT_EQ(supervisor.nextDeadline(), uptime + 2min);
   pass(2min - 1ms);
   EXPECT_THAT(done(), IsEmpty());
   pass(1ms);
@@ -253,19 +267,19 @@ TEST_F(SupervisorTest, KeepsThePictureThroughADropAndSaysWhatWasPrinted) {
   supervisor.printed("no token");
   answer("timeline A", channel::Dropped{});
   EXPECT_EQ(shown("A"), "a1");
-  EXPECT_EQ(trouble("A").cause, Cause::dropped);
-  EXPECT_EQ(trouble("A").said, "no token");
-  EXPECT_EQ(card("A").reload, date + 5min);
+  EXPECT_EQ(problem("A").cause, Cause::dropped);
+  EXPECT_EQ(problem("A").output, "no token");
+  EXPECT_EQ(widget("A").reload, date + 5min);
   answer("timeline B", timelineOf("b2"));
   answerAllButTimelines();
-  EXPECT_EQ(card("B").trouble, nullptr);
+  EXPECT_EQ(widget("B").problem, nullptr);
 
   pass(5min);
   EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
   answer("timeline A", timelineOf("a2"));
   answerAllButTimelines();
   EXPECT_EQ(shown("A"), "a2");
-  EXPECT_EQ(card("A").trouble, nullptr);
+  EXPECT_EQ(widget("A").problem, nullptr);
 }
 
 TEST_F(SupervisorTest, KnowsOfZerosThatStandInForFiguresByTheFailedTransfer) {
@@ -284,46 +298,68 @@ TEST_F(SupervisorTest, KnowsOfZerosThatStandInForFiguresByTheFailedTransfer) {
   EXPECT_EQ(picture("B").failure.value().localizedDescription, "Could not connect to the server.");
 }
 
-TEST_F(SupervisorTest, GivesUpALateRequestButNotTheExtensionThatAnswersOthers) {
+TEST_F(SupervisorTest, ALateAnswerIsAskedForAgainLaterAndNotTakenAnyMore) {
   bringUp();
   pass(5min);
   done();
-  answer("timeline B", timelineOf("b2"));  // in the same moment
-  answerAllButTimelines();
-  pass(1s);
-  supervisor.openGallery(now());
-  answerAllButTimelines();  // the extension is well
-  pass(89s - 1ms);
-  EXPECT_EQ(card("A").trouble, nullptr);
-  pass(1ms);
-  EXPECT_EQ(trouble("A").cause, Cause::late);
+  const std::uint64_t late = open.at("timeline A");
+  supervisor.answerIsLate(now(), {.id = late, .waited = 90s});
+  EXPECT_EQ(problem("A").cause, Cause::late);
+  EXPECT_EQ(problem("A").detail, "90 seconds");
+  supervisor.replied(now(), {late, timelineOf("late")});
   EXPECT_EQ(shown("A"), "a1");
-  EXPECT_THAT(answerAllButTimelines(), ElementsAre("snapshot A", "render A"));
-}
-
-TEST_F(SupervisorTest, EndsAnExtensionThatHangs) {
-  bringUp();
-  pass(5min);
-  done();
-  pass(1ms);
-  pass(90s);
-  EXPECT_THAT(done(), ElementsAre("kill"));
-  pass(1s);
-  EXPECT_THAT(done(), IsEmpty()) << "nothing is asked of an extension that was killed";
-  endExtension();
-  EXPECT_EQ(supervisor.lastEnd()->cause, Cause::late);
-  EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue"));
-}
-
-TEST_F(SupervisorTest, AnAnswerAfterTheDeadlineIsNotTaken) {
-  bringUp();
-  pass(5min);
-  done();
-  const auto late = open;
   answer("timeline B", timelineOf("b2"));
-  pass(91s);
-  supervisor.replied(now(), {late.at("timeline A"), timelineOf("late")});
-  EXPECT_EQ(shown("A"), "a1");
+  answerAllButTimelines();
+  pass(5min);
+  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
+}
+
+// An extension that hung is asked again as soon as it runs again, like one that ended by itself.
+TEST_F(SupervisorTest, AnEndForWhateverCauseIsFollowedByTheNextQuestion) {
+  const struct {
+    SessionEnd::Cause end;
+    Cause problem;
+  } cases[] = {
+      {SessionEnd::Cause::exited, Cause::ended},
+      {SessionEnd::Cause::late, Cause::late},
+      {SessionEnd::Cause::overMemory, Cause::overMemory},
+      {SessionEnd::Cause::protocolError, Cause::protocolError},
+  };
+  bringUp();
+  for (const auto& [end, cause] : cases) {
+    supervisor.reload(now());
+    done();
+    supervisor.ended(now(), {.cause = end, .detail = "how", .lastWords = ""});
+    EXPECT_EQ(supervisor.lastEnd()->cause, cause);
+    EXPECT_EQ(problem("A").cause, cause);
+    EXPECT_EQ(problem("A").detail, "how");
+    EXPECT_EQ(shown("A"), "a1");
+    EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue", "timeline A"));
+    answer("timeline A", timelineOf("a1"));
+    answerAllButTimelines();
+    answer("timeline B", timelineOf("b1"));
+    answerAllButTimelines();
+  }
+}
+
+TEST_F(SupervisorTest, AnExtensionThatListsNothingIsStartedAgain) {
+  supervisor.timePassed(now());
+  done();
+  answer("catalogue", channel::Catalogue{});
+  EXPECT_THAT(done(), ElementsAre("end", "start", "catalogue"));
+  answer("catalogue", channel::Refused{channel::internalError, "not now"});
+  EXPECT_THAT(done(), ElementsAre("end"));
+  EXPECT_EQ(supervisor.lastEnd()->cause, Cause::protocolError);
+  passThePause();
+  answerAllButTimelines();
+  answer("timeline A", timelineOf("a1"));
+  EXPECT_EQ(supervisor.widgets().size(), 2U);
+
+  endExtension();
+  passThePause();
+  done();
+  answer("catalogue", channel::Catalogue{});
+  EXPECT_EQ(supervisor.widgets().size(), 2U) << "what it listed before stays";
 }
 
 TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
@@ -331,11 +367,10 @@ TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
   supervisor.reload(now());
   done();
   for (const auto pause : {0s, 1s, 5s, 25s}) {
-    supervisor.printed("SalesData line 58: no JSON");
-    endExtension("signal 6, Aborted");
+    endExtension("signal 6, Aborted", "SalesData line 58: no JSON");
     if (pause > 0s) {
-      EXPECT_EQ(supervisor.life(), Life::pausing);
-      EXPECT_EQ(supervisor.wakeUp(), uptime + pause);
+      EXPECT_EQ(supervisor.life(), Life::backingOff);
+      EXPECT_EQ(supervisor.nextDeadline(), uptime + pause);
       pass(pause - 1ms);
       EXPECT_THAT(done(), IsEmpty());
       pass(1ms);
@@ -345,16 +380,15 @@ TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
     EXPECT_THAT(done(), ElementsAre(testing::StartsWith("timeline")));
     EXPECT_EQ(shown("A"), "a1");
   }
-  supervisor.printed("SalesData line 58: no JSON");
-  endExtension("signal 6, Aborted");
-  EXPECT_EQ(supervisor.life(), Life::waiting);
-  EXPECT_EQ(supervisor.wakeUp(), std::nullopt);
+  endExtension("signal 6, Aborted", "SalesData line 58: no JSON");
+  EXPECT_EQ(supervisor.life(), Life::gaveUp);
+  EXPECT_EQ(supervisor.nextDeadline(), std::nullopt);
   pass(24h);
   EXPECT_THAT(done(), IsEmpty());
-  EXPECT_EQ(supervisor.lastEnd()->how, "signal 6, Aborted");
-  EXPECT_EQ(supervisor.lastEnd()->said, "SalesData line 58: no JSON");
+  EXPECT_EQ(supervisor.lastEnd()->detail, "signal 6, Aborted");
+  EXPECT_EQ(supervisor.lastEnd()->output, "SalesData line 58: no JSON");
   EXPECT_EQ(shown("A"), "a1");
-  EXPECT_EQ(card("A").reload, std::nullopt);
+  EXPECT_EQ(widget("A").reload, std::nullopt);
 
   supervisor.reload(now());
   EXPECT_THAT(
@@ -367,8 +401,8 @@ TEST_F(SupervisorTest, AnEndWhileNothingIsAskedLeavesThePicturesFresh) {
   pass(1min);
   endExtension();
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue"));
-  EXPECT_EQ(card("A").trouble, nullptr);
-  EXPECT_EQ(card("A").reload, date + 4min);
+  EXPECT_EQ(widget("A").problem, nullptr);
+  EXPECT_EQ(widget("A").reload, date + 4min);
   pass(4min);
   EXPECT_THAT(done(), ElementsAre("timeline A"));
 }
@@ -386,11 +420,11 @@ TEST_F(SupervisorTest, OneWidgetThatEndsTheExtensionTakesNoOtherWithIt) {
       answerAllButTimelines();
     }
   }
-  EXPECT_EQ(supervisor.life(), Life::waiting) << "the good answers of B do not hide the ends of A";
+  EXPECT_EQ(supervisor.life(), Life::gaveUp) << "the good answers of B do not hide the ends of A";
   EXPECT_EQ(shown("B"), "b2");
-  EXPECT_EQ(card("B").trouble, nullptr);
+  EXPECT_EQ(widget("B").problem, nullptr);
   EXPECT_EQ(shown("A"), "a1");
-  EXPECT_EQ(trouble("A").cause, Cause::ended);
+  EXPECT_EQ(problem("A").cause, Cause::ended);
 }
 
 TEST_F(SupervisorTest, AGoodRoundForgetsEarlierEnds) {
@@ -419,21 +453,6 @@ TEST_F(SupervisorTest, ThePlaceholderIsAskedAgainWhereAnEndCameFirst) {
   EXPECT_EQ(shown("A"), "sample");
 }
 
-TEST_F(SupervisorTest, StrikesAtTheMemoryBoundAndSaysSo) {
-  bringUp();
-  supervisor.memoryMeasured(now(), std::size_t{30} * 1024 * 1024);
-  EXPECT_THAT(done(), IsEmpty());
-  supervisor.reload(now());
-  done();
-  supervisor.memoryMeasured(now(), std::size_t{41} * 1024 * 1024);
-  supervisor.memoryMeasured(now(), std::size_t{42} * 1024 * 1024);
-  EXPECT_THAT(done(), ElementsAre("kill"));
-  endExtension();
-  EXPECT_EQ(trouble("A").cause, Cause::overMemory);
-  EXPECT_EQ(trouble("A").how, "41 MB of the 30 MB that it may use");
-  EXPECT_EQ(shown("A"), "a1");
-}
-
 TEST_F(SupervisorTest, AnExtensionThatCannotBeStartedCountsAsOneThatEnds) {
   supervisor.timePassed(now());
   for (int attempt = 0; attempt < 5; ++attempt) {
@@ -441,7 +460,7 @@ TEST_F(SupervisorTest, AnExtensionThatCannotBeStartedCountsAsOneThatEnds) {
     supervisor.failedToStart(now(), "There is no program there.");
     passThePause();
   }
-  EXPECT_EQ(supervisor.life(), Life::waiting);
+  EXPECT_EQ(supervisor.life(), Life::gaveUp);
   EXPECT_EQ(supervisor.lastEnd()->cause, Cause::notStarted);
 }
 
@@ -450,14 +469,14 @@ TEST_F(SupervisorTest, RemovesAndAddsInTheCataloguesOrder) {
   EXPECT_TRUE(supervisor.remove(now(), "A"));
   EXPECT_FALSE(supervisor.place(now(), "C"));
   EXPECT_FALSE(supervisor.remove(now(), "C"));
-  EXPECT_EQ(supervisor.cards().size(), 1U);
+  EXPECT_EQ(supervisor.widgets().size(), 1U);
   pass(5min);
   EXPECT_THAT(done(), ElementsAre("timeline B"));
 
   EXPECT_TRUE(supervisor.place(now(), "A"));
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("placeholder A", "render A", "timeline A"));
-  EXPECT_EQ(supervisor.cards().front().about->kind, "A");
-  EXPECT_EQ(supervisor.cards().size(), 2U);
+  EXPECT_EQ(supervisor.widgets().front().about->kind, "A");
+  EXPECT_EQ(supervisor.widgets().size(), 2U);
 }
 
 TEST_F(SupervisorTest, AnAnswerForAWidgetThatIsGoneChangesNothing) {
@@ -467,7 +486,7 @@ TEST_F(SupervisorTest, AnAnswerForAWidgetThatIsGoneChangesNothing) {
   supervisor.remove(now(), "A");
   answer("timeline A", timelineOf("a2"));
   answerAllButTimelines();
-  EXPECT_EQ(supervisor.cards().size(), 1U);
+  EXPECT_EQ(supervisor.widgets().size(), 1U);
   EXPECT_FALSE(supervisor.saved().pictures.contains("A"));
 }
 
@@ -487,7 +506,7 @@ TEST_F(SupervisorTest, ShowsWhatAnEarlierRunLeftUntilFreshEntriesCome) {
   answer("timeline A", timelineOf("a2"));
   answerAllButTimelines();
   EXPECT_FALSE(picture("A").restored);
-  EXPECT_EQ(supervisor.cards().size(), 1U);
+  EXPECT_EQ(supervisor.widgets().size(), 1U);
 }
 
 TEST_F(SupervisorTest, AWidgetThatTheExtensionNoLongerOffersIsKeptInMind) {
@@ -497,8 +516,8 @@ TEST_F(SupervisorTest, AWidgetThatTheExtensionNoLongerOffersIsKeptInMind) {
   supervisor = Supervisor();
   supervisor.restore(std::move(saved));
   bringUp();
-  EXPECT_EQ(supervisor.cards().size(), 2U);
-  EXPECT_EQ(supervisor.wakeUp(), uptime + 5min);
+  EXPECT_EQ(supervisor.widgets().size(), 2U);
+  EXPECT_EQ(supervisor.nextDeadline(), uptime + 5min);
   EXPECT_TRUE(supervisor.isPlaced("Former"));
 }
 
@@ -514,7 +533,7 @@ TEST_F(SupervisorTest, ARenderingThatIsRefusedLeavesNothingToWaitFor) {
       channel::Timeline{{entryAt(date, "now"), entryAt(date + 1min, "later")}, date + 5min});
   done();
   answer("render A", channel::Refused{channel::invalidParams, "no"});
-  EXPECT_EQ(shown("A"), "blank");
+  EXPECT_EQ(shown("A"), "empty");
   pass(2min);
   EXPECT_THAT(done(), IsEmpty());
 }
@@ -524,9 +543,9 @@ TEST_F(SupervisorTest, AnAnswerOfAnotherKindIsARefusal) {
   supervisor.reload(now());
   done();
   answer("timeline A", channel::Rendering{ui::Spacer{}});
-  EXPECT_EQ(trouble("A").cause, Cause::refused);
+  EXPECT_EQ(problem("A").cause, Cause::refused);
   answer("timeline B", channel::Refused{channel::invalidParams, "unknown kind"});
-  EXPECT_EQ(trouble("B").how, "unknown kind");
+  EXPECT_EQ(problem("B").detail, "unknown kind");
   EXPECT_EQ(shown("B"), "b1");
   EXPECT_EQ(supervisor.life(), Life::running);
 }
@@ -539,7 +558,7 @@ TEST_F(SupervisorTest, SurvivesEndsAtEveryStepOfARefresh) {
   std::mt19937 random(20260307);
   const auto step = [&] {
     for (const std::string& words : done()) {
-      EXPECT_NE(words, "kill");
+      EXPECT_NE(words, "end");
     }
     std::set<std::string> kinds;
     for (const auto& [words, id] : open) {
@@ -566,15 +585,15 @@ TEST_F(SupervisorTest, SurvivesEndsAtEveryStepOfARefresh) {
     }
     open.clear();
     endExtension();
-    EXPECT_NE(shown("A"), "blank");
-    EXPECT_NE(shown("B"), "blank");
+    EXPECT_NE(shown("A"), "empty");
+    EXPECT_NE(shown("B"), "empty");
     passThePause();
     while (step()) {
     }
     EXPECT_EQ(shown("A"), "fresh");
     EXPECT_EQ(shown("B"), "fresh");
-    EXPECT_EQ(card("A").trouble, nullptr);
-    EXPECT_EQ(card("B").trouble, nullptr);
+    EXPECT_EQ(widget("A").problem, nullptr);
+    EXPECT_EQ(widget("B").problem, nullptr);
     EXPECT_EQ(supervisor.life(), Life::running);
   }
 }

@@ -4,7 +4,7 @@
 #include <signal.h>
 #include <thread>
 
-#include "home/extension/ExtensionProcess.h"
+#include "home/extension/ExtensionSession.h"
 #include "system/HomeScreen.h"
 
 namespace quillpad {
@@ -21,23 +21,23 @@ class ExtensionTest : public HomeScreenTest {
  protected:
   // The next replies of the extension; transfers are counted on the way.
   std::vector<channel::NumberedReply> replies(
-      home::ExtensionProcess& extension, std::size_t count) {
+      home::ExtensionSession& extension, std::size_t count) {
     std::vector<channel::NumberedReply> result;
     while (result.size() < count) {
       auto descriptors = extension.descriptors();
       ::poll(descriptors.data(), descriptors.size(), 10'000);
-      const auto events = extension.takeEvents();
+      const auto events = extension.poll({});
       if (events.empty()) {
         ADD_FAILURE() << "no reply";
         return result;
       }
-      for (const home::ExtensionEvent& event : events) {
+      for (const home::SessionEvent& event : events) {
         if (const auto* reply = std::get_if<channel::NumberedReply>(&event)) {
           result.push_back(*reply);
         } else if (const auto* notice = std::get_if<channel::TransferNotice>(&event)) {
           transfers_.push_back(notice->report);
-        } else if (const auto* end = std::get_if<home::ExtensionEnd>(&event)) {
-          ADD_FAILURE() << end->manner() << ": " << end->lastWords;
+        } else if (const auto* end = std::get_if<home::SessionEnd>(&event)) {
+          ADD_FAILURE() << end->detail << ": " << end->lastWords;
           return result;
         }
       }
@@ -69,10 +69,10 @@ TEST_F(ExtensionTest, AFastTimelineOvertakesASlowOne) {
         }
         exchange.respond(200, sales ? summary : noDocuments);
       });
-  auto extension = home::ExtensionProcess::start(EXTENSION_PROGRAM);
+  auto extension = home::ExtensionSession::start(EXTENSION_PROGRAM);
   ASSERT_TRUE(extension);
-  const auto slow = extension->send(channel::TimelineRequest{"SalesSmallWidget"});
-  const auto fast = extension->send(channel::TimelineRequest{"UnpaidMediumWidget"});
+  const auto slow = extension->ask({}, channel::TimelineRequest{"SalesSmallWidget"});
+  const auto fast = extension->ask({}, channel::TimelineRequest{"UnpaidMediumWidget"});
   const auto first = replies(*extension, 1);
   ASSERT_EQ(first.size(), 1U);
   EXPECT_EQ(first[0].id, fast);
@@ -96,12 +96,12 @@ TEST_F(ExtensionTest, ADroppedTimelineLeavesTheOthersUnderWay) {
         exchange.hold();
         exchange.respond(200, summary);
       });
-  auto extension = home::ExtensionProcess::start(EXTENSION_PROGRAM);
+  auto extension = home::ExtensionSession::start(EXTENSION_PROGRAM);
   ASSERT_TRUE(extension);
-  const auto underWay = extension->send(channel::TimelineRequest{"SalesSmallWidget"});
+  const auto underWay = extension->ask({}, channel::TimelineRequest{"SalesSmallWidget"});
   ASSERT_TRUE(gateway.waitForRequests(1));
   ASSERT_EQ(run({"settings", "sign-out"}).status, 0);
-  const auto refused = extension->send(channel::TimelineRequest{"UnpaidMediumWidget"});
+  const auto refused = extension->ask({}, channel::TimelineRequest{"UnpaidMediumWidget"});
   const auto first = replies(*extension, 1);
   ASSERT_EQ(first.size(), 1U);
   EXPECT_EQ(first[0].id, refused);

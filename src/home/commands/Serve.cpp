@@ -61,7 +61,7 @@ Done serve(const ServeOptions& options) {
   for (;;) {
     descriptors = {{signals.get(), POLLIN, 0}, {parent.get(), POLLIN, 0}};
     (*screen)->addDescriptors(descriptors);
-    ::poll(descriptors.data(), descriptors.size(), (*screen)->patience());
+    ::poll(descriptors.data(), descriptors.size(), (*screen)->pollTimeout());
     if (descriptors[0].revents != 0 || descriptors[1].revents != 0) {
       (*screen)->stop();
       return {};

@@ -11,7 +11,7 @@
 #include <variant>
 #include <vector>
 
-#include "home/extension/ExtensionProcess.h"
+#include "home/extension/ExtensionSession.h"
 #include "home/extension/Failure.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/TransferReport.h"
@@ -22,12 +22,7 @@ class ExtensionClient {
  public:
   static std::expected<ExtensionClient, Failure> start(const std::filesystem::path& program);
 
-  // How long an answer may take: 30 s, and 90 s for a timeline, which is longer than the extension
-  // itself waits for the network.
-  static std::chrono::seconds deadline(const channel::Request& request);
-
-  // The answer to the request, of the type expected. Without one in the time allowed the extension
-  // is stopped.
+  // The answer to the request, of the type expected. After a failure nothing more can be asked.
   template <class Answer>
   std::expected<Answer, Failure> ask(
       const channel::Request& request, std::chrono::milliseconds allowed) {
@@ -43,24 +38,22 @@ class ExtensionClient {
 
   template <class Answer>
   std::expected<Answer, Failure> ask(const channel::Request& request) {
-    return ask<Answer>(request, deadline(request));
+    return ask<Answer>(request, ExtensionSession::timeFor(request));
   }
 
   // How the network transfers ended that the extension has told of so far.
   const std::vector<TransferReport>& transfers() const { return transfers_; }
 
  private:
-  explicit ExtensionClient(ExtensionProcess process) : process_(std::move(process)) {}
+  explicit ExtensionClient(ExtensionSession session) : session_(std::move(session)) {}
   std::expected<channel::Reply, Failure> answerTo(
       const channel::Request& request, std::chrono::milliseconds allowed);
-  // What the event means for the request that is waited for; nothing: wait on.
-  std::optional<std::expected<channel::Reply, Failure>> consider(
-      std::uint64_t id, ExtensionEvent& event);
-  std::expected<channel::Reply, Failure> ended(const ExtensionEnd& end);
+  void relay(PrintedLine line);
   void relayHeldLine();
 
-  ExtensionProcess process_;
+  ExtensionSession session_;
   std::vector<TransferReport> transfers_;
+  std::optional<Failure> over_;  // why nothing more can be asked
   // The latest line of the extension's standard error, held back because it may turn out to be its
   // last words.
   std::optional<std::string> heldLine_;

@@ -4,7 +4,6 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
-#include <iterator>
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -120,21 +119,21 @@ class SpawnPlan {
   posix_spawnattr_t attributes_{};
 };
 
-ExtensionEnd reap(pid_t child) {
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
-  return WIFSIGNALED(status) ? ExtensionEnd{0, WTERMSIG(status), {}}
-                             : ExtensionEnd{WEXITSTATUS(status), 0, {}};
-}
+// As much as a pipe or a socket can hold: what an extension left at its end is taken at once.
+constexpr std::size_t maxBytesPerTurn = std::size_t{1024} * 1024;
 
-// Reads what is there now; at the end of the stream the descriptor is closed.
-void readAvailable(FileDescriptor& descriptor, channel::LineReader& reader) {
+// Takes the lines that are there now; at the end of the stream the descriptor is closed.
+template <class Take>
+void readLines(FileDescriptor& descriptor, channel::LineReader& lines, Take take) {
   std::array<char, 65536> buffer{};
-  while (descriptor) {
+  for (std::size_t total = 0; descriptor && total < maxBytesPerTurn;) {
     const ssize_t count = ::read(descriptor.get(), buffer.data(), buffer.size());
     if (count > 0) {
-      reader.append({buffer.data(), static_cast<std::size_t>(count)});
+      total += static_cast<std::size_t>(count);
+      lines.append({buffer.data(), static_cast<std::size_t>(count)});
+      while (auto line = lines.next()) {
+        take(std::move(*line));
+      }
     } else if (count == 0 || (errno != EINTR && errno != EAGAIN)) {
       descriptor.close();
     } else if (errno == EAGAIN) {
@@ -143,21 +142,9 @@ void readAvailable(FileDescriptor& descriptor, channel::LineReader& reader) {
   }
 }
 
-ExtensionEvent decoded(const channel::Line& line) {
-  if (line.tooLong) {
-    return Garbage{"a message of more than 8 MiB"};
-  }
-  auto message = channel::decodeFromExtension(line.text);
-  if (!message) {
-    return Garbage{message.error()};
-  }
-  return std::visit(
-      [](auto& alternative) -> ExtensionEvent { return std::move(alternative); }, *message);
-}
-
 }  // namespace
 
-std::string ExtensionEnd::manner() const {
+std::string ExtensionProcess::End::manner() const {
   if (signal == 0) {
     return "exit status " + std::to_string(exitStatus);
   }
@@ -196,32 +183,20 @@ std::expected<ExtensionProcess, std::string> ExtensionProcess::start(
   return process;
 }
 
-ExtensionProcess::ExtensionProcess(ExtensionProcess&& other) noexcept
-    : pid_(std::exchange(other.pid_, 0)),
-      process_(std::move(other.process_)),
-      channel_(std::move(other.channel_)),
-      output_(std::move(other.output_)),
-      error_(std::move(other.error_)),
-      lastId_(other.lastId_),
-      pending_(std::move(other.pending_)),
-      messages_(std::move(other.messages_)),
-      outputLines_(std::move(other.outputLines_)),
-      errorLines_(std::move(other.errorLines_)),
-      lastWords_(std::move(other.lastWords_)) {}
-
 ExtensionProcess::~ExtensionProcess() {
-  if (pid_ != 0) {
+  if (process_) {
     kill();
-    reap(pid_);
+    constexpr int maxWait = 2000;  // milliseconds
+    pollfd end{process_.get(), POLLIN, 0};
+    ::poll(&end, 1, maxWait);
+    reap();
   }
 }
 
-std::uint64_t ExtensionProcess::send(const channel::Request& request) {
-  const std::uint64_t id = ++lastId_;
-  pending_ += channel::encode(channel::NumberedRequest{id, request});
+void ExtensionProcess::send(std::string_view line) {
+  pending_ += line;
   pending_ += '\n';
   writePending();
-  return id;
 }
 
 void ExtensionProcess::writePending() {
@@ -245,67 +220,71 @@ std::array<pollfd, 4> ExtensionProcess::descriptors() const {
       pollfd{error_.get(), POLLIN, 0}};
 }
 
-std::vector<ExtensionEvent> ExtensionProcess::takeEvents() {
-  std::vector<ExtensionEvent> events;
-  if (pid_ == 0) {
-    return events;
+ExtensionProcess::Arrivals ExtensionProcess::take() {
+  Arrivals arrivals;
+  if (!process_) {
+    return arrivals;
   }
   // The end is looked for first and the streams are read afterwards, so that they are complete when
-  // it is told.
+  // it is told. The channel is read before the printed lines, so that those before a message are
+  // there with it.
   pollfd end{process_.get(), POLLIN, 0};
   const bool ended = ::poll(&end, 1, 0) > 0;
 
   writePending();
-  readAvailable(channel_, messages_);
-  readPrinted(output_, outputLines_, PrintedLine::Stream::output, events);
-  readPrinted(error_, errorLines_, PrintedLine::Stream::error, events);
-  while (const auto line = messages_.next()) {
-    events.push_back(decoded(*line));
-  }
+  readLines(channel_, messages_, [&](channel::Line line) {
+    arrivals.messages.push_back(std::move(line));
+  });
+  readPrinted(PrintedLine::Stream::output, arrivals.printed);
+  readPrinted(PrintedLine::Stream::error, arrivals.printed);
   if (ended) {
-    addPrinted(PrintedLine::Stream::output, outputLines_.takeRest(), events);
-    addPrinted(PrintedLine::Stream::error, errorLines_.takeRest(), events);
+    for (const auto& [stream, lines] :
+         {std::pair{PrintedLine::Stream::output, &outputLines_},
+          {PrintedLine::Stream::error, &errorLines_}}) {
+      if (const std::string rest = lines->takeRest(); !rest.empty()) {
+        arrivals.printed.push_back({stream, printableText(rest)});
+      }
+    }
     kill();  // what it may have started itself
-    ExtensionEnd ending = reap(std::exchange(pid_, 0));
-    ending.lastWords = std::move(lastWords_);
-    events.emplace_back(std::move(ending));
-    process_.close();
+    arrivals.end = reap();
     channel_.close();
     output_.close();
     error_.close();
   } else if (!channel_) {
     kill();  // it hung up: nothing can be asked of it any more
   }
-  return events;
+  return arrivals;
 }
 
-void ExtensionProcess::readPrinted(
-    FileDescriptor& descriptor,
-    channel::LineReader& reader,
-    PrintedLine::Stream stream,
-    std::vector<ExtensionEvent>& events) {
-  readAvailable(descriptor, reader);
-  while (auto line = reader.next()) {
-    addPrinted(
-        stream, line->tooLong ? "(a line of more than 64 KiB)" : std::move(line->text), events);
-  }
+void ExtensionProcess::readPrinted(PrintedLine::Stream stream, std::vector<PrintedLine>& printed) {
+  const bool isError = stream == PrintedLine::Stream::error;
+  readLines(
+      isError ? error_ : output_,
+      isError ? errorLines_ : outputLines_,
+      [&](const channel::Line& line) {
+        if (line.tooLong) {
+          printed.push_back({stream, "(a line of more than 64 KiB)"});
+        } else if (!line.text.empty()) {
+          printed.push_back({stream, printableText(line.text)});
+        }
+      });
 }
 
-void ExtensionProcess::addPrinted(
-    PrintedLine::Stream stream, std::string text, std::vector<ExtensionEvent>& events) {
-  if (text.empty()) {
-    return;
-  }
-  if (stream == PrintedLine::Stream::error) {
-    lastWords_ = text;
-  }
-  events.emplace_back(PrintedLine{stream, std::move(text)});
-}
-
+// The group first, for as long as the child is not waited for; then the child itself, which may
+// have left its group.
 void ExtensionProcess::kill() const {
-  if (pid_ != 0) {
+  if (process_) {
     ::kill(-pid_, SIGKILL);
+    ::pidfd_send_signal(process_.get(), SIGKILL, nullptr, 0);
   }
+}
+
+ExtensionProcess::End ExtensionProcess::reap() {
+  siginfo_t info{};
+  ::waitid(P_PIDFD, static_cast<id_t>(process_.get()), &info, WEXITED | WNOHANG);
+  process_.close();
+  return info.si_code == CLD_EXITED ? End{.exitStatus = info.si_status}
+                                    : End{.signal = info.si_status};
 }
 
 }  // namespace quillpad::home

@@ -1,100 +1,83 @@
-// The extension as a child process. Entirely passive: its owner polls the descriptors and then
-// takes what has come; nothing here blocks. Belongs to one thread, which must outlive the
-// extension: the kernel ends a child with the thread that started it.
+// The extension as a child process with its streams of lines. Entirely passive: its owner polls the
+// descriptors and then takes what has come; nothing here blocks. Belongs to one thread, which must
+// outlive the extension: the kernel ends a child with the thread that started it.
 #pragma once
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <expected>
 #include <filesystem>
+#include <optional>
 #include <poll.h>
 #include <string>
+#include <string_view>
 #include <sys/types.h>
-#include <variant>
 #include <vector>
 
+#include "home/extension/PrintedLine.h"
 #include "platform/channel/LineReader.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/FileDescriptor.h"
 
 namespace quillpad::home {
 
-// A line that the extension printed.
-struct PrintedLine {
-  enum class Stream { output, error };
-  Stream stream;
-  std::string text;
-};
-
-// Something on the channel that is no message, in words.
-struct Garbage {
-  std::string reason;
-};
-
-// The extension is gone; nothing comes after this.
-struct ExtensionEnd {
-  int exitStatus = 0;
-  int signal = 0;         // 0 where it ended by itself
-  std::string lastWords;  // the last line that it wrote to standard error, if any
-
-  // For a person: "exit status 1" or "signal 6, Aborted".
-  std::string manner() const;
-};
-
-using ExtensionEvent = std::
-    variant<channel::NumberedReply, channel::TransferNotice, PrintedLine, Garbage, ExtensionEnd>;
-
 class ExtensionProcess {
  public:
+  struct End {
+    int exitStatus = 0;
+    int signal = 0;  // 0 where it ended by itself
+
+    // For a person: "exit status 1" or "signal 6, Aborted".
+    std::string manner() const;
+  };
+
+  // What has come since the last time, each stream in order.
+  struct Arrivals {
+    std::vector<PrintedLine> printed;
+    std::vector<channel::Line> messages;  // those that were sent after the lines were printed
+    std::optional<End> end;               // nothing comes after it
+  };
+
   // Starts the program; on failure one sentence for a person.
   static std::expected<ExtensionProcess, std::string> start(const std::filesystem::path& program);
 
-  // Kills the extension if it still runs, and waits for its end.
+  // Kills the extension if it still runs, and waits a moment for its end.
   ~ExtensionProcess();
-  ExtensionProcess(ExtensionProcess&& other) noexcept;
+  ExtensionProcess(ExtensionProcess&&) noexcept = default;
   ExtensionProcess& operator=(ExtensionProcess&&) = delete;
 
   // Of the child; 0 once it has ended.
-  pid_t pid() const { return pid_; }
+  pid_t pid() const { return process_ ? pid_ : 0; }
 
-  // Sends the request, or as much of it as the extension takes now; returns its id.
-  std::uint64_t send(const channel::Request& request);
+  // Sends the line, or as much of it as the extension takes now.
+  void send(std::string_view line);
 
   // What to poll for; those of no interest now are negative.
   std::array<pollfd, 4> descriptors() const;
 
-  // Everything that has come since, in order, printed lines before the replies that followed them.
-  // Also sends what could not be sent before.
-  std::vector<ExtensionEvent> takeEvents();
+  // Takes what has come, at most some megabytes at a time, and sends what could not be sent before.
+  Arrivals take();
 
-  // Ends the extension at once, with what it may have started; its end is the last event.
+  // Ends the extension at once, with what it may have started.
   void kill() const;
 
  private:
   ExtensionProcess() = default;
   void writePending();
-  void readPrinted(
-      FileDescriptor& descriptor,
-      channel::LineReader& reader,
-      PrintedLine::Stream stream,
-      std::vector<ExtensionEvent>& events);
-  void addPrinted(
-      PrintedLine::Stream stream, std::string text, std::vector<ExtensionEvent>& events);
+  void readPrinted(PrintedLine::Stream stream, std::vector<PrintedLine>& printed);
+  End reap();
 
   pid_t pid_ = 0;
-  FileDescriptor process_;  // readable once the child has ended
+  FileDescriptor process_;  // readable once the child has ended; closed once that was seen
   FileDescriptor channel_;
   FileDescriptor output_;
   FileDescriptor error_;
-  std::uint64_t lastId_ = 0;
-  std::string pending_;  // of the requests, what the channel has not taken yet
+  std::string pending_;  // what the channel has not taken yet
   channel::LineReader messages_{channel::longestFrame};
-  channel::LineReader outputLines_{longestPrintedLine};
-  channel::LineReader errorLines_{longestPrintedLine};
-  std::string lastWords_;
+  channel::LineReader outputLines_{maxPrintedLine};
+  channel::LineReader errorLines_{maxPrintedLine};
 
-  static constexpr std::size_t longestPrintedLine = std::size_t{64} * 1024;
+  static constexpr std::size_t maxPrintedLine = std::size_t{64} * 1024;
 };
 
 }  // namespace quillpad::home

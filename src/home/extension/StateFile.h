@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "home/extension/Supervisor.h"
+#include "home/extension/WidgetState.h"
 
 namespace quillpad::home {
 

@@ -1,12 +1,20 @@
 #include "home/extension/Supervisor.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "platform/foundation/Clock.h"
 
 namespace quillpad::home {
 namespace {
+
+using namespace std::chrono_literals;
+
+// A timeline is asked for again neither in a rush nor never, whatever reload time it names.
+constexpr std::chrono::milliseconds minWait = 1s;
+constexpr std::chrono::milliseconds maxWait = 24h;
+constexpr std::chrono::milliseconds pauseAfterFailure = 5min;
 
 // The date of an entry as the channel carries it; the beginning of time where it has none.
 Date dateOf(const Value& entry) {
@@ -23,8 +31,6 @@ const T* addressOf(const std::optional<T>& value) {
 
 }  // namespace
 
-Supervisor::Supervisor(Rules rules) : rules_(rules) {}
-
 void Supervisor::restore(SavedHome saved) {
   catalogue_ = std::move(saved.catalogue);
   placed_ = {saved.placed.begin(), saved.placed.end()};
@@ -34,27 +40,32 @@ void Supervisor::restore(SavedHome saved) {
     widgets_[kind].picture = std::move(picture);
   }
   for (const std::string& kind : placed_) {
-    touch(widgets_[kind]);
+    markChanged(widgets_[kind]);
   }
 }
 
 // Events
 
-void Supervisor::timePassed(const Now& now) { advance(now); }
+void Supervisor::timePassed(const Moment& now) { advance(now); }
 
-void Supervisor::replied(const Now& now, const channel::NumberedReply& reply) {
-  lastHeard_ = now.uptime;
-  const auto found = reply.id ? pending_.find(*reply.id) : pending_.end();
-  if (found == pending_.end()) {
-    return;  // given up before
+void Supervisor::replied(const Moment& now, const channel::NumberedReply& reply) {
+  if (const auto request = takePending(reply.id.value_or(0))) {
+    take(now, *request, reply.reply);
+    advance(now);
   }
-  const Pending request = std::move(found->second);
-  pending_.erase(found);
-  if (const auto widget = widgets_.find(request.kind); widget != widgets_.end()) {
-    widget->second.busy = false;
+}
+
+void Supervisor::answerIsLate(const Moment& now, const LateAnswer& late) {
+  if (const auto request = takePending(late.id)) {
+    requestFailed(
+        now,
+        *request,
+        {.cause = Problem::Cause::late,
+         .detail = std::to_string(late.waited.count()) + " seconds",
+         .output = "",
+         .since = now.date});
+    advance(now);
   }
-  take(now, request, reply.reply);
-  advance(now);
 }
 
 void Supervisor::transferred(const channel::TransferNotice& notice) {
@@ -65,55 +76,41 @@ void Supervisor::transferred(const channel::TransferNotice& notice) {
 
 void Supervisor::printed(std::string line) { lastLine_ = std::move(line); }
 
-void Supervisor::memoryMeasured(const Now& now, std::size_t bytes) {
-  if (bytes > rules_.memoryLimit) {
-    constexpr std::size_t megabyte = std::size_t{1024} * 1024;
-    kill({
-        .cause = Trouble::Cause::overMemory,
-        .how = std::to_string(bytes / megabyte) + " MB of the " +
-               std::to_string(rules_.memoryLimit / megabyte) + " MB that it may use",
-        .said = "",
-        .since = now.date,
-    });
-  }
+void Supervisor::ended(const Moment& now, const SessionEnd& end) {
+  loseExtension(now, problemOf(end, now.date));
 }
 
-void Supervisor::channelBroken(const Now& now, const std::string& what) {
-  kill({.cause = Trouble::Cause::ended, .how = what, .said = "", .since = now.date});
-}
-
-void Supervisor::ended(const Now& now, const std::string& manner) {
-  Trouble trouble{
-      .cause = Trouble::Cause::ended, .how = manner, .said = lastLine_, .since = now.date};
-  if (auto reason = std::exchange(killedFor_, std::nullopt)) {
-    trouble = std::move(*reason);
-  }
-  loseExtension(now, std::move(trouble));
-}
-
-void Supervisor::failedToStart(const Now& now, const std::string& why) {
+void Supervisor::failedToStart(const Moment& now, std::string why) {
   loseExtension(
-      now, {.cause = Trouble::Cause::notStarted, .how = why, .said = "", .since = now.date});
+      now,
+      {.cause = Problem::Cause::notStarted,
+       .detail = std::move(why),
+       .output = "",
+       .since = now.date});
 }
 
-bool Supervisor::place(const Now& now, std::string_view kind) {
-  if (std::ranges::find(catalogue_, kind, &channel::CatalogueItem::kind) == catalogue_.end()) {
+bool Supervisor::offers(std::string_view kind) const {
+  return std::ranges::find(catalogue_, kind, &channel::CatalogueItem::kind) != catalogue_.end();
+}
+
+bool Supervisor::place(const Moment& now, std::string_view kind) {
+  if (!offers(kind)) {
     return false;
   }
   if (placed_.emplace(kind).second) {
     Widget& widget = widgets_[std::string(kind)];
     widget.due = now.uptime;
-    touch(widget);
+    markChanged(widget);
     ++savedVersion_;
     advance(now);
   }
   return true;
 }
 
-bool Supervisor::remove(const Now& now, std::string_view kind) {
+bool Supervisor::remove(const Moment& now, std::string_view kind) {
   const auto found = placed_.find(kind);
   if (found == placed_.end()) {
-    return std::ranges::find(catalogue_, kind, &channel::CatalogueItem::kind) != catalogue_.end();
+    return offers(kind);
   }
   placed_.erase(found);
   if (const auto widget = widgets_.find(kind); widget != widgets_.end()) {
@@ -129,80 +126,55 @@ bool Supervisor::remove(const Now& now, std::string_view kind) {
   return true;
 }
 
-void Supervisor::reload(const Now& now) {
-  endsInARow_ = 0;
-  if (life_ == Life::waiting || life_ == Life::pausing) {
-    life_ = Life::asleep;
-    startAt_ = now.uptime;
+void Supervisor::reload(const Moment& now) {
+  restarts_.reset();
+  if (life_ == Life::gaveUp || life_ == Life::backingOff) {
+    life_ = Life::stopped;
   }
   for (const std::string& kind : placed_) {
     widgets_[kind].due = now.uptime;
-    touch(widgets_[kind]);
+    markChanged(widgets_[kind]);
   }
   advance(now);
 }
 
-void Supervisor::openGallery(const Now& now) {
+void Supervisor::openGallery(const Moment& now) {
   galleryOpened_ = true;
   advance(now);
 }
 
 // The state machine
 
-void Supervisor::advance(const Now& now) {
-  giveUpLateRequests(now);
-  if (life_ == Life::pausing && now.uptime >= startAt_) {
-    life_ = Life::asleep;
+void Supervisor::advance(const Moment& now) {
+  if (life_ == Life::backingOff && now.uptime >= startAt_) {
+    life_ = Life::stopped;
   }
-  if (life_ == Life::asleep && wanted()) {
-    life_ = Life::starting;
-    lastId_ = 0;
-    proven_ = false;
-    lastLine_.clear();
-    lastHeard_ = now.uptime;
-    actions_.emplace_back(StartExtension{});
-    send(now, "", Purpose::catalogue, channel::CatalogueRequest{});
-    ++version_;
+  if (life_ == Life::stopped && isWanted()) {
+    startExtension(now);
   }
-  if (life_ == Life::running && !killedFor_) {
+  if (life_ == Life::running) {
     askWhatIsDue(now);
-    if (proven_ && pending_.empty()) {
-      endsInARow_ = 0;
+    if (answeredInThisRun_ && pending_.empty()) {
+      restarts_.reset();
       lastEnd_.reset();
     }
   }
 }
 
-// The extension is kept running for as long as there is anything that it will be asked.
-bool Supervisor::wanted() const { return !everPlaced_ || !placed_.empty() || galleryOpened_; }
-
-void Supervisor::giveUpLateRequests(const Now& now) {
-  for (auto request = pending_.begin(); request != pending_.end();) {
-    if (now.uptime < request->second.deadline) {
-      ++request;
-      continue;
-    }
-    const Pending late = std::move(request->second);
-    request = pending_.erase(request);
-    const auto seconds =
-        std::chrono::duration_cast<std::chrono::seconds>(late.deadline - late.sent).count();
-    const Trouble trouble{
-        .cause = Trouble::Cause::late,
-        .how = std::to_string(seconds) + " seconds",
-        .said = "",
-        .since = now.date};
-    if (late.purpose != Purpose::catalogue) {
-      widgets_[late.kind].busy = false;
-      miss(now, late, trouble);
-    }
-    if (lastHeard_ <= late.sent) {  // not a word since: it hangs
-      kill(trouble);
-    }
-  }
+void Supervisor::startExtension(const Moment& now) {
+  life_ = Life::starting;
+  lastId_ = 0;
+  answeredInThisRun_ = false;
+  actions_.emplace_back(StartExtension{});
+  ask(now, "", Purpose::catalogue);
+  ++version_;
 }
 
+// The extension is kept running for as long as there is anything that it will be asked.
+bool Supervisor::isWanted() const { return !everPlaced_ || !placed_.empty() || galleryOpened_; }
+
 std::optional<Supervisor::Purpose> Supervisor::nextFor(
-    const std::string& kind, const Widget& widget, const Now& now) const {
+    const std::string& kind, const Widget& widget, const Moment& now) const {
   if (widget.busy) {
     return std::nullopt;
   }
@@ -226,97 +198,96 @@ std::optional<Supervisor::Purpose> Supervisor::nextFor(
 // After an end the widgets are asked one after the other, the longest unasked first and what is
 // half done before all: one whose answer ends the extension each time then takes none of the others
 // with it.
-void Supervisor::askWhatIsDue(const Now& now) {
+void Supervisor::askWhatIsDue(const Moment& now) {
   struct Question {
-    const std::string& kind;
-    Widget& widget;
+    const std::string* kind;
     Purpose purpose;
     Uptime rank;
   };
   std::vector<Question> questions;
   for (const channel::CatalogueItem& item : catalogue_) {
     Widget& widget = widgets_[item.kind];
-    if (!widget.busy && !widget.unrendered && widget.picture && !widget.later.empty() &&
-        now.uptime >= widget.later.front().due) {
-      widget.unrendered = widget.picture;
-      widget.unrendered->entry = widget.later.front().entry;
-      widget.later.erase(widget.later.begin());
-    }
+    showNextEntry(now, widget);
     if (const auto purpose = nextFor(item.kind, widget, now)) {
-      questions.push_back(
-          {item.kind, widget, *purpose, widget.unrendered ? Uptime::min() : widget.asked});
+      questions.push_back({&item.kind, *purpose, widget.unrendered ? Uptime::min() : widget.asked});
     }
   }
-  std::vector<const Question*> order;
-  order.reserve(questions.size());
-  for (const Question& question : questions) {
-    order.push_back(&question);
-  }
-  std::ranges::stable_sort(order, {}, &Question::rank);
-  for (const Question* question : order) {
-    if (endsInARow_ > 0 && !pending_.empty()) {
+  std::ranges::stable_sort(questions, {}, &Question::rank);
+  for (const auto& [kind, purpose, rank] : questions) {
+    if (restarts_.hasEnded() && !pending_.empty()) {
       return;
     }
-    const auto& [kind, widget, purpose, rank] = *question;
+    ask(now, *kind, purpose);
+  }
+}
+
+// Takes the entry of the timeline whose time has come.
+void Supervisor::showNextEntry(const Moment& now, Widget& widget) {
+  if (!widget.busy && !widget.unrendered && widget.picture && !widget.later.empty() &&
+      now.uptime >= widget.later.front().due) {
+    widget.unrendered = widget.picture;
+    widget.unrendered->entry = std::move(widget.later.front().entry);
+    widget.later.erase(widget.later.begin());
+  }
+}
+
+void Supervisor::ask(const Moment& now, const std::string& kind, Purpose purpose) {
+  if (pending_.empty()) {
+    lastLine_.clear();  // what was printed before belongs to others
+  }
+  channel::Request request = channel::CatalogueRequest{};
+  if (purpose != Purpose::catalogue) {
+    Widget& widget = widgets_[kind];
     widget.busy = true;
     switch (purpose) {
       case Purpose::catalogue:
         break;
       case Purpose::placeholder:
-        send(now, kind, purpose, channel::PlaceholderRequest{kind});
+        request = channel::PlaceholderRequest{kind};
         break;
       case Purpose::snapshot:
-        send(now, kind, purpose, channel::SnapshotRequest{kind});
+        request = channel::SnapshotRequest{kind};
         break;
       case Purpose::timeline:
         widget.asked = now.uptime;
-        send(now, kind, purpose, channel::TimelineRequest{kind});
+        request = channel::TimelineRequest{kind};
         break;
       case Purpose::rendering:
-        if (const Picture* awaited = addressOf(widget.unrendered)) {
-          send(now, kind, purpose, channel::RenderRequest{kind, awaited->entry, std::nullopt, ""});
-        }
+        request = channel::RenderRequest{
+            kind, widget.unrendered ? widget.unrendered->entry : Value{}, std::nullopt, ""};
         break;
     }
   }
+  pending_.emplace(++lastId_, Pending{.kind = kind, .purpose = purpose});
+  actions_.emplace_back(Ask{std::move(request)});
 }
 
-void Supervisor::send(
-    const Now& now, const std::string& kind, Purpose purpose, channel::Request request) {
-  if (pending_.empty()) {
-    lastLine_.clear();  // what was printed before belongs to others
+// The request, which is no longer under way; nothing where it is not one of this run.
+std::optional<Supervisor::Pending> Supervisor::takePending(std::uint64_t id) {
+  auto node = pending_.extract(id);
+  if (node.empty()) {
+    return std::nullopt;
   }
-  const auto patience =
-      purpose == Purpose::timeline ? rules_.timelineDeadline : rules_.answerDeadline;
-  pending_.emplace(
-      ++lastId_,
-      Pending{
-          .kind = kind,
-          .purpose = purpose,
-          .sent = now.uptime,
-          .deadline = now.uptime + patience,
-          .failure = std::nullopt});
-  actions_.emplace_back(Send{std::move(request)});
+  if (const auto widget = widgets_.find(node.mapped().kind); widget != widgets_.end()) {
+    widget->second.busy = false;
+  }
+  return std::move(node.mapped());
 }
 
-void Supervisor::take(const Now& now, const Pending& request, const channel::Reply& reply) {
-  const auto trouble = [&](Trouble::Cause cause, std::string how) {
-    miss(
+void Supervisor::take(const Moment& now, const Pending& request, const channel::Reply& reply) {
+  const auto fail = [&](Problem::Cause cause, std::string detail) {
+    requestFailed(
         now,
         request,
-        {.cause = cause, .how = std::move(how), .said = lastLine_, .since = now.date});
+        {.cause = cause, .detail = std::move(detail), .output = lastLine_, .since = now.date});
   };
-  proven_ = proven_ || request.purpose == Purpose::timeline;
+  answeredInThisRun_ = answeredInThisRun_ || request.purpose == Purpose::timeline;
   if (request.purpose == Purpose::catalogue) {
-    if (const auto* catalogue = std::get_if<channel::Catalogue>(&reply)) {
-      takeCatalogue(now, *catalogue);
-    } else {
-      channelBroken(now, "it did not list its widgets");
-    }
+    takeCatalogue(now, reply);
   } else if (std::holds_alternative<channel::Dropped>(reply)) {
-    trouble(Trouble::Cause::dropped, "");
+    fail(Problem::Cause::dropped, "");
   } else if (const auto* refused = std::get_if<channel::Refused>(&reply)) {
-    trouble(Trouble::Cause::refused, refused->message);
+    fail(Problem::Cause::refused, refused->message);
   } else if (const auto* timeline = std::get_if<channel::Timeline>(&reply);
              timeline != nullptr && request.purpose == Purpose::timeline) {
     takeTimeline(now, request, *timeline);
@@ -326,19 +297,27 @@ void Supervisor::take(const Now& now, const Pending& request, const channel::Rep
   } else if (const auto* entry = std::get_if<channel::Entry>(&reply);
              entry != nullptr &&
              (request.purpose == Purpose::placeholder || request.purpose == Purpose::snapshot)) {
-    widgets_[request.kind].unrendered = Picture{
-        .source = request.purpose == Purpose::snapshot ? Picture::Source::snapshot
-                                                       : Picture::Source::placeholder,
-        .entry = entry->entry,
-        .received = now.date};
+    widgets_[request.kind].unrendered =
+        Picture{.source = target(request), .entry = entry->entry, .received = now.date};
   } else {
-    trouble(Trouble::Cause::refused, "it answered something else than was asked");
+    fail(Problem::Cause::refused, "it answered something else than was asked");
   }
 }
 
-void Supervisor::takeCatalogue(const Now& now, const channel::Catalogue& catalogue) {
+// An extension without a single widget is of no use: what it listed before stays.
+void Supervisor::takeCatalogue(const Moment& now, const channel::Reply& reply) {
+  const auto* catalogue = std::get_if<channel::Catalogue>(&reply);
+  if (catalogue == nullptr || catalogue->items.empty()) {
+    actions_.emplace_back(EndExtension{});
+    return loseExtension(
+        now,
+        {.cause = Problem::Cause::protocolError,
+         .detail = "no list of its widgets",
+         .output = "",
+         .since = now.date});
+  }
   life_ = Life::running;
-  catalogue_ = catalogue.items;
+  catalogue_ = catalogue->items;
   if (!everPlaced_) {
     everPlaced_ = true;
     for (const channel::CatalogueItem& item : catalogue_) {
@@ -351,13 +330,13 @@ void Supervisor::takeCatalogue(const Now& now, const channel::Catalogue& catalog
 }
 
 void Supervisor::takeTimeline(
-    const Now& now, const Pending& request, const channel::Timeline& timeline) {
+    const Moment& now, const Pending& request, const channel::Timeline& timeline) {
   Widget& widget = widgets_[request.kind];
   const auto wait =
-      std::max<std::chrono::milliseconds>(timeline.reloadAfter - now.date, rules_.soonestReload);
+      std::clamp<std::chrono::milliseconds>(timeline.reloadAfter - now.date, minWait, maxWait);
   widget.due = now.uptime + wait;
   widget.reload = now.date + wait;
-  widget.trouble.reset();
+  widget.problem.reset();
 
   widget.later.clear();
   for (const Value& entry : timeline.entries) {
@@ -365,7 +344,7 @@ void Supervisor::takeTimeline(
   }
   std::ranges::stable_sort(widget.later, {}, &LaterEntry::due);
   if (widget.later.empty()) {
-    touch(widget);
+    markChanged(widget);
     return;
   }
   // The last one whose time has come, or the first one where all are still to come.
@@ -399,14 +378,14 @@ void Supervisor::takeRendering(const std::string& kind, const channel::Rendering
   }
   const bool isTimeline = picture.source == Picture::Source::timeline;
   widget.picture = std::move(picture);
-  touch(widget);
+  markChanged(widget);
   if (isTimeline) {
     ++savedVersion_;
   }
 }
 
 // What the request is to lead to.
-Picture::Source Supervisor::aimOf(const Pending& request) const {
+Picture::Source Supervisor::target(const Pending& request) const {
   switch (request.purpose) {
     case Purpose::placeholder:
       return Picture::Source::placeholder;
@@ -425,59 +404,53 @@ Picture::Source Supervisor::aimOf(const Pending& request) const {
   return Picture::Source::timeline;
 }
 
-// The request came to nothing: the widget keeps its picture and is asked again later.
-void Supervisor::miss(const Now& now, const Pending& request, Trouble trouble) {
+// The widget keeps its picture and is asked again later.
+void Supervisor::requestFailed(const Moment& now, const Pending& request, Problem problem) {
+  if (request.purpose == Purpose::catalogue) {
+    return takeCatalogue(now, channel::Dropped{});
+  }
   Widget& widget = widgets_[request.kind];
-  switch (aimOf(request)) {
+  switch (target(request)) {
     case Picture::Source::placeholder:
       widget.placeholderFailed = true;
-      widget.trouble = std::move(trouble);
+      widget.problem = std::move(problem);
       break;
     case Picture::Source::snapshot:
       widget.snapshotFailed = true;
       break;
     case Picture::Source::timeline:
-      widget.due = now.uptime + rules_.retry;
-      widget.reload = now.date + rules_.retry;
-      widget.trouble = std::move(trouble);
+      widget.due = now.uptime + pauseAfterFailure;
+      widget.reload = now.date + pauseAfterFailure;
+      widget.problem = std::move(problem);
       break;
   }
   widget.unrendered.reset();
-  touch(widget);
-}
-
-void Supervisor::kill(Trouble why) {
-  if ((life_ == Life::starting || life_ == Life::running) && !killedFor_) {
-    killedFor_ = std::move(why);
-    actions_.emplace_back(KillExtension{});
-  }
+  markChanged(widget);
 }
 
 // Who was being asked keeps its picture and is asked again in the next run.
-void Supervisor::loseExtension(const Now& now, Trouble trouble) {
-  ++endsInARow_;
-  const bool gaveUp = endsInARow_ > rules_.restartPauses.size();
-  life_ = gaveUp ? Life::waiting : Life::pausing;
-  startAt_ = now.uptime + (gaveUp ? Uptime{} : rules_.restartPauses[endsInARow_ - 1]);
+void Supervisor::loseExtension(const Moment& now, Problem problem) {
+  const auto pause = restarts_.pauseAfterEnd();
+  life_ = pause ? Life::backingOff : Life::gaveUp;
+  startAt_ = now.uptime + pause.value_or(Uptime{});
   for (const auto& [id, request] : std::exchange(pending_, {})) {
     if (request.purpose == Purpose::catalogue) {
       continue;
     }
     Widget& widget = widgets_[request.kind];
-    if (aimOf(request) == Picture::Source::timeline) {
+    if (target(request) == Picture::Source::timeline) {
       widget.due = now.uptime;
       widget.reload = now.date + (startAt_ - now.uptime);
-      widget.trouble = trouble;
+      widget.problem = problem;
     }
     widget.busy = false;
     widget.unrendered.reset();
   }
   for (auto& [kind, widget] : widgets_) {
-    touch(widget);
+    markChanged(widget);
   }
-  std::erase_if(
-      actions_, [](const Action& action) { return std::holds_alternative<Send>(action); });
-  lastEnd_ = std::move(trouble);
+  std::erase_if(actions_, [](const Action& action) { return std::holds_alternative<Ask>(action); });
+  lastEnd_ = std::move(problem);
   advance(now);
 }
 
@@ -485,51 +458,47 @@ void Supervisor::loseExtension(const Now& now, Trouble trouble) {
 
 std::vector<Supervisor::Action> Supervisor::takeActions() { return std::exchange(actions_, {}); }
 
-std::optional<Uptime> Supervisor::wakeUp() const {
+std::optional<Uptime> Supervisor::nextDeadline() const {
+  if (life_ == Life::backingOff) {
+    return startAt_;
+  }
+  if (life_ != Life::running || (restarts_.hasEnded() && !pending_.empty())) {
+    return std::nullopt;
+  }
   std::optional<Uptime> earliest;
   const auto consider = [&](Uptime moment) {
     earliest = earliest ? std::min(*earliest, moment) : moment;
   };
-  for (const auto& [id, request] : pending_) {
-    consider(request.deadline);
-  }
-  if (life_ == Life::pausing) {
-    consider(startAt_);
-  }
-  if (life_ == Life::running && !killedFor_ && (endsInARow_ == 0 || pending_.empty())) {
-    for (const channel::CatalogueItem& item : catalogue_) {
-      const auto found = widgets_.find(item.kind);
-      if (!placed_.contains(item.kind) || found == widgets_.end() || found->second.busy) {
-        continue;
-      }
-      const Widget& widget = found->second;
-      consider(widget.due);
-      if (widget.picture && !widget.later.empty()) {
-        consider(widget.later.front().due);
-      }
+  for (const std::string& kind : placed_) {
+    const auto found = widgets_.find(kind);
+    if (found == widgets_.end() || found->second.busy || !offers(kind)) {
+      continue;
+    }
+    const Widget& widget = found->second;
+    consider(widget.due);
+    if (widget.picture && !widget.later.empty()) {
+      consider(widget.later.front().due);
     }
   }
   return earliest;
 }
 
-std::vector<Card> Supervisor::cards() const {
-  std::vector<Card> cards;
+std::vector<WidgetState> Supervisor::widgets() const {
+  std::vector<WidgetState> states;
   for (const channel::CatalogueItem& item : catalogue_) {
     const auto found = widgets_.find(item.kind);
     if (!placed_.contains(item.kind) || found == widgets_.end()) {
       continue;
     }
     const Widget& widget = found->second;
-    Card card{.about = &item};
-    card.picture = addressOf(widget.picture);
-    card.trouble = addressOf(widget.trouble);
-    if (life_ != Life::waiting) {
-      card.reload = widget.reload;
-    }
-    card.version = widget.version;
-    cards.push_back(card);
+    states.push_back(
+        {.about = &item,
+         .picture = addressOf(widget.picture),
+         .problem = addressOf(widget.problem),
+         .reload = life_ == Life::gaveUp ? std::nullopt : widget.reload,
+         .version = widget.version});
   }
-  return cards;
+  return states;
 }
 
 const Picture* Supervisor::snapshot(std::string_view kind) const {
@@ -550,6 +519,6 @@ SavedHome Supervisor::saved() const {
   return saved;
 }
 
-void Supervisor::touch(Widget& widget) { widget.version = ++version_; }
+void Supervisor::markChanged(Widget& widget) { widget.version = ++version_; }
 
 }  // namespace quillpad::home

@@ -1,6 +1,7 @@
 #include "home/extension/WidgetStatus.h"
 
 #include <array>
+#include <cstddef>
 #include <utility>
 
 namespace quillpad::home {
@@ -30,40 +31,51 @@ std::string fallbackWords(const TransportError& failure) {
 
 }  // namespace
 
-std::string inPlainWords(const Trouble& trouble) {
-  std::string words;
-  switch (trouble.cause) {
-    case Trouble::Cause::dropped:
-      return "The extension let the request go without an answer. " + whyDropped(trouble.said);
-    case Trouble::Cause::refused:
-      return "The extension could not take the request: " + trouble.how + ".";
-    case Trouble::Cause::late:
-      return "No answer came within " + trouble.how + ".";
-    case Trouble::Cause::overMemory:
-      return "The home screen ended the extension, which used " + trouble.how + ".";
-    case Trouble::Cause::notStarted:
-      return "The extension cannot be started: " + trouble.how;
-    case Trouble::Cause::ended:
-      words = "The extension ended (" + trouble.how + ").";
-      break;
-  }
-  if (!trouble.said.empty()) {
-    words += " Its last words: " + quoted(trouble.said) + ".";
-  }
-  return words;
+Problem problemOf(const SessionEnd& end, Date now) {
+  static constexpr std::array causes{
+      Problem::Cause::ended,
+      Problem::Cause::overMemory,
+      Problem::Cause::late,
+      Problem::Cause::protocolError};
+  return {
+      .cause = causes.at(static_cast<std::size_t>(end.cause)),
+      .detail = end.detail,
+      .output = end.lastWords,
+      .since = now};
 }
 
-WidgetStatus statusOf(const Card& card) {
+std::string inPlainWords(const Problem& problem) {
+  switch (problem.cause) {
+    case Problem::Cause::dropped:
+      return "The extension let the request go without an answer. " + whyDropped(problem.output);
+    case Problem::Cause::refused:
+      return "The extension could not take the request: " + problem.detail + ".";
+    case Problem::Cause::late:
+      return "No answer came within " + problem.detail + ".";
+    case Problem::Cause::protocolError:
+      return "The home screen ended the extension, which sent " + problem.detail + ".";
+    case Problem::Cause::overMemory:
+      return "The home screen ended the extension: " + problem.detail + ".";
+    case Problem::Cause::notStarted:
+      return "The extension cannot be started: " + problem.detail;
+    case Problem::Cause::ended:
+      break;
+  }
+  return "The extension ended (" + problem.detail + ")." +
+         (problem.output.empty() ? "" : " Its last words: " + quoted(problem.output) + ".");
+}
+
+WidgetStatus statusOf(const WidgetState& widget) {
   using Level = WidgetStatus::Level;
   WidgetStatus status;
-  const Picture* picture = card.picture;
+  const Picture* picture = widget.picture;
   if (picture == nullptr) {
     status = {Level::empty, "No picture yet", "The extension has not sent a picture yet."};
   } else if (picture->failure) {
     status = {Level::fallback, "Stand-in data", fallbackWords(*picture->failure)};
   } else if (picture->source == Picture::Source::placeholder) {
     status = {Level::placeholder, "Placeholder", "The first figures are still on their way."};
-  } else if (card.trouble != nullptr) {
+  } else if (widget.problem != nullptr) {
     status = {Level::stale, "Old picture", "A newer picture did not come."};
   } else if (picture->restored) {
     status = {
@@ -72,8 +84,8 @@ WidgetStatus statusOf(const Card& card) {
         "This is from before the home screen was started. Fresh figures "
         "are on their way."};
   }
-  if (card.trouble != nullptr) {
-    const std::string words = inPlainWords(*card.trouble);
+  if (widget.problem != nullptr) {
+    const std::string words = inPlainWords(*widget.problem);
     const bool replaces = status.level == Level::placeholder || status.level == Level::empty;
     status.cause = replaces ? words : status.cause + " " + words;
   }
@@ -86,15 +98,15 @@ std::string_view levelName(WidgetStatus::Level level) {
   return names.at(static_cast<std::size_t>(level));
 }
 
-std::string noticeOf(Supervisor::Life life, const std::optional<Trouble>& lastEnd) {
+std::string noticeOf(Supervisor::Life life, const std::optional<Problem>& lastEnd) {
   if (!lastEnd) {
     return "";
   }
   switch (life) {
-    case Supervisor::Life::waiting:
+    case Supervisor::Life::gaveUp:
       return inPlainWords(*lastEnd) +
              " It failed five times in a row, so it is not started again until you reload.";
-    case Supervisor::Life::pausing:
+    case Supervisor::Life::backingOff:
       return inPlainWords(*lastEnd) + " It is started again shortly.";
     default:
       return "";

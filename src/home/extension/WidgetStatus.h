@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "home/extension/Supervisor.h"
+#include "home/extension/WidgetState.h"
 
 namespace quillpad::home {
 
@@ -23,15 +24,15 @@ struct WidgetStatus {
   std::string cause;  // a few sentences; empty where it is live
 };
 
-WidgetStatus statusOf(const Card& card);
+WidgetStatus statusOf(const WidgetState& widget);
 
 // "live", "placeholder", "fallback", "stale" or "empty".
 std::string_view levelName(WidgetStatus::Level level);
 
-// The trouble in one or two sentences.
-std::string inPlainWords(const Trouble& trouble);
+// The problem in one or two sentences.
+std::string inPlainWords(const Problem& problem);
 
 // What the whole home screen has to tell, or nothing while all is well.
-std::string noticeOf(Supervisor::Life life, const std::optional<Trouble>& lastEnd);
+std::string noticeOf(Supervisor::Life life, const std::optional<Problem>& lastEnd);
 
 }  // namespace quillpad::home

@@ -169,19 +169,19 @@ WebAnswer nothingToShow() {
 
 }  // namespace
 
-const Workbench::Result* EngineerView::Column::result() const {
-  if (ticket == nullptr) {
+const PreviewSession::Result* EngineerView::Column::result() const {
+  if (pending == nullptr) {
     return nullptr;
   }
-  const auto& outcome = *ticket;
+  const auto& outcome = *pending;
   return outcome && outcome->has_value() ? &outcome->value() : nullptr;
 }
 
 std::string EngineerView::Column::reason() const {
-  if (ticket == nullptr) {
+  if (pending == nullptr) {
     return problem;
   }
-  const auto& outcome = *ticket;
+  const auto& outcome = *pending;
   return outcome && !outcome->has_value() ? outcome->error() : "";
 }
 
@@ -217,24 +217,24 @@ std::optional<EngineerChoice> EngineerView::choiceOf(const WebRequest& request) 
 }
 
 EngineerView::Column EngineerView::column(
-    const Now& now, const EngineerChoice& choice, const std::string& state) {
+    const Moment& now, const EngineerChoice& choice, const std::string& state) {
   Column column{
       .state = state,
       .title = std::string(std::ranges::find(states, state, &Option::value)->label),
       .problem = "",
-      .ticket = nullptr};
-  Workbench::Job job{
+      .pending = nullptr};
+  PreviewSession::Job job{
       .kind = choice.widget.kind,
-      .source = Workbench::Source::given,
+      .source = PreviewSession::Source::given,
       .entry = {},
       .locale = choice.language};
   if (state == "placeholder") {
-    job.source = Workbench::Source::placeholder;
+    job.source = PreviewSession::Source::placeholder;
   } else if (state == "snapshot") {
-    job.source = Workbench::Source::snapshot;
+    job.source = PreviewSession::Source::snapshot;
   } else if (state == "timeline") {
     const Picture* shown = nullptr;
-    for (const Card& card : supervisor_.cards()) {
+    for (const WidgetState& card : supervisor_.widgets()) {
       if (card.about->kind == choice.widget.kind) {
         shown = card.picture;
       }
@@ -253,7 +253,7 @@ EngineerView::Column EngineerView::column(
     }
     job.entry = std::move(*entry);
   }
-  column.ticket = workbench_.submit(now, std::move(job));
+  column.pending = previews_.submit(now, std::move(job));
   return column;
 }
 
@@ -269,7 +269,7 @@ drawing::DisplayList EngineerView::compose(const EngineerChoice& choice, const u
   return cards_.compose(view, request, choice.language.empty() ? locale_ : choice.language);
 }
 
-LaterAnswer EngineerView::page(const Now& now, const WebRequest& request, PageFrame frame) {
+LaterAnswer EngineerView::page(const Moment& now, const WebRequest& request, PageFrame frame) {
   const auto choice = choiceOf(request);
   if (!choice) {
     return [] { return nothingToShow(); };
@@ -295,7 +295,8 @@ LaterAnswer EngineerView::page(const Now& now, const WebRequest& request, PageFr
   };
 }
 
-LaterAnswer EngineerView::picture(const Now& now, const WebRequest& request, PictureFormat format) {
+LaterAnswer EngineerView::picture(
+    const Moment& now, const WebRequest& request, PictureFormat format) {
   const auto choice = choiceOf(request);
   if (!choice) {
     return [] { return nothingToShow(); };
@@ -307,7 +308,7 @@ LaterAnswer EngineerView::picture(const Now& now, const WebRequest& request, Pic
     if (!column.isDone()) {
       return std::nullopt;
     }
-    const Workbench::Result* result = column.result();
+    const PreviewSession::Result* result = column.result();
     if (result == nullptr) {
       return WebAnswer{.status = 422, .body = column.reason() + "\n"};
     }
@@ -352,7 +353,7 @@ Markup EngineerView::render(
   std::string sample;
   for (const Column& column : columns) {
     columnsHtml.html += columnMarkup(choice, column).html;
-    const Workbench::Result* result = column.result();
+    const PreviewSession::Result* result = column.result();
     if (column.state == "snapshot" && result != nullptr) {
       sample = writeJson(result->entry, JsonLayout::compact).value_or("");
     }
@@ -382,7 +383,7 @@ Markup EngineerView::render(
 Markup EngineerView::columnMarkup(const EngineerChoice& choice, const Column& column) {
   Markup content;
   std::string date;
-  if (const Workbench::Result* result = column.result(); result == nullptr) {
+  if (const PreviewSession::Result* result = column.result(); result == nullptr) {
     content = filled(problemHtml, {{"problem", escaped(column.reason())}});
   } else {
     if (const auto* members = result->entry.as<Dictionary>()) {
@@ -440,7 +441,7 @@ Markup EngineerView::pictureMarkup(
 Markup EngineerView::detailsMarkup(
     const EngineerChoice& choice, const std::vector<Column>& columns) {
   const auto column = std::ranges::find(columns, choice.state, &Column::state);
-  const Workbench::Result* result = column == columns.end() ? nullptr : column->result();
+  const PreviewSession::Result* result = column == columns.end() ? nullptr : column->result();
   if (result == nullptr) {
     return {};
   }

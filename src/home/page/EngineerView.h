@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "home/extension/PreviewSession.h"
 #include "home/extension/Supervisor.h"
-#include "home/extension/Workbench.h"
 #include "home/page/CardRenderer.h"
 #include "home/page/Markup.h"
 #include "home/page/Page.h"
@@ -36,31 +36,34 @@ class EngineerView {
  public:
   // All must outlive the view.
   EngineerView(
-      const Supervisor& supervisor, Workbench& workbench, CardRenderer& cards, std::string locale)
-      : supervisor_(supervisor), workbench_(workbench), cards_(cards), locale_(std::move(locale)) {}
+      const Supervisor& supervisor,
+      PreviewSession& previews,
+      CardRenderer& cards,
+      std::string locale)
+      : supervisor_(supervisor), previews_(previews), cards_(cards), locale_(std::move(locale)) {}
 
   // The page that the request's choices make.
-  LaterAnswer page(const Now& now, const WebRequest& request, PageFrame frame);
+  LaterAnswer page(const Moment& now, const WebRequest& request, PageFrame frame);
 
   // One picture of it as a file to keep.
-  LaterAnswer picture(const Now& now, const WebRequest& request, PictureFormat format);
+  LaterAnswer picture(const Moment& now, const WebRequest& request, PictureFormat format);
 
  private:
   struct Column {
     std::string state;
     std::string title;
-    std::string problem;  // why nothing was asked for; empty where there is a ticket
-    Workbench::Ticket ticket;
+    std::string problem;  // why nothing was asked for; empty where a result is pending
+    PreviewSession::PendingResult pending;
 
-    bool isDone() const { return ticket == nullptr || ticket->has_value(); }
+    bool isDone() const { return pending == nullptr || pending->has_value(); }
     // What there is to show; nullptr where there is nothing, or not yet.
-    const Workbench::Result* result() const;
+    const PreviewSession::Result* result() const;
     // Why there is nothing to show.
     std::string reason() const;
   };
 
   std::optional<EngineerChoice> choiceOf(const WebRequest& request) const;
-  Column column(const Now& now, const EngineerChoice& choice, const std::string& state);
+  Column column(const Moment& now, const EngineerChoice& choice, const std::string& state);
   drawing::DisplayList compose(const EngineerChoice& choice, const ui::View& view);
 
   Markup render(
@@ -74,7 +77,7 @@ class EngineerView {
   Markup detailsMarkup(const EngineerChoice& choice, const std::vector<Column>& columns);
 
   const Supervisor& supervisor_;
-  Workbench& workbench_;
+  PreviewSession& previews_;
   CardRenderer& cards_;
   std::string locale_;
 };

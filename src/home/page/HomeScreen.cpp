@@ -4,12 +4,10 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <ctime>
 #include <sys/random.h>
 #include <unistd.h>
 #include <utility>
 
-#include "home/extension/MemoryUse.h"
 #include "home/extension/StateFile.h"
 #include "home/extension/WidgetStatus.h"
 #include "platform/foundation/Clock.h"
@@ -21,18 +19,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto saveDelay = 1s;  // a whole round of fresh entries is saved at once
-constexpr auto measurementPause = 100ms;
 constexpr auto galleryPatience = 5s;
-
-Now presentMoment() {
-  timespec time{};
-  ::clock_gettime(CLOCK_BOOTTIME, &time);
-  return {
-      .date = currentDate(),
-      .uptime = std::chrono::duration_cast<Uptime>(
-          std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec))};
-}
 
 // 128 bits that nobody can guess, in hexadecimal.
 std::string secret() {
@@ -69,39 +56,30 @@ WebAnswer html(std::string body) {
 }  // namespace
 
 std::expected<std::unique_ptr<HomeScreen>, std::string> HomeScreen::start(
-    std::filesystem::path extension, std::uint16_t port) {
-  std::unique_ptr<HomeScreen> screen(new HomeScreen(std::move(extension)));
+    const std::filesystem::path& extension, std::uint16_t port) {
+  std::unique_ptr<HomeScreen> screen(new HomeScreen(extension));
   auto server = WebServer::start(
       port, {}, [self = screen.get()](const WebRequest& request) { return self->answer(request); });
   if (!server) {
     return std::unexpected(server.error());
   }
   screen->server_ = std::make_unique<WebServer>(std::move(*server));
-  screen->restore();
   screen->run();
   return screen;
 }
 
-HomeScreen::HomeScreen(std::filesystem::path extension)
-    : extensionProgram_(std::move(extension)),
-      stateFile_(stateFile()),
-      token_(secret()),
+HomeScreen::HomeScreen(const std::filesystem::path& extension)
+    : token_(secret()),
       instance_(secret()),
       locale_(currentLocale()),
-      workbench_(extensionProgram_, {}),
-      engineer_(supervisor_, workbench_, cards_, locale_) {}
-
-void HomeScreen::restore() {
-  if (!stateFile_) {
-    return;
-  }
-  auto saved = readState(*stateFile_);
-  if (!saved) {
-    std::fprintf(stderr, "quillpad-home: %s; starting afresh\n", saved.error().c_str());
-  } else if (std::optional<SavedHome>& state = *saved) {
-    supervisor_.restore(std::move(*state));
-  }
-}
+      widgets_(
+          extension,
+          stateFile(),
+          [](std::string_view line) {
+            std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
+          }),
+      previews_(extension),
+      engineer_(widgets_.supervisor(), previews_, cards_, locale_) {}
 
 std::string HomeScreen::address() const {
   return "http://127.0.0.1:" + std::to_string(server_->port()) + "/";
@@ -111,119 +89,35 @@ std::string HomeScreen::address() const {
 
 void HomeScreen::addDescriptors(std::vector<pollfd>& descriptors) const {
   descriptors.push_back({server_->descriptor(), POLLIN, 0});
-  if (extension_) {
-    const auto theirs = extension_->descriptors();
-    descriptors.insert(descriptors.end(), theirs.begin(), theirs.end());
-  }
-  workbench_.addDescriptors(descriptors);
+  widgets_.addDescriptors(descriptors);
+  previews_.addDescriptors(descriptors);
 }
 
-int HomeScreen::patience() const {
+int HomeScreen::pollTimeout() const {
+  std::chrono::milliseconds timeout = server_->patience();
   const Uptime now = presentMoment().uptime;
-  std::chrono::milliseconds patience = server_->patience();
-  const auto consider = [&](Uptime moment) { patience = std::min(patience, moment - now); };
-  if (const auto wakeUp = supervisor_.wakeUp()) {
-    consider(*wakeUp);
+  for (const auto deadline : {widgets_.nextDeadline(), previews_.nextDeadline()}) {
+    if (deadline) {
+      timeout = std::min(timeout, *deadline - now);
+    }
   }
-  if (const auto wakeUp = workbench_.wakeUp()) {
-    consider(*wakeUp);
-  }
-  if (saveAt_) {
-    consider(*saveAt_);
-  }
-  if (extension_ && supervisor_.awaitsAnswers()) {
-    consider(nextMeasurement_);
-  }
-  return static_cast<int>(std::max(patience, 0ms).count());
+  return static_cast<int>(std::max(timeout, 0ms).count());
 }
 
 void HomeScreen::run() {
-  const Now now = presentMoment();
+  const Moment now = presentMoment();
   server_->run();
-  takeExtensionEvents(now);
-  measureMemory(now);
-  supervisor_.timePassed(now);
-  carryOut(now);
-  saveWhenDue(now, saveDelay);
-  const bool tried = workbench_.run(now);
-  if (tried || supervisor_.version() != shownVersion_) {
-    shownVersion_ = supervisor_.version();
+  widgets_.run(now);
+  const bool previewed = previews_.run(now);
+  if (previewed || supervisor().version() != shownVersion_) {
+    shownVersion_ = supervisor().version();
     server_->wake();
   }
 }
 
 void HomeScreen::stop() {
-  extension_.reset();
-  workbench_.stop();
-  saveWhenDue(presentMoment(), 0s);
-}
-
-void HomeScreen::takeExtensionEvents(const Now& now) {
-  if (!extension_) {
-    return;
-  }
-  for (const ExtensionEvent& event : extension_->takeEvents()) {
-    if (const auto* reply = std::get_if<channel::NumberedReply>(&event)) {
-      supervisor_.replied(now, *reply);
-    } else if (const auto* transfer = std::get_if<channel::TransferNotice>(&event)) {
-      supervisor_.transferred(*transfer);
-    } else if (const auto* line = std::get_if<PrintedLine>(&event)) {
-      std::fprintf(stderr, "%s\n", line->text.c_str());
-      supervisor_.printed(line->text);
-    } else if (const auto* garbage = std::get_if<Garbage>(&event)) {
-      supervisor_.channelBroken(now, garbage->reason);
-    } else if (const auto* end = std::get_if<ExtensionEnd>(&event)) {
-      extension_.reset();
-      supervisor_.ended(now, end->manner());
-      return;
-    }
-  }
-}
-
-void HomeScreen::measureMemory(const Now& now) {
-  if (extension_ && now.uptime >= nextMeasurement_) {
-    nextMeasurement_ = now.uptime + measurementPause;
-    supervisor_.memoryMeasured(now, privateMemory(extension_->pid()));
-  }
-}
-
-void HomeScreen::carryOut(const Now& now) {
-  for (auto actions = supervisor_.takeActions(); !actions.empty();
-       actions = supervisor_.takeActions()) {
-    for (const Supervisor::Action& action : actions) {
-      if (std::holds_alternative<Supervisor::StartExtension>(action)) {
-        auto started = ExtensionProcess::start(extensionProgram_);
-        if (!started) {
-          supervisor_.failedToStart(now, started.error());
-          break;
-        }
-        extension_.emplace(std::move(*started));
-      } else if (!extension_) {
-        continue;
-      } else if (const auto* send = std::get_if<Supervisor::Send>(&action)) {
-        extension_->send(send->request);
-      } else {
-        extension_->kill();
-      }
-    }
-  }
-}
-
-void HomeScreen::saveWhenDue(const Now& now, std::chrono::milliseconds delay) {
-  if (!stateFile_ || supervisor_.savedVersion() == savedVersion_) {
-    return;
-  }
-  if (!saveAt_) {
-    saveAt_ = now.uptime + delay;
-  }
-  if (now.uptime < *saveAt_ && delay > 0s) {
-    return;
-  }
-  saveAt_.reset();
-  savedVersion_ = supervisor_.savedVersion();
-  if (const auto written = writeState(*stateFile_, supervisor_.saved()); !written) {
-    std::fprintf(stderr, "quillpad-home: %s\n", written.error().c_str());
-  }
+  previews_.stop();
+  widgets_.stop(presentMoment());
 }
 
 // The page's part
@@ -245,7 +139,7 @@ WebReply HomeScreen::answer(const WebRequest& request) {
         request.path.ends_with("svg") ? PictureFormat::svg : PictureFormat::png);
   }
   if (request.path == "/gallery") {
-    supervisor_.openGallery(presentMoment());
+    supervisor().openGallery(presentMoment());
     return galleryAnswer();
   }
   if (request.path == "/events" || request.path == "/changes") {
@@ -265,15 +159,15 @@ WebReply HomeScreen::change(const WebRequest& request) {
   if (request.pageToken != token_) {
     return WebAnswer{.status = 403, .body = "Changes need the token of the page. Reload it.\n"};
   }
-  const Now now = presentMoment();
+  const Moment now = presentMoment();
   const std::string_view kind = request.parameter("kind");
   bool known = true;
   if (request.path == "/reload") {
-    supervisor_.reload(now);
+    supervisor().reload(now);
   } else if (request.path == "/place") {
-    known = supervisor_.place(now, kind);
+    known = supervisor().place(now, kind);
   } else if (request.path == "/remove") {
-    known = supervisor_.remove(now, kind);
+    known = supervisor().remove(now, kind);
   } else {
     known = false;
   }
@@ -293,10 +187,10 @@ WebAnswer HomeScreen::homeAnswer() {
   const PageFrame frame = newFrame();
   HomeModel model{
       .cards = {},
-      .notice = noticeOf(supervisor_.life(), supervisor_.lastEnd()),
+      .notice = noticeOf(supervisor().life(), supervisor().lastEnd()),
       .empty = emptyText(),
-      .version = supervisor_.version()};
-  for (const Card& card : supervisor_.cards()) {
+      .version = supervisor().version()};
+  for (const WidgetState& card : supervisor().widgets()) {
     model.cards.push_back(modelOf(card));
   }
   WebAnswer answer = html(homePage(model, frame, currentDate()).html);
@@ -309,9 +203,10 @@ LaterAnswer HomeScreen::galleryAnswer() {
   const Uptime deadline = presentMoment().uptime + galleryPatience;
   return [this, deadline]() -> std::optional<WebAnswer> {
     std::vector<OfferModel> offers;
-    for (const channel::CatalogueItem& item : supervisor_.catalogue()) {
-      const Picture* snapshot = supervisor_.snapshot(item.kind);
-      if (snapshot == nullptr && supervisor_.awaitsAnswers() && presentMoment().uptime < deadline) {
+    for (const channel::CatalogueItem& item : supervisor().catalogue()) {
+      const Picture* snapshot = supervisor().snapshot(item.kind);
+      if (snapshot == nullptr && supervisor().awaitsAnswers() &&
+          presentMoment().uptime < deadline) {
         return std::nullopt;
       }
       auto drawing = offers_.find(item.kind);
@@ -323,7 +218,7 @@ LaterAnswer HomeScreen::galleryAnswer() {
       offers.push_back(
           {.about = &item,
            .drawing = drawing == offers_.end() ? nullptr : &drawing->second,
-           .placed = supervisor_.isPlaced(item.kind)});
+           .placed = supervisor().isPlaced(item.kind)});
     }
     return html(galleryMarkup(offers).html);
   };
@@ -331,18 +226,18 @@ LaterAnswer HomeScreen::galleryAnswer() {
 
 EventStream HomeScreen::eventsSince(std::uint64_t version) {
   return [this, version]() mutable -> std::shared_ptr<const std::string> {
-    if (version == supervisor_.version()) {
+    if (version == supervisor().version()) {
       return nullptr;
     }
-    if (changesVersion_ != supervisor_.version()) {
-      changesVersion_ = supervisor_.version();
+    if (changesVersion_ != supervisor().version()) {
+      changesVersion_ = supervisor().version();
       changes_.clear();
     }
     auto& event = changes_[version];
     if (!event) {
       event = std::make_shared<const std::string>("data: " + *changesSince(version) + "\n\n");
     }
-    version = supervisor_.version();
+    version = supervisor().version();
     return event;
   };
 }
@@ -350,16 +245,16 @@ EventStream HomeScreen::eventsSince(std::uint64_t version) {
 std::shared_ptr<const std::string> HomeScreen::changesSince(std::uint64_t version) {
   Array order;
   Dictionary cards;
-  for (const Card& card : supervisor_.cards()) {
+  for (const WidgetState& card : supervisor().widgets()) {
     order.emplace_back(card.about->kind);
-    if (card.version > version || version > supervisor_.version()) {
+    if (card.version > version || version > supervisor().version()) {
       cards.set(card.about->kind, cardMarkup(modelOf(card), currentDate()).html);
     }
   }
   const Dictionary changes{
       {"instance", instance_},
-      {"version", supervisor_.version()},
-      {"notice", noticeOf(supervisor_.life(), supervisor_.lastEnd())},
+      {"version", supervisor().version()},
+      {"notice", noticeOf(supervisor().life(), supervisor().lastEnd())},
       {"empty", emptyText()},
       {"order", std::move(order)},
       {"cards", std::move(cards)}};
@@ -367,7 +262,7 @@ std::shared_ptr<const std::string> HomeScreen::changesSince(std::uint64_t versio
       writeJson(changes, JsonLayout::compact).value_or("{}"));
 }
 
-CardModel HomeScreen::modelOf(const Card& card) {
+CardModel HomeScreen::modelOf(const WidgetState& card) {
   CardModel model{
       .about = card.about,
       .drawing = drawnCard(card),
@@ -380,7 +275,7 @@ CardModel HomeScreen::modelOf(const Card& card) {
   return model;
 }
 
-const DrawnCard* HomeScreen::drawnCard(const Card& card) {
+const DrawnCard* HomeScreen::drawnCard(const WidgetState& card) {
   Drawn& drawn = drawings_[card.about->kind];
   if (drawn.version != card.version) {
     drawn.version = card.version;
@@ -409,11 +304,11 @@ std::optional<DrawnCard> HomeScreen::draw(
 }
 
 std::string HomeScreen::emptyText() const {
-  if (!supervisor_.cards().empty()) {
+  if (!supervisor().widgets().empty()) {
     return "";
   }
-  return supervisor_.catalogue().empty() ? "The extension is starting…"
-                                         : "No widget is placed. Add some with “Widgets”.";
+  return supervisor().catalogue().empty() ? "The extension is starting…"
+                                          : "No widget is placed. Add some with “Widgets”.";
 }
 
 }  // namespace quillpad::home

@@ -3,7 +3,6 @@
 // is started when there is one and ended after a while without. Driven by its owner's poll loop.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <expected>
@@ -14,15 +13,15 @@
 #include <string>
 #include <vector>
 
-#include "home/extension/ExtensionProcess.h"
-#include "home/extension/Supervisor.h"
+#include "home/extension/ExtensionSession.h"
+#include "home/extension/Moment.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/Value.h"
 #include "platform/ui/View.h"
 
 namespace quillpad::home {
 
-class Workbench {
+class PreviewSession {
  public:
   enum class Source { placeholder, snapshot, given };
 
@@ -39,43 +38,40 @@ class Workbench {
   };
 
   // Empty until the job is done; then its result, or what went wrong in plain words.
-  using Ticket = std::shared_ptr<const std::optional<std::expected<Result, std::string>>>;
+  using Outcome = std::optional<std::expected<Result, std::string>>;
+  using PendingResult = std::shared_ptr<const Outcome>;
 
-  Workbench(std::filesystem::path extension, Rules rules)
-      : program_(std::move(extension)), rules_(rules) {}
+  explicit PreviewSession(std::filesystem::path extension) : program_(std::move(extension)) {}
 
-  Ticket submit(const Now& now, Job job);
+  // Does the job when its turn comes, unless the result was let go before.
+  PendingResult submit(const Moment& now, Job job);
 
   void addDescriptors(std::vector<pollfd>& descriptors) const;
-  std::optional<Uptime> wakeUp() const;
+  std::optional<Uptime> nextDeadline() const;
 
   // Takes what has come; returns whether a job was done. To be called after each poll.
-  bool run(const Now& now);
+  bool run(const Moment& now);
 
   // Ends the extension; jobs under way stay undone.
-  void stop() { extension_.reset(); }
+  void stop() { session_.reset(); }
 
  private:
-  using Outcome = std::optional<std::expected<Result, std::string>>;
-  struct Pending {
+  struct QueuedJob {
     Job job;
-    std::shared_ptr<Outcome> outcome;
+    std::weak_ptr<Outcome> outcome;
   };
 
-  void beginNext(const Now& now);
-  void ask(const Now& now, ExtensionProcess& extension, const channel::Request& request);
-  void take(const Now& now, ExtensionProcess& extension, const channel::Reply& reply);
-  void finish(const Now& now, std::expected<Result, std::string> outcome);
-  void fail(const Now& now, std::string words);
+  void beginNext(const Moment& now);
+  void take(const Moment& now, SessionEvent& event);
+  void takeReply(const Moment& now, const channel::Reply& reply);
+  void askForRendering(const Moment& now);
+  void finish(const Moment& now, std::expected<Result, std::string> outcome);
 
   std::filesystem::path program_;
-  Rules rules_;
-  std::optional<ExtensionProcess> extension_;
-  std::deque<Pending> jobs_;  // the first one is under way while asked_ is set
+  std::optional<ExtensionSession> session_;
+  std::deque<QueuedJob> jobs_;  // the first one is under way while asked_ is set
   std::optional<std::uint64_t> asked_;
-  Uptime deadline_{};  // of what is under way, or for the extension without work
-  Uptime nextMeasurement_{};
-  std::string lastLine_;
+  Uptime idleUntil_{};  // when the extension without work is ended
   bool done_ = false;
 };
 

@@ -1,0 +1,142 @@
+#include "home/extension/ExtensionSession.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "home/extension/MemoryUse.h"
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto measurementPause = 100ms;
+
+}  // namespace
+
+std::expected<ExtensionSession, std::string> ExtensionSession::start(
+    const std::filesystem::path& program, std::size_t memoryLimit) {
+  auto process = ExtensionProcess::start(program);
+  if (!process) {
+    return std::unexpected(process.error());
+  }
+  return ExtensionSession(std::move(*process), memoryLimit);
+}
+
+std::chrono::milliseconds ExtensionSession::timeFor(const channel::Request& request) {
+  return std::holds_alternative<channel::TimelineRequest>(request) ? 90s : 30s;
+}
+
+std::uint64_t ExtensionSession::ask(
+    Uptime now, const channel::Request& request, std::chrono::milliseconds allowed) {
+  if (open_.empty()) {
+    lastWords_.clear();  // they belong to what was asked before
+  }
+  const std::uint64_t id = ++lastId_;
+  open_.emplace(id, OpenRequest{.sent = now, .deadline = now + allowed});
+  process_.send(channel::encode(channel::NumberedRequest{id, request}));
+  return id;
+}
+
+std::optional<Uptime> ExtensionSession::nextDeadline() const {
+  if (open_.empty() || ending_) {
+    return std::nullopt;
+  }
+  Uptime earliest = nextMeasurement_;
+  for (const auto& [id, request] : open_) {
+    earliest = std::min(earliest, request.deadline);
+  }
+  return earliest;
+}
+
+std::vector<SessionEvent> ExtensionSession::poll(Uptime now) {
+  std::vector<SessionEvent> events;
+  ExtensionProcess::Arrivals arrivals = process_.take();
+  for (PrintedLine& line : arrivals.printed) {
+    if (line.stream == PrintedLine::Stream::error) {
+      lastWords_ = line.text;
+    }
+    events.emplace_back(std::move(line));
+  }
+  for (const channel::Line& line : arrivals.messages) {
+    take(now, line, events);
+  }
+  if (arrivals.end) {
+    open_.clear();
+    events.emplace_back(
+        ending_ ? std::move(*ending_)
+                : SessionEnd{SessionEnd::Cause::exited, arrivals.end->manner(), lastWords_});
+    return events;
+  }
+  giveUpLateAnswers(now, events);
+  measureMemory(now);
+  return events;
+}
+
+void ExtensionSession::take(
+    Uptime now, const channel::Line& line, std::vector<SessionEvent>& events) {
+  if (ending_) {
+    return;
+  }
+  if (line.tooLong) {
+    return end(SessionEnd::Cause::protocolError, "a message of more than 8 MiB");
+  }
+  auto message = channel::decodeFromExtension(line.text);
+  if (!message) {
+    return end(SessionEnd::Cause::protocolError, printableText(message.error()));
+  }
+  lastHeard_ = now;
+  if (auto* notice = std::get_if<channel::TransferNotice>(&*message)) {
+    events.emplace_back(std::move(*notice));
+  } else {
+    takeReply(std::move(std::get<channel::NumberedReply>(*message)), events);
+  }
+}
+
+// A refusal without a number can only be meant for the one request that is open.
+void ExtensionSession::takeReply(channel::NumberedReply reply, std::vector<SessionEvent>& events) {
+  if (!reply.id && open_.size() == 1) {
+    reply.id = open_.begin()->first;
+  }
+  if (reply.id && open_.erase(*reply.id) > 0) {
+    events.emplace_back(std::move(reply));
+  }
+}
+
+void ExtensionSession::giveUpLateAnswers(Uptime now, std::vector<SessionEvent>& events) {
+  for (auto request = open_.begin(); request != open_.end() && !ending_;) {
+    const auto& [id, times] = *request;
+    if (now < times.deadline) {
+      ++request;
+      continue;
+    }
+    const auto waited = std::chrono::ceil<std::chrono::seconds>(times.deadline - times.sent);
+    if (lastHeard_ <= times.sent) {  // not a word since: it hangs
+      end(SessionEnd::Cause::late, std::to_string(waited.count()) + " seconds");
+    } else {
+      events.emplace_back(LateAnswer{id, waited});
+      request = open_.erase(request);
+    }
+  }
+}
+
+void ExtensionSession::measureMemory(Uptime now) {
+  if (open_.empty() || ending_ || now < nextMeasurement_) {
+    return;
+  }
+  nextMeasurement_ = now + measurementPause;
+  if (const std::size_t used = privateMemory(process_.pid()); used > memoryLimit_) {
+    const auto megabytes = [](std::size_t bytes) {
+      return std::to_string(bytes / (std::size_t{1024} * 1024)) + " MB";
+    };
+    end(SessionEnd::Cause::overMemory,
+        "it used " + megabytes(used) + ", the limit is " + megabytes(memoryLimit_));
+  }
+}
+
+void ExtensionSession::end(SessionEnd::Cause cause, std::string detail) {
+  ending_ = SessionEnd{.cause = cause, .detail = std::move(detail), .lastWords = ""};
+  process_.kill();
+}
+
+}  // namespace quillpad::home

@@ -1,0 +1,61 @@
+#include "home/extension/StateKeeper.h"
+
+#include <string>
+#include <system_error>
+
+#include "home/extension/StateFile.h"
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto saveDelay = 1s;
+constexpr auto pauseAfterFailure = 30s;
+
+}  // namespace
+
+std::optional<SavedHome> StateKeeper::load() const {
+  if (!file_) {
+    return std::nullopt;
+  }
+  auto saved = readState(*file_);
+  if (saved) {
+    return std::move(*saved);
+  }
+  std::filesystem::path aside = *file_;
+  aside += ".unreadable";
+  std::error_code error;
+  std::filesystem::rename(*file_, aside, error);
+  tell_(
+      saved.error() + "; starting afresh" +
+      (error ? std::string() : ", it is kept as " + aside.string()));
+  return std::nullopt;
+}
+
+void StateKeeper::run(const Moment& now, const Supervisor& supervisor) {
+  if (!file_ || supervisor.savedVersion() == savedVersion_) {
+    return;
+  }
+  if (!saveAt_) {
+    saveAt_ = now.uptime + saveDelay;
+  }
+  if (now.uptime >= *saveAt_) {
+    saveNow(now, supervisor);
+  }
+}
+
+void StateKeeper::saveNow(const Moment& now, const Supervisor& supervisor) {
+  if (!file_ || supervisor.savedVersion() == savedVersion_) {
+    return;
+  }
+  if (const auto written = writeState(*file_, supervisor.saved()); !written) {
+    tell_(written.error());
+    saveAt_ = now.uptime + pauseAfterFailure;
+    return;
+  }
+  savedVersion_ = supervisor.savedVersion();
+  saveAt_.reset();
+}
+
+}  // namespace quillpad::home

@@ -1,0 +1,57 @@
+// The placed widgets on a real extension: starts and asks it as the supervisor says, tells the
+// supervisor what came of it, and keeps the state. Driven by its owner's poll loop, which also
+// brings the time; nothing here blocks for long. Belongs to one thread, which must outlive the
+// extension.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <poll.h>
+#include <string_view>
+#include <vector>
+
+#include "home/extension/ExtensionSession.h"
+#include "home/extension/Moment.h"
+#include "home/extension/StateKeeper.h"
+#include "home/extension/Supervisor.h"
+
+namespace quillpad::home {
+
+class WidgetHost {
+ public:
+  // Takes up what the last run left in the file. `relay` gets each line that the extension prints,
+  // and each that the home screen has to say.
+  WidgetHost(
+      std::filesystem::path extension,
+      std::optional<std::filesystem::path> stateFile,
+      std::function<void(std::string_view)> relay);
+  WidgetHost(const WidgetHost&) = delete;
+  WidgetHost& operator=(const WidgetHost&) = delete;
+
+  // What a person wants goes to the supervisor; it is carried out by the next run.
+  Supervisor& supervisor() { return supervisor_; }
+  const Supervisor& supervisor() const { return supervisor_; }
+
+  // What to wait for before the next run.
+  void addDescriptors(std::vector<pollfd>& descriptors) const;
+  std::optional<Uptime> nextDeadline() const;
+
+  // Takes what has come and does what is due.
+  void run(const Moment& now);
+
+  // Ends the extension and keeps the state.
+  void stop(const Moment& now);
+
+ private:
+  void take(const Moment& now, SessionEvent& event);
+  void carryOut(const Moment& now, const Supervisor::Action& action);
+
+  std::filesystem::path program_;
+  std::function<void(std::string_view)> relay_;
+  Supervisor supervisor_;
+  StateKeeper state_;
+  std::optional<ExtensionSession> session_;
+};
+
+}  // namespace quillpad::home

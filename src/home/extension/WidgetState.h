@@ -1,0 +1,66 @@
+// What a widget shows and what it met. Plain values.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "home/extension/ExtensionSession.h"
+#include "platform/channel/Messages.h"
+#include "platform/foundation/TransferReport.h"
+#include "platform/foundation/Value.h"
+#include "platform/ui/View.h"
+
+namespace quillpad::home {
+
+// An entry and what it looks like.
+struct Picture {
+  enum class Source { placeholder, snapshot, timeline };
+
+  Source source = Source::placeholder;
+  Value entry;
+  ui::View view = ui::Spacer{};  // until it is rendered
+  Date received;
+  // The transfer behind the entry failed: what it shows stands in for real data.
+  std::optional<TransportError> failure{};
+  bool restored = false;  // from an earlier run of the home screen
+};
+
+// Why a widget did not get a newer picture when it was last asked for.
+struct Problem {
+  enum class Cause {
+    dropped,        // the extension let the request go unanswered
+    refused,        // it could not take the request
+    late,           // no answer came in time
+    ended,          // it ended
+    protocolError,  // it said what is not to be understood, and was ended
+    overMemory,     // it was ended for using too much memory
+    notStarted,     // it could not be started
+  };
+
+  Cause cause = Cause::ended;
+  std::string detail;  // the circumstances, in words of the home screen; may be empty
+  std::string output;  // what the extension printed about it; may be empty
+  Date since;
+};
+Problem problemOf(const SessionEnd& end, Date now);
+
+// A placed widget as the page shows it. The pointers are good until the supervisor's next event.
+struct WidgetState {
+  const channel::CatalogueItem* about = nullptr;
+  const Picture* picture = nullptr;  // nullptr until there is a first one
+  const Problem* problem = nullptr;  // nullptr: none
+  std::optional<Date> reload{};      // when it is asked for next, if that is known
+  std::uint64_t version = 0;         // grows whenever any of this changes
+};
+
+// What outlives the home screen.
+struct SavedHome {
+  std::vector<channel::CatalogueItem> catalogue;
+  std::vector<std::string> placed;
+  std::map<std::string, Picture> pictures;  // by kind; of timelines alone
+};
+
+}  // namespace quillpad::home

@@ -1,0 +1,205 @@
+// The session with extensions that misbehave, with a clock that the test holds.
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+#include "home/ScriptedExtension.h"
+#include "home/extension/ExtensionSession.h"
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using Cause = SessionEnd::Cause;
+
+constexpr const char* goodAnswer =
+    R"(echo '{"jsonrpc":"2.0","id":1,"result":{"date":"d","data":"x"}}' >&3)";
+
+class ExtensionSessionTest : public testing::Test {
+ protected:
+  void start(
+      const std::string& commands, std::size_t memoryLimit = ExtensionSession::defaultMemoryLimit) {
+    extension_.play(commands);
+    auto session = ExtensionSession::start(extension_.path(), memoryLimit);
+    ASSERT_TRUE(session) << session.error();
+    session_.emplace(std::move(*session));
+  }
+
+  std::uint64_t ask() { return session_->ask(uptime_, channel::SnapshotRequest{"A"}); }
+
+  // The events from now on, up to the first of the type.
+  template <class Last>
+  Last until() {
+    for (int turn = 0; turn < 1000; ++turn) {
+      auto descriptors = session_->descriptors();
+      ::poll(descriptors.data(), descriptors.size(), 10);
+      for (SessionEvent& event : session_->poll(uptime_)) {
+        if (const auto* line = std::get_if<PrintedLine>(&event)) {
+          printed_.push_back(line->text);
+        }
+        if (auto* last = std::get_if<Last>(&event)) {
+          return std::move(*last);
+        }
+      }
+    }
+    ADD_FAILURE() << "it never came";
+    return {};
+  }
+
+  ScriptedExtension extension_{"exit 1"};
+  std::optional<ExtensionSession> session_;
+  Uptime uptime_ = 1h;
+  std::vector<std::string> printed_;
+};
+
+TEST_F(ExtensionSessionTest, TellsTheCausesOfAnEndApart) {
+  const struct {
+    std::string commands;
+    Cause cause;
+    std::string detail;
+    std::string lastWords;
+  } cases[] = {
+      {"exit 7", Cause::exited, "exit status 7", ""},
+      {"echo one >&2; echo 'Unit line 8: broken' >&2; kill -ABRT $$",
+       Cause::exited,
+       "signal 6, Aborted",
+       "Unit line 8: broken"},
+      {"printf 'no line end' >&2; exit 1", Cause::exited, "exit status 1", "no line end"},
+      {"echo 'last words' >&2; sleep 0.1; echo later; exit 1",
+       Cause::exited,
+       "exit status 1",
+       "last words"},
+      {"exec 3>&-; sleep 60", Cause::exited, "signal 9, Killed", ""},
+      {"echo 'no message' >&3; sleep 60", Cause::protocolError, "a line that is not JSON", ""},
+      {"head -c 8388609 /dev/zero >&3; sleep 60", Cause::protocolError, "more than 8 MiB", ""},
+  };
+  for (const auto& [commands, cause, detail, lastWords] : cases) {
+    start("read r <&3; " + commands);
+    ask();
+    const auto end = until<SessionEnd>();
+    EXPECT_EQ(end.cause, cause) << commands;
+    EXPECT_THAT(end.detail, HasSubstr(detail)) << commands;
+    EXPECT_EQ(end.lastWords, lastWords) << commands;
+    EXPECT_EQ(session_->pid(), 0);
+    EXPECT_EQ(session_->nextDeadline(), std::nullopt);
+  }
+}
+
+TEST_F(ExtensionSessionTest, WhatWasPrintedForAnEarlierRequestIsNoLastWord) {
+  start(std::string("read r <&3; echo grumble >&2; ") + goodAnswer + "; read r <&3; kill -9 $$");
+  ask();
+  until<channel::NumberedReply>();
+  ask();
+  EXPECT_EQ(until<SessionEnd>().lastWords, "");
+  EXPECT_THAT(printed_, ElementsAre("grumble"));
+}
+
+TEST_F(ExtensionSessionTest, AnExtensionThatSaysNothingInTimeHangsAndIsEnded) {
+  start("trap '' TERM; sleep 60");
+  const Uptime asked = uptime_;
+  session_->ask(uptime_, channel::TimelineRequest{"A"});
+  uptime_ = asked + 90s - 1ms;
+  EXPECT_THAT(session_->poll(uptime_), testing::IsEmpty());
+  EXPECT_LE(session_->nextDeadline(), asked + 90s);
+  uptime_ = asked + 90s;
+  const auto end = until<SessionEnd>();
+  EXPECT_EQ(end.cause, Cause::late);
+  EXPECT_EQ(end.detail, "90 seconds");
+}
+
+TEST_F(ExtensionSessionTest, AnAnswerIsLateWhereOnlyOthersAreAnswered) {
+  start(
+      R"(read a <&3; read b <&3; echo '{"id":2,"result":{"dropped":true}}' >&3; read c <&3; )" +
+      std::string(goodAnswer) + R"(; echo '{"id":3,"result":{"dropped":true}}' >&3; sleep 60)");
+  ask();
+  uptime_ += 10s;
+  ask();
+  EXPECT_EQ(until<channel::NumberedReply>().id, 2U);
+  uptime_ += 20s;
+  const auto late = until<LateAnswer>();
+  EXPECT_EQ(late.id, 1U);
+  EXPECT_EQ(late.waited, 30s);
+  ask();
+  EXPECT_EQ(until<channel::NumberedReply>().id, 3U) << "the late one is not told any more";
+}
+
+TEST_F(ExtensionSessionTest, EndsWhatUsesMoreMemoryThanItMay) {
+  start("x=$(head -c 2000000 /dev/zero | tr '\\0' x); sleep 60", std::size_t{1024} * 1024);
+  EXPECT_THAT(session_->poll(uptime_), testing::IsEmpty()) << "not measured while nothing is asked";
+  ask();
+  SessionEnd end;
+  for (int turn = 0; turn < 1000 && end.detail.empty(); ++turn) {
+    uptime_ += 100ms;
+    for (SessionEvent& event : session_->poll(uptime_)) {
+      end = std::get<SessionEnd>(event);
+    }
+    ::usleep(2000);
+  }
+  EXPECT_EQ(end.cause, Cause::overMemory);
+  EXPECT_THAT(end.detail, testing::MatchesRegex("it used [0-9]+ MB, the limit is 1 MB"));
+}
+
+TEST_F(ExtensionSessionTest, OnlyOpenRequestsAreAnswered) {
+  start(
+      R"(read r <&3; echo '{"id":9,"result":{"dropped":true}}' >&3; )"
+      R"(echo '{"id":null,"error":{"code":-32700,"message":"what?"}}' >&3; )" +
+      std::string(goodAnswer) + "; sleep 60");
+  ask();
+  const auto reply = until<channel::NumberedReply>();
+  EXPECT_EQ(reply.id, 1U);
+  EXPECT_EQ(std::get<channel::Refused>(reply.reply).message, "what?");
+}
+
+TEST_F(ExtensionSessionTest, PrintedLinesAreShowableWhateverTheirBytes) {
+  start(R"(printf 'plain \303\205se\n\377\376 bad\n\033[31mred\tblue\302\233\n' >&2; )"
+        R"(head -c 70000 /dev/zero | tr '\0' x; echo; exit 1)");
+  const auto end = until<SessionEnd>();
+  EXPECT_THAT(
+      printed_,
+      testing::UnorderedElementsAre(
+          "plain Åse", "\uFFFD\uFFFD bad", " [31mred blue ", "(a line of more than 64 KiB)"));
+  EXPECT_EQ(end.lastWords, " [31mred blue ");
+}
+
+// A flood is taken in bounded portions, so that the others who share the loop get their turn.
+TEST_F(ExtensionSessionTest, AFloodIsTakenInPortions) {
+  start("cat /dev/zero | tr '\\0' '\\n' | sed 's/$/x/'");
+  for (int turn = 0; turn < 50; ++turn) {
+    auto descriptors = session_->descriptors();
+    ::poll(descriptors.data(), descriptors.size(), 1000);
+    EXPECT_LE(session_->poll(uptime_).size(), std::size_t{700} * 1024);
+  }
+}
+
+TEST_F(ExtensionSessionTest, LeavesNoProcessBehind) {
+  const struct {
+    const char* what;
+    const char* commands;
+  } cases[] = {
+      {"plain", "echo ready; exec sleep 60"},
+      {"with a child", "sleep 60 & echo ready; wait"},
+      {"outside of its group",
+       "exec perl -e 'setpgrp(0, getpgrp(getppid())) or die; $| = 1; print \"ready\\n\"; sleep "
+       "60'"},
+  };
+  for (const auto& [what, commands] : cases) {
+    start(commands);
+    until<PrintedLine>();
+    const pid_t pid = session_->pid();
+    session_.reset();
+    EXPECT_EQ(::kill(pid, 0), -1) << what;
+    EXPECT_EQ(errno, ESRCH) << what;
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << what;
+  }
+}
+
+}  // namespace
+}  // namespace quillpad::home

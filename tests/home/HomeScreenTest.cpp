@@ -1,0 +1,124 @@
+// The whole home screen over HTTP, with an extension that is no invoice widget at all.
+#include <arpa/inet.h>
+#include <chrono>
+#include <future>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <regex>
+#include <set>
+#include <string>
+#include <sys/socket.h>
+#include <vector>
+
+#include "fixtures/TemporaryHome.h"
+#include "home/page/HomeScreen.h"
+#include "platform/foundation/FileDescriptor.h"
+
+namespace quillpad::home {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+class HomeScreenTest : public testing::Test {
+ protected:
+  // The answer to the request, while the home screen's loop runs.
+  std::string ask(const std::string& line, const std::string& headers = "") {
+    auto answer = std::async(std::launch::async, [&] { return exchange(line, headers); });
+    while (answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+      std::vector<pollfd> descriptors;
+      screen_->addDescriptors(descriptors);
+      ::poll(descriptors.data(), descriptors.size(), std::min(screen_->pollTimeout(), 10));
+      screen_->run();
+    }
+    return answer.get();
+  }
+
+  std::string askUntil(const std::string& line, const std::string& text) {
+    std::string answer;
+    for (int turn = 0; turn < 500 && !answer.contains(text); ++turn) {
+      answer = ask(line);
+    }
+    EXPECT_THAT(answer, HasSubstr(text));
+    return answer;
+  }
+
+ private:
+  std::string exchange(const std::string& line, const std::string& headers) const {
+    const std::string address = screen_->address();
+    const std::string host = address.substr(7, address.size() - 8);
+    const FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in place{};
+    place.sin_family = AF_INET;
+    place.sin_port = htons(static_cast<std::uint16_t>(std::stoi(host.substr(host.find(':') + 1))));
+    place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place);
+    const std::string request = line + " HTTP/1.1\r\nHost: " + host +
+                                "\r\nConnection: close\r\nContent-Length: 0\r\n" + headers + "\r\n";
+    ::send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL);
+    std::string answer;
+    char buffer[4096];
+    for (ssize_t count = 0; (count = ::recv(socket.get(), buffer, sizeof buffer, 0)) > 0;) {
+      answer.append(buffer, static_cast<std::size_t>(count));
+    }
+    return answer;
+  }
+
+  fixtures::TemporaryHome home_;
+
+ protected:
+  std::unique_ptr<HomeScreen> screen_ = HomeScreen::start(CLOCK_EXTENSION, 0).value();
+};
+
+TEST_F(HomeScreenTest, ShowsAnyExtensionsWidgetsLive) {
+  const std::string page = askUntil("GET /", R"(data-status="live")");
+  EXPECT_THAT(
+      page,
+      AllOf(
+          HasSubstr(R"(data-kind="clock/Uhr &amp; &lt;Zeit&gt;")"),
+          HasSubstr("Clock &quot;UTC&quot;"),
+          HasSubstr("aria-label=\"Time of day")));
+  const std::string gallery = ask("GET /gallery");
+  EXPECT_THAT(gallery, HasSubstr("Tells the time &lt;everywhere&gt;."));
+
+  std::set<std::string> ids;
+  const std::string both = page + gallery;  // the gallery opens in the page
+  const std::regex id(" id=\"([^\"]*)\"");
+  for (std::sregex_iterator each(both.begin(), both.end(), id), end; each != end; ++each) {
+    EXPECT_TRUE(ids.insert((*each)[1]).second) << "twice in the page: " << (*each)[1];
+  }
+}
+
+TEST_F(HomeScreenTest, ChangesNeedThePagesTokenAndSomethingToChange) {
+  const std::string page = askUntil("GET /", R"(data-status="live")");
+  std::smatch match;
+  ASSERT_TRUE(std::regex_search(page, match, std::regex("page-token\" content=\"(\\w+)\"")));
+  const std::string token = "X-Page-Token: " + match[1].str() + "\r\n";
+  const std::string clock = "?kind=clock%2FUhr%20%26%20%3CZeit%3E";
+  const struct {
+    std::string line;
+    std::string headers;
+    int status;
+  } cases[] = {
+      {"POST /reload", "", 403},
+      {"POST /reload", "X-Page-Token: guessed\r\n", 403},
+      {"POST /reload", token, 204},
+      {"POST /remove" + clock, token, 204},
+      {"POST /place" + clock, token, 204},
+      {"POST /place?kind=other", token, 404},
+      {"POST /remove", token, 404},
+      {"POST /launch" + clock, token, 404},
+      {"GET /elsewhere", "", 404},
+      {"GET /?view=engineer&kind=other", "", 404},
+      {"GET /?view=engineer", "", 200},
+  };
+  for (const auto& [line, headers, status] : cases) {
+    EXPECT_THAT(ask(line, headers), testing::StartsWith("HTTP/1.1 " + std::to_string(status)))
+        << line;
+  }
+}
+
+}  // namespace
+}  // namespace quillpad::home

@@ -1,0 +1,111 @@
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <string>
+#include <vector>
+
+#include "home/ScriptedExtension.h"
+#include "home/extension/PreviewSession.h"
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using Source = PreviewSession::Source;
+
+constexpr const char* entryAnswer = R"(echo '{"id":1,"result":{"date":"d","data":"x"}}' >&3)";
+
+class PreviewSessionTest : public testing::Test {
+ protected:
+  PreviewSession::PendingResult submit(Source source, const std::string& kind = "A") {
+    return previews_.submit(now_, {.kind = kind, .source = source, .entry = {}, .locale = ""});
+  }
+
+  void runUntil(const std::function<bool()>& holds) {
+    for (int turn = 0; turn < 1000 && !holds(); ++turn) {
+      std::vector<pollfd> descriptors;
+      previews_.addDescriptors(descriptors);
+      ::poll(descriptors.data(), descriptors.size(), 10);
+      previews_.run(now_);
+    }
+    EXPECT_TRUE(holds()) << "waited in vain";
+  }
+
+  std::string errorOf(const PreviewSession::PendingResult& pending) {
+    runUntil([&] { return pending->has_value(); });
+    return !pending->has_value() || (*pending)->has_value() ? "none" : (*pending)->error();
+  }
+
+  ScriptedExtension extension_{"exit 1"};
+  PreviewSession previews_{extension_.path()};
+  Moment now_{.date = {}, .uptime = 1h};
+};
+
+TEST_F(PreviewSessionTest, RendersTheEntryThatItAskedForAndLeavesWhenThereIsNothingToDo) {
+  extension_.play(
+      std::string("read r <&3; ") + entryAnswer +
+      R"(; read r <&3; echo '{"id":2,"result":{"view":{"type":"spacer"}}}' >&3; sleep 60)");
+  const auto result = submit(Source::snapshot);
+  EXPECT_EQ(errorOf(result), "none");
+  EXPECT_EQ(previews_.nextDeadline(), now_.uptime + 15s);
+  now_.uptime += 15s;
+  previews_.run(now_);
+  EXPECT_EQ(previews_.nextDeadline(), std::nullopt);
+}
+
+TEST_F(PreviewSessionTest, SaysWhatWentWrong) {
+  const struct {
+    std::string commands;
+    Source source;
+    std::string error;
+  } cases[] = {
+      {"echo broken >&2; sleep 0.1; echo bye; exit 1", Source::snapshot, "last words: “broken”"},
+      {R"(read r <&3; echo '{"id":1,"error":{"code":-32602,"message":"no such kind"}}' >&3; cat)",
+       Source::given,
+       "no such kind"},
+      {std::string("read r <&3; ") + entryAnswer + "; sleep 60", Source::given, "no answer"},
+      {std::string("read r <&3; ") + entryAnswer +
+           R"(; read r <&3; echo '{"id":2,"result":{"date":"d","data":"x"}}' >&3; sleep 60)",
+       Source::snapshot,
+       "no answer"},
+  };
+  for (const auto& [commands, source, error] : cases) {
+    extension_.play(commands);
+    EXPECT_THAT(errorOf(submit(source)), HasSubstr(error)) << commands;
+    previews_.stop();
+  }
+}
+
+TEST_F(PreviewSessionTest, OneThatDoesNotAnswerIsEnded) {
+  extension_.play("sleep 60");
+  const auto result = submit(Source::given);
+  now_.uptime += 30s;
+  EXPECT_THAT(errorOf(result), HasSubstr("30 seconds"));
+}
+
+TEST_F(PreviewSessionTest, WhatNobodyWaitsForIsNotAsked) {
+  extension_.play("while read r <&3; do echo \"$r\" >>asked; done");
+  const auto folder = std::filesystem::current_path();
+  std::filesystem::current_path(extension_.folder());
+  const auto first = submit(Source::given, "first");
+  for (int client = 0; client < 100; ++client) {
+    submit(Source::given, "gone");
+  }
+  const auto last = submit(Source::given, "last");
+  now_.uptime += 30s;
+  errorOf(first);
+  now_.uptime += 30s;
+  errorOf(last);
+  std::filesystem::current_path(folder);
+  std::ifstream asked(extension_.folder() / "asked");
+  const std::string lines(std::istreambuf_iterator<char>(asked), {});
+  EXPECT_THAT(lines, HasSubstr("first"));
+  EXPECT_THAT(lines, testing::Not(HasSubstr("gone")));
+}
+
+}  // namespace
+}  // namespace quillpad::home

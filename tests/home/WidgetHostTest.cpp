@@ -1,0 +1,148 @@
+// The home screen's loop on a real extension, with a clock that the test holds: who starts, is
+// asked and saves, and when.
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <optional>
+#include <poll.h>
+#include <signal.h>
+#include <string>
+#include <vector>
+
+#include "home/ScriptedExtension.h"
+#include "home/extension/WidgetHost.h"
+#include "platform/foundation/Clock.h"
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class WidgetHostTest : public testing::Test {
+ protected:
+  void start(const std::filesystem::path& extension = CLOCK_EXTENSION) {
+    host_.emplace(extension, file_, [this](std::string_view line) { relayed_.emplace_back(line); });
+  }
+
+  // Runs the loop, the time standing still, until the condition holds.
+  void runUntil(const char* what, const std::function<bool()>& holds) {
+    for (int turn = 0; turn < 2000; ++turn) {
+      host_->run(now_);
+      if (holds()) {
+        return;
+      }
+      std::vector<pollfd> descriptors;
+      host_->addDescriptors(descriptors);
+      ::poll(descriptors.data(), descriptors.size(), 5);
+    }
+    FAIL() << "waited in vain: " << what;
+  }
+
+  WidgetState clock() const {
+    const auto widgets = host_->supervisor().widgets();
+    return widgets.empty() ? WidgetState{} : widgets.front();
+  }
+
+  void runUntilLive() {
+    runUntil("the clock is live", [this] {
+      const WidgetState widget = clock();
+      return widget.picture != nullptr && widget.picture->source == Picture::Source::timeline &&
+             !widget.picture->restored && !host_->supervisor().awaitsAnswers();
+    });
+  }
+
+  void pass(std::chrono::milliseconds time) {
+    now_.date += time;
+    now_.uptime += time;
+  }
+
+  fixtures::TemporaryFolder folder_;
+  std::filesystem::path file_ = folder_.path() / "state" / "home.json";
+  Moment now_{.date = currentDate(), .uptime = 1h};
+  std::vector<std::string> relayed_;
+  std::optional<WidgetHost> host_;
+};
+
+TEST_F(WidgetHostTest, BringsAWidgetUpSavesItASecondLaterAndWaitsForItsTime) {
+  start();
+  runUntilLive();
+  EXPECT_EQ(host_->nextDeadline(), now_.uptime + 1s) << "to save";
+  pass(999ms);
+  host_->run(now_);
+  EXPECT_FALSE(std::filesystem::exists(file_));
+  pass(1ms);
+  host_->run(now_);
+  EXPECT_TRUE(std::filesystem::exists(file_));
+  EXPECT_GT(*host_->nextDeadline(), now_.uptime + 50s) << "the next minute's entry";
+  EXPECT_LE(*host_->nextDeadline(), now_.uptime + 1min);
+
+  const Value before = clock().picture->entry;
+  pass(1min);
+  runUntil("the next minute shows", [&] { return clock().picture->entry != before; });
+  EXPECT_THAT(relayed_, IsEmpty());
+}
+
+TEST_F(WidgetHostTest, TakesUpWhatTheLastRunLeft) {
+  start();
+  runUntilLive();
+  host_->stop(now_);
+  start("/no/such/program");
+  EXPECT_TRUE(clock().picture->restored);
+  host_->run(now_);
+  EXPECT_EQ(host_->supervisor().lastEnd()->cause, Problem::Cause::notStarted);
+  EXPECT_EQ(host_->nextDeadline(), now_.uptime + 1s) << "to start it for the third time";
+}
+
+TEST_F(WidgetHostTest, StartsAnExtensionThatWasKilledAndRelaysWhatItPrints) {
+  const ScriptedExtension extension(
+      "echo I am $$; echo '{\"id\":1,\"result\":[]}' >/dev/null; exec sleep 60");
+  start(extension.path());
+  runUntil("it speaks", [this] { return relayed_.size() == 1; });
+  ::kill(std::stoi(relayed_.front().substr(5)), SIGKILL);
+  runUntil("it speaks again", [this] { return relayed_.size() == 2; });
+  EXPECT_EQ(host_->supervisor().lastEnd()->detail, "signal 9, Killed");
+  EXPECT_THAT(relayed_.back(), testing::StartsWith("I am "));
+}
+
+TEST_F(WidgetHostTest, TheLastWordsAreThoseOfStandardError) {
+  const ScriptedExtension extension("echo 'the cause' >&2; sleep 0.1; echo 'bye'; exit 1");
+  start(extension.path());
+  runUntil("it ended", [this] { return host_->supervisor().lastEnd().has_value(); });
+  EXPECT_EQ(host_->supervisor().lastEnd()->output, "the cause");
+}
+
+TEST_F(WidgetHostTest, AStateThatCannotBeSavedIsSavedLater) {
+  start();
+  runUntilLive();
+  std::ofstream(folder_.path() / "state") << "in the way";
+  pass(1s);
+  host_->run(now_);
+  EXPECT_THAT(
+      relayed_, ElementsAre(testing::AllOf(HasSubstr("quillpad-home: "), HasSubstr("written"))));
+  std::filesystem::remove(folder_.path() / "state");
+  EXPECT_EQ(host_->nextDeadline(), now_.uptime + 30s);
+  pass(30s);
+  host_->run(now_);
+  EXPECT_TRUE(std::filesystem::exists(file_));
+  EXPECT_EQ(relayed_.size(), 1U);
+}
+
+TEST_F(WidgetHostTest, AStateThatIsNotUnderstoodIsKeptAside) {
+  std::filesystem::create_directories(file_.parent_path());
+  std::ofstream(file_) << R"({"version":2,"precious":true})";
+  start();
+  EXPECT_THAT(relayed_, ElementsAre(testing::AllOf(HasSubstr("version"), HasSubstr("kept as"))));
+  runUntilLive();
+  host_->stop(now_);
+  std::ifstream aside(file_.string() + ".unreadable");
+  EXPECT_THAT(std::string(std::istreambuf_iterator<char>(aside), {}), HasSubstr("precious"));
+  EXPECT_TRUE(std::filesystem::exists(file_));
+}
+
+}  // namespace
+}  // namespace quillpad::home
