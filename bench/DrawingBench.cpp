@@ -10,8 +10,8 @@
 #include "platform/text/FontBook.h"
 #include "platform/text/TextEngine.h"
 #include "platform/ui/ViewCodec.h"
-#include "views/SalesMallView.h"
-#include "views/UnpaidMediumView.h"
+#include "views/ListViews.h"
+#include "views/SmallViews.h"
 
 using namespace quillpad;
 

@@ -9,7 +9,7 @@
 #include "platform/paint/SvgWriter.h"
 #include "platform/text/FontBook.h"
 #include "platform/text/TextEngine.h"
-#include "views/SalesMallView.h"
+#include "views/SmallViews.h"
 
 using namespace quillpad;
 

@@ -23,8 +23,8 @@
 #include "platform/paint/PngWriter.h"
 #include "platform/text/FontBook.h"
 #include "platform/text/TextEngine.h"
-#include "views/SalesMallView.h"
-#include "views/UnpaidMediumView.h"
+#include "views/ListViews.h"
+#include "views/SmallViews.h"
 
 using namespace quillpad;
 

@@ -3,13 +3,13 @@
 #include <cstdio>
 
 #include "gateway/GatewayOrigin.h"
-#include "gateway/SharedSettings.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/Json.h"
+#include "platform/foundation/LocalTime.h"
 #include "platform/foundation/URL.h"
-#include "platform/locale/DateFormatter.h"
 #include "platform/net/URLRequest.h"
+#include "support/SharedSettings.h"
 
 namespace quillpad {
 namespace {
@@ -50,11 +50,7 @@ std::optional<std::string> checkedBusinessId() {
   return businessId;
 }
 
-std::string currentTimeString() {
-  DateFormatter formatter;
-  formatter.setDateFormat("yyyy-MM-dd HH:mm:ss");
-  return formatter.string(currentDate());
-}
+std::string currentTimeString() { return localTimeText(currentDate(), "%Y-%m-%d %H:%M:%S"); }
 
 Dictionary dictionaryFromJSONString(std::string_view text, std::source_location where) {
   const auto document = readJson(text, JsonFragments::allowed);

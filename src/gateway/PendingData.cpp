@@ -1,6 +1,5 @@
-#include "gateway/PendingData.h"
-
 #include "gateway/DocumentList.h"
+#include "gateway/Fetches.h"
 
 namespace quillpad {
 

@@ -1,5 +1,4 @@
-#include "gateway/SalesData.h"
-
+#include "gateway/Fetches.h"
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/Json.h"
 

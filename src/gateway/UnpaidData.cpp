@@ -1,6 +1,5 @@
-#include "gateway/UnpaidData.h"
-
 #include "gateway/DocumentList.h"
+#include "gateway/Fetches.h"
 
 namespace quillpad {
 

@@ -3,12 +3,10 @@
 // session.
 #pragma once
 
-#include <optional>
+#include <chrono>
 #include <utility>
 
 #include "platform/foundation/Clock.h"
-#include "platform/foundation/Fatal.h"
-#include "platform/locale/Calendar.h"
 #include "platform/widgets/TimelineProvider.h"
 
 namespace quillpad {
@@ -28,19 +26,15 @@ struct FetchingProvider {
 
   void getTimeline(const Context&, widgets::Completion<widgets::Timeline<Entry>> completion) const {
     const Date now = currentDate();
-    const auto nextUpdate =
-        Calendar::current().dateByAdding(CalendarComponent::minute, minutesToNextUpdate, now);
-    fetch([now, nextUpdate, completion = std::move(completion)](auto result) mutable {
-      const Entry fetched = entry(now, result ? *std::move(result) : fallback());
-      const auto policy =
-          widgets::TimelineReloadPolicy::after(forced(nextUpdate, "the time of the next update"));
-      completion({.entries = {fetched}, .policy = policy});
+    fetch([now, completion = std::move(completion)](const auto& result) mutable {
+      const Entry fetched = entry(now, result ? *result : fallback());
+      const Date nextUpdate = now + std::chrono::minutes(5);
+      completion(
+          {.entries = {fetched}, .policy = widgets::TimelineReloadPolicy::after(nextUpdate)});
     });
   }
 
  private:
-  static constexpr int minutesToNextUpdate = 5;
-
   template <class Fetched>
   static Entry entry(Date date, Fetched fetched) {
     return {date, {std::move(fetched)}};

@@ -5,8 +5,8 @@
 #include <cstdint>
 
 #include "platform/foundation/Clock.h"
+#include "platform/foundation/LocalTime.h"
 #include "platform/foundation/NumberText.h"
-#include "platform/locale/Calendar.h"
 
 namespace quillpad {
 namespace {
@@ -15,7 +15,7 @@ constexpr std::string_view allTaxYear = "All Tax Year";
 constexpr int firstTaxYear = 2020;
 constexpr std::string_view startOfYear = "-01-01 00:00:00";
 
-int currentYear() { return Calendar::current().component(CalendarComponent::year, currentDate()); }
+int currentYear() { return localTime(currentDate()).tm_year + 1900; }
 
 std::string startOf(std::string_view year) { return std::string(year).append(startOfYear); }
 
@@ -143,69 +143,47 @@ std::string SortTool::endTImeWithYear(std::optional<std::string_view> year) {
 }
 
 SortTool::Texts SortTool::totalUnpaidSortingRules() { return totalUnpaid.titles; }
-
 SortTool::Texts SortTool::totalUnpaidSort() { return totalUnpaid.keys; }
-
 SortTool::Texts SortTool::totalUnpaidSortType() { return totalUnpaid.directions; }
 
 SortTool::Texts SortTool::totalOverdueSortingRules() { return totalOverdue.titles; }
-
 SortTool::Texts SortTool::totalOverdueSort() { return totalOverdue.keys; }
-
 SortTool::Texts SortTool::totalOverdueSortType() { return totalOverdue.directions; }
 
 SortTool::Texts SortTool::invoiceSortingRules() { return invoice.titles; }
-
 SortTool::Texts SortTool::invoiceSort() { return invoice.keys; }
-
 SortTool::Texts SortTool::invoiceSortType() { return invoice.directions; }
 
 SortTool::Texts SortTool::estimateSortingRules() { return estimate.titles; }
-
 SortTool::Texts SortTool::estimateSort() { return estimate.keys; }
-
 SortTool::Texts SortTool::estimateSortType() { return estimate.directions; }
 
 SortTool::Texts SortTool::purchaseOrderSortingRules() { return purchaseOrder.titles; }
-
 SortTool::Texts SortTool::purchaseOrderSort() { return purchaseOrder.keys; }
-
 SortTool::Texts SortTool::purchaseOrderSortType() { return purchaseOrder.directions; }
 
 SortTool::Texts SortTool::creditMemoSortingRules() { return creditMemo.titles; }
-
 SortTool::Texts SortTool::creditMemoSort() { return creditMemo.keys; }
-
 SortTool::Texts SortTool::creditMemoSortType() { return creditMemo.directions; }
 
 SortTool::Texts SortTool::clientSortingRules() { return client.titles; }
-
 SortTool::Texts SortTool::clientSort() { return client.keys; }
-
 SortTool::Texts SortTool::clientSortType() { return client.directions; }
 
 SortTool::Texts SortTool::itemSortingRules() { return item.titles; }
-
 SortTool::Texts SortTool::itemSort() { return item.keys; }
-
 SortTool::Texts SortTool::itemSortType() { return item.directions; }
 
 SortTool::Texts SortTool::expenseSortingRules() { return expense.titles; }
-
 SortTool::Texts SortTool::expenseSort() { return expense.keys; }
-
 SortTool::Texts SortTool::expenseSortType() { return expense.directions; }
 
 SortTool::Texts SortTool::timeTrackingSortingRules() { return timeTracking.titles; }
-
 SortTool::Texts SortTool::timeTrackingSort() { return timeTracking.keys; }
-
 SortTool::Texts SortTool::timeTrackingSortType() { return timeTracking.directions; }
 
 SortTool::Texts SortTool::trashSortingRules() { return trash.titles; }
-
 SortTool::Texts SortTool::trashSort() { return trash.keys; }
-
 SortTool::Texts SortTool::trashSortType() { return trash.directions; }
 
 }  // namespace quillpad

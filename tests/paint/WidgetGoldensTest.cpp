@@ -15,11 +15,8 @@
 #include "platform/text/FontBook.h"
 #include "platform/text/TextEngine.h"
 #include "platform/ui/ViewCodec.h"
-#include "views/PendingMediumView.h"
-#include "views/PendingSmallView.h"
-#include "views/SalesMallView.h"
-#include "views/UnpaidMediumView.h"
-#include "views/UnpaidSmallView.h"
+#include "views/ListViews.h"
+#include "views/SmallViews.h"
 
 namespace quillpad::drawing {
 namespace {

@@ -14,11 +14,8 @@
 #include "platform/paint/PngWriter.h"
 #include "platform/text/FontBook.h"
 #include "platform/text/TextEngine.h"
-#include "views/PendingMediumView.h"
-#include "views/PendingSmallView.h"
-#include "views/SalesMallView.h"
-#include "views/UnpaidMediumView.h"
-#include "views/UnpaidSmallView.h"
+#include "views/ListViews.h"
+#include "views/SmallViews.h"
 
 namespace quillpad::drawing {
 namespace {

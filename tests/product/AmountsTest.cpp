@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "product/ProductSettings.h"
-#include "support/CurrencySymbol.h"
-#include "support/FormattedTotal.h"
-#include "views/SalesAmountText.h"
+#include "support/Amounts.h"
+#include "views/SmallViews.h"
 
 namespace quillpad {
 namespace {
@@ -36,7 +35,7 @@ TEST_F(AmountsTest, UsesTheDollarWhereNoCurrencyIsSet) {
 
 TEST_F(AmountsTest, EndsTheProcessForACurrencyThatIsNotAText) {
   settings.setCurrency(5);
-  EXPECT_DEATH(currencySymbol(), "CurrencySymbol line [0-9]+: .*\"currency\"");
+  EXPECT_DEATH(currencySymbol(), "Amounts line [0-9]+: .*\"currency\"");
 }
 
 TEST_F(AmountsTest, WritesTotalsBehindTheSymbol) {
@@ -105,10 +104,10 @@ TEST_F(AmountsTest, CapsTheSalesFigure) {
 
 TEST_F(AmountsTest, EndsTheProcessForASalesFigureThatIsNotANumber) {
   for (const char* salesMonth : {"", "abc", "1,234", "12 "}) {
-    EXPECT_DEATH(salesAmountText(salesMonth), "SalesAmountText line [0-9]+: .*\"salesMonth\"");
+    EXPECT_DEATH(salesAmountText(salesMonth), "SmallViews line [0-9]+: .*\"salesMonth\"");
   }
   settings.setCurrency(5);
-  EXPECT_DEATH(salesAmountText("abc"), "CurrencySymbol line");
+  EXPECT_DEATH(salesAmountText("abc"), "Amounts line");
 }
 
 }  // namespace

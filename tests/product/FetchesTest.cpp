@@ -4,17 +4,15 @@
 #include <gtest/gtest.h>
 #include <utility>
 
-#include "gateway/PendingData.h"
-#include "gateway/SalesData.h"
-#include "gateway/SharedSettings.h"
-#include "gateway/UnpaidData.h"
+#include "gateway/Fetches.h"
 #include "platform/foundation/Clock.h"
 #include "product/GatewayOfTest.h"
 #include "product/ProductSettings.h"
+#include "support/SharedSettings.h"
 
 namespace quillpad {
 namespace {
-using ::testing::HasSubstr;
+using ::testing::ElementsAre;
 using ::testing::internal::CaptureStdout;
 using ::testing::internal::GetCapturedStdout;
 
@@ -74,70 +72,91 @@ class FetchesTest : public ::testing::Test {
  protected:
   FetchesTest() { settings.signIn("business-1", "abc"); }
 
+  std::vector<std::string> sentRequests() {
+    std::vector<std::string> texts;
+    for (const auto& request : gateway.server().requests()) {
+      texts.push_back(raw(request));
+    }
+    return texts;
+  }
+
   ProductSettings settings;
   GatewayOfTest gateway;
   HeldClock clock{dateFromIso8601("2025-03-07T09:05:03.000Z").value()};
 };
 
-TEST_F(FetchesTest, AsksForTheSummary) {
+constexpr const char* summaryRequest =
+    "POST /invoice/invoice/getDataMap\n"
+    "content-length: 74\n"
+    "Content-type: application/json\n"
+    "Authorization: abc\n"
+    "\n"
+    "{\n"
+    "  \"businessId\" : \"business-1\",\n"
+    "  \"currentTime\" : \"2025-03-07 09:05:03\"\n"
+    "}";
+
+// The two list requests differ in their length, a filter and the type.
+std::string listRequest(
+    const std::string& length, const std::string& filter, const std::string& type) {
+  return "POST /invoice/invoice/listFast\n"
+         "content-length: " +
+         length +
+         "\n"
+         "Content-type: application/json\n"
+         "Authorization: abc\n"
+         "\n"
+         "{\n"
+         "  \"businessId\" : \"business-1\",\n"
+         "  \"currentPage\" : \"1\",\n"
+         "  \"endTime\" : \"2026-01-01 00:00:00\",\n" +
+         filter +
+         "  \"isValid\" : \"1\",\n"
+         "  \"pageSize\" : \"3\",\n"
+         "  \"searchType\" : \"2\",\n"
+         "  \"sort\" : \"no\",\n"
+         "  \"sortType\" : \"desc\",\n"
+         "  \"startTime\" : \"2025-01-01 00:00:00\",\n"
+         "  \"type\" : \"" +
+         type + "\"\n}";
+}
+
+TEST_F(FetchesTest, AskForTheSummaryAndForTheDocumentsOfTheYear) {
   gateway.answerWithDocument(R"({"salesMonth":1520.5,"unpaidInvoices":3,"pendingEstimates":0})");
   const auto sales = outcome(getSalesData);
   ASSERT_TRUE(sales && *sales);
   EXPECT_EQ(**sales, (Sales{"1520.5", "3", "0"}));
-  ASSERT_EQ(gateway.server().requests().size(), 1U);
-  EXPECT_EQ(
-      raw(gateway.server().requests()[0]),
-      "POST /invoice/invoice/getDataMap\n"
-      "content-length: 74\n"
-      "Content-type: application/json\n"
-      "Authorization: abc\n"
-      "\n"
-      "{\n"
-      "  \"businessId\" : \"business-1\",\n"
-      "  \"currentTime\" : \"2025-03-07 09:05:03\"\n"
-      "}");
-}
-
-TEST_F(FetchesTest, AsksForUnpaidInvoicesOfTheYear) {
   gateway.answerWithDocument(R"({"records":[{"no":"9","total":5}]})");
-  const auto rows = outcome(getUnpaidData);
-  ASSERT_TRUE(rows && *rows);
-  EXPECT_EQ(**rows, (Array{Dictionary{{"no", "9"}, {"total", 5}}}));
-  EXPECT_EQ(
-      raw(gateway.server().requests().at(0)),
-      "POST /invoice/invoice/listFast\n"
-      "content-length: 276\n"
-      "Content-type: application/json\n"
-      "Authorization: abc\n"
-      "\n"
-      "{\n"
-      "  \"businessId\" : \"business-1\",\n"
-      "  \"currentPage\" : \"1\",\n"
-      "  \"endTime\" : \"2026-01-01 00:00:00\",\n"
-      "  \"isFullPaid\" : \"Unpaid\",\n"
-      "  \"isValid\" : \"1\",\n"
-      "  \"pageSize\" : \"3\",\n"
-      "  \"searchType\" : \"2\",\n"
-      "  \"sort\" : \"no\",\n"
-      "  \"sortType\" : \"desc\",\n"
-      "  \"startTime\" : \"2025-01-01 00:00:00\",\n"
-      "  \"type\" : \"1\"\n"
-      "}");
+  for (const auto fetch : {getUnpaidData, getPendingData}) {
+    const auto rows = outcome(fetch);
+    ASSERT_TRUE(rows && *rows);
+    EXPECT_EQ(**rows, (Array{Dictionary{{"no", "9"}, {"total", 5}}}));
+  }
+  EXPECT_THAT(
+      sentRequests(),
+      ElementsAre(
+          summaryRequest,
+          listRequest("276", "  \"isFullPaid\" : \"Unpaid\",\n", "1"),
+          listRequest("275", "  \"estimateStatus\" : \"0\",\n", "2")));
 }
 
-TEST_F(FetchesTest, AsksForPendingEstimatesWithTwoOtherMembers) {
-  gateway.answerWithDocument(R"({"records":[]})");
-  const auto rows = outcome(getPendingData);
-  ASSERT_TRUE(rows && *rows);
-  EXPECT_EQ(**rows, Array{});
-  const std::string body = gateway.server().requests().at(0).body;
-  EXPECT_THAT(
-      body,
-      HasSubstr("\"endTime\" : \"2026-01-01 00:00:00\",\n"
-                "  \"estimateStatus\" : \"0\",\n"
-                "  \"isValid\" : \"1\","));
-  EXPECT_THAT(body, HasSubstr("\"type\" : \"2\"\n}"));
-  EXPECT_THAT(body, ::testing::Not(HasSubstr("isFullPaid")));
+// The gateway reads Gregorian years and ASCII digits.
+TEST_F(FetchesTest, AskForTheSameDatesInEveryLocale) {
+  gateway.answerWithDocument(
+      R"({"records":[],"salesMonth":0,"unpaidInvoices":0,"pendingEstimates":0})");
+  std::size_t sent = 0;
+  for (const char* locale :
+       {"ar_EG.UTF-8", "fa_IR", "th_TH", "mr_IN", "ar_SA@calendar=islamic", "ja_JP"}) {
+    const fixtures::ScopedVariable all("LC_ALL", locale);
+    outcome(getSalesData);
+    outcome(getUnpaidData);
+    const auto requests = sentRequests();
+    ASSERT_EQ(requests.size(), sent + 2);
+    EXPECT_EQ(requests[sent], summaryRequest) << locale;
+    EXPECT_EQ(requests[sent + 1], listRequest("276", "  \"isFullPaid\" : \"Unpaid\",\n", "1"))
+        << locale;
+    sent += 2;
+  }
 }
 
 TEST_F(FetchesTest, TakesAnAnswerOfAnyStatus) {

@@ -8,7 +8,7 @@
 #include "fixtures/TemporaryHome.h"
 #include "platform/foundation/Value.h"
 #include "platform/settings/SettingsWriter.h"
-#include "support/AppGroup.h"
+#include "support/SharedSettings.h"
 
 namespace quillpad {
 

@@ -5,10 +5,9 @@
 #include <sys/wait.h>
 
 #include "gateway/DocumentList.h"
+#include "gateway/Fetches.h"
 #include "gateway/GatewayRequest.h"
-#include "gateway/SalesData.h"
-#include "host/entries/Pending.h"
-#include "host/entries/Unpaid.h"
+#include "host/entries/Records.h"
 #include "platform/foundation/Json.h"
 #include "product/ProductSettings.h"
 
@@ -108,13 +107,13 @@ TEST_F(ResponsesTest, RecordsComeBackFromTheHomeScreenAsTheyWere) {
   EXPECT_EQ(Unpaid::fromValue(unpaid.toValue()), unpaid);
   const Pending pending{};
   EXPECT_EQ(Pending::fromValue(pending.toValue()), pending);
-  EXPECT_DEATH(Sales::fromValue(5), "Sales line [0-9]+: the record is of another kind");
+  EXPECT_DEATH(Sales::fromValue(5), "Records line [0-9]+: the record is of another kind");
   EXPECT_DEATH(
       Sales::fromValue(Dictionary{{"salesMonth", "1"}, {"unpaidInvoices", 1}}),
-      "Sales line [0-9]+: unpaidInvoices is of another kind");
-  EXPECT_DEATH(Unpaid::fromValue(Dictionary{}), "Unpaid line [0-9]+: records is absent");
+      "Records line [0-9]+: unpaidInvoices is of another kind");
+  EXPECT_DEATH(Unpaid::fromValue(Dictionary{}), "Records line [0-9]+: records is absent");
   EXPECT_DEATH(
-      Pending::fromValue(Dictionary{{"records", 1}}), "Pending line [0-9]+: records is of another");
+      Pending::fromValue(Dictionary{{"records", 1}}), "Records line [0-9]+: records is of another");
 }
 
 TEST_F(ResponsesTest, ReadsADocumentInsideAText) {

@@ -8,7 +8,6 @@
 namespace quillpad {
 namespace {
 
-using ::testing::Contains;
 using ::testing::ElementsAre;
 
 class SortToolTest : public ::testing::Test {
@@ -67,57 +66,90 @@ TEST_F(SortToolTest, TakesTheYearOfLocalTime) {
   EXPECT_EQ(SortTool::endTImeWithYear(std::nullopt), "2027-01-01 00:00:00");
 }
 
-struct List {
-  std::size_t choices;
-  SortTool::Texts titles;
-  SortTool::Texts keys;
-  SortTool::Texts directions;
+struct Rule {
+  std::string_view title, key, direction;
+  bool operator==(const Rule&) const = default;
 };
 
-std::vector<List> lists() {
+// The choices of a list, as its three getters give them.
+std::vector<Rule> rules(SortTool::Texts titles, SortTool::Texts keys, SortTool::Texts directions) {
+  std::vector<Rule> result;
+  EXPECT_EQ(keys.size(), titles.size());
+  EXPECT_EQ(directions.size(), titles.size());
+  for (std::size_t i = 0; i < titles.size(); ++i) {
+    result.push_back({titles[i], keys[i], directions[i]});
+  }
+  return result;
+}
+
+// The irregular spellings are meant.
+TEST_F(SortToolTest, KeepsTheChoicesOfEachList) {
   using T = SortTool;
-  return {
-      {4, T::totalUnpaidSortingRules(), T::totalUnpaidSort(), T::totalUnpaidSortType()},
-      {4, T::totalOverdueSortingRules(), T::totalOverdueSort(), T::totalOverdueSortType()},
-      {4, T::invoiceSortingRules(), T::invoiceSort(), T::invoiceSortType()},
-      {3, T::estimateSortingRules(), T::estimateSort(), T::estimateSortType()},
-      {3, T::purchaseOrderSortingRules(), T::purchaseOrderSort(), T::purchaseOrderSortType()},
-      {3, T::creditMemoSortingRules(), T::creditMemoSort(), T::creditMemoSortType()},
-      {2, T::clientSortingRules(), T::clientSort(), T::clientSortType()},
-      {3, T::itemSortingRules(), T::itemSort(), T::itemSortType()},
-      {3, T::expenseSortingRules(), T::expenseSort(), T::expenseSortType()},
-      {3, T::timeTrackingSortingRules(), T::timeTrackingSort(), T::timeTrackingSortType()},
-      {2, T::trashSortingRules(), T::trashSort(), T::trashSortType()}};
-}
-
-TEST_F(SortToolTest, SortsDatesNumbersAndPricesDownAndWordsUp) {
-  for (const List& list : lists()) {
-    ASSERT_EQ(list.titles.size(), list.choices);
-    ASSERT_EQ(list.keys.size(), list.choices);
-    ASSERT_EQ(list.directions.size(), list.choices);
-    for (std::size_t i = 0; i < list.choices; ++i) {
-      const std::string title(list.titles[i]);
-      const std::string lastWord = title.substr(title.rfind(' ') + 1);
-      const bool word = lastWord == "Name" || lastWord == "name" || lastWord == "Description";
-      EXPECT_EQ(list.directions[i], word ? "asc" : "desc") << title;
-      EXPECT_EQ(list.keys[i] == "no", lastWord == "Number") << title;
-      EXPECT_EQ(list.keys[i] == "totalPrice", lastWord == "Price") << title;
-    }
-    EXPECT_TRUE(list.titles[0].ends_with(" Date"));
-    EXPECT_EQ(list.keys[0], "createTime");
-  }
-}
-
-TEST_F(SortToolTest, KeepsTheIrregularSpellings) {
-  EXPECT_THAT(SortTool::totalUnpaidSortingRules(), Contains("Invoice Due Date"));
-  EXPECT_THAT(SortTool::totalUnpaidSortingRules(), Contains("Invoice Client name"));
-  EXPECT_THAT(SortTool::totalOverdueSortingRules(), Contains("Invoice Client name"));
-  EXPECT_THAT(SortTool::invoiceSortingRules(), Contains("Invoice Due date"));
-  EXPECT_THAT(SortTool::invoiceSortingRules(), Contains("Invoice Client Name"));
-  for (const std::string_view title : SortTool::purchaseOrderSortingRules()) {
-    EXPECT_TRUE(title.starts_with("Purchase Orde ")) << title;
-  }
-  EXPECT_EQ(SortTool::clientSort()[1], "flag desc,name");
+  EXPECT_EQ(
+      rules(T::totalUnpaidSortingRules(), T::totalUnpaidSort(), T::totalUnpaidSortType()),
+      (std::vector<Rule>{
+          {"Invoice Date", "createTime", "desc"},
+          {"Invoice Due Date", "dueDate", "desc"},
+          {"Invoice Number", "no", "desc"},
+          {"Invoice Client name", "clientName", "asc"}}));
+  EXPECT_EQ(
+      rules(T::totalOverdueSortingRules(), T::totalOverdueSort(), T::totalOverdueSortType()),
+      (std::vector<Rule>{
+          {"Invoice Date", "createTime", "desc"},
+          {"Invoice Due Date", "dueDate", "desc"},
+          {"Invoice Number", "no", "desc"},
+          {"Invoice Client name", "clientName", "asc"}}));
+  EXPECT_EQ(
+      rules(T::invoiceSortingRules(), T::invoiceSort(), T::invoiceSortType()),
+      (std::vector<Rule>{
+          {"Invoice Date", "createTime", "desc"},
+          {"Invoice Due date", "dueDate", "desc"},
+          {"Invoice Number", "no", "desc"},
+          {"Invoice Client Name", "clientName", "asc"}}));
+  EXPECT_EQ(
+      rules(T::estimateSortingRules(), T::estimateSort(), T::estimateSortType()),
+      (std::vector<Rule>{
+          {"Estimate Date", "createTime", "desc"},
+          {"Estimate Number", "no", "desc"},
+          {"Estimate Client Name", "clientName", "asc"}}));
+  EXPECT_EQ(
+      rules(T::purchaseOrderSortingRules(), T::purchaseOrderSort(), T::purchaseOrderSortType()),
+      (std::vector<Rule>{
+          {"Purchase Orde Date", "createTime", "desc"},
+          {"Purchase Orde Number", "no", "desc"},
+          {"Purchase Orde Client Name", "clientName", "asc"}}));
+  EXPECT_EQ(
+      rules(T::creditMemoSortingRules(), T::creditMemoSort(), T::creditMemoSortType()),
+      (std::vector<Rule>{
+          {"Credit Memo Date", "createTime", "desc"},
+          {"Credit Memo Number", "no", "desc"},
+          {"Credit Memo Client Name", "clientName", "asc"}}));
+  EXPECT_EQ(
+      rules(T::clientSortingRules(), T::clientSort(), T::clientSortType()),
+      (std::vector<Rule>{
+          {"Client Date", "createTime", "desc"}, {"Client Name", "flag desc,name", "asc"}}));
+  EXPECT_EQ(
+      rules(T::itemSortingRules(), T::itemSort(), T::itemSortType()),
+      (std::vector<Rule>{
+          {"Item Date", "createTime", "desc"},
+          {"Item Name", "name", "asc"},
+          {"Item Price", "totalPrice", "desc"}}));
+  EXPECT_EQ(
+      rules(T::expenseSortingRules(), T::expenseSort(), T::expenseSortType()),
+      (std::vector<Rule>{
+          {"Expense Date", "createTime", "desc"},
+          {"Expense Name", "name", "asc"},
+          {"Expense Price", "totalPrice", "desc"}}));
+  EXPECT_EQ(
+      rules(T::timeTrackingSortingRules(), T::timeTrackingSort(), T::timeTrackingSortType()),
+      (std::vector<Rule>{
+          {"Time Tracking Date", "createTime", "desc"},
+          {"Time Tracking Price", "totalPrice", "desc"},
+          {"Time Tracking Description", "descStr", "asc"}}));
+  EXPECT_EQ(
+      rules(T::trashSortingRules(), T::trashSort(), T::trashSortType()),
+      (std::vector<Rule>{
+          {"Trash Date", "createTime", "desc"}, {"Trash Name", "clientName", "asc"}}));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "platform/foundation/LocalTime.h"
 
+#include <array>
+
 namespace quillpad {
 
 std::tm localTime(Date date) {
@@ -9,6 +11,12 @@ std::tm localTime(Date date) {
   tzset();  // localtime_r alone need not notice that TZ changed
   localtime_r(&seconds, &fields);
   return fields;
+}
+
+std::string localTimeText(Date date, const char* format) {
+  const std::tm fields = localTime(date);
+  std::array<char, 64> text{};
+  return {text.data(), std::strftime(text.data(), text.size(), format, &fields)};
 }
 
 }  // namespace quillpad

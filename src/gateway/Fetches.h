@@ -1,0 +1,25 @@
+// The three fetches. Each asks the gateway and returns at once; the callback gets what was fetched,
+// or the transport's error, on the URL session's own thread.
+#pragma once
+
+#include <string_view>
+
+#include "gateway/GatewayRequest.h"
+#include "host/entries/Records.h"
+#include "platform/foundation/Value.h"
+
+namespace quillpad {
+
+// The figures of the current business.
+void getSalesData(FetchCallback<Sales> callback);
+
+// The rows of this year's unpaid invoices.
+void getUnpaidData(FetchCallback<Array> callback);
+
+// The rows of this year's pending estimates.
+void getPendingData(FetchCallback<Array> callback);
+
+// The figures in the gateway's answer; an answer of another shape ends the process.
+Sales parseSales(std::string_view answer);
+
+}  // namespace quillpad
