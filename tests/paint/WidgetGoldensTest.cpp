@@ -8,8 +8,8 @@
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
 #include "paint/TextGolden.h"
-#include "platform/foundation/Bundle.h"
 #include "platform/foundation/Value.h"
+#include "platform/locale/LocalizedStrings.h"
 #include "platform/paint/Card.h"
 #include "platform/paint/DisplayListJson.h"
 #include "platform/text/FontBook.h"
@@ -106,10 +106,9 @@ TEST_F(WidgetGoldens, DarkAppearanceAndOtherScreens) {
 }
 
 TEST_F(WidgetGoldens, RightToLeftLanguage) {
-  const Bundle bundle(BUNDLE_FOLDER);
+  const LocalizedStrings strings(BUNDLE_FOLDER);
   const auto arabic = [&](const ui::View& view) {
-    return ui::localized(
-        view, [&](const std::string& key) { return bundle.localizedString(key, "ar"); });
+    return ui::localized(view, [&](const std::string& key) { return strings.text(key, "ar"); });
   };
   const CardRequest request{.rightToLeft = true, .language = "ar"};
   expectGolden(

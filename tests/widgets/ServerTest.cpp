@@ -11,9 +11,11 @@
 #include <variant>
 #include <vector>
 
+#include "fixtures/ScopedVariable.h"
 #include "platform/foundation/Activity.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Fatal.h"
+#include "platform/foundation/Locale.h"
 #include "platform/widgets/Server.h"
 
 namespace quillpad {
@@ -72,7 +74,8 @@ std::vector<widgets::WidgetConfiguration> noteWidgets(Script& script) {
               "Note",
               NoteProvider{&script},
               [](const ui::Environment&, const NoteEntry& entry) {
-                return ui::View(ui::Text::verbatim(entry.data.text));
+                const std::string locale = currentLocale(LocaleCategory::numbers);
+                return ui::View(ui::Text::verbatim(entry.data.text + " in " + locale));
               })
               .configurationDisplayName("A note")
               .description("Shows a note.")
@@ -142,6 +145,7 @@ class ServerTest : public testing::Test {
     EXPECT_EQ(noteIn(hear()), "placeholder");
   }
 
+  fixtures::ScopedVariable locale_{"LC_ALL", "de_DE.UTF-8"};
   Script script_;
   std::unique_ptr<widgets::Connection> home_;
   int homeDescriptor_ = -1;
@@ -204,15 +208,19 @@ TEST_F(ServerTest, LivesOnAfterWhatItCannotTake) {
   }
 }
 
-TEST_F(ServerTest, RendersTheEntryThatTheHomeScreenSendsBack) {
+TEST_F(ServerTest, RendersTheEntryThatTheHomeScreenSendsBackInTheLocaleOfTheRequest) {
   ask(1, channel::SnapshotRequest{"Note"});
   EXPECT_EQ(noteIn(hear()), "");
   const Value entry = Dictionary{{"date", "2026-03-07T09:05:03.250Z"}, {"data", "by hand"}};
-  ask(2, channel::RenderRequest{"Note", entry, std::nullopt, ""});
-  const NumberedReply reply = hear();
-  ASSERT_TRUE(std::holds_alternative<channel::Rendering>(reply.reply));
-  const auto& view = std::get<channel::Rendering>(reply.reply).view;
-  EXPECT_EQ(std::get<ui::Text>(view.content).text, "by hand");
+  const std::pair<const char*, const char*> cases[] = {
+      {"", "by hand in de_DE"}, {"ar_EG", "by hand in ar_EG"}, {"", "by hand in de_DE"}};
+  for (const auto& [locale, text] : cases) {
+    ask(2, channel::RenderRequest{"Note", entry, std::nullopt, locale});
+    const NumberedReply reply = hear();
+    ASSERT_TRUE(std::holds_alternative<channel::Rendering>(reply.reply));
+    const auto& view = std::get<channel::Rendering>(reply.reply).view;
+    EXPECT_EQ(std::get<ui::Text>(view.content).text, text);
+  }
 }
 
 TEST_F(ServerTest, EndsWhenTheHomeScreenHangsUpWithTimelinesUnderWay) {

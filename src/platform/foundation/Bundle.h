@@ -1,5 +1,5 @@
-// The resources that are built beside the programs: localised texts and pictures. Immutable after
-// it is made; the main bundle is callable from any thread.
+// The resources that are built beside the programs. Immutable after it is made; the main bundle is
+// callable from any thread.
 #pragma once
 
 #include <filesystem>
@@ -17,9 +17,7 @@ class Bundle {
 
   explicit Bundle(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
-  // The text under the key in Localizable.strings of the best <language>.lproj for the locale, or
-  // the key itself.
-  std::string localizedString(std::string_view key, const std::string& locale) const;
+  const std::filesystem::path& folder() const { return folder_; }
 
   // The language that the locale gets of those that the bundle is translated into; nothing where it
   // gets the keys themselves.

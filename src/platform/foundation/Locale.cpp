@@ -3,24 +3,18 @@
 #include <algorithm>
 #include <cstdlib>
 #include <string_view>
+#include <unicode/locid.h>
+#include <utility>
 
 namespace quillpad {
 namespace {
 
-const char* variableOf(LocaleCategory category) {
-  switch (category) {
-    case LocaleCategory::messages:
-      return "LC_MESSAGES";
-    case LocaleCategory::numbers:
-      return "LC_NUMERIC";
-    case LocaleCategory::dates:
-      return "LC_TIME";
-  }
-  return "LC_MESSAGES";
-}
+// The locale of the calls of this thread; empty: the environment's.
+thread_local std::string localeOfThread;
 
 std::string_view environmentLocale(LocaleCategory category) {
-  for (const char* name : {"LC_ALL", variableOf(category), "LANG"}) {
+  const char* own = category == LocaleCategory::numbers ? "LC_NUMERIC" : "LC_MESSAGES";
+  for (const char* name : {"LC_ALL", own, "LANG"}) {
     const char* value = std::getenv(name);
     if (value != nullptr && *value != '\0') {
       return value;
@@ -32,63 +26,52 @@ std::string_view environmentLocale(LocaleCategory category) {
 bool isAsciiLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 bool namesLocale(std::string_view name) {
-  constexpr std::size_t longestName = 64;
-  return !name.empty() && name.size() <= longestName && isAsciiLetter(name.front()) &&
+  constexpr std::size_t maxLength = 64;
+  return !name.empty() && name.size() <= maxLength && isAsciiLetter(name.front()) &&
          std::ranges::all_of(
              name, [](char c) { return isAsciiLetter(c) || (c >= '0' && c <= '9') || c == '_'; });
 }
 
-std::vector<std::string_view> partsOf(std::string_view locale) {
-  std::vector<std::string_view> parts;
-  while (true) {
-    const std::size_t end = locale.find_first_of("_-");
-    parts.push_back(locale.substr(0, end));
-    if (end == std::string_view::npos) {
-      return parts;
-    }
-    locale.remove_prefix(end + 1);
-  }
-}
-
-bool isScript(std::string_view part) { return part.size() == 4 && isAsciiLetter(part.front()); }
-
-}  // namespace
-
-std::string currentLocale(LocaleCategory category) {
-  // Of the form language[_REGION][.codeset][@modifier].
-  const std::string_view value = environmentLocale(category);
+// The identifier of what the environment names as language[_REGION][.codeset][@modifier].
+std::string identifierOf(std::string_view value) {
   std::string name(value.substr(0, value.find_first_of(".@")));
   std::ranges::replace(name, '-', '_');
   if (name == "C" || name == "POSIX" || !namesLocale(name)) {
     return "en_US_POSIX";
   }
-
-  const std::size_t at = value.find('@');
-  const std::string_view modifier =
-      at == std::string_view::npos ? std::string_view() : value.substr(at + 1);
   const std::size_t languageEnd = std::min(name.find('_'), name.size());
-  if (modifier == "latin") {
+  if (value.ends_with("@latin")) {
     name.insert(languageEnd, "_Latn");
-  }
-  if (modifier == "cyrillic") {
+  } else if (value.ends_with("@cyrillic")) {
     name.insert(languageEnd, "_Cyrl");
   }
   return name;
 }
 
+}  // namespace
+
+std::string currentLocale(LocaleCategory category) {
+  return localeOfThread.empty() ? identifierOf(environmentLocale(category)) : localeOfThread;
+}
+
+ScopedLocale::ScopedLocale(const std::string& locale)
+    : before_(
+          std::exchange(localeOfThread, locale.empty() ? localeOfThread : identifierOf(locale))) {}
+
+ScopedLocale::~ScopedLocale() { localeOfThread = std::move(before_); }
+
 std::vector<std::string> languagesOf(const std::string& locale) {
-  const std::vector<std::string_view> parts = partsOf(locale);
-  const std::string language(parts.front());
-  std::vector<std::string> languages;
-  if (parts.size() > 1 && isScript(parts[1])) {
-    languages.push_back(language + "-" + std::string(parts[1]));
-  } else if (language == "zh") {
-    const bool traditional =
-        parts.size() > 1 && (parts[1] == "TW" || parts[1] == "HK" || parts[1] == "MO");
-    languages.emplace_back(traditional ? "zh-Hant" : "zh-Hans");
+  const icu::Locale parts(locale.c_str());
+  const std::string language = parts.getLanguage();
+  std::string script = parts.getScript();
+  if (language == "zh" && script.empty()) {
+    const std::string_view region = parts.getCountry();
+    script = region == "TW" || region == "HK" || region == "MO" ? "Hant" : "Hans";
   }
-  languages.push_back(language);
-  return languages;
+  if (script.empty()) {
+    return {language};
+  }
+  return {language + "-" + script, language};
 }
 
 }  // namespace quillpad

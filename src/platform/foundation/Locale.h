@@ -8,11 +8,24 @@
 
 namespace quillpad {
 
-enum class LocaleCategory { messages, numbers, dates };
+enum class LocaleCategory { messages, numbers };
 
 // The identifier of the current locale, for example "en_US", "de" or "sr_Latn_RS"; "en_US_POSIX"
 // for C and POSIX, where nothing is set and where what is set names no locale.
 std::string currentLocale(LocaleCategory category = LocaleCategory::messages);
+
+// While it lives, the current locale of the calling thread is the given one in every category; an
+// empty one changes nothing. Any text may be given: what names no locale is read as "C".
+class ScopedLocale {
+ public:
+  explicit ScopedLocale(const std::string& locale);
+  ~ScopedLocale();
+  ScopedLocale(const ScopedLocale&) = delete;
+  ScopedLocale& operator=(const ScopedLocale&) = delete;
+
+ private:
+  std::string before_;
+};
 
 // The languages to look resources up in for a locale identifier, best first: "zh-Hans" and "zh" for
 // "zh_CN", "de" for "de_DE".

@@ -31,7 +31,9 @@ const icu::DecimalFormat* formatFor(const std::string& locale, const std::string
     return kept.format.get();
   }
   UErrorCode status = U_ZERO_ERROR;
-  const icu::DecimalFormatSymbols symbols(icu::Locale(locale.c_str()), status);
+  icu::DecimalFormatSymbols symbols(icu::Locale(locale.c_str()), status);
+  // Some locales have another sign, or direction marks around it.
+  symbols.setSymbol(icu::DecimalFormatSymbols::kMinusSignSymbol, u"-");
   auto format =
       std::make_unique<icu::DecimalFormat>(icu::UnicodeString::fromUTF8(pattern), symbols, status);
   if (U_FAILURE(status)) {

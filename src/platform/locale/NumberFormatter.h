@@ -1,4 +1,5 @@
-// Numbers as text with the current locale's symbols. A value of one thread.
+// Numbers as text with the current locale's digits and separators; the minus sign is "-" in every
+// locale. A value of one thread.
 #pragma once
 
 #include <optional>

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "platform/foundation/Activity.h"
-#include "platform/foundation/Bundle.h"
 #include "platform/foundation/Locale.h"
+#include "platform/locale/LocalizedStrings.h"
 #include "platform/net/URLSession.h"
 #include "platform/ui/ViewCodec.h"
 
@@ -29,8 +29,8 @@ Completion<Answer> replying(
       });
 }
 
-std::string lookUp(const std::string& key, const std::string& locale) {
-  return Bundle::main().localizedString(key, locale);
+std::string lookUp(const std::string& key) {
+  return LocalizedStrings::main().text(key, currentLocale());
 }
 
 }  // namespace
@@ -65,13 +65,12 @@ void Server::answer(std::string_view line) {
 
 std::optional<Reply> Server::handle(
     std::uint64_t /*id*/, const channel::CatalogueRequest& /*request*/) {
-  const std::string locale = currentLocale();
   channel::Catalogue catalogue;
   for (const WidgetConfiguration& widget : widgets_) {
     catalogue.items.push_back(
         {widget.kind,
-         lookUp(widget.displayNameKey, locale),
-         lookUp(widget.descriptionKey, locale),
+         lookUp(widget.displayNameKey),
+         lookUp(widget.descriptionKey),
          widget.families});
   }
   return catalogue;
@@ -120,10 +119,8 @@ std::optional<Reply> Server::handle(std::uint64_t /*id*/, const channel::RenderR
         channel::invalidParams,
         request.kind + " is not offered as " + std::string(channel::familyName(family))};
   }
-  const std::string locale = request.locale.empty() ? currentLocale() : request.locale;
-  return channel::Rendering{ui::localized(
-      widget->render({family}, request.entry),
-      [&](const std::string& key) { return lookUp(key, locale); })};
+  const ScopedLocale locale(request.locale);
+  return channel::Rendering{ui::localized(widget->render({family}, request.entry), lookUp)};
 }
 
 const WidgetConfiguration* Server::find(std::string_view kind) const {
