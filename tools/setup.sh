@@ -44,6 +44,9 @@ build() {
   shift
   echo "Building ($preset)"
   mkdir -p build
+  if command -v ccache >/dev/null; then
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+  fi
   if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"build/$preset.log" 2>&1; then
     tail -n 60 "build/$preset.log" >&2
     echo "The build failed; the whole log is build/$preset.log" >&2
