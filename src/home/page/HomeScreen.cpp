@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdio>
 #include <sys/random.h>
 #include <unistd.h>
 #include <utility>
@@ -72,12 +71,11 @@ HomeScreen::HomeScreen(const std::filesystem::path& extension)
     : token_(secret()),
       instance_(secret()),
       locale_(currentLocale()),
+      relay_(STDERR_FILENO),
       widgets_(
           extension,
           stateFile(),
-          [](std::string_view line) {
-            std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
-          }),
+          [this](std::string_view line) { relay_.add(presentMoment().uptime, line); }),
       previews_(extension),
       engineer_(widgets_.supervisor(), previews_, cards_, locale_) {}
 
@@ -89,6 +87,7 @@ std::string HomeScreen::address() const {
 
 void HomeScreen::addDescriptors(std::vector<pollfd>& descriptors) const {
   descriptors.push_back({server_->descriptor(), POLLIN, 0});
+  descriptors.push_back(relay_.descriptor());
   widgets_.addDescriptors(descriptors);
   previews_.addDescriptors(descriptors);
 }
@@ -107,6 +106,7 @@ int HomeScreen::pollTimeout() const {
 void HomeScreen::run() {
   const Moment now = presentMoment();
   server_->run();
+  relay_.run();
   widgets_.run(now);
   const bool previewed = previews_.run(now);
   if (previewed || supervisor().version() != shownVersion_) {

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "home/extension/LineRelay.h"
 #include "home/extension/Moment.h"
 #include "home/extension/PreviewSession.h"
 #include "home/extension/WidgetHost.h"
@@ -75,6 +76,7 @@ class HomeScreen {
   std::string instance_;
   std::string locale_;
 
+  LineRelay relay_;
   WidgetHost widgets_;
   PreviewSession previews_;
   CardRenderer cards_;
