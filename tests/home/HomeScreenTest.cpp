@@ -91,6 +91,31 @@ TEST_F(HomeScreenTest, ShowsAnyExtensionsWidgetsLive) {
   }
 }
 
+// Numbers of another run say nothing about this one, and those to come are not there yet.
+TEST_F(HomeScreenTest, ChangesAreThoseSinceTheVersionOfThisRun) {
+  const std::string page = askUntil("GET /", R"(data-status="live")");
+  const auto named = [&](const std::string& name) {
+    std::smatch match;
+    std::regex_search(page, match, std::regex(name + "\" content=\"(\\w+)\""));
+    return match[1].str();
+  };
+  const std::string seen = "GET /changes?since=" + named("version");
+  const struct {
+    std::string line;
+    bool isNew;
+  } cases[] = {
+      {seen, false},
+      {seen + "&instance=" + named("instance"), false},
+      {seen + "&instance=0123456789abcdef", true},
+      {"GET /changes?since=18446744073709551615", true},
+      {"GET /changes?since=0", true},
+      {"GET /changes", true},
+  };
+  for (const auto& [line, isNew] : cases) {
+    EXPECT_EQ(ask(line).contains("data-kind"), isNew) << line;
+  }
+}
+
 TEST_F(HomeScreenTest, ChangesNeedThePagesTokenAndSomethingToChange) {
   const std::string page = askUntil("GET /", R"(data-status="live")");
   std::smatch match;

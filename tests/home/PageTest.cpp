@@ -67,6 +67,7 @@ TEST(Page, TellsAgeAndReload) {
       {59s, 61s, "just now · reloads in 1 min"},
       {60s, 20s, "1 min ago · reloads now"},
       {59min, -1min, "59 min ago · reloads now"},
+      {59min, -61s, "59 min ago · reload overdue"},
       {25h, 3h, "1 d ago · reloads in 3 h"},
       {-10min, 5min, "just now · reloads in 5 min"},
   };
@@ -131,6 +132,19 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
     for (const std::string& part : words) {
       EXPECT_THAT(status.cause, HasSubstr(part));
     }
+  }
+}
+
+TEST(WidgetStatus, WhatIsOverdueIsStaleAndAFailureStatusIsNoted) {
+  Picture picture{.source = Picture::Source::timeline, .entry = {}, .received = noon};
+  EXPECT_EQ(statusOf({.picture = &picture, .reload = {}}).level, WidgetStatus::Level::live);
+  EXPECT_EQ(
+      statusOf({.picture = &picture, .reload = {}, .overdue = true}).level,
+      WidgetStatus::Level::stale);
+  for (const auto& [statusCode, note] :
+       {std::pair{0, ""}, {200, ""}, {302, ""}, {403, "answered with status 403"}}) {
+    picture.statusCode = statusCode;
+    EXPECT_EQ(statusOf({.picture = &picture, .reload = {}}).note, note);
   }
 }
 

@@ -290,11 +290,13 @@ TEST_F(SupervisorTest, KnowsOfZerosThatStandInForFiguresByTheFailedTransfer) {
       .path = "/invoice",
       .error = TransportError{-1004, "Could not connect to the server."},
   }});
-  supervisor.transferred({{.activity = open.at("timeline A"), .path = "/invoice", .error = {}}});
+  supervisor.transferred(
+      {{.activity = open.at("timeline A"), .path = "/invoice", .error = {}, .statusCode = 500}});
   answer("timeline A", timelineOf("a1"));
   answer("timeline B", timelineOf("zeros"));
   answerAllButTimelines();
   EXPECT_FALSE(picture("A").failure);
+  EXPECT_EQ(picture("A").statusCode, 500);
   EXPECT_EQ(picture("B").failure.value().localizedDescription, "Could not connect to the server.");
 }
 
@@ -394,6 +396,34 @@ TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
   EXPECT_THAT(
       answerAllButTimelines(),
       UnorderedElementsAre("start", "catalogue", "timeline A", "timeline B"));
+}
+
+TEST_F(SupervisorTest, APictureIsOverdueAMinuteAfterItsReloadTimeAndOnceItIsGivenUp) {
+  bringUp();
+  pass(5min);
+  done();
+  pass(1min - 1ms);
+  EXPECT_FALSE(widget("A").overdue);
+  EXPECT_EQ(supervisor.nextDeadline(), uptime + 1ms);
+  const std::uint64_t version = widget("A").version;
+  pass(1ms);
+  EXPECT_TRUE(widget("A").overdue);
+  EXPECT_GT(widget("A").version, version);
+  supervisor.reload(now());
+  EXPECT_TRUE(widget("A").overdue) << "to be asked again makes it no newer";
+  answer("timeline A", timelineOf("a2"));
+  answer("timeline B", timelineOf("b2"));
+  answerAllButTimelines();
+  EXPECT_FALSE(widget("A").overdue);
+
+  for (int end = 0; end < 5; ++end) {
+    EXPECT_FALSE(widget("A").overdue);
+    endExtension();
+    passThePause();
+    done();
+  }
+  EXPECT_TRUE(widget("A").overdue);
+  EXPECT_EQ(widget("A").problem, nullptr);
 }
 
 TEST_F(SupervisorTest, AnEndWhileNothingIsAskedLeavesThePicturesFresh) {

@@ -8,7 +8,7 @@ import { setTimeout as pause } from "node:timers/promises";
 import { fileURLToPath } from "node:url";
 import { chromium } from "playwright-core";
 
-const build = process.env.QUILLPAD_BUILD ?? fileURLToPath(new URL("../../build/release", import.meta.url));
+export const build = process.env.QUILLPAD_BUILD ?? fileURLToPath(new URL("../../build/release", import.meta.url));
 export const programs = join(build, "bin");
 const extensionUnderTest = join(build, "tests", "extension_under_test");
 
@@ -91,7 +91,7 @@ export class World {
   }
 
   async startHome() {
-    const args = ["--extension", this.extension, "serve", "--port", "0"];
+    const args = ["--extension", this.extension, "serve", "--port", String(this.port ?? 0)];
     this.home = await this.start("quillpad-home", args, /(http:\/\/127\.0\.0\.1:\d+)\//);
     this.address = this.home.ready[1];
   }

@@ -2,9 +2,10 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
+import { join } from "node:path";
 import { after, afterEach, before, beforeEach, test } from "node:test";
 import { setTimeout as pause } from "node:timers/promises";
-import { World, launchBrowser, until } from "./World.mjs";
+import { World, build, launchBrowser, until } from "./World.mjs";
 
 const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
 const salesCard = '[data-kind="SalesSmallWidget"]';
@@ -448,5 +449,62 @@ test("a right-to-left language turns the home screen around", async () => {
     await page.close();
   } finally {
     await arabic.end();
+  }
+});
+
+test("a tab that outlives the home screen shows the next run's figures", async () => {
+  const own = await World.start();
+  try {
+    await until("all widgets are live", () => own.allLive());
+    own.port = new URL(own.address).port;
+    const restart = async () => {
+      await own.stop(own.home);
+      await own.startHome();
+      await until("all widgets are live", () => own.allLive());
+    };
+    await restart(); // from now on each run goes through the same versions
+    const page = await browser.newPage();
+    await page.goto(own.address);
+    own.settings("currency", "€ - EUR");
+    await restart();
+    await until("the new currency shows", async () => (await label(page, salesCard)).includes("€"));
+    await page.close();
+  } finally {
+    await own.end();
+  }
+});
+
+test("any extension's widgets are shown live", async () => {
+  const own = new World();
+  own.extension = join(build, "tests", "clock_extension");
+  try {
+    await own.startHome();
+    const page = await context.newPage();
+    await page.goto(own.address);
+    const clock = page.locator('[data-kind="clock/Uhr & <Zeit>"]');
+    await until("the clock is live", async () => (await clock.getAttribute("data-status")) === "live");
+    assert.match(await clock.locator("svg:visible").first().getAttribute("aria-label"), /^Time of day,? \d\d:\d\d/);
+    await page.goto(`${own.address}/?view=engineer`);
+    assert.equal(await page.locator(".column svg[role=img]:visible").count() >= 3, true);
+  } finally {
+    await own.end();
+  }
+});
+
+test("a card is not live a minute after its reload time, even where the home screen is gone", async () => {
+  const own = await World.start();
+  try {
+    await until("all widgets are live", () => own.allLive());
+    const page = await browser.newPage();
+    await page.clock.install();
+    await page.goto(own.address);
+    await own.stop(own.home);
+    await page.clock.fastForward("05:30");
+    assert.equal(await page.locator(salesCard).getAttribute("data-status"), "live");
+    await page.clock.fastForward("01:00");
+    assert.equal(await page.locator(salesCard).getAttribute("data-status"), "stale");
+    await page.close();
+  } finally {
+    await own.end();
   }
 });

@@ -16,6 +16,9 @@ constexpr std::chrono::milliseconds minWait = 1s;
 constexpr std::chrono::milliseconds maxWait = 24h;
 constexpr std::chrono::milliseconds pauseAfterFailure = 5min;
 
+// How long after its reload time a picture still counts as the newest.
+constexpr std::chrono::milliseconds maxOverdue = 1min;
+
 // The date of an entry as the channel carries it; the beginning of time where it has none.
 Date dateOf(const Value& entry) {
   const auto* members = entry.as<Dictionary>();
@@ -71,6 +74,7 @@ void Supervisor::answerIsLate(const Moment& now, const LateAnswer& late) {
 void Supervisor::transferred(const channel::TransferNotice& notice) {
   if (const auto found = pending_.find(notice.report.activity); found != pending_.end()) {
     found->second.failure = notice.report.error;
+    found->second.statusCode = notice.report.statusCode;
   }
 }
 
@@ -157,6 +161,17 @@ void Supervisor::advance(const Moment& now) {
     if (answeredInThisRun_ && pending_.empty()) {
       restarts_.reset();
       lastEnd_.reset();
+    }
+  }
+  noticeOverdue(now);
+}
+
+void Supervisor::noticeOverdue(const Moment& now) {
+  for (const std::string& kind : placed_) {
+    Widget& widget = widgets_[kind];
+    const bool overdue = life_ == Life::gaveUp || now.uptime >= widget.freshUntil;
+    if (std::exchange(widget.overdue, overdue) != overdue) {
+      markChanged(widget);
     }
   }
 }
@@ -335,6 +350,7 @@ void Supervisor::takeTimeline(
   const auto wait =
       std::clamp<std::chrono::milliseconds>(timeline.reloadAfter - now.date, minWait, maxWait);
   widget.due = now.uptime + wait;
+  widget.freshUntil = widget.due + maxOverdue;
   widget.reload = now.date + wait;
   widget.problem.reset();
 
@@ -356,7 +372,8 @@ void Supervisor::takeTimeline(
       .source = Picture::Source::timeline,
       .entry = std::prev(next)->entry,
       .received = now.date,
-      .failure = request.failure};
+      .failure = request.failure,
+      .statusCode = request.statusCode};
   widget.later.erase(widget.later.begin(), next);
 }
 
@@ -459,25 +476,28 @@ void Supervisor::loseExtension(const Moment& now, Problem problem) {
 std::vector<Supervisor::Action> Supervisor::takeActions() { return std::exchange(actions_, {}); }
 
 std::optional<Uptime> Supervisor::nextDeadline() const {
-  if (life_ == Life::backingOff) {
-    return startAt_;
-  }
-  if (life_ != Life::running || (restarts_.hasEnded() && !pending_.empty())) {
-    return std::nullopt;
-  }
   std::optional<Uptime> earliest;
   const auto consider = [&](Uptime moment) {
     earliest = earliest ? std::min(*earliest, moment) : moment;
   };
+  if (life_ == Life::backingOff) {
+    consider(startAt_);
+  }
+  const bool asks = life_ == Life::running && (!restarts_.hasEnded() || pending_.empty());
   for (const std::string& kind : placed_) {
     const auto found = widgets_.find(kind);
-    if (found == widgets_.end() || found->second.busy || !offers(kind)) {
+    if (found == widgets_.end() || !offers(kind)) {
       continue;
     }
     const Widget& widget = found->second;
-    consider(widget.due);
-    if (widget.picture && !widget.later.empty()) {
-      consider(widget.later.front().due);
+    if (!widget.overdue) {
+      consider(widget.freshUntil);
+    }
+    if (asks && !widget.busy) {
+      consider(widget.due);
+      if (widget.picture && !widget.later.empty()) {
+        consider(widget.later.front().due);
+      }
     }
   }
   return earliest;
@@ -496,6 +516,7 @@ std::vector<WidgetState> Supervisor::widgets() const {
          .picture = addressOf(widget.picture),
          .problem = addressOf(widget.problem),
          .reload = life_ == Life::gaveUp ? std::nullopt : widget.reload,
+         .overdue = widget.overdue,
          .version = widget.version});
   }
   return states;

@@ -89,6 +89,7 @@ class Supervisor {
     std::string kind;
     Purpose purpose = Purpose::catalogue;
     std::optional<TransportError> failure{};
+    int statusCode = 0;  // of the latest transfer
   };
 
   struct LaterEntry {
@@ -106,6 +107,8 @@ class Supervisor {
     std::optional<Date> reload{};  // the same for people
     Uptime asked{};                // when a timeline was last asked for
     bool busy = false;             // an answer is awaited
+    Uptime freshUntil{};           // how long the latest timeline counts as the newest
+    bool overdue = false;
     bool placeholderFailed = false;
     bool snapshotFailed = false;
     std::uint64_t version = 0;
@@ -115,6 +118,7 @@ class Supervisor {
   void advance(const Moment& now);
   void startExtension(const Moment& now);
   void askWhatIsDue(const Moment& now);
+  void noticeOverdue(const Moment& now);
   void showNextEntry(const Moment& now, Widget& widget);
   void ask(const Moment& now, const std::string& kind, Purpose purpose);
   void take(const Moment& now, const Pending& request, const channel::Reply& reply);

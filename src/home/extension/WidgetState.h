@@ -25,6 +25,7 @@ struct Picture {
   Date received;
   // The transfer behind the entry failed: what it shows stands in for real data.
   std::optional<TransportError> failure{};
+  int statusCode = 0;     // of the response behind the entry; 0 where there is none
   bool restored = false;  // from an earlier run of the home screen
 };
 
@@ -53,6 +54,7 @@ struct WidgetState {
   const Picture* picture = nullptr;  // nullptr until there is a first one
   const Problem* problem = nullptr;  // nullptr: none
   std::optional<Date> reload{};      // when it is asked for next, if that is known
+  bool overdue = false;              // it was to be renewed a while ago, or never will be
   std::uint64_t version = 0;         // grows whenever any of this changes
 };
 

@@ -83,11 +83,16 @@ WidgetStatus statusOf(const WidgetState& widget) {
         "Old picture",
         "This is from before the home screen was started. Fresh figures "
         "are on their way."};
+  } else if (widget.overdue) {
+    status = {Level::stale, "Old picture", "A newer picture is overdue."};
   }
   if (widget.problem != nullptr) {
     const std::string words = inPlainWords(*widget.problem);
     const bool replaces = status.level == Level::placeholder || status.level == Level::empty;
     status.cause = replaces ? words : status.cause + " " + words;
+  }
+  if (picture != nullptr && picture->statusCode >= 400) {
+    status.note = "answered with status " + std::to_string(picture->statusCode);
   }
   return status;
 }

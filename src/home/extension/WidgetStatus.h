@@ -20,8 +20,9 @@ struct WidgetStatus {
   };
 
   Level level = Level::live;
-  std::string badge;  // two or three words; empty where it is live
-  std::string cause;  // a few sentences; empty where it is live
+  std::string badge;   // two or three words; empty where it is live
+  std::string cause;   // a few sentences; empty where it is live
+  std::string note{};  // some words in passing; empty where there is nothing to add
 };
 
 WidgetStatus statusOf(const WidgetState& widget);

@@ -19,6 +19,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto galleryPatience = 5s;
+constexpr std::size_t maxKeptChanges = 100;
 
 // 128 bits that nobody can guess, in hexadecimal.
 std::string secret() {
@@ -143,9 +144,7 @@ WebReply HomeScreen::answer(const WebRequest& request) {
     return galleryAnswer();
   }
   if (request.path == "/events" || request.path == "/changes") {
-    const std::string_view since = request.parameter("since");
-    std::uint64_t version = 0;
-    std::from_chars(since.data(), since.data() + since.size(), version);
+    const std::uint64_t version = seenVersion(request);
     if (request.path == "/events") {
       return eventsSince(version);
     }
@@ -153,6 +152,16 @@ WebReply HomeScreen::answer(const WebRequest& request) {
         .contentType = "application/json; charset=utf-8", .body = *changesSince(version)};
   }
   return WebAnswer{.status = 404, .body = "There is nothing here. The home screen is at /.\n"};
+}
+
+// The version that the page has seen; 0, which is before all, where that was in another run.
+std::uint64_t HomeScreen::seenVersion(const WebRequest& request) const {
+  const std::string_view since = request.parameter("since");
+  const std::string_view run = request.parameter("instance");
+  std::uint64_t version = 0;
+  std::from_chars(since.data(), since.data() + since.size(), version);
+  const bool isOfThisRun = run.empty() || run == instance_;
+  return isOfThisRun && version <= supervisor().version() ? version : 0;
 }
 
 WebReply HomeScreen::change(const WebRequest& request) {
@@ -229,7 +238,7 @@ EventStream HomeScreen::eventsSince(std::uint64_t version) {
     if (version == supervisor().version()) {
       return nullptr;
     }
-    if (changesVersion_ != supervisor().version()) {
+    if (changesVersion_ != supervisor().version() || changes_.size() > maxKeptChanges) {
       changesVersion_ = supervisor().version();
       changes_.clear();
     }
@@ -247,7 +256,7 @@ std::shared_ptr<const std::string> HomeScreen::changesSince(std::uint64_t versio
   Dictionary cards;
   for (const WidgetState& card : supervisor().widgets()) {
     order.emplace_back(card.about->kind);
-    if (card.version > version || version > supervisor().version()) {
+    if (card.version > version) {
       cards.set(card.about->kind, cardMarkup(modelOf(card), currentDate()).html);
     }
   }

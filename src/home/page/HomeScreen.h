@@ -63,6 +63,7 @@ class HomeScreen {
   WebAnswer homeAnswer();
   PageFrame newFrame() const;
   LaterAnswer galleryAnswer();
+  std::uint64_t seenVersion(const WebRequest& request) const;
   EventStream eventsSince(std::uint64_t version);
   std::shared_ptr<const std::string> changesSince(std::uint64_t version);
 

@@ -42,9 +42,17 @@ Markup timesMarkup(const CardModel& card, Date now) {
   if (card.reload) {
     const std::string left = inWords(*card.reload - now + 30s);
     times.html += times.html.empty() ? "" : " · ";
-    times.html +=
-        timeMarkup("reloads", *card.reload, left.empty() ? "reloads now" : "reloads in " + left)
-            .html;
+    times.html += timeMarkup(
+                      "reloads",
+                      *card.reload,
+                      now - *card.reload > 1min ? "reload overdue"
+                      : left.empty()            ? "reloads now"
+                                                : "reloads in " + left)
+                      .html;
+  }
+  if (!card.status.note.empty()) {
+    times.html += times.html.empty() ? "" : " · ";
+    times.html += escaped(card.status.note).html;
   }
   return times;
 }

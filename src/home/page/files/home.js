@@ -23,7 +23,10 @@ function tellTimes() {
     if (time.dataset.says === "updated") {
       time.textContent = words ? `${words} ago` : "just now";
     } else {
-      time.textContent = distance > 0 && words ? `reloads in ${words}` : "reloads now";
+      const overdue = distance < -minute;
+      time.textContent = overdue ? "reload overdue" : distance > 0 && words ? `reloads in ${words}` : "reloads now";
+      const card = time.closest(".widget");
+      if (overdue && card.dataset.status === "live") card.dataset.status = "stale";
     }
     time.title = new Date(time.dateTime).toLocaleString();
   }
@@ -81,7 +84,7 @@ function hear({ changes, lost }) {
 }
 
 function listen() {
-  const events = new EventSource(`/events?since=${version}`);
+  const events = new EventSource(`/events?since=${version}&instance=${instance}`);
   const tell = (message) => {
     channel.postMessage(message);
     hear(message);
