@@ -29,8 +29,7 @@ std::string formattedAmount(double amount) {
 
 std::string formattedTotal(const Dictionary& row) {
   const std::string symbol = currencySymbol();
-  const Value* total = row.find("total");
-  const auto* amount = total != nullptr ? total->as<Number>() : nullptr;
+  const auto* amount = row.get<Number>("total");
   return symbol + formattedAmount(amount != nullptr ? amount->doubleValue() : 0);
 }
 

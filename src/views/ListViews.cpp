@@ -47,9 +47,8 @@ ui::View DocumentListView::body() const {
 
 // Empty where the row has no name, or one that is not a text.
 std::string clientName(const Dictionary& item) {
-  const Value* name = item.find("clientName");
-  const auto* text = name != nullptr ? name->as<std::string>() : nullptr;
-  return text != nullptr ? *text : std::string();
+  const auto* name = item.get<std::string>("clientName");
+  return name != nullptr ? *name : std::string();
 }
 
 }  // namespace

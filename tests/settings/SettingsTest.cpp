@@ -27,7 +27,7 @@ std::string storeOf(std::string_view dictionary) {
 }
 
 std::optional<Value> stored(std::string_view key) {
-  const std::optional<UserDefaults> defaults = UserDefaults::open(suite);
+  const auto defaults = UserDefaults::open(suite);
   return defaults ? defaults->object(key) : std::nullopt;
 }
 

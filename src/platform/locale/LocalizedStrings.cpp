@@ -50,8 +50,7 @@ std::string LocalizedStrings::text(std::string_view key, const std::string& loca
     if (!std::ranges::binary_search(languages_, language)) {
       continue;
     }
-    const Value* value = textsOf(language).find(key);
-    if (const auto* text = value != nullptr ? value->as<std::string>() : nullptr) {
+    if (const auto* text = textsOf(language).get<std::string>(key)) {
       return *text;
     }
   }

@@ -1,5 +1,6 @@
 #include "platform/settings/PropertyList.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <pugixml.hpp>
@@ -12,7 +13,7 @@
 namespace quillpad {
 namespace {
 
-constexpr int deepestNesting = 512;
+constexpr int maxDepth = 512;
 
 std::string_view trimmed(std::string_view text) {
   constexpr std::string_view whiteSpace = " \t\r\n";
@@ -162,7 +163,7 @@ std::optional<Value> dictionaryOf(const pugi::xml_node& element, int depth) {
 std::optional<Value> valueOf(const pugi::xml_node& element, int depth) {
   const std::string_view kind = element.name();
   if (kind == "dict" || kind == "array") {
-    if (depth == deepestNesting) {
+    if (depth == maxDepth) {
       return std::nullopt;
     }
     return kind == "dict" ? dictionaryOf(element, depth + 1) : arrayOf(element, depth + 1);
@@ -174,110 +175,81 @@ std::optional<Value> valueOf(const pugi::xml_node& element, int depth) {
   return scalarOf(kind, *text);
 }
 
-constexpr std::string_view head =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<plist version=\"1.0\">\n";
-
-class PropertyListWriter {
- public:
-  void write(const Value& value) {
-    std::visit([&](const auto& content) { writeContent(content); }, value.storage());
+// Why a property list cannot hold the text; empty where it can.
+std::string_view errorIn(std::string_view text) {
+  if (!isUtf8(text)) {
+    return "it holds text that is not UTF-8";
   }
+  const auto isControl = [](char c) {
+    return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+  };
+  if (std::ranges::any_of(text, isControl)) {
+    return "it holds a control character, which a settings file cannot keep";
+  }
+  if (text.contains("\uFFFE") || text.contains("\uFFFF")) {
+    return "it holds a character that a settings file cannot keep";
+  }
+  return {};
+}
 
-  // Why the value is no property list; empty where it is one.
-  const std::string& fault() const { return fault_; }
-  std::string takeText() { return std::move(text_); }
+// Appends a value's element to its parent.
+struct ElementWriter {
+  pugi::xml_node parent;
+  std::string& error;  // why the value is no property list; empty where it is one
 
- private:
-  void writeContent(Null) { fault_ = "it holds a null, which a settings file cannot keep"; }
-  void writeContent(const std::string& text) { writeText("string", text); }
-  void writeContent(const Data& data) { writeText("data", base64(data.bytes)); }
+  void write(const Value& value) { std::visit(*this, value.storage()); }
 
-  void writeContent(Date date) {
+  void operator()(Null) { error = "it holds a null, which a settings file cannot keep"; }
+  void operator()(const std::string& text) { append("string", text); }
+  void operator()(const Data& data) { append("data", base64(data.bytes)); }
+
+  void operator()(Date date) {
     const std::string text = iso8601(date);
-    writeText("date", text.substr(0, text.find('.')) + "Z");
+    append("date", text.substr(0, text.find('.')) + "Z");
   }
 
-  void writeContent(const Number& number) {
+  void operator()(const Number& number) {
     if (const bool* truth = std::get_if<bool>(&number.storage())) {
-      writeLine(*truth ? "<true/>" : "<false/>");
-    } else if (std::holds_alternative<double>(number.storage())) {
-      writeText("real", number.stringValue());
+      parent.append_child(*truth ? "true" : "false");
     } else {
-      writeText("integer", number.stringValue());
+      const bool real = std::holds_alternative<double>(number.storage());
+      append(real ? "real" : "integer", number.stringValue());
     }
   }
 
-  void writeContent(const Array& array) {
-    writeLine("<array>");
-    ++depth_;
+  void operator()(const Array& array) {
+    ElementWriter elements{parent.append_child("array"), error};
     for (const Value& element : array) {
-      write(element);
+      elements.write(element);
     }
-    --depth_;
-    writeLine("</array>");
   }
 
-  void writeContent(const Dictionary& dictionary) {
-    writeLine("<dict>");
-    ++depth_;
+  void operator()(const Dictionary& dictionary) {
+    ElementWriter members{parent.append_child("dict"), error};
     for (const Dictionary::Member& member : dictionary) {
-      writeText("key", member.key);
-      write(member.value);
-    }
-    --depth_;
-    writeLine("</dict>");
-  }
-
-  void writeText(std::string_view kind, std::string_view text) {
-    if (!isUtf8(text)) {
-      fault_ = "it holds text that is not UTF-8";
-    }
-    if (text.contains("\xEF\xBF\xBE") || text.contains("\xEF\xBF\xBF")) {
-      fault_ = "it holds a character that a settings file cannot keep";
-    }
-    std::string line = "<" + std::string(kind) + ">";
-    for (const char c : text) {
-      appendEscaped(line, c);
-    }
-    writeLine(line + "</" + std::string(kind) + ">");
-  }
-
-  void appendEscaped(std::string& line, char c) {
-    switch (c) {
-      case '&':
-        line += "&amp;";
-        break;
-      case '<':
-        line += "&lt;";
-        break;
-      case '>':
-        line += "&gt;";
-        break;
-      case '\r':
-        line += "&#13;";
-        break;  // a bare one would be read as a line feed
-      case '\t':
-      case '\n':
-        line += c;
-        break;
-      default:
-        if (static_cast<unsigned char>(c) < 0x20) {
-          fault_ = "it holds a control character, which a settings file cannot keep";
-        }
-        line += c;
+      members.append("key", member.key);
+      members.write(member.value);
     }
   }
 
-  void writeLine(std::string_view line) {
-    text_.append(depth_, '\t');
-    text_ += line;
-    text_ += '\n';
+  void append(const char* kind, const std::string& text) {
+    if (const std::string_view textError = errorIn(text); !textError.empty()) {
+      error = textError;
+    }
+    parent.append_child(kind).text().set(text.c_str());
+  }
+};
+
+// Collects a document's text. A carriage return, which the library leaves bare, would be read as a
+// line feed.
+struct TextWriter : pugi::xml_writer {
+  void write(const void* data, std::size_t size) override {
+    for (const char c : std::string_view(static_cast<const char*>(data), size)) {
+      c == '\r' ? text += "&#13;" : text += c;
+    }
   }
 
-  std::size_t depth_ = 0;
-  std::string text_{head};
-  std::string fault_;
+  std::string text;
 };
 
 }  // namespace
@@ -301,12 +273,21 @@ std::optional<Value> readPropertyList(std::string_view text) {
 }
 
 std::expected<std::string, std::string> writePropertyList(const Value& value) {
-  PropertyListWriter writer;
-  writer.write(value);
-  if (!writer.fault().empty()) {
-    return std::unexpected(writer.fault());
+  pugi::xml_document document;
+  pugi::xml_node declaration = document.append_child(pugi::node_declaration);
+  declaration.append_attribute("version") = "1.0";
+  declaration.append_attribute("encoding") = "UTF-8";
+  pugi::xml_node list = document.append_child("plist");
+  list.append_attribute("version") = "1.0";
+
+  std::string error;
+  ElementWriter{list, error}.write(value);
+  if (!error.empty()) {
+    return std::unexpected(error);
   }
-  return writer.takeText() + "</plist>\n";
+  TextWriter writer;
+  document.save(writer);
+  return writer.text;
 }
 
 }  // namespace quillpad

@@ -10,7 +10,6 @@
 #include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/WholeFile.h"
 #include "platform/settings/PropertyList.h"
-#include "platform/settings/SettingsFile.h"
 #include "platform/settings/UserDefaults.h"
 
 namespace quillpad {
@@ -53,11 +52,11 @@ std::expected<FileDescriptor, std::error_code> lockedBeside(const std::filesyste
   return descriptor;
 }
 
-std::unexpected<std::string> refusedFor(const std::filesystem::path& file, SettingsFault fault) {
-  if (fault == SettingsFault::unreadable) {
+std::unexpected<std::string> refusedFor(const std::filesystem::path& file, SettingsError error) {
+  if (error == SettingsError::unreadable) {
     return refused(file, "the file cannot be read", "check who owns it and its mode");
   }
-  if (fault == SettingsFault::tooLarge) {
+  if (error == SettingsError::tooLarge) {
     return refused(file, "the file is larger than 1 MiB", "move it away and sign in again");
   }
   return refused(
@@ -81,18 +80,18 @@ std::expected<void, std::string> changeSettings(
     return refused(file, lock.error().message(), checkFolder);
   }
 
-  std::expected<Dictionary, SettingsFault> objects = readSettingsFile(file);
-  if (!objects && objects.error() != SettingsFault::absent) {
-    return refusedFor(file, objects.error());
+  const auto store = UserDefaults::open(suiteName);
+  if (!store && store.error() != SettingsError::absent) {
+    return refusedFor(file, store.error());
   }
-  Dictionary changed = objects ? std::move(*objects) : Dictionary();
-  change(changed);
+  Dictionary objects = store ? store->objects() : Dictionary();
+  change(objects);
 
-  const std::expected<std::string, std::string> list = writePropertyList(std::move(changed));
+  const std::expected<std::string, std::string> list = writePropertyList(std::move(objects));
   if (!list) {
     return refused(file, "what is to be kept cannot be, as " + list.error(), "give another value");
   }
-  if (list->size() > largestSettingsFile) {
+  if (list->size() > maxSettingsBytes) {
     return refused(file, "they would be larger than 1 MiB", "give a shorter value");
   }
   if (const std::error_code error = writeWholeFile(file, *list)) {

@@ -3,7 +3,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/settings/SettingsFile.h"
+#include "platform/foundation/WholeFile.h"
+#include "platform/settings/PropertyList.h"
 
 namespace quillpad {
 namespace {
@@ -32,12 +33,23 @@ std::filesystem::path UserDefaults::path(std::string_view suiteName) {
          (std::string(suiteName) + ".plist");
 }
 
-std::optional<UserDefaults> UserDefaults::open(std::string_view suiteName) {
-  std::expected<Dictionary, SettingsFault> objects = readSettingsFile(path(suiteName));
-  if (!objects) {
-    return std::nullopt;
+std::expected<UserDefaults, SettingsError> UserDefaults::open(std::string_view suiteName) {
+  const auto bytes = readWholeFile(path(suiteName), maxSettingsBytes);
+  if (!bytes && bytes.error() == std::errc::no_such_file_or_directory) {
+    return std::unexpected(SettingsError::absent);
   }
-  return UserDefaults(std::move(*objects));
+  if (!bytes && bytes.error() == std::errc::file_too_large) {
+    return std::unexpected(SettingsError::tooLarge);
+  }
+  if (!bytes) {
+    return std::unexpected(SettingsError::unreadable);
+  }
+  const std::optional<Value> list = readPropertyList(*bytes);
+  const auto* objects = list ? list->as<Dictionary>() : nullptr;
+  if (objects == nullptr) {
+    return std::unexpected(SettingsError::damaged);
+  }
+  return UserDefaults(*objects);
 }
 
 std::optional<Value> UserDefaults::object(std::string_view key) const {

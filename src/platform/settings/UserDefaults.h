@@ -3,6 +3,8 @@
 // any processes.
 #pragma once
 
+#include <cstddef>
+#include <expected>
 #include <filesystem>
 #include <optional>
 #include <string_view>
@@ -11,18 +13,25 @@
 
 namespace quillpad {
 
+// A store may hold this many bytes.
+inline constexpr std::size_t maxSettingsBytes = std::size_t{1} << 20;
+
+// Why a store cannot be opened. A damaged one is cut off, not an XML property list, or of another
+// shape than a dictionary.
+enum class SettingsError { absent, unreadable, tooLarge, damaged };
+
 class UserDefaults {
  public:
-  // The store of an app group as it is now. Nothing if there is none or it cannot be read: absent,
-  // unreadable, over 1 MiB, cut off, not an XML property list, or of another shape than a
-  // dictionary.
-  static std::optional<UserDefaults> open(std::string_view suiteName);
+  // The store of an app group as it is now.
+  static std::expected<UserDefaults, SettingsError> open(std::string_view suiteName);
 
-  // Where the store of an app group lies: below XDG_DATA_HOME or HOME.
+  // Where the store of an app group lies: below XDG_DATA_HOME or HOME; empty where neither is set.
   static std::filesystem::path path(std::string_view suiteName);
 
   // The object under the key with its own kind, nothing converted; or nothing.
   std::optional<Value> object(std::string_view key) const;
+
+  const Dictionary& objects() const { return objects_; }
 
  private:
   explicit UserDefaults(Dictionary objects) : objects_(std::move(objects)) {}
