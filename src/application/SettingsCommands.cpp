@@ -9,8 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "home/commands/InputFile.h"
-#include "home/commands/Output.h"
+#include "home/commands/Files.h"
 #include "home/commands/TextTable.h"
 #include "platform/settings/SettingsWriter.h"
 #include "platform/settings/UserDefaults.h"

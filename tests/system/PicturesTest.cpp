@@ -144,6 +144,17 @@ TEST_F(PicturesTest, ALinkToAFileStaysALink) {
   EXPECT_THAT(contents(file("real.svg")), StartsWith("<svg"));
 }
 
+TEST_F(PicturesTest, AFileThatIsReplacedKeepsItsMode) {
+  for (const mode_t mode : {0600U, 0664U}) {
+    std::ofstream(file("card.svg")) << "old";
+    ASSERT_EQ(::chmod(file("card.svg").c_str(), mode), 0);
+    EXPECT_EQ(render("SalesSmallWidget", {"-o", file("card.svg")}).status, 0);
+    struct stat about{};
+    ASSERT_EQ(::stat(file("card.svg").c_str(), &about), 0);
+    EXPECT_EQ(about.st_mode & 0777U, mode);
+  }
+}
+
 TEST_F(PicturesTest, TheTreeIsTheViewThatTheExtensionSent) {
   const Outcome run = this->run({"tree", "SalesSmallWidget", "--state", "placeholder"});
   EXPECT_EQ(run.status, 0) << run.err;

@@ -10,7 +10,7 @@
 #include <system_error>
 #include <vector>
 
-#include "home/commands/Output.h"
+#include "home/commands/Files.h"
 #include "home/commands/PictureCommands.h"
 #include "home/page/Markup.h"
 #include "platform/foundation/Base64.h"
@@ -160,17 +160,38 @@ std::expected<std::optional<Change>, Failure> changeOf(
   return change;
 }
 
-// The recorded pictures that no widget has any more.
-std::vector<Change> goneCards(const Gallery& gallery, const CheckChoice& choice) {
-  std::vector<Change> gone;
+std::expected<std::vector<std::filesystem::path>, std::error_code> filesIn(
+    const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> files;
   std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(choice.recorded, error)) {
-    const std::string name = entry.path().filename();
-    if (entry.path().extension() != ".png" ||
+  for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    files.push_back(entry->path());
+  }
+  if (error) {
+    return std::unexpected(error);
+  }
+  std::ranges::sort(files);
+  return files;
+}
+
+// The recorded pictures that no widget has any more.
+std::expected<std::vector<Change>, Failure> goneCards(
+    const Gallery& gallery, const CheckChoice& choice) {
+  const auto files = filesIn(choice.recorded);
+  if (!files) {
+    return failure(
+        ExitStatus::notPossible,
+        choice.recorded.string() + " cannot be read: " + files.error().message());
+  }
+  std::vector<Change> gone;
+  for (const std::filesystem::path& file : *files) {
+    const std::string name = file.filename();
+    if (file.extension() != ".png" ||
         std::ranges::find(gallery.cards, name, &GalleryCard::fileName) != gallery.cards.end()) {
       continue;
     }
-    const auto bytes = readWholeFile(entry.path(), largestFile);
+    const auto bytes = readWholeFile(file, largestFile);
     const auto picture = pictureIn(bytes.value_or(""));
     gone.push_back(
         {.title = name,
@@ -182,7 +203,6 @@ std::vector<Change> goneCards(const Gallery& gallery, const CheckChoice& choice)
          .actual = "",
          .difference = ""});
   }
-  std::ranges::sort(gone, {}, &Change::fileName);
   return gone;
 }
 
@@ -236,7 +256,11 @@ Done checkGallery(ExtensionClient& extension, const CheckChoice& choice) {
       changes.push_back(std::move(*change));
     }
   }
-  std::ranges::move(goneCards(*gallery, choice), std::back_inserter(changes));
+  auto gone = goneCards(*gallery, choice);
+  if (!gone) {
+    return std::unexpected(gone.error());
+  }
+  std::ranges::move(*gone, std::back_inserter(changes));
 
   const std::string count = changes.empty()
                                 ? "Nothing changed."

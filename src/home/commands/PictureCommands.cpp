@@ -4,8 +4,7 @@
 #include <system_error>
 #include <utility>
 
-#include "home/commands/InputFile.h"
-#include "home/commands/Output.h"
+#include "home/commands/Files.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Locale.h"
 #include "platform/paint/CardSize.h"

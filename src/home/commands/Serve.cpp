@@ -9,7 +9,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "home/commands/Output.h"
+#include "home/commands/Files.h"
 #include "home/page/HomeScreen.h"
 #include "platform/foundation/FileDescriptor.h"
 

@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 #include "home/commands/EntryText.h"
-#include "home/commands/Output.h"
+#include "home/commands/Files.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/URL.h"
 

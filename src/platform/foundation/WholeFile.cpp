@@ -2,29 +2,20 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
+#include <cstdint>
 #include <fcntl.h>
+#include <sys/random.h>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
+#include "platform/foundation/Fatal.h"
 #include "platform/foundation/FileDescriptor.h"
 
 namespace quillpad {
 namespace {
 
 std::error_code lastError() { return {errno, std::system_category()}; }
-
-std::error_code writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-    if (written < 0 && errno != EINTR) {
-      return lastError();
-    }
-    if (written > 0) {
-      bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-  }
-  return {};
-}
 
 std::error_code syncFolder(const std::filesystem::path& folder) {
   const FileDescriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -33,6 +24,89 @@ std::error_code syncFolder(const std::filesystem::path& folder) {
   }
   return {};
 }
+
+std::error_code writeInPlace(const std::filesystem::path& file, std::string_view bytes) {
+  const FileDescriptor descriptor(open(file.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+  return descriptor ? writeAll(descriptor.get(), bytes) : lastError();
+}
+
+// A name that no other process can have foreseen.
+std::string unguessableName() {
+  std::uint64_t number = 0;
+  if (getrandom(&number, sizeof number, 0) != sizeof number) {
+    fatal("WholeFile.cpp: the system has no random numbers");
+  }
+  return ".quillpad-" + std::to_string(number);
+}
+
+// A file on the way to its place in a folder.
+class NewFile {
+ public:
+  NewFile(std::filesystem::path place, mode_t mode)
+      : place_(std::move(place)),
+        folder_(place_.has_parent_path() ? place_.parent_path() : "."),
+        temporary_(folder_ / unguessableName()),
+        descriptor_(open(folder_.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, mode)) {
+    if (!descriptor_) {  // a file system without nameless files, or no such folder
+      descriptor_ =
+          FileDescriptor(open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+      named_ = static_cast<bool>(descriptor_);
+    }
+    error_ = descriptor_ ? std::error_code() : lastError();
+  }
+
+  ~NewFile() {
+    if (named_) {
+      unlink(temporary_.c_str());
+    }
+  }
+
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  void setMode(mode_t mode) { check(fchmod(descriptor_.get(), mode)); }
+
+  // Writes the bytes and puts the file in its place.
+  std::error_code fill(std::string_view bytes) {
+    if (!error_) {
+      error_ = writeAll(descriptor_.get(), bytes);
+    }
+    check(error_ ? 0 : fsync(descriptor_.get()));
+    if (!error_) {
+      moveToPlace();
+    }
+    return error_ ? error_ : syncFolder(folder_);
+  }
+
+ private:
+  void check(int result) {
+    if (result != 0 && !error_) {
+      error_ = lastError();
+    }
+  }
+
+  // A link cannot replace a file, a rename can.
+  void moveToPlace() {
+    if (!named_ && link(place_) == 0) {
+      return;
+    }
+    named_ = named_ || (errno == EEXIST && link(temporary_) == 0);
+    check(named_ ? rename(temporary_.c_str(), place_.c_str()) : -1);
+    named_ = named_ && error_;
+  }
+
+  int link(const std::filesystem::path& name) const {
+    const std::string self = "/proc/self/fd/" + std::to_string(descriptor_.get());
+    return linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW);
+  }
+
+  std::filesystem::path place_;
+  std::filesystem::path folder_;
+  std::filesystem::path temporary_;
+  FileDescriptor descriptor_;
+  std::error_code error_;
+  bool named_ = false;  // whether the temporary name is in use
+};
 
 }  // namespace
 
@@ -48,10 +122,14 @@ std::expected<std::string, std::error_code> readWholeFile(
     return std::unexpected(std::make_error_code(std::errc::invalid_argument));
   }
 
+  return readToEnd(descriptor.get(), maximumBytes);
+}
+
+std::expected<std::string, std::error_code> readToEnd(int descriptor, std::size_t maximumBytes) {
   std::string bytes;
   std::array<char, 16384> piece{};
   while (true) {
-    const ssize_t count = read(descriptor.get(), piece.data(), piece.size());
+    const ssize_t count = read(descriptor, piece.data(), piece.size());
     if (count < 0 && errno == EINTR) {
       continue;
     }
@@ -68,26 +146,34 @@ std::expected<std::string, std::error_code> readWholeFile(
   }
 }
 
-std::error_code writeWholeFile(const std::filesystem::path& file, std::string_view bytes) {
-  const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
-  std::string temporary = (folder / ("." + file.filename().string() + ".XXXXXX")).string();
-  const FileDescriptor descriptor(mkostemp(temporary.data(), O_CLOEXEC));  // mode 0600
-  if (!descriptor) {
-    return lastError();
+std::error_code writeAll(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+    if (written < 0 && errno != EINTR) {
+      return lastError();
+    }
+    if (written > 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
   }
+  return {};
+}
 
-  std::error_code error = writeAll(descriptor.get(), bytes);
-  if (!error && fsync(descriptor.get()) != 0) {
-    error = lastError();
+std::error_code writeWholeFile(
+    const std::filesystem::path& file, std::string_view bytes, WriteOptions options) {
+  struct stat old{};
+  const bool exists = stat(file.c_str(), &old) == 0;
+  if (exists && !S_ISREG(old.st_mode)) {
+    return writeInPlace(file, bytes);
   }
-  if (!error && rename(temporary.c_str(), file.c_str()) != 0) {
-    error = lastError();
+  std::error_code unresolved;
+  const std::filesystem::path target = std::filesystem::canonical(file, unresolved);
+  NewFile created(
+      unresolved ? file : target, options.access == FileAccess::ownerOnly ? 0600 : 0666);
+  if (exists && options.access == FileAccess::asBefore) {
+    created.setMode(old.st_mode & 0777U);
   }
-  if (error) {
-    unlink(temporary.c_str());
-    return error;
-  }
-  return syncFolder(folder);
+  return created.fill(bytes);
 }
 
 }  // namespace quillpad

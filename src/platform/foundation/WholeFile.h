@@ -15,8 +15,30 @@ namespace quillpad {
 std::expected<std::string, std::error_code> readWholeFile(
     const std::filesystem::path& file, std::size_t maximumBytes);
 
-// Puts the bytes in the file's place, durably and readable by its owner alone (mode 0600): who
-// opens the file finds what was there before or all of the new. On failure the old file stands.
-std::error_code writeWholeFile(const std::filesystem::path& file, std::string_view bytes);
+// What an open descriptor yields up to its end; fails with file_too_large where that is more than
+// the given number of bytes.
+std::expected<std::string, std::error_code> readToEnd(int descriptor, std::size_t maximumBytes);
+
+std::error_code writeAll(int descriptor, std::string_view bytes);
+
+// Who may open a file that is written.
+enum class FileAccess {
+  ownerOnly,  // mode 0600, whatever it was before
+  asBefore,   // the mode of the file that is replaced; a new file's follows the umask
+};
+
+struct WriteOptions {
+  FileAccess access = FileAccess::ownerOnly;
+};
+
+// Puts the bytes in the file's place, durably: who opens the file finds what was there before or
+// all of the new. On failure the old file stands. A symbolic link stays and its target is replaced;
+// a device or a pipe is written to.
+//
+// The bytes are collected in a file without a name where the file system has such files, so a
+// process that is killed leaves nothing behind, but for the instant in which a file that replaces
+// another one needs a name of its own.
+std::error_code writeWholeFile(
+    const std::filesystem::path& file, std::string_view bytes, WriteOptions options = {});
 
 }  // namespace quillpad
