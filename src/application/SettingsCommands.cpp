@@ -14,11 +14,17 @@
 #include "platform/settings/SettingsWriter.h"
 #include "platform/settings/UserDefaults.h"
 
-namespace quillpad::home {
+namespace quillpad::application {
 namespace {
 
+using namespace home;
+
 constexpr const char* appGroup = QUILLPAD_APP_GROUP;
-constexpr std::size_t longestToken = std::size_t{64} * 1024;
+constexpr const char* businessIdKey = "businessId";
+constexpr const char* tokenKey = "token";
+constexpr const char* businessKey = "currentBusiness";
+constexpr const char* currencyKey = "currency";
+constexpr std::size_t maxTokenBytes = std::size_t{64} * 1024;
 
 Done change(const std::function<void(Dictionary& objects)>& edit) {
   const auto changed = changeSettings(appGroup, edit);
@@ -41,7 +47,7 @@ Done checkText(const std::string& name, const std::string& text) {
 }
 
 std::expected<std::string, Failure> readToken(const std::string& tokenFile) {
-  auto input = readInput(tokenFile, longestToken);
+  auto input = readInput(tokenFile, maxTokenBytes);
   if (!input) {
     return input;
   }
@@ -69,70 +75,119 @@ std::string shownText(const Value* value) {
   return text->empty() ? "empty (signed out)" : *text;
 }
 
+struct Show {
+  void declare(Options& /*options*/) {}
+
+  Done run(const CommandContext& /*context*/) const {
+    const std::filesystem::path store = UserDefaults::path(appGroup);
+    const auto settings = UserDefaults::open(appGroup);
+    std::error_code ignored;
+    if (!settings && std::filesystem::exists(store, ignored)) {
+      return failure(
+          ExitStatus::notPossible,
+          "the settings store " + store.string() +
+              " cannot be read as a property list; repair it or move it away, then sign in again");
+    }
+
+    const auto object = [&](const char* key) {
+      return settings ? settings->object(key) : std::nullopt;
+    };
+    const auto businessId = object(businessIdKey);
+    const auto token = object(tokenKey);
+    const auto business = object(businessKey);
+    const auto* members = business ? business->as<Dictionary>() : nullptr;
+    const auto* tokenText = token ? token->as<std::string>() : nullptr;
+    const bool hasToken = tokenText != nullptr && !tokenText->empty();
+
+    TextTable table;
+    table.addRow({{"store"}, {store.string()}});
+    table.addRow({{"business id"}, {shownText(businessId ? &*businessId : nullptr)}});
+    table.addRow({{"token"}, {hasToken ? "set" : shownText(token ? &*token : nullptr)}});
+    table.addRow(
+        {{"currency"}, {shownText(members == nullptr ? nullptr : members->find(currencyKey))}});
+    return print(table.text(0));
+  }
+};
+
+struct SignIn {
+  std::string businessId{};
+  std::string tokenFile{};
+
+  void declare(Options& options) {
+    options.text("--business-id", businessId, "The business's identifier", "ID", Need::required);
+    options.text(
+        "--token-file",
+        tokenFile,
+        "The file with the token; -: standard input",
+        "FILE",
+        Need::required);
+  }
+
+  Done run(const CommandContext& /*context*/) const {
+    if (auto checked = checkText("the business identifier", businessId); !checked) {
+      return checked;
+    }
+    const auto token = readToken(tokenFile);
+    if (!token) {
+      return std::unexpected(token.error());
+    }
+    return change([&](Dictionary& objects) {
+      objects.set(businessIdKey, businessId);
+      objects.set(tokenKey, *token);
+    });
+  }
+};
+
+struct SetCurrency {
+  std::string currency{};
+
+  void declare(Options& options) {
+    options.text(
+        "currency",
+        currency,
+        "Symbol, dash and code, for example \"€ - EUR\"",
+        "CURRENCY",
+        Need::required);
+  }
+
+  Done run(const CommandContext& /*context*/) const {
+    if (auto checked = checkText("the currency", currency); !checked) {
+      return checked;
+    }
+    return change([&](Dictionary& objects) {
+      const Value* stored = objects.find(businessKey);
+      const auto* members = stored == nullptr ? nullptr : stored->as<Dictionary>();
+      Dictionary business = members == nullptr ? Dictionary() : *members;
+      business.set(currencyKey, currency);
+      objects.set(businessKey, std::move(business));
+    });
+  }
+};
+
+// The extension then drops requests for timelines until the next sign-in. Without the two keys it
+// would end, which is what it does to a store that was never signed in.
+struct SignOut {
+  void declare(Options& /*options*/) {}
+
+  Done run(const CommandContext& /*context*/) const {
+    return change([](Dictionary& objects) {
+      objects.set(businessIdKey, "");
+      objects.set(tokenKey, "");
+    });
+  }
+};
+
 }  // namespace
 
-Done showSettings() {
-  const std::filesystem::path store = UserDefaults::path(appGroup);
-  const auto settings = UserDefaults::open(appGroup);
-  std::error_code ignored;
-  if (!settings && std::filesystem::exists(store, ignored)) {
-    return failure(
-        ExitStatus::notPossible,
-        "the settings store " + store.string() +
-            " cannot be read as a property list; mend it or move it away, then sign in again");
-  }
-
-  const auto object = [&](const char* key) {
-    return settings ? settings->object(key) : std::nullopt;
-  };
-  const auto businessId = object("businessId");
-  const auto token = object("token");
-  const auto business = object("currentBusiness");
-  const auto* members = business ? business->as<Dictionary>() : nullptr;
-  const std::string tokenText = shownText(token ? &*token : nullptr);
-  const auto* isText = token ? token->as<std::string>() : nullptr;
-
-  TextTable table;
-  table.addRow({{"store"}, {store.string()}});
-  table.addRow({{"business id"}, {shownText(businessId ? &*businessId : nullptr)}});
-  table.addRow({{"token"}, {isText != nullptr && !isText->empty() ? "set" : tokenText}});
-  table.addRow(
-      {{"currency"}, {shownText(members == nullptr ? nullptr : members->find("currency"))}});
-  return print(table.text(0));
+Command settingsCommand() {
+  return {
+      .name = "settings",
+      .description = "Show and change what the application shares with the extension",
+      .subcommands = {
+          command<Show>("show", "Print what is set; of the token only whether it is"),
+          command<SignIn>("sign-in", "Store business and token"),
+          command<SetCurrency>("currency", "Store the currency"),
+          command<SignOut>("sign-out", "Empty business and token")}};
 }
 
-Done signIn(const std::string& businessId, const std::string& tokenFile) {
-  if (auto checked = checkText("the business identifier", businessId); !checked) {
-    return checked;
-  }
-  const auto token = readToken(tokenFile);
-  if (!token) {
-    return std::unexpected(token.error());
-  }
-  return change([&](Dictionary& objects) {
-    objects.set("businessId", businessId);
-    objects.set("token", *token);
-  });
-}
-
-Done setCurrency(const std::string& currency) {
-  if (auto checked = checkText("the currency", currency); !checked) {
-    return checked;
-  }
-  return change([&](Dictionary& objects) {
-    const Value* stored = objects.find("currentBusiness");
-    const auto* members = stored == nullptr ? nullptr : stored->as<Dictionary>();
-    Dictionary business = members == nullptr ? Dictionary() : *members;
-    business.set("currency", currency);
-    objects.set("currentBusiness", std::move(business));
-  });
-}
-
-Done signOut() {
-  return change([](Dictionary& objects) {
-    objects.set("businessId", "");
-    objects.set("token", "");
-  });
-}
-
-}  // namespace quillpad::home
+}  // namespace quillpad::application

@@ -2,24 +2,15 @@
 // shares with the extension.
 #pragma once
 
-#include <string>
+#include "home/commands/Command.h"
 
-#include "home/extension/Failure.h"
+namespace quillpad::application {
 
-namespace quillpad::home {
+// `settings` with show, sign-in, currency and sign-out.
+home::Command settingsCommand();
 
-// Prints what is set; of the token only whether it is.
-Done showSettings();
+// What helps where the extension drops a request for a timeline.
+inline constexpr const char* signInHint =
+    "the business identifier or the token is empty; \"quillpad-home settings sign-in\" sets both";
 
-// Stores the business and the token that the file holds ("-": standard input).
-Done signIn(const std::string& businessId, const std::string& tokenFile);
-
-// Stores the business's currency, for example "€ - EUR".
-Done setCurrency(const std::string& currency);
-
-// Empties business and token: the extension then drops requests for timelines until the next
-// sign-in. (Without the two keys it would end, which is what it does to a store that was never
-// signed in.)
-Done signOut();
-
-}  // namespace quillpad::home
+}  // namespace quillpad::application

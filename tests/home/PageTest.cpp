@@ -19,10 +19,10 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
       .displayName = "<img src=x onerror=name()> {{link}}",
       .description = "</p>&'\"",
       .families = {}};
-  const DrawnCard drawing{.picture = {"PICTURE"}, .link = "quillpad://a\"b"};
+  const DrawnCard drawing{.picture = trusted("PICTURE"), .link = "quillpad://a\"b"};
   CardModel card{.about = &item, .drawing = &drawing, .status = {}, .updated = {}, .reload = {}};
   card.status = {WidgetStatus::Level::stale, "Old <i>", "It said “</p><script>”."};
-  const std::string html = cardMarkup(card, noon).html;
+  const std::string html = cardMarkup(card, noon).html();
   EXPECT_THAT(html, Not(HasSubstr("<script")));
   EXPECT_THAT(html, Not(HasSubstr("<img")));
   EXPECT_THAT(html, Not(HasSubstr("<i>")));
@@ -30,7 +30,7 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
   EXPECT_THAT(html, HasSubstr("{{link}}")) << "what is put in is not filled again";
   EXPECT_THAT(html, HasSubstr("PICTURE"));
 
-  const std::string offers = galleryMarkup({{.about = &item, .drawing = nullptr}}).html;
+  const std::string offers = galleryMarkup({{.about = &item, .drawing = nullptr}}).html();
   EXPECT_THAT(offers, Not(HasSubstr("<script")));
   EXPECT_THAT(offers, Not(HasSubstr("<img")));
 }
@@ -78,7 +78,7 @@ TEST(Page, TellsAgeAndReload) {
         .status = {},
         .updated = noon - age,
         .reload = noon + left};
-    const std::string html = cardMarkup(card, noon).html;
+    const std::string html = cardMarkup(card, noon).html();
     std::string text;
     for (bool inTag = false; const char character : html) {
       inTag = inTag || character == '<';

@@ -114,7 +114,7 @@ TEST_F(TimelinesTest, WithoutAGatewayThereAreStandInsAndAWord) {
       const Outcome run = this->run({"timeline", kind, "--json"});
       EXPECT_EQ(run.status, 0);
       EXPECT_EQ(onlyData(run.out), data);
-      EXPECT_THAT(run.err, HasSubstr("the gateway was not reached (Could not connect"));
+      EXPECT_THAT(run.err, HasSubstr("a transfer failed (Could not connect"));
     }
   }
 }

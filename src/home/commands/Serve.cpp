@@ -1,7 +1,6 @@
-#include "home/commands/Serve.h"
-
+// The live home screen as a program: runs until it is told to stop, and leaves no process behind.
 #include <csignal>
-#include <cstdio>
+#include <cstdint>
 #include <poll.h>
 #include <string>
 #include <sys/signalfd.h>
@@ -9,6 +8,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "home/commands/Commands.h"
 #include "home/commands/Files.h"
 #include "home/page/HomeScreen.h"
 #include "platform/foundation/FileDescriptor.h"
@@ -41,33 +41,45 @@ FileDescriptor watchParent() {
   return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, ::getppid(), 0)));
 }
 
+struct Serve {
+  std::uint16_t port = 8480;
+
+  void declare(Options& options) {
+    options.number<std::uint16_t>("--port", port, "The port of 127.0.0.1; 0: a free one", 0, 65535);
+  }
+
+  Done run(const CommandContext& context) const {
+    ::signal(SIGPIPE, SIG_IGN);  // who reads the messages may leave
+    const bool keepsRunning = outlivesItsParent();
+    const FileDescriptor parent = keepsRunning ? FileDescriptor() : watchParent();
+    const FileDescriptor signals = catchStopSignals(keepsRunning);
+
+    auto screen = HomeScreen::start(context.extension, port);
+    if (!screen) {
+      return failure(ExitStatus::notPossible, screen.error());
+    }
+    if (Done printed = print((*screen)->address() + "\n"); !printed) {
+      return printed;
+    }
+
+    std::vector<pollfd> descriptors;
+    for (;;) {
+      descriptors = {{signals.get(), POLLIN, 0}, {parent.get(), POLLIN, 0}};
+      (*screen)->addDescriptors(descriptors);
+      ::poll(descriptors.data(), descriptors.size(), (*screen)->pollTimeout());
+      if (descriptors[0].revents != 0 || descriptors[1].revents != 0) {
+        (*screen)->stop();
+        return {};
+      }
+      (*screen)->run();
+    }
+  }
+};
+
 }  // namespace
 
-Done serve(const ServeOptions& options) {
-  ::signal(SIGPIPE, SIG_IGN);  // who reads the messages may leave
-  const bool keepsRunning = outlivesItsParent();
-  const FileDescriptor parent = keepsRunning ? FileDescriptor() : watchParent();
-  const FileDescriptor signals = catchStopSignals(keepsRunning);
-
-  auto screen = HomeScreen::start(options.extension, options.port);
-  if (!screen) {
-    return failure(ExitStatus::notPossible, screen.error());
-  }
-  if (Done printed = print((*screen)->address() + "\n"); !printed) {
-    return printed;
-  }
-
-  std::vector<pollfd> descriptors;
-  for (;;) {
-    descriptors = {{signals.get(), POLLIN, 0}, {parent.get(), POLLIN, 0}};
-    (*screen)->addDescriptors(descriptors);
-    ::poll(descriptors.data(), descriptors.size(), (*screen)->pollTimeout());
-    if (descriptors[0].revents != 0 || descriptors[1].revents != 0) {
-      (*screen)->stop();
-      return {};
-    }
-    (*screen)->run();
-  }
+Command serveCommand() {
+  return command<Serve>("serve", "Show the live home screen on this machine");
 }
 
 }  // namespace quillpad::home

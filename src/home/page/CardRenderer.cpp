@@ -22,24 +22,6 @@ bool isRightToLeft(const std::string& locale) {
          std::ranges::find(rightToLeftLanguages, *language) != rightToLeftLanguages.end();
 }
 
-std::optional<PictureFormat> pictureFormatFromName(std::string_view name) {
-  if (name == "png") {
-    return PictureFormat::png;
-  }
-  if (name == "svg") {
-    return PictureFormat::svg;
-  }
-  if (name == "json") {
-    return PictureFormat::json;
-  }
-  return std::nullopt;
-}
-
-drawing::Size defaultSize(ui::WidgetFamily family) {
-  return family == ui::WidgetFamily::systemSmall ? drawing::Size{158, 158}
-                                                 : drawing::Size{338, 158};
-}
-
 CardRenderer::CardRenderer() : texts_(fonts_), pictures_(Bundle::main()), png_(fonts_, pictures_) {}
 
 drawing::DisplayList CardRenderer::compose(

@@ -22,11 +22,6 @@ namespace quillpad::home {
 
 enum class PictureFormat { png, svg, json };
 
-std::optional<PictureFormat> pictureFormatFromName(std::string_view name);
-
-// The size of a family's card on the default screen, in points.
-drawing::Size defaultSize(ui::WidgetFamily family);
-
 // Whether the language that the locale gets its texts in is written from right to left: true for
 // "ar_EG", false for "he_IL" as long as there is no Hebrew translation.
 bool isRightToLeft(const std::string& locale);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "home/page/PageFiles.h"
+#include "home/page/WidgetSizes.h"
 #include "platform/foundation/Base64.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/NumberText.h"
@@ -14,26 +15,6 @@
 
 namespace quillpad::home {
 namespace {
-
-// The sizes of widgets on the phone's screens, in points.
-struct Screen {
-  std::string_view name;
-  drawing::Size small;
-  drawing::Size medium;
-};
-
-constexpr std::array<Screen, 10> screens{{
-    {"393x852", {158, 158}, {338, 158}},
-    {"320x568", {141, 141}, {292, 141}},
-    {"360x780", {155, 155}, {329, 155}},
-    {"375x667", {148, 148}, {321, 148}},
-    {"375x812", {155, 155}, {329, 155}},
-    {"402x874", {162, 162}, {344, 162}},
-    {"414x736", {159, 159}, {348, 157}},
-    {"414x896", {169, 169}, {360, 169}},
-    {"430x932", {170, 170}, {364, 170}},
-    {"440x956", {170, 170}, {364, 170}},
-}};
 
 struct Option {
   std::string_view value;
@@ -71,9 +52,11 @@ template <class Options>
 Markup optionsMarkup(const Options& options, std::string_view chosen) {
   Markup markup;
   for (const Option& option : options) {
-    markup.html += "<option value=\"" + escaped(option.value).html + "\"" +
-                   (option.value == chosen ? " selected" : "") + ">" + escaped(option.label).html +
-                   "</option>";
+    markup += filled(
+        page::optionHtml,
+        {{"value", escaped(option.value)},
+         {"selected", escaped(option.value == chosen ? " selected" : "")},
+         {"label", escaped(option.label)}});
   }
   return markup;
 }
@@ -121,19 +104,15 @@ std::string_view appearanceName(ui::Appearance appearance) {
   return appearance == ui::Appearance::dark ? "dark" : "light";
 }
 
-Markup length(double points) { return {Number(std::round(points * 100) / 100).stringValue()}; }
-
-std::string sizeText(drawing::Size size) {
-  return length(size.width).html + " × " + length(size.height).html;
+std::string lengthText(double points) {
+  return Number(std::round(points * 100) / 100).stringValue();
 }
 
-constexpr std::string_view boxesHtml =
-    R"(<svg class="boxes" aria-hidden="true" width="{{width}}" height="{{height}}" viewBox="0 0 {{width}} {{height}}">{{boxes}}</svg>)";
-constexpr std::string_view boxHtml =
-    R"(<rect x="{{x}}" y="{{y}}" width="{{width}}" height="{{height}}"/><text x="{{x}}" y="{{above}}">{{width}} × {{height}}</text>)";
-constexpr std::string_view imageHtml =
-    R"(<img width="{{width}}" height="{{height}}" alt="{{alt}}" src="data:image/png;base64,{{bytes}}">)";
-constexpr std::string_view problemHtml = R"(<p class="problem">{{problem}}</p>)";
+Markup length(double points) { return escaped(lengthText(points)); }
+
+std::string sizeText(drawing::Size size) {
+  return lengthText(size.width) + " × " + lengthText(size.height);
+}
 
 // The frames of what is painted, with their sizes, to lie over the card.
 Markup boxesMarkup(const drawing::DisplayList& list) {
@@ -141,22 +120,25 @@ Markup boxesMarkup(const drawing::DisplayList& list) {
   for (const drawing::Item& item : list.items) {
     const drawing::Rect frame =
         std::visit([](const auto& content) { return content.frame; }, item.content);
-    boxes.html += filled(
-                      boxHtml,
-                      {{"x", length(frame.x)},
-                       {"y", length(frame.y)},
-                       {"width", length(frame.width)},
-                       {"height", length(frame.height)},
-                       {"above", length(frame.y - 1)}})
-                      .html;
+    boxes += filled(
+        page::engineerBoxHtml,
+        {{"x", length(frame.x)},
+         {"y", length(frame.y)},
+         {"width", length(frame.width)},
+         {"height", length(frame.height)},
+         {"above", length(frame.y - 1)}});
   }
   return filled(
-      boxesHtml,
+      page::engineerBoxesHtml,
       {{"width", length(list.size.width)}, {"height", length(list.size.height)}, {"boxes", boxes}});
 }
 
 std::string prettyJson(const Value& value) {
   return writeJson(value, JsonLayout::pretty).value_or("");
+}
+
+ui::WidgetFamily familyOf(const channel::CatalogueItem& widget) {
+  return widget.families.empty() ? ui::WidgetFamily::systemSmall : widget.families.front();
 }
 
 // What a person without a widget is told.
@@ -205,14 +187,10 @@ std::optional<EngineerChoice> EngineerView::choiceOf(const WebRequest& request) 
       .boxes = request.parameter("boxes") == "1",
       .state = oneOf(states, request.parameter("state")),
       .entry = std::string(request.parameter("entry"))};
-  auto screen = std::ranges::find(screens, request.parameter("screen"), &Screen::name);
-  if (screen == screens.end()) {
-    screen = screens.begin();
-  }
-  const bool small = choice.widget.families.empty() ||
-                     choice.widget.families.front() == ui::WidgetFamily::systemSmall;
-  choice.screen = screen->name;
-  choice.size = small ? screen->small : screen->medium;
+  const auto known = screens();
+  const auto screen = std::ranges::find(known, request.parameter("screen"));
+  choice.screen = screen == known.end() ? known.front() : *screen;
+  choice.size = widgetSize(familyOf(choice.widget), choice.screen);
   return choice;
 }
 
@@ -258,8 +236,7 @@ EngineerView::Column EngineerView::column(
 }
 
 drawing::DisplayList EngineerView::compose(const EngineerChoice& choice, const ui::View& view) {
-  const ui::WidgetFamily family = choice.widget.families.empty() ? ui::WidgetFamily::systemSmall
-                                                                 : choice.widget.families.front();
+  const ui::WidgetFamily family = familyOf(choice.widget);
   const drawing::CardRequest request{
       .kind = choice.widget.kind,
       .family = std::string(channel::familyName(family)),
@@ -290,7 +267,7 @@ LaterAnswer EngineerView::page(const Moment& now, const WebRequest& request, Pag
     }
     return WebAnswer{
         .contentType = "text/html; charset=utf-8",
-        .body = render(choice, columns, frame).html,
+        .body = render(choice, columns, frame).html(),
         .headers = {{"Content-Security-Policy", contentPolicy(frame.nonce)}}};
   };
 }
@@ -340,19 +317,16 @@ Markup EngineerView::render(
   }
   std::vector<std::string> screenLabels;
   std::vector<Option> screenOptions;
-  screenLabels.reserve(screens.size());
-  for (const Screen& screen : screens) {
-    const bool medium = !choice.widget.families.empty() &&
-                        choice.widget.families.front() == ui::WidgetFamily::systemMedium;
-    const drawing::Size size = medium ? screen.medium : screen.small;
+  screenLabels.reserve(screens().size());
+  for (const std::string_view screen : screens()) {
+    const drawing::Size size = widgetSize(familyOf(choice.widget), screen);
     screenOptions.push_back(
-        {screen.name,
-         screenLabels.emplace_back(std::string(screen.name) + " (" + sizeText(size) + ")")});
+        {screen, screenLabels.emplace_back(std::string(screen) + " (" + sizeText(size) + ")")});
   }
   Markup columnsHtml;
   std::string sample;
   for (const Column& column : columns) {
-    columnsHtml.html += columnMarkup(choice, column).html;
+    columnsHtml += columnMarkup(choice, column);
     const PreviewSession::Result* result = column.result();
     if (column.state == "snapshot" && result != nullptr) {
       sample = writeJson(result->entry, JsonLayout::compact).value_or("");
@@ -362,9 +336,9 @@ Markup EngineerView::render(
       page::engineerHtml,
       {{"name", escaped(choice.widget.kind)},
        {"nonce", escaped(frame.nonce)},
-       {"style", {std::string(page::styleCss)}},
-       {"engineerStyle", {std::string(page::engineerCss)}},
-       {"appearanceScript", {std::string(page::appearanceJs)}},
+       {"style", trusted(std::string(page::styleCss))},
+       {"engineerStyle", trusted(std::string(page::engineerCss))},
+       {"appearanceScript", trusted(std::string(page::appearanceJs))},
        {"kinds", optionsMarkup(kinds, choice.widget.kind)},
        {"screens", optionsMarkup(screenOptions, choice.screen)},
        {"languages", optionsMarkup(languages, choice.language)},
@@ -372,19 +346,19 @@ Markup EngineerView::render(
        {"formats", optionsMarkup(formats, choice.format)},
        {"scales", optionsMarkup(scales, std::to_string(choice.scale))},
        {"states", optionsMarkup(states, choice.state)},
-       {"boxesChecked", {choice.boxes ? " checked" : ""}},
+       {"boxesChecked", escaped(choice.boxes ? " checked" : "")},
        {"sample", escaped(sample)},
        {"entry", escaped(choice.entry)},
        {"columns", columnsHtml},
        {"details", detailsMarkup(choice, columns)},
-       {"script", {std::string(page::engineerJs)}}});
+       {"script", trusted(std::string(page::engineerJs))}});
 }
 
 Markup EngineerView::columnMarkup(const EngineerChoice& choice, const Column& column) {
   Markup content;
   std::string date;
   if (const PreviewSession::Result* result = column.result(); result == nullptr) {
-    content = filled(problemHtml, {{"problem", escaped(column.reason())}});
+    content = filled(page::engineerProblemHtml, {{"problem", escaped(column.reason())}});
   } else {
     if (const auto* members = result->entry.as<Dictionary>()) {
       const Value* value = members->find("date");
@@ -394,7 +368,7 @@ Markup EngineerView::columnMarkup(const EngineerChoice& choice, const Column& co
     const drawing::DisplayList list = compose(choice, result->view);
     for (const auto appearance : {ui::Appearance::light, ui::Appearance::dark}) {
       if (choice.appearance == "both" || choice.appearance == appearanceName(appearance)) {
-        content.html += pictureMarkup(choice, column, list, appearance).html;
+        content += pictureMarkup(choice, column, list, appearance);
       }
     }
   }
@@ -417,23 +391,23 @@ Markup EngineerView::pictureMarkup(
       column.state + "-" + std::string(name) + "-");
   Markup picture;
   if (!file) {
-    picture = filled(problemHtml, {{"problem", escaped(file.error())}});
+    picture = filled(page::engineerProblemHtml, {{"problem", escaped(file.error())}});
   } else if (png) {
     picture = filled(
-        imageHtml,
+        page::engineerImageHtml,
         {{"width", length(list.size.width)},
          {"height", length(list.size.height)},
          {"alt", escaped(accessibilityLabel(list))},
-         {"bytes", {base64(*file)}}});
+         {"bytes", escaped(base64(*file))}});
   } else {
-    picture.html = std::move(*file);
+    picture = trusted(std::move(*file));
   }
   return filled(
       page::engineerPictureHtml,
       {{"picture", picture},
        {"boxes", choice.boxes ? boxesMarkup(list) : Markup{}},
-       {"appearance", {appearance == ui::Appearance::dark ? "Dark" : "Light"}},
-       {"size", {sizeText(list.size) + " at " + std::to_string(choice.scale) + "x"}},
+       {"appearance", escaped(appearance == ui::Appearance::dark ? "Dark" : "Light")},
+       {"size", escaped(sizeText(list.size) + " at " + std::to_string(choice.scale) + "x")},
        {"svg", escaped(pictureAddress(choice, column.state, name, "svg"))},
        {"png", escaped(pictureAddress(choice, column.state, name, "png"))}});
 }

@@ -2,53 +2,57 @@
 
 #include <cmath>
 
-#include "home/page/Markup.h"
+#include "home/page/PageFiles.h"
+#include "platform/foundation/Base64.h"
 
 namespace quillpad::home {
 namespace {
 
-constexpr const char* pageStart = R"(<!DOCTYPE html>
-<html lang="en">
-<meta charset="utf-8">
-<meta name="viewport" content="width=device-width, initial-scale=1">
-<title>Quillpad Widgets</title>
-<style>
-  :root { color-scheme: light dark; }
-  body { margin: 0; font: 15px/1.4 Inter, system-ui, sans-serif; background: Canvas; color: CanvasText; }
-  header, section { max-width: 860px; margin: 0 auto; padding: 20px 24px; }
-  h1 { font-size: 26px; font-weight: 600; margin: 16px 0 0; }
-  h2 { font-size: 17px; font-weight: 600; margin: 0; }
-  p { margin: 2px 0 14px; opacity: .7; }
-  .pair { display: flex; flex-wrap: wrap; border-radius: 28px; overflow: hidden; }
-  .pair div { flex: 1 1 0; display: flex; justify-content: center; padding: 28px 20px; }
-  .light { background: linear-gradient(160deg, #dfe7f1, #c3d2e4); }
-  .dark { background: linear-gradient(160deg, #2b3442, #10151d); }
-  img { display: block; border-radius: 22px; box-shadow: 0 6px 20px rgb(0 0 0 / .18); }
-</style>
-<header><h1>Quillpad Widgets</h1></header>
-)";
+Markup wholePoints(double points) { return escaped(std::to_string(std::lround(points))); }
 
-std::string picture(const GalleryPage::Widget& widget, const std::string& appearance) {
-  const auto pixels = [](double points) { return std::to_string(std::lround(points)); };
-  return "    <div class=\"" + appearance + "\"><img src=\"" + escaped(widget.kind).html + "-" +
-         appearance + ".png\" width=\"" + pixels(widget.size.width) + "\" height=\"" +
-         pixels(widget.size.height) + "\" alt=\"" + escaped(widget.accessibilityLabel).html +
-         "\"></div>\n";
+Markup picture(const std::string& png, drawing::Size size, std::string_view caption) {
+  if (png.empty()) {
+    return {};
+  }
+  return filled(
+      page::changesPictureHtml,
+      {{"bytes", escaped(base64(png))},
+       {"width", wholePoints(size.width)},
+       {"height", wholePoints(size.height)},
+       {"caption", escaped(caption)}});
 }
 
 }  // namespace
 
-std::string GalleryPage::html() const {
-  std::string page = pageStart;
-  for (const Widget& widget : widgets) {
-    page += "<section id=\"" + escaped(widget.kind).html + "\">\n";
-    page += "  <h2>" + escaped(widget.displayName).html + "</h2>\n";
-    page += "  <p>" + escaped(widget.description).html + "</p>\n";
-    page += "  <div class=\"pair\">\n";
-    page += picture(widget, "light") + picture(widget, "dark");
-    page += "  </div>\n</section>\n";
+Markup galleryPage(std::span<const GalleryWidget> widgets) {
+  Markup sections;
+  for (const GalleryWidget& widget : widgets) {
+    sections += filled(
+        page::galleryWidgetHtml,
+        {{"kind", escaped(widget.kind)},
+         {"name", escaped(widget.displayName)},
+         {"description", escaped(widget.description)},
+         {"width", wholePoints(widget.size.width)},
+         {"height", wholePoints(widget.size.height)},
+         {"label", escaped(widget.accessibilityLabel)}});
   }
-  return page;
+  return filled(page::galleryHtml, {{"widgets", sections}});
+}
+
+Markup changesPage(const std::string& summary, std::span<const PictureChange> changes) {
+  Markup items;
+  for (const PictureChange& change : changes) {
+    Markup pictures = picture(change.expected, change.size, "expected");
+    pictures += picture(change.actual, change.size, "actual");
+    pictures += picture(change.difference, change.size, "difference");
+    items += filled(
+        page::changesItemHtml,
+        {{"title", escaped(change.title)},
+         {"file", escaped(change.fileName)},
+         {"change", escaped(change.change)},
+         {"pictures", pictures}});
+  }
+  return filled(page::changesHtml, {{"summary", escaped(summary)}, {"changes", items}});
 }
 
 }  // namespace quillpad::home

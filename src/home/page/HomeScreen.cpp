@@ -9,6 +9,7 @@
 
 #include "home/extension/StateFile.h"
 #include "home/extension/WidgetStatus.h"
+#include "home/page/WidgetSizes.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Locale.h"
@@ -202,7 +203,7 @@ WebAnswer HomeScreen::homeAnswer() {
   for (const WidgetState& card : supervisor().widgets()) {
     model.cards.push_back(modelOf(card));
   }
-  WebAnswer answer = html(homePage(model, frame, currentDate()).html);
+  WebAnswer answer = html(homePage(model, frame, currentDate()).html());
   answer.headers.emplace_back("Content-Security-Policy", contentPolicy(frame.nonce));
   return answer;
 }
@@ -229,7 +230,7 @@ LaterAnswer HomeScreen::galleryAnswer() {
            .drawing = drawing == offers_.end() ? nullptr : &drawing->second,
            .placed = supervisor().isPlaced(item.kind)});
     }
-    return html(galleryMarkup(offers).html);
+    return html(galleryMarkup(offers).html());
   };
 }
 
@@ -257,7 +258,7 @@ std::shared_ptr<const std::string> HomeScreen::changesSince(std::uint64_t versio
   for (const WidgetState& card : supervisor().widgets()) {
     order.emplace_back(card.about->kind);
     if (card.version > version) {
-      cards.set(card.about->kind, cardMarkup(modelOf(card), currentDate()).html);
+      cards.set(card.about->kind, cardMarkup(modelOf(card), currentDate()).html());
     }
   }
   const Dictionary changes{
@@ -303,13 +304,13 @@ std::optional<DrawnCard> HomeScreen::draw(
       view,
       {.kind = about.kind,
        .family = std::string(channel::familyName(family)),
-       .size = defaultSize(family)},
+       .size = widgetSize(family)},
       locale_);
   auto picture = cards_.writeForPage(list, idPrefix);
   if (!picture) {
     return std::nullopt;
   }
-  return DrawnCard{.picture = {std::move(*picture)}, .link = list.link};
+  return DrawnCard{.picture = trusted(std::move(*picture)), .link = list.link};
 }
 
 std::string HomeScreen::emptyText() const {

@@ -7,39 +7,41 @@
 namespace quillpad::home {
 
 Markup escaped(std::string_view text) {
-  Markup markup;
-  markup.html.reserve(text.size());
+  std::string html;
+  html.reserve(text.size());
   for (const char character : text) {
     switch (character) {
       case '&':
-        markup.html += "&amp;";
+        html += "&amp;";
         break;
       case '<':
-        markup.html += "&lt;";
+        html += "&lt;";
         break;
       case '>':
-        markup.html += "&gt;";
+        html += "&gt;";
         break;
       case '"':
-        markup.html += "&quot;";
+        html += "&quot;";
         break;
       case '\'':
-        markup.html += "&#39;";
+        html += "&#39;";
         break;
       default:
-        markup.html += character;
+        html += character;
     }
   }
-  return markup;
+  return trusted(std::move(html));
 }
 
+Markup trusted(std::string html) { return Markup(std::move(html)); }
+
 Markup filled(std::string_view page, std::initializer_list<Slot> slots) {
-  Markup result;
+  std::string html;
   for (;;) {
     const std::size_t open = page.find("{{");
-    result.html += page.substr(0, open);
+    html += page.substr(0, open);
     if (open == std::string_view::npos) {
-      return result;
+      return trusted(std::move(html));
     }
     const std::size_t close = page.find("}}", open);
     const std::string_view name = page.substr(open + 2, close - open - 2);
@@ -47,7 +49,7 @@ Markup filled(std::string_view page, std::initializer_list<Slot> slots) {
     if (slot == slots.end()) {
       fatal("the page has no value for " + std::string(name));
     }
-    result.html += slot->value.html;
+    html += slot->value.html();
     page.remove_prefix(close + 2);
   }
 }

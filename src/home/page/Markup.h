@@ -1,20 +1,37 @@
-// HTML made from templates: every value that is put in is escaped, but for markup that says so.
-// Pure.
+// HTML made from templates. Text gets into it by escaped() or trusted() alone, so that text of
+// anyone else's cannot become markup by oversight. Pure.
 #pragma once
 
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace quillpad::home {
 
-// HTML that was made here, as against text of anyone else's.
-struct Markup {
-  std::string html;
+class Markup {
+ public:
+  Markup() = default;
+
+  const std::string& html() const { return html_; }
+  bool empty() const { return html_.empty(); }
+  Markup& operator+=(const Markup& other) {
+    html_ += other.html_;
+    return *this;
+  }
+
+ private:
+  explicit Markup(std::string html) : html_(std::move(html)) {}
+  friend Markup trusted(std::string html);
+
+  std::string html_;
 };
 
 // The text as HTML, for content and quoted attributes.
 Markup escaped(std::string_view text);
+
+// HTML that this program made.
+Markup trusted(std::string html);
 
 struct Slot {
   std::string_view name;

@@ -28,9 +28,9 @@ std::string inWords(std::chrono::milliseconds time) {
 }
 
 Markup timeMarkup(std::string_view says, Date date, const std::string& words) {
-  return {
-      "<time data-says=\"" + std::string(says) + "\" datetime=\"" + iso8601(date) + "\">" +
-      escaped(words).html + "</time>"};
+  return filled(
+      page::timeHtml,
+      {{"says", escaped(says)}, {"date", escaped(iso8601(date))}, {"words", escaped(words)}});
 }
 
 Markup timesMarkup(const CardModel& card, Date now) {
@@ -41,18 +41,17 @@ Markup timesMarkup(const CardModel& card, Date now) {
   }
   if (card.reload) {
     const std::string left = inWords(*card.reload - now + 30s);
-    times.html += times.html.empty() ? "" : " · ";
-    times.html += timeMarkup(
-                      "reloads",
-                      *card.reload,
-                      now - *card.reload > 1min ? "reload overdue"
-                      : left.empty()            ? "reloads now"
-                                                : "reloads in " + left)
-                      .html;
+    times += escaped(times.empty() ? "" : " · ");
+    times += timeMarkup(
+        "reloads",
+        *card.reload,
+        now - *card.reload > 1min ? "reload overdue"
+        : left.empty()            ? "reloads now"
+                                  : "reloads in " + left);
   }
   if (!card.status.note.empty()) {
-    times.html += times.html.empty() ? "" : " · ";
-    times.html += escaped(card.status.note).html;
+    times += escaped(times.empty() ? "" : " · ");
+    times += escaped(card.status.note);
   }
   return times;
 }
@@ -85,8 +84,9 @@ Markup cardMarkup(const CardModel& card, Date now) {
       {{"family", escaped(familyOf(*card.about))},
        {"kind", escaped(card.about->kind)},
        {"status", escaped(levelName(card.status.level))},
-       {"element", {linked ? "a" : "div"}},
-       {"link", {linked ? " href=\"" + escaped(*card.drawing->link).html + "\"" : ""}},
+       {"element", escaped(linked ? "a" : "div")},
+       {"link",
+        linked ? filled(page::linkHtml, {{"link", escaped(*card.drawing->link)}}) : Markup{}},
        {"picture", pictureOf(card.drawing)},
        {"badge", badge},
        {"name", name},
@@ -96,21 +96,21 @@ Markup cardMarkup(const CardModel& card, Date now) {
 Markup homePage(const HomeModel& model, const PageFrame& frame, Date now) {
   Markup cards;
   for (const CardModel& card : model.cards) {
-    cards.html += cardMarkup(card, now).html;
+    cards += cardMarkup(card, now);
   }
   return filled(
       page::homeHtml,
-      {{"direction", {frame.rightToLeft ? "rtl" : "ltr"}},
+      {{"direction", escaped(frame.rightToLeft ? "rtl" : "ltr")},
        {"token", escaped(frame.token)},
        {"instance", escaped(frame.instance)},
-       {"version", {std::to_string(model.version)}},
+       {"version", escaped(std::to_string(model.version))},
        {"nonce", escaped(frame.nonce)},
-       {"style", {std::string(page::styleCss)}},
-       {"appearanceScript", {std::string(page::appearanceJs)}},
+       {"style", trusted(std::string(page::styleCss))},
+       {"appearanceScript", trusted(std::string(page::appearanceJs))},
        {"notice", escaped(model.notice)},
        {"cards", cards},
        {"empty", escaped(model.empty)},
-       {"script", {std::string(page::homeJs)}}});
+       {"script", trusted(std::string(page::homeJs))}});
 }
 
 Markup galleryMarkup(const std::vector<OfferModel>& offers) {
@@ -121,17 +121,16 @@ Markup galleryMarkup(const std::vector<OfferModel>& offers) {
     const std::string word = offer.placed ? "Remove" : "Add";
     std::string label = word;
     label.append(" ").append(name).append(small ? ", small" : ", medium");
-    markup.html += filled(
-                       page::galleryItemHtml,
-                       {{"picture", pictureOf(offer.drawing)},
-                        {"name", escaped(name)},
-                        {"size", {small ? "Small" : "Medium"}},
-                        {"description", escaped(offer.about->description)},
-                        {"action", {offer.placed ? "remove" : "place"}},
-                        {"kind", escaped(offer.about->kind)},
-                        {"label", escaped(label)},
-                        {"word", {word}}})
-                       .html;
+    markup += filled(
+        page::galleryItemHtml,
+        {{"picture", pictureOf(offer.drawing)},
+         {"name", escaped(name)},
+         {"size", escaped(small ? "Small" : "Medium")},
+         {"description", escaped(offer.about->description)},
+         {"action", escaped(offer.placed ? "remove" : "place")},
+         {"kind", escaped(offer.about->kind)},
+         {"label", escaped(label)},
+         {"word", escaped(word)}});
   }
   return markup;
 }

@@ -8,7 +8,14 @@ namespace quillpad::home::page {
 extern const std::string_view homeHtml;
 extern const std::string_view cardHtml;
 extern const std::string_view badgeHtml;
+extern const std::string_view linkHtml;
+extern const std::string_view timeHtml;
 extern const std::string_view galleryItemHtml;
+extern const std::string_view galleryHtml;
+extern const std::string_view galleryWidgetHtml;
+extern const std::string_view changesHtml;
+extern const std::string_view changesItemHtml;
+extern const std::string_view changesPictureHtml;
 extern const std::string_view styleCss;
 extern const std::string_view appearanceJs;
 extern const std::string_view homeJs;
@@ -16,6 +23,11 @@ extern const std::string_view engineerHtml;
 extern const std::string_view engineerColumnHtml;
 extern const std::string_view engineerPictureHtml;
 extern const std::string_view engineerDetailsHtml;
+extern const std::string_view optionHtml;
+extern const std::string_view engineerBoxesHtml;
+extern const std::string_view engineerBoxHtml;
+extern const std::string_view engineerImageHtml;
+extern const std::string_view engineerProblemHtml;
 extern const std::string_view engineerCss;
 extern const std::string_view engineerJs;
 

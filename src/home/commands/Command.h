@@ -1,0 +1,43 @@
+// A command of quillpad-home: a struct that holds its options, declares them and runs.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "home/commands/Options.h"
+#include "home/extension/Failure.h"
+
+namespace quillpad::home {
+
+// What the command line gives every command.
+struct CommandContext {
+  std::filesystem::path extension;  // the program to start
+};
+
+struct Command {
+  using Run = std::function<Done(const CommandContext&)>;
+
+  std::string name;
+  std::string description;
+  std::function<Run(Options&)>
+      prepare{};  // declares the options; empty where there are subcommands
+  std::vector<Command> subcommands{};
+};
+
+// The command whose options and preset values are those of the struct.
+template <class Struct>
+Command command(std::string name, std::string description, Struct preset = {}) {
+  return {
+      .name = std::move(name),
+      .description = std::move(description),
+      .prepare = [preset = std::move(preset)](Options& options) -> Command::Run {
+        const auto command = std::make_shared<Struct>(preset);
+        command->declare(options);
+        return [command](const CommandContext& context) { return command->run(context); };
+      }};
+}
+
+}  // namespace quillpad::home

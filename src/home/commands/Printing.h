@@ -1,0 +1,31 @@
+// Prints what the extension answered, for a person or for a program.
+#pragma once
+
+#include <expected>
+
+#include "home/commands/EntryText.h"
+#include "home/commands/Files.h"
+#include "home/extension/ExtensionClient.h"
+#include "home/extension/Failure.h"
+#include "platform/foundation/Json.h"
+
+namespace quillpad::home {
+
+Done printJson(const Value& value, JsonLayout layout);
+
+template <class Answer>
+Done printAnswer(const std::expected<Answer, Failure>& answer, bool json) {
+  if (!answer) {
+    return std::unexpected(answer.error());
+  }
+  if (!json) {
+    return print(describe(*answer));
+  }
+  if constexpr (std::same_as<Answer, channel::Entry>) {
+    return printJson(answer->entry, JsonLayout::compact);
+  } else {
+    return printJson(channel::toValue(*answer), JsonLayout::compact);
+  }
+}
+
+}  // namespace quillpad::home
