@@ -95,7 +95,7 @@ void HomeScreen::addDescriptors(std::vector<pollfd>& descriptors) const {
 }
 
 int HomeScreen::pollTimeout() const {
-  std::chrono::milliseconds timeout = server_->patience();
+  std::chrono::milliseconds timeout = server_->pollTimeout();
   const Uptime now = presentMoment().uptime;
   for (const auto deadline : {widgets_.nextDeadline(), previews_.nextDeadline()}) {
     if (deadline) {

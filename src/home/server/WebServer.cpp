@@ -1,15 +1,18 @@
 #include "home/server/WebServer.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <cerrno>
 #include <microhttpd.h>
-#include <netinet/in.h>
-#include <sys/resource.h>
+#include <optional>
 #include <sys/socket.h>
 #include <system_error>
+#include <utility>
+#include <vector>
 
-#include "platform/foundation/FileDescriptor.h"
+#include "home/server/ConnectionTimers.h"
+#include "home/server/LoopbackListener.h"
+#include "home/server/RequestPolicy.h"
+#include "home/server/StreamReader.h"
 
 namespace quillpad::home {
 namespace {
@@ -17,9 +20,10 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-constexpr unsigned connectionLimit = 2048;
-constexpr unsigned stallSeconds = 15;  // a peer that takes nothing for so long is gone
-constexpr std::size_t requestMemory = std::size_t{48} * 1024;  // for the head of a request
+constexpr unsigned maxConnections = 2048;
+constexpr unsigned otherDescriptors = 256;  // of the server and of its program
+constexpr unsigned stallSeconds = 15;       // a peer that takes nothing for so long is gone
+constexpr std::size_t maxHeadBytes = std::size_t{48} * 1024;
 constexpr std::size_t streamBlock = std::size_t{16} * 1024;
 
 std::string_view header(MHD_Connection* connection, const char* name) {
@@ -27,81 +31,80 @@ std::string_view header(MHD_Connection* connection, const char* name) {
   return value == nullptr ? std::string_view() : std::string_view(value);
 }
 
-// Every connection and the daemon's own descriptors need one.
-void allowManyDescriptors() {
-  rlimit limit{};
-  if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < connectionLimit + 256) {
-    limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, connectionLimit + 256);
-    ::setrlimit(RLIMIT_NOFILE, &limit);
+RequestHead headOf(MHD_Connection* connection, const char* method) {
+  return {
+      .method = method,
+      .host = header(connection, MHD_HTTP_HEADER_HOST),
+      .origin = header(connection, "Origin"),
+      .fetchSite = header(connection, "Sec-Fetch-Site"),
+      .fetchMode = header(connection, "Sec-Fetch-Mode"),
+      .contentLength = header(connection, MHD_HTTP_HEADER_CONTENT_LENGTH),
+      .transferEncoding = header(connection, MHD_HTTP_HEADER_TRANSFER_ENCODING)};
+}
+
+WebRequest requestOf(MHD_Connection* connection, const char* path, const char* method) {
+  WebRequest request{
+      .method = method, .path = path, .pageToken = std::string(header(connection, "X-Page-Token"))};
+  MHD_get_connection_values(
+      connection,
+      MHD_GET_ARGUMENT_KIND,
+      [](void* parameters, MHD_ValueKind, const char* name, const char* value) {
+        static_cast<decltype(request.parameters)*>(parameters)
+            ->emplace(name, value == nullptr ? "" : value);
+        return MHD_YES;
+      },
+      &request.parameters);
+  return request;
+}
+
+int descriptorOf(MHD_Connection* connection) {
+  return MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd;
+}
+
+void addHeaders(MHD_Response* response, const WebAnswer& answer) {
+  MHD_add_response_header(response, "Content-Type", answer.contentType.c_str());
+  for (const auto& [name, value] : answer.headers) {
+    MHD_add_response_header(response, name.c_str(), value.c_str());
+  }
+  static constexpr std::pair<const char*, const char*> always[] = {
+      {"Cache-Control", "no-store"},
+      {"X-Content-Type-Options", "nosniff"},
+      {"X-Frame-Options", "DENY"},
+      {"Referrer-Policy", "no-referrer"},
+      {"Cross-Origin-Resource-Policy", "same-origin"},
+      {"Cross-Origin-Opener-Policy", "same-origin"},
+  };
+  for (const auto& [name, value] : always) {
+    MHD_add_response_header(response, name, value);
+  }
+  if (MHD_get_response_header(response, "Content-Security-Policy") == nullptr) {
+    MHD_add_response_header(
+        response, "Content-Security-Policy", "default-src 'none'; frame-ancestors 'none'");
   }
 }
 
-std::unexpected<std::error_code> systemError() {
-  return std::unexpected(std::error_code(errno, std::generic_category()));
-}
-
-// A socket that listens on 127.0.0.1.
-std::expected<FileDescriptor, std::error_code> listenOnLoopback(std::uint16_t port) {
-  FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-  const int yes = 1;
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  if (!socket || ::setsockopt(socket.get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes) != 0 ||
-      ::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-      ::listen(socket.get(), SOMAXCONN) != 0) {
-    return systemError();
-  }
-  return socket;
-}
-
-std::uint16_t portOf(int socket) {
-  sockaddr_in address{};
-  socklen_t size = sizeof address;
-  ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
-  return ntohs(address.sin_port);
-}
-
-WebAnswer plainAnswer(int status, std::string text) {
-  return {.status = status, .body = std::move(text) + "\n"};
+MHD_Result send(MHD_Connection* connection, const WebAnswer& answer) {
+  MHD_Response* response = MHD_create_response_from_buffer(
+      answer.body.size(),
+      const_cast<char*>(answer.body.data()),  // NOLINT: copied
+      MHD_RESPMEM_MUST_COPY);
+  addHeaders(response, answer);
+  const MHD_Result queued =
+      MHD_queue_response(connection, static_cast<unsigned>(answer.status), response);
+  MHD_destroy_response(response);
+  return queued;
 }
 
 }  // namespace
 
-std::string_view WebRequest::parameter(std::string_view name) const {
-  const auto found = parameters.find(name);
-  return found == parameters.end() ? std::string_view() : std::string_view(found->second);
-}
-
+// Joins libmicrohttpd, which calls back for each connection and request, with the rest.
 class WebServer::Engine {
  public:
-  Engine(Limits limits, Handler handler) : limits_(limits), handler_(std::move(handler)) {}
-
-  ~Engine() {
-    if (daemon_ == nullptr) {
-      return;
-    }
-    ending_ = true;
-    resumeAll();
-    MHD_run(daemon_);
-    MHD_quiesce_daemon(daemon_);  // the listening socket stays the listener's to close
-    MHD_stop_daemon(daemon_);
-  }
-
-  Engine(const Engine&) = delete;
-  Engine& operator=(const Engine&) = delete;
-
-  std::expected<void, std::error_code> start(std::uint16_t port) {
-    allowManyDescriptors();
-    auto socket = listenOnLoopback(port);
-    if (!socket) {
-      return std::unexpected(socket.error());
-    }
-    port_ = portOf(socket->get());
-    for (const char* name : {"127.0.0.1:", "localhost:"}) {
-      hosts_.push_back(name + std::to_string(port_));
-    }
+  Engine(LoopbackListener listener, Limits limits, Handler handler)
+      : limits_(limits),
+        handler_(std::move(handler)),
+        listener_(std::move(listener)),
+        policy_(listener_.port) {
     daemon_ = MHD_start_daemon(
         MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME,
         0,
@@ -110,13 +113,13 @@ class WebServer::Engine {
         &Engine::handle,
         this,
         MHD_OPTION_LISTEN_SOCKET,
-        socket->get(),
+        listener_.socket.get(),
         MHD_OPTION_CONNECTION_LIMIT,
-        connectionLimit,
+        maxConnections,
         MHD_OPTION_CONNECTION_TIMEOUT,
         stallSeconds,
         MHD_OPTION_CONNECTION_MEMORY_LIMIT,
-        requestMemory,
+        maxHeadBytes,
         MHD_OPTION_NOTIFY_CONNECTION,
         &Engine::connectionChanged,
         this,
@@ -126,57 +129,68 @@ class WebServer::Engine {
         MHD_OPTION_STRICT_FOR_CLIENT,
         1,
         MHD_OPTION_END);
-    if (daemon_ == nullptr) {
-      return systemError();
-    }
-    listener_ = std::move(*socket);
-    return {};
   }
 
-  std::uint16_t port() const { return port_; }
+  ~Engine() {
+    if (daemon_ == nullptr) {
+      return;
+    }
+    ending_ = true;
+    for (Exchange* exchange : std::vector(suspended_)) {
+      if (exchange->later) {
+        exchange->answer = plainAnswer(503, "The home screen is stopping.");
+      }
+      resume(*exchange);
+    }
+    for (int turn = 0; turn < 4; ++turn) {  // to the ends of the streams, as far as peers take them
+      MHD_run(daemon_);
+    }
+    MHD_quiesce_daemon(daemon_);  // the listening socket stays the listener's to close
+    MHD_stop_daemon(daemon_);
+  }
 
+  Engine(const Engine&) = delete;
+  Engine& operator=(const Engine&) = delete;
+
+  bool started() const { return daemon_ != nullptr; }
+  std::uint16_t port() const { return listener_.port; }
   int descriptor() const {
     return MHD_get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd;
   }
 
-  std::chrono::milliseconds patience() const {
-    std::chrono::milliseconds patience = limits_.heartbeat;
-    if (MHD_UNSIGNED_LONG_LONG timeout = 0; MHD_get_timeout(daemon_, &timeout) == MHD_YES) {
-      patience = std::min(patience, std::chrono::milliseconds(timeout));
+  std::chrono::milliseconds pollTimeout() const {
+    std::chrono::milliseconds timeout = limits_.heartbeat;
+    if (MHD_UNSIGNED_LONG_LONG own = 0; MHD_get_timeout(daemon_, &own) == MHD_YES) {
+      timeout = std::min(timeout, std::chrono::milliseconds(own));
     }
-    if (!busy_.empty()) {
-      const auto left =
-          std::chrono::ceil<std::chrono::milliseconds>(nearestDeadline() - Clock::now());
-      patience = std::min(patience, std::max(left, 0ms));
+    if (const auto deadline = timers_.nextDeadline()) {
+      const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now());
+      timeout = std::min(timeout, std::max(left, 0ms));
     }
-    return patience;
+    return timeout;
   }
 
   void run() {
     MHD_run(daemon_);
     const auto now = Clock::now();
-    for (Wire* wire : std::vector<Wire*>(busy_.begin(), busy_.end())) {
-      if (wire->deadline <= now) {
-        hangUp(*wire);
-      }
+    for (const int connection : timers_.takeExpired(now)) {
+      hangUp(connection);
     }
     if (now >= nextHeartbeat_) {
       nextHeartbeat_ = now + limits_.heartbeat;
-      for (Exchange* stream : streams_) {
-        stream->beatDue = true;
+      for (Exchange* exchange : streams_) {
+        exchange->stream->requestHeartbeat();
       }
       wake();
     }
   }
 
   void wake() {
-    for (Exchange* exchange : std::vector<Exchange*>(suspended_.begin(), suspended_.end())) {
+    for (Exchange* exchange : std::vector(suspended_)) {
       if (exchange->later) {
         exchange->answer = exchange->later();
-      } else if (!exchange->block) {
-        exchange->fetch();
       }
-      if (exchange->answer || exchange->block) {
+      if (exchange->answer || (exchange->stream && exchange->stream->hasMore())) {
         resume(*exchange);
       }
     }
@@ -184,36 +198,16 @@ class WebServer::Engine {
   }
 
  private:
-  // A connection, as long as it is open.
-  struct Wire {
-    int descriptor = -1;
-    Clock::time_point deadline;
-    bool timed = false;
-    std::list<Wire*>::iterator place;
-  };
-
-  // One request and its answer.
+  // One request and its answer, which is there, still to come, or a stream.
   struct Exchange {
-    MHD_Connection* connection = nullptr;
     Engine* engine = nullptr;
-    Wire* wire = nullptr;
-    std::optional<WebAnswer> answer;
-    LaterAnswer later;
-    EventStream stream;
-    std::shared_ptr<const std::string> block;  // of the stream, being sent
-    std::size_t sent = 0;
-    bool beatDue = false;
-
-    void fetch() {
-      static const auto beat = std::make_shared<const std::string>(":\n\n");
-      sent = 0;
-      block = stream();
-      if (!block && std::exchange(beatDue, false)) {
-        block = beat;
-      }
-    }
+    MHD_Connection* connection = nullptr;
+    std::optional<WebAnswer> answer{};
+    LaterAnswer later{};
+    std::optional<StreamReader> stream{};
   };
 
+  // Called when a request's head is there, and again when it is to be answered.
   static MHD_Result handle(
       void* self,
       MHD_Connection* connection,
@@ -225,136 +219,51 @@ class WebServer::Engine {
       void** state) {
     auto& engine = *static_cast<Engine*>(self);
     if (*state == nullptr) {
-      auto exchange = std::make_unique<Exchange>();
-      exchange->connection = connection;
-      exchange->engine = &engine;
-      exchange->wire = wireOf(connection);
-      *state = exchange.release();
-      // A body is not waited for: the answer comes first and ends the connection.
-      const std::string_view length = header(connection, MHD_HTTP_HEADER_CONTENT_LENGTH);
-      if ((!length.empty() && length != "0") ||
-          !header(connection, MHD_HTTP_HEADER_TRANSFER_ENCODING).empty()) {
-        return engine.send(connection, plainAnswer(413, "A request here has no body."));
-      }
-      return MHD_YES;
+      *state = std::make_unique<Exchange>(Exchange{&engine, connection}).release();
+      const auto refusal = RequestPolicy::refusalOfBody(headOf(connection, method));
+      return refusal ? send(connection, *refusal) : MHD_YES;
     }
     *bodySize = 0;
-    return engine.answer(*static_cast<Exchange*>(*state), path, method);
+    auto& exchange = *static_cast<Exchange*>(*state);
+    if (!exchange.answer && !exchange.later) {
+      engine.begin(exchange, path, method);
+    }
+    return engine.answer(exchange);
   }
 
-  MHD_Result answer(Exchange& exchange, const char* path, const char* method) {
-    if (!exchange.answer && !exchange.later) {
-      begin(exchange, path, method);
+  // Has the request answered, or finds out how it will be.
+  void begin(Exchange& exchange, const char* path, const char* method) {
+    timers_.stop(descriptorOf(exchange.connection));
+    exchange.answer = policy_.refusal(headOf(exchange.connection, method));
+    if (exchange.answer) {
+      return;
     }
+    WebReply reply = handler_(requestOf(exchange.connection, path, method));
+    if (auto* answer = std::get_if<WebAnswer>(&reply)) {
+      exchange.answer = std::move(*answer);
+    } else if (auto* later = std::get_if<LaterAnswer>(&reply)) {
+      exchange.answer = (*later)();
+      exchange.later = std::move(*later);
+      if (!exchange.answer && waitingAnswers() >= limits_.laterAnswers) {
+        exchange.answer = plainAnswer(503, "The home screen is busy. Try again in a moment.");
+      }
+    } else if (streams_.size() >= limits_.streams) {
+      exchange.answer = plainAnswer(503, "Too many tabs are open.");
+    } else {
+      exchange.stream.emplace(std::move(std::get<EventStream>(reply)));
+    }
+  }
+
+  MHD_Result answer(Exchange& exchange) {
     if (const auto answer = std::exchange(exchange.answer, std::nullopt)) {
       exchange.later = nullptr;
-      setTimer(*exchange.wire, limits_.answerTime);
+      timers_.start(descriptorOf(exchange.connection), Clock::now() + limits_.answerTime);
       return send(exchange.connection, *answer);
     }
     if (exchange.later) {
       suspend(exchange);
       return MHD_YES;
     }
-    return sendStream(exchange);
-  }
-
-  // Has the request answered, or finds out how it will be.
-  void begin(Exchange& exchange, const char* path, const char* method) {
-    stopTimer(*exchange.wire);
-    if (auto refusal = refusalOf(exchange.connection, method)) {
-      exchange.answer = std::move(refusal);
-      return;
-    }
-    WebRequest request{
-        .method = method,
-        .path = path,
-        .parameters = {},
-        .pageToken = std::string(header(exchange.connection, "X-Page-Token"))};
-    MHD_get_connection_values(
-        exchange.connection,
-        MHD_GET_ARGUMENT_KIND,
-        [](void* parameters, MHD_ValueKind, const char* name, const char* value) {
-          static_cast<decltype(request.parameters)*>(parameters)
-              ->emplace(name, value == nullptr ? "" : value);
-          return MHD_YES;
-        },
-        &request.parameters);
-    WebReply reply = handler_(request);
-    if (auto* answer = std::get_if<WebAnswer>(&reply)) {
-      exchange.answer = std::move(*answer);
-    } else if (auto* later = std::get_if<LaterAnswer>(&reply)) {
-      exchange.answer = (*later)();
-      exchange.later = std::move(*later);
-      if (!exchange.answer && suspended_.size() - idleStreams_ >= limits_.laterAnswers) {
-        exchange.answer = plainAnswer(503, "The home screen is busy. Try again in a moment.");
-      }
-    } else if (streams_.size() >= limits_.streams) {
-      exchange.answer = plainAnswer(503, "Too many tabs are open.");
-    } else {
-      exchange.stream = std::move(std::get<EventStream>(reply));
-    }
-  }
-
-  // A page of another place must not reach the home screen through the browser: not under a name
-  // that its own server resolves to this machine, and not with a request of its own making.
-  std::optional<WebAnswer> refusalOf(MHD_Connection* connection, std::string_view method) const {
-    const std::string_view host = header(connection, MHD_HTTP_HEADER_HOST);
-    if (std::ranges::find(hosts_, host) == hosts_.end()) {
-      return plainAnswer(
-          421, "This is the home screen at http://" + hosts_.front() + "/ and nothing else.");
-    }
-    const std::string_view origin = header(connection, "Origin");
-    const bool sameOrigin = std::ranges::any_of(
-        hosts_, [&](const std::string& name) { return origin == "http://" + name; });
-    const std::string_view site = header(connection, "Sec-Fetch-Site");
-    const bool ownSite = site.empty() || site == "same-origin" || site == "none";
-    const bool navigation = header(connection, "Sec-Fetch-Mode") == "navigate" && method == "GET";
-    if ((!origin.empty() && !sameOrigin) || (!ownSite && !navigation)) {
-      return plainAnswer(403, "Only the home screen's own page may ask for this.");
-    }
-    if (method != "GET" && method != "HEAD" && method != "POST") {
-      WebAnswer answer = plainAnswer(405, "The method is not known here.");
-      answer.headers.emplace_back("Allow", "GET, HEAD, POST");
-      return answer;
-    }
-    return std::nullopt;
-  }
-
-  static void addHeaders(MHD_Response* response, const WebAnswer& answer) {
-    MHD_add_response_header(response, "Content-Type", answer.contentType.c_str());
-    for (const auto& [name, value] : answer.headers) {
-      MHD_add_response_header(response, name.c_str(), value.c_str());
-    }
-    static constexpr std::pair<const char*, const char*> always[] = {
-        {"Cache-Control", "no-store"},
-        {"X-Content-Type-Options", "nosniff"},
-        {"X-Frame-Options", "DENY"},
-        {"Referrer-Policy", "no-referrer"},
-        {"Cross-Origin-Resource-Policy", "same-origin"},
-        {"Cross-Origin-Opener-Policy", "same-origin"},
-    };
-    for (const auto& [name, value] : always) {
-      MHD_add_response_header(response, name, value);
-    }
-    if (MHD_get_response_header(response, "Content-Security-Policy") == nullptr) {
-      MHD_add_response_header(
-          response, "Content-Security-Policy", "default-src 'none'; frame-ancestors 'none'");
-    }
-  }
-
-  static MHD_Result send(MHD_Connection* connection, const WebAnswer& answer) {
-    MHD_Response* response = MHD_create_response_from_buffer(
-        answer.body.size(),
-        const_cast<char*>(answer.body.data()),  // NOLINT: copied
-        MHD_RESPMEM_MUST_COPY);
-    addHeaders(response, answer);
-    const MHD_Result queued =
-        MHD_queue_response(connection, static_cast<unsigned>(answer.status), response);
-    MHD_destroy_response(response);
-    return queued;
-  }
-
-  MHD_Result sendStream(Exchange& exchange) {
     MHD_Response* response = MHD_create_response_from_callback(
         MHD_SIZE_UNKNOWN, streamBlock, &Engine::readStream, &exchange, nullptr);
     addHeaders(response, {.contentType = "text/event-stream; charset=utf-8", .body = ""});
@@ -371,131 +280,92 @@ class WebServer::Engine {
     if (exchange.engine->ending_) {
       return MHD_CONTENT_READER_END_OF_STREAM;
     }
-    if (!exchange.block) {
-      exchange.fetch();
-    }
-    if (!exchange.block) {
+    const std::size_t count = exchange.stream->read(buffer, size);
+    if (count == 0) {
       exchange.engine->suspend(exchange);
-      return 0;
-    }
-    const std::size_t count = std::min(size, exchange.block->size() - exchange.sent);
-    std::copy_n(exchange.block->data() + exchange.sent, count, buffer);
-    exchange.sent += count;
-    if (exchange.sent == exchange.block->size()) {
-      exchange.block.reset();
     }
     return static_cast<ssize_t>(count);
   }
 
   static void completed(
-      void* self,
-      MHD_Connection* /*connection*/,
-      void** state,
-      MHD_RequestTerminationCode /*why*/) {
+      void* self, MHD_Connection* connection, void** state, MHD_RequestTerminationCode /*why*/) {
     auto& engine = *static_cast<Engine*>(self);
     const std::unique_ptr<Exchange> exchange(static_cast<Exchange*>(*state));
     *state = nullptr;
     if (exchange) {
       std::erase(engine.streams_, exchange.get());
-      engine.forget(*exchange);
-      engine.setTimer(*exchange->wire, engine.limits_.requestTime);
+      std::erase(engine.suspended_, exchange.get());
+      engine.awaitRequest(connection);
     }
   }
 
   static void connectionChanged(
-      void* self, MHD_Connection* connection, void** context, MHD_ConnectionNotificationCode what) {
+      void* self,
+      MHD_Connection* connection,
+      void** /*context*/,
+      MHD_ConnectionNotificationCode what) {
     auto& engine = *static_cast<Engine*>(self);
     if (what == MHD_CONNECTION_NOTIFY_STARTED) {
-      auto wire = std::make_unique<Wire>();
-      wire->descriptor =
-          MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd;
-      engine.setTimer(*wire, engine.limits_.requestTime);
-      *context = wire.release();
-      if (engine.busy_.size() > engine.limits_.otherConnections) {
-        engine.hangUp(*engine.busy_.front());
+      engine.awaitRequest(connection);
+      if (const auto oldest = engine.timers_.takeOldestBeyond(engine.limits_.otherConnections)) {
+        hangUp(*oldest);
       }
     } else {
-      const std::unique_ptr<Wire> wire(static_cast<Wire*>(*context));
-      *context = nullptr;
-      engine.stopTimer(*wire);
+      engine.timers_.stop(descriptorOf(connection));
     }
   }
 
-  static Wire* wireOf(MHD_Connection* connection) {
-    return static_cast<Wire*>(
-        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT)->socket_context);
+  void awaitRequest(MHD_Connection* connection) {
+    timers_.start(descriptorOf(connection), Clock::now() + limits_.requestTime);
   }
 
-  void setTimer(Wire& wire, std::chrono::milliseconds time) {
-    stopTimer(wire);
-    wire.deadline = Clock::now() + time;
-    wire.timed = true;
-    wire.place = busy_.insert(busy_.end(), &wire);
-  }
+  static void hangUp(int connection) { ::shutdown(connection, SHUT_RDWR); }
 
-  void stopTimer(Wire& wire) {
-    if (std::exchange(wire.timed, false)) {
-      busy_.erase(wire.place);
-    }
-  }
-
-  Clock::time_point nearestDeadline() const {
-    return (*std::ranges::min_element(busy_, {}, &Wire::deadline))->deadline;
-  }
-
-  void hangUp(Wire& wire) {
-    stopTimer(wire);
-    ::shutdown(wire.descriptor, SHUT_RDWR);
+  std::size_t waitingAnswers() const {
+    return static_cast<std::size_t>(std::ranges::count_if(
+        suspended_, [](const Exchange* exchange) { return !exchange->stream; }));
   }
 
   void suspend(Exchange& exchange) {
     suspended_.push_back(&exchange);
-    idleStreams_ += exchange.stream ? 1 : 0;
     MHD_suspend_connection(exchange.connection);
   }
 
   void resume(Exchange& exchange) {
-    forget(exchange);
+    std::erase(suspended_, &exchange);
     MHD_resume_connection(exchange.connection);
-  }
-
-  void forget(Exchange& exchange) {
-    if (std::erase(suspended_, &exchange) > 0) {
-      idleStreams_ -= exchange.stream ? 1 : 0;
-    }
-  }
-
-  void resumeAll() {
-    for (Exchange* exchange : std::vector<Exchange*>(suspended_.begin(), suspended_.end())) {
-      if (exchange->later) {
-        exchange->answer = plainAnswer(503, "The home screen is stopping.");
-      }
-      resume(*exchange);
-    }
   }
 
   Limits limits_;
   Handler handler_;
-  std::uint16_t port_ = 0;
-  std::vector<std::string> hosts_;
-  FileDescriptor listener_;
+  LoopbackListener listener_;
+  RequestPolicy policy_;
   MHD_Daemon* daemon_ = nullptr;
-  std::list<Wire*> busy_;  // connections with a deadline, the longest in their state first
+  ConnectionTimers
+      timers_;  // of the connections that a request or the taking of an answer is awaited from
   std::vector<Exchange*> streams_;
   std::vector<Exchange*> suspended_;
-  std::size_t idleStreams_ = 0;  // of the suspended
   Clock::time_point nextHeartbeat_ = Clock::now() + limits_.heartbeat;
   bool ending_ = false;
 };
 
 std::expected<WebServer, std::string> WebServer::start(
     std::uint16_t port, Limits limits, Handler handler) {
-  auto engine = std::make_unique<Engine>(limits, std::move(handler));
-  if (const auto started = engine->start(port); !started) {
-    const std::string reason = started.error() == std::errc::address_in_use
-                                   ? "another program uses it; choose another with --port"
-                                   : started.error().message();
-    return std::unexpected("port " + std::to_string(port) + " cannot be listened on: " + reason);
+  const auto failed = [&](const std::error_code& error) {
+    return std::unexpected(
+        "cannot listen on port " + std::to_string(port) + ": " +
+        (error == std::errc::address_in_use
+             ? "another program uses it; choose another one with --port"
+             : error.message()));
+  };
+  allowDescriptors(maxConnections + otherDescriptors);
+  auto listener = LoopbackListener::open(port);
+  if (!listener) {
+    return failed(listener.error());
+  }
+  auto engine = std::make_unique<Engine>(std::move(*listener), limits, std::move(handler));
+  if (!engine->started()) {
+    return failed({errno, std::generic_category()});
   }
   return WebServer(std::move(engine));
 }
@@ -506,7 +376,7 @@ WebServer::WebServer(WebServer&& other) noexcept = default;
 
 std::uint16_t WebServer::port() const { return engine_->port(); }
 int WebServer::descriptor() const { return engine_->descriptor(); }
-std::chrono::milliseconds WebServer::patience() const { return engine_->patience(); }
+std::chrono::milliseconds WebServer::pollTimeout() const { return engine_->pollTimeout(); }
 void WebServer::run() { engine_->run(); }
 void WebServer::wake() { engine_->wake(); }
 

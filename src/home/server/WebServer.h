@@ -1,6 +1,6 @@
 // An HTTP server on the loopback interface, driven by its owner's poll loop: nothing of it runs on
-// another thread and nothing blocks. It takes requests only for its own address (no other Host, no
-// other Origin), without a body, and gives each answer the headers that keep a page to itself.
+// another thread and nothing blocks. It takes requests that its RequestPolicy allows, without a
+// body, and gives each answer the headers that keep a page to itself.
 //
 // Slow and hostile clients hurt no one else: a connection has a few seconds to get each request
 // across and a bounded amount of memory to do so, and where too many wait to be heard the oldest of
@@ -11,46 +11,12 @@
 #include <cstdint>
 #include <expected>
 #include <functional>
-#include <list>
-#include <map>
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
-#include <utility>
-#include <variant>
-#include <vector>
 
-struct MHD_Connection;
-struct MHD_Daemon;
+#include "home/server/WebMessages.h"
 
 namespace quillpad::home {
-
-struct WebRequest {
-  std::string method;
-  std::string path;
-  std::map<std::string, std::string, std::less<>> parameters;  // of the query, decoded
-  std::string pageToken;                                       // the header X-Page-Token
-
-  // Empty where there is no such parameter.
-  std::string_view parameter(std::string_view name) const;
-};
-
-struct WebAnswer {
-  int status = 200;
-  std::string contentType = "text/plain; charset=utf-8";
-  std::string body;
-  std::vector<std::pair<std::string, std::string>> headers{};
-};
-
-// An answer that is still to come: asked for it after every change.
-using LaterAnswer = std::function<std::optional<WebAnswer>()>;
-
-// A stream of events without an end: asked after every change for what to send next, nothing for
-// now where it is null.
-using EventStream = std::function<std::shared_ptr<const std::string>()>;
-
-using WebReply = std::variant<WebAnswer, LaterAnswer, EventStream>;
 
 class WebServer {
  public:
@@ -78,7 +44,7 @@ class WebServer {
 
   // What to poll for input, and for how long at most.
   int descriptor() const;
-  std::chrono::milliseconds patience() const;
+  std::chrono::milliseconds pollTimeout() const;
 
   // Takes what has come, sends what can be sent. To be called after each poll.
   void run();

@@ -1,0 +1,60 @@
+#include <gtest/gtest.h>
+
+#include "home/server/RequestPolicy.h"
+
+namespace quillpad::home {
+namespace {
+
+TEST(RequestPolicy, TakesRequestsOfItsOwnPageOnly) {
+  constexpr int taken = 0;
+  const struct {
+    RequestHead head;
+    int status;
+  } cases[] = {
+      {{.method = "GET", .host = "127.0.0.1:81"}, taken},
+      {{.method = "HEAD", .host = "localhost:81"}, taken},
+      {{.method = "GET", .host = ""}, 421},
+      {{.method = "GET", .host = "evil.example:81"}, 421},
+      {{.method = "GET", .host = "127.0.0.1:8"}, 421},
+      {{.method = "GET", .host = "127.0.0.1"}, 421},
+      {{.method = "GET", .host = "127.0.0.1.evil.example:81"}, 421},
+      {{.method = "POST", .host = "127.0.0.1:81", .origin = "http://127.0.0.1:81"}, taken},
+      {{.method = "POST", .host = "127.0.0.1:81", .origin = "http://localhost:81"}, taken},
+      {{.method = "POST", .host = "127.0.0.1:81", .origin = "http://evil.example"}, 403},
+      {{.method = "POST", .host = "127.0.0.1:81", .origin = "null"}, 403},
+      {{.method = "POST", .host = "127.0.0.1:81", .origin = "https://127.0.0.1:81"}, 403},
+      {{.method = "GET", .host = "127.0.0.1:81", .origin = "http://localhost:8"}, 403},
+      {{.method = "GET", .host = "127.0.0.1:81", .fetchSite = "same-origin"}, taken},
+      {{.method = "GET", .host = "127.0.0.1:81", .fetchSite = "none"}, taken},
+      {{.method = "GET", .host = "127.0.0.1:81", .fetchSite = "cross-site"}, 403},
+      {{.method = "GET", .host = "127.0.0.1:81", .fetchSite = "same-site", .fetchMode = "cors"},
+       403},
+      {{.method = "GET",
+        .host = "127.0.0.1:81",
+        .fetchSite = "cross-site",
+        .fetchMode = "navigate"},
+       taken},
+      {{.method = "POST",
+        .host = "127.0.0.1:81",
+        .fetchSite = "cross-site",
+        .fetchMode = "navigate"},
+       403},
+      {{.method = "DELETE", .host = "127.0.0.1:81"}, 405},
+  };
+  const RequestPolicy policy(81);
+  for (const auto& [head, status] : cases) {
+    const auto refusal = policy.refusal(head);
+    EXPECT_EQ(refusal ? refusal->status : taken, status)
+        << head.method << " to " << head.host << " from " << head.origin << " " << head.fetchSite;
+  }
+}
+
+TEST(RequestPolicy, RefusesBodies) {
+  EXPECT_FALSE(RequestPolicy::refusalOfBody({}));
+  EXPECT_FALSE(RequestPolicy::refusalOfBody({.contentLength = "0"}));
+  EXPECT_TRUE(RequestPolicy::refusalOfBody({.contentLength = "5"}));
+  EXPECT_TRUE(RequestPolicy::refusalOfBody({.transferEncoding = "chunked"}));
+}
+
+}  // namespace
+}  // namespace quillpad::home
