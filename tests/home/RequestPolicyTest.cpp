@@ -29,16 +29,6 @@ TEST(RequestPolicy, TakesRequestsOfItsOwnPageOnly) {
       {{.method = "GET", .host = "127.0.0.1:81", .fetchSite = "cross-site"}, 403},
       {{.method = "GET", .host = "127.0.0.1:81", .fetchSite = "same-site", .fetchMode = "cors"},
        403},
-      {{.method = "GET",
-        .host = "127.0.0.1:81",
-        .fetchSite = "cross-site",
-        .fetchMode = "navigate"},
-       taken},
-      {{.method = "POST",
-        .host = "127.0.0.1:81",
-        .fetchSite = "cross-site",
-        .fetchMode = "navigate"},
-       403},
       {{.method = "DELETE", .host = "127.0.0.1:81"}, 405},
   };
   const RequestPolicy policy(81);
@@ -46,6 +36,36 @@ TEST(RequestPolicy, TakesRequestsOfItsOwnPageOnly) {
     const auto refusal = policy.refusal(head);
     EXPECT_EQ(refusal ? refusal->status : taken, status)
         << head.method << " to " << head.host << " from " << head.origin << " " << head.fetchSite;
+  }
+}
+
+TEST(RequestPolicy, OtherSitesMayOnlyLinkToTheHomeScreen) {
+  const struct {
+    std::string_view method, path;
+    bool hasQuery;
+    std::string_view mode, destination;
+    bool taken;
+  } cases[] = {
+      {"GET", "/", false, "navigate", "document", true},
+      {"POST", "/", false, "navigate", "document", false},
+      {"GET", "/", true, "navigate", "document", false},
+      {"GET", "/picture.svg", false, "navigate", "document", false},
+      {"GET", "/", false, "navigate", "iframe", false},
+      {"GET", "/", false, "no-cors", "document", false},
+  };
+  const RequestPolicy policy(81);
+  for (const auto& [method, path, hasQuery, mode, destination, taken] : cases) {
+    for (const char* site : {"cross-site", "same-site"}) {
+      const RequestHead head{
+          .method = method,
+          .path = path,
+          .hasQuery = hasQuery,
+          .host = "127.0.0.1:81",
+          .fetchSite = site,
+          .fetchMode = mode,
+          .fetchDest = destination};
+      EXPECT_EQ(!policy.refusal(head), taken) << method << path << hasQuery << destination;
+    }
   }
 }
 

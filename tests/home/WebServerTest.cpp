@@ -133,6 +133,8 @@ TEST(WebServer, HandsRequestsOverDecoded) {
 TEST(WebServer, RefusesWhatItsPolicyRefuses) {
   const RunningServer server(echo);
   const std::string own = "Host: " + server.host() + "\r\n";
+  const std::string link =
+      "Sec-Fetch-Site: cross-site\r\nSec-Fetch-Mode: navigate\r\nSec-Fetch-Dest: document\r\n";
   const struct {
     std::string start;
     std::string headers;
@@ -142,7 +144,9 @@ TEST(WebServer, RefusesWhatItsPolicyRefuses) {
       {"GET /", "Host: evil.example\r\n", 421},
       {"POST /", own + "Origin: http://evil.example\r\n", 403},
       {"GET /", own + "Sec-Fetch-Site: cross-site\r\n", 403},
-      {"GET /", own + "Sec-Fetch-Site: cross-site\r\nSec-Fetch-Mode: navigate\r\n", 200},
+      {"GET /", own + link, 200},
+      {"GET /?view=engineer", own + link, 403},
+      {"GET /picture.svg", own + link, 403},
       {"DELETE /", own, 405},
       {"POST /", own + "Content-Length: 5\r\n", 413},
       {"POST /", own + "Transfer-Encoding: chunked\r\n", 413},

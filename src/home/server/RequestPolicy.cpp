@@ -29,8 +29,9 @@ std::optional<WebAnswer> RequestPolicy::refusal(const RequestHead& head) const {
       });
   const bool ownSite =
       head.fetchSite.empty() || head.fetchSite == "same-origin" || head.fetchSite == "none";
-  const bool navigation = head.fetchMode == "navigate" && head.method == "GET";
-  if (!ownOrigin || (!ownSite && !navigation)) {
+  const bool linkToHome = head.method == "GET" && head.path == "/" && !head.hasQuery &&
+                          head.fetchMode == "navigate" && head.fetchDest == "document";
+  if (!ownOrigin || (!ownSite && !linkToHome)) {
     return plainAnswer(403, "Only the home screen's own page may ask for this.");
   }
   if (head.method != "GET" && head.method != "HEAD" && head.method != "POST") {

@@ -1,6 +1,6 @@
 // Which requests are taken at all. A page of another place must not reach the home screen through
 // the browser: not under a name that its own server resolves to this machine, and not with a
-// request of its own making. Pure.
+// request of its own making. All that it may do is to link to the home screen as such. Pure.
 #pragma once
 
 #include <cstdint>
@@ -16,10 +16,13 @@ namespace quillpad::home {
 // The part of a request's head that decides; empty where the header is missing.
 struct RequestHead {
   std::string_view method{};
+  std::string_view path{};
+  bool hasQuery = false;
   std::string_view host{};
   std::string_view origin{};
   std::string_view fetchSite{};  // Sec-Fetch-Site
   std::string_view fetchMode{};  // Sec-Fetch-Mode
+  std::string_view fetchDest{};  // Sec-Fetch-Dest
   std::string_view contentLength{};
   std::string_view transferEncoding{};
 };

@@ -31,13 +31,17 @@ std::string_view header(MHD_Connection* connection, const char* name) {
   return value == nullptr ? std::string_view() : std::string_view(value);
 }
 
-RequestHead headOf(MHD_Connection* connection, const char* method) {
+RequestHead headOf(MHD_Connection* connection, const char* path, const char* method) {
   return {
       .method = method,
+      .path = path,
+      .hasQuery =
+          MHD_get_connection_values(connection, MHD_GET_ARGUMENT_KIND, nullptr, nullptr) > 0,
       .host = header(connection, MHD_HTTP_HEADER_HOST),
       .origin = header(connection, "Origin"),
       .fetchSite = header(connection, "Sec-Fetch-Site"),
       .fetchMode = header(connection, "Sec-Fetch-Mode"),
+      .fetchDest = header(connection, "Sec-Fetch-Dest"),
       .contentLength = header(connection, MHD_HTTP_HEADER_CONTENT_LENGTH),
       .transferEncoding = header(connection, MHD_HTTP_HEADER_TRANSFER_ENCODING)};
 }
@@ -220,7 +224,7 @@ class WebServer::Engine {
     auto& engine = *static_cast<Engine*>(self);
     if (*state == nullptr) {
       *state = std::make_unique<Exchange>(Exchange{&engine, connection}).release();
-      const auto refusal = RequestPolicy::refusalOfBody(headOf(connection, method));
+      const auto refusal = RequestPolicy::refusalOfBody(headOf(connection, path, method));
       return refusal ? send(connection, *refusal) : MHD_YES;
     }
     *bodySize = 0;
@@ -234,7 +238,7 @@ class WebServer::Engine {
   // Has the request answered, or finds out how it will be.
   void begin(Exchange& exchange, const char* path, const char* method) {
     timers_.stop(descriptorOf(exchange.connection));
-    exchange.answer = policy_.refusal(headOf(exchange.connection, method));
+    exchange.answer = policy_.refusal(headOf(exchange.connection, path, method));
     if (exchange.answer) {
       return;
     }
