@@ -69,6 +69,15 @@ TEST(RequestPolicy, OtherSitesMayOnlyLinkToTheHomeScreen) {
   }
 }
 
+TEST(RequestPolicy, TheUsualPortMayBeLeftOut) {
+  const RequestPolicy policy(80);
+  EXPECT_FALSE(policy.refusal({.method = "GET", .host = "127.0.0.1"}));
+  EXPECT_FALSE(policy.refusal({.method = "GET", .host = "127.0.0.1:80"}));
+  EXPECT_FALSE(
+      policy.refusal({.method = "POST", .host = "localhost", .origin = "http://localhost"}));
+  EXPECT_TRUE(policy.refusal({.method = "GET", .host = "evil.example"}));
+}
+
 TEST(RequestPolicy, RefusesBodies) {
   EXPECT_FALSE(RequestPolicy::refusalOfBody({}));
   EXPECT_FALSE(RequestPolicy::refusalOfBody({.contentLength = "0"}));

@@ -5,8 +5,11 @@
 namespace quillpad::home {
 
 RequestPolicy::RequestPolicy(std::uint16_t port) {
-  for (const char* name : {"127.0.0.1:", "localhost:"}) {
-    hosts_.push_back(name + std::to_string(port));
+  for (const std::string name : {"127.0.0.1", "localhost"}) {
+    hosts_.push_back(name + ":" + std::to_string(port));
+    if (port == 80) {  // which browsers leave out
+      hosts_.push_back(name);
+    }
   }
 }
 
