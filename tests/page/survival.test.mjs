@@ -87,7 +87,7 @@ test("a taken port is told", async () => {
   second.stderr.on("data", (data) => (words += data));
   const code = await new Promise((resolve) => second.on("close", resolve));
   assert.equal(code, 1);
-  assert.match(words, /port \d+ .*another program uses it/);
+  assert.match(words, /port \d+: another program uses it/);
 });
 
 for (const signal of ["SIGINT", "SIGTERM", "SIGKILL"]) {

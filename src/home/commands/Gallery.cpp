@@ -112,7 +112,7 @@ struct Gallery {
       CardRenderer& cards,
       ExtensionClient& extension,
       const channel::CatalogueItem& item) const {
-    const ui::WidgetFamily family = item.families.front();
+    const ui::WidgetFamily family = familyOf(item);
     const auto view = viewOf(extension, {.kind = item.kind, .state = state, .family = family});
     if (!view) {
       return std::unexpected(view.error());

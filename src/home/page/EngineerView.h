@@ -1,36 +1,22 @@
 // The engineer's view: one widget's placeholder, snapshot, timeline entry and an entry typed by
 // hand side by side, on the screen, at the scale and in the language of one's choice, with what the
-// layout made of them. Every choice stands in the address.
+// layout made of them. Every choice stands in the address. Belongs to one thread.
 #pragma once
 
-#include <optional>
+#include <expected>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "home/extension/PreviewSession.h"
 #include "home/extension/Supervisor.h"
 #include "home/page/CardRenderer.h"
-#include "home/page/Markup.h"
+#include "home/page/EngineerPage.h"
 #include "home/page/Page.h"
+#include "home/page/PreviewQuery.h"
 #include "home/server/WebServer.h"
 #include "platform/paint/DisplayList.h"
 
 namespace quillpad::home {
-
-// What the address chooses; what it lacks or gets wrong has its usual value.
-struct EngineerChoice {
-  channel::CatalogueItem widget;
-  std::string screen;      // the name of a screen
-  drawing::Size size;      // of the widget on it
-  std::string appearance;  // "both", "light" or "dark"
-  int scale = 2;
-  std::string format;    // "svg" or "png"
-  std::string language;  // a locale's identifier; empty: that of the home screen
-  bool boxes = false;
-  std::string state;  // whose details are shown: "placeholder", "snapshot", "timeline" or "entry"
-  std::string entry;  // as it was typed
-};
 
 class EngineerView {
  public:
@@ -49,32 +35,28 @@ class EngineerView {
   LaterAnswer picture(const Moment& now, const WebRequest& request, PictureFormat format);
 
  private:
+  // A state of the widget: what there is to show, or why there is nothing, once it has come.
   struct Column {
-    std::string state;
-    std::string title;
-    std::string problem;  // why nothing was asked for; empty where a result is pending
+    PreviewState state = PreviewState::timeline;
     PreviewSession::PendingResult pending;
 
-    bool isDone() const { return pending == nullptr || pending->has_value(); }
-    // What there is to show; nullptr where there is nothing, or not yet.
-    const PreviewSession::Result* result() const;
-    // Why there is nothing to show.
-    std::string reason() const;
+    bool isDone() const { return pending->has_value(); }
+    const std::expected<PreviewSession::Result, std::string>& outcome() const { return **pending; }
   };
 
-  std::optional<EngineerChoice> choiceOf(const WebRequest& request) const;
-  Column column(const Moment& now, const EngineerChoice& choice, const std::string& state);
-  drawing::DisplayList compose(const EngineerChoice& choice, const ui::View& view);
-
-  Markup render(
-      const EngineerChoice& choice, const std::vector<Column>& columns, const PageFrame& frame);
-  Markup columnMarkup(const EngineerChoice& choice, const Column& column);
-  Markup pictureMarkup(
-      const EngineerChoice& choice,
-      const Column& column,
-      const drawing::DisplayList& list,
-      ui::Appearance appearance);
-  Markup detailsMarkup(const EngineerChoice& choice, const std::vector<Column>& columns);
+  // The widget that the query names, whose kind and languages the query then has; nullptr where
+  // there is none.
+  const channel::CatalogueItem* choose(PreviewQuery& query) const;
+  Column column(const Moment& now, const PreviewQuery& query, PreviewState state);
+  std::expected<Value, std::string> entryOf(const PreviewQuery& query, PreviewState state) const;
+  drawing::DisplayList compose(
+      const PreviewQuery& query, const channel::CatalogueItem& widget, const ui::View& view);
+  EngineerModel modelOf(
+      const PreviewQuery& query,
+      const channel::CatalogueItem& widget,
+      const std::vector<Column>& columns);
+  PreviewColumn shown(
+      const PreviewQuery& query, const channel::CatalogueItem& widget, const Column& column);
 
   const Supervisor& supervisor_;
   PreviewSession& previews_;

@@ -298,8 +298,7 @@ const DrawnCard* HomeScreen::drawnCard(const WidgetState& card) {
 
 std::optional<DrawnCard> HomeScreen::draw(
     const channel::CatalogueItem& about, const ui::View& view, const std::string& idPrefix) {
-  const ui::WidgetFamily family =
-      about.families.empty() ? ui::WidgetFamily::systemSmall : about.families.front();
+  const ui::WidgetFamily family = familyOf(about);
   const drawing::DisplayList list = cards_.compose(
       view,
       {.kind = about.kind,

@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "home/page/PageFiles.h"
+#include "home/page/WidgetSizes.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/URL.h"
 
@@ -56,11 +57,6 @@ Markup timesMarkup(const CardModel& card, Date now) {
   return times;
 }
 
-std::string familyOf(const channel::CatalogueItem& item) {
-  return std::string(channel::familyName(
-      item.families.empty() ? ui::WidgetFamily::systemSmall : item.families.front()));
-}
-
 Markup pictureOf(const DrawnCard* drawing) {
   return drawing == nullptr ? Markup{} : drawing->picture;
 }
@@ -81,7 +77,7 @@ Markup cardMarkup(const CardModel& card, Date now) {
   }
   return filled(
       page::cardHtml,
-      {{"family", escaped(familyOf(*card.about))},
+      {{"family", escaped(channel::familyName(familyOf(*card.about)))},
        {"kind", escaped(card.about->kind)},
        {"status", escaped(levelName(card.status.level))},
        {"element", escaped(linked ? "a" : "div")},
@@ -117,7 +113,7 @@ Markup galleryMarkup(const std::vector<OfferModel>& offers) {
   Markup markup;
   for (const OfferModel& offer : offers) {
     const std::string& name = offer.about->displayName;
-    const bool small = familyOf(*offer.about) == "systemSmall";
+    const bool small = familyOf(*offer.about) == ui::WidgetFamily::systemSmall;
     const std::string word = offer.placed ? "Remove" : "Add";
     std::string label = word;
     label.append(" ").append(name).append(small ? ", small" : ", medium");

@@ -28,9 +28,9 @@ struct CardModel {
 
 // What a page needs besides its content.
 struct PageFrame {
-  std::string token;     // that changes have to bring along
-  std::string instance;  // of the running home screen
-  std::string nonce;     // of this answer, for its style and scripts
+  std::string token{};     // that changes have to bring along
+  std::string instance{};  // of the running home screen
+  std::string nonce{};     // of this answer, for its style and scripts
   bool rightToLeft = false;
 };
 

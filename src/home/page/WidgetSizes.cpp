@@ -1,6 +1,7 @@
 #include "home/page/WidgetSizes.h"
 
 #include <algorithm>
+#include <array>
 
 namespace quillpad::home {
 namespace {
@@ -39,6 +40,10 @@ drawing::Size widgetSize(ui::WidgetFamily family, std::string_view screen) {
   const auto found = std::ranges::find(sizesByScreen, screen, &Screen::name);
   const Screen& sizes = found == sizesByScreen.end() ? sizesByScreen.front() : *found;
   return family == ui::WidgetFamily::systemSmall ? sizes.small : sizes.medium;
+}
+
+ui::WidgetFamily familyOf(const channel::CatalogueItem& widget) {
+  return widget.families.empty() ? ui::WidgetFamily::systemSmall : widget.families.front();
 }
 
 }  // namespace quillpad::home

@@ -26,6 +26,10 @@ async function render() {
   history.replaceState(null, "", address);
 }
 
+for (const option of form.elements.language.options) {
+  if (option.value) option.label = new Intl.DisplayNames(option.value, { type: "language" }).of(option.value);
+}
+
 let timer;
 form.addEventListener("change", render);
 form.elements.entry.addEventListener("input", () => {

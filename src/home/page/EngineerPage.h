@@ -1,0 +1,46 @@
+// The page of the engineer's view as HTML, made from what it shows. Pure.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "home/page/Markup.h"
+#include "home/page/Page.h"
+#include "home/page/PreviewQuery.h"
+#include "platform/paint/DisplayList.h"
+#include "platform/ui/Color.h"
+#include "platform/ui/Environment.h"
+
+namespace quillpad::home {
+
+// One state of the widget.
+struct PreviewColumn {
+  struct Picture {
+    ui::Appearance appearance = ui::Appearance::light;
+    std::string file{};   // in the query's format
+    std::string error{};  // why there is no file
+  };
+
+  PreviewState state = PreviewState::timeline;
+  std::string date{};                          // of the entry
+  std::string reason{};                        // why there is nothing to show
+  std::optional<drawing::DisplayList> list{};  // what the pictures show
+  std::vector<Picture> pictures{};
+};
+
+struct EngineerModel {
+  PreviewQuery query{};
+  ui::WidgetFamily family = ui::WidgetFamily::systemSmall;
+  std::vector<std::string> kinds{};
+  std::vector<std::string> languages{};
+  std::vector<PreviewColumn> columns{};
+  std::string sampleEntry{};  // for the empty field of one's own entry
+  // Of the state that the query names, as JSON; empty where there is nothing to show.
+  std::string viewTree{};
+  std::string displayList{};
+};
+
+Markup engineerPage(const EngineerModel& model, const PageFrame& frame);
+
+}  // namespace quillpad::home

@@ -1,0 +1,41 @@
+// What the address of the engineer's view chooses, and the addresses that make a choice. A plain
+// value; what an address lacks or gets wrong has its usual value.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "home/server/WebMessages.h"
+#include "platform/ui/Color.h"
+
+namespace quillpad::home {
+
+enum class PreviewState { timeline, placeholder, snapshot, entry };
+
+struct PreviewQuery {
+  enum class Appearances { both, light, dark };
+  enum class Format { svg, png };
+
+  std::string kind{};      // empty: the catalogue's first
+  std::string screen{};    // empty: the default
+  std::string language{};  // a locale's identifier; empty: that of the home screen
+  Appearances appearances = Appearances::both;
+  Format format = Format::svg;
+  int scale = 2;
+  bool boxes = false;
+  PreviewState state = PreviewState::timeline;  // whose details are shown
+  std::string entry{};                          // as it was typed
+
+  static PreviewQuery parse(const WebRequest& request);
+
+  // The path with what differs from the usual values, for example "/picture.png?kind=A&scale=3".
+  std::string toUrl(std::string_view path) const;
+
+  // Whether pictures in the appearance are chosen.
+  bool shows(ui::Appearance appearance) const;
+};
+
+// "timeline", "placeholder", "snapshot" or "entry".
+std::string_view stateName(PreviewState state);
+
+}  // namespace quillpad::home
