@@ -6,23 +6,15 @@
 #include <array>
 #include <hb-ot.h>
 #include <hb.h>
-#include <map>
-#include <set>
-#include <tuple>
+#include <unicode/uscript.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
+
+#include "platform/text/Handle.h"
 
 namespace quillpad::drawing {
 namespace {
-
-template <auto Destroy>
-struct Destroyer {
-  void operator()(auto* object) const { Destroy(object); }
-};
-
-using LibraryHandle = std::unique_ptr<FT_LibraryRec_, Destroyer<FT_Done_FreeType>>;
-using FaceHandle = std::unique_ptr<FT_FaceRec_, Destroyer<FT_Done_Face>>;
-using ShaperHandle = std::unique_ptr<hb_font_t, Destroyer<hb_font_destroy>>;
 
 // In the order of ui::Weight.
 constexpr std::array<const char*, 3> systemFiles{
@@ -30,20 +22,17 @@ constexpr std::array<const char*, 3> systemFiles{
     "/usr/share/fonts/opentype/inter/Inter-Medium.otf",
     "/usr/share/fonts/opentype/inter/Inter-SemiBold.otf"};
 
-constexpr std::size_t mostSearches = 4096;
-
 }  // namespace
 
-class FontBook::Shelf {
- public:
+struct FontBook::Impl {
   struct Font {
     FontFile file;
-    FaceHandle face{};
-    ShaperHandle shaper{};
+    Handle<FT_FaceRec_, FT_Done_Face> face{};
+    Handle<hb_font_t, hb_font_destroy> shaper{};
     std::optional<bool> hasColorBitmaps{};
   };
 
-  // The font's place on the shelf, where it is put if it is new.
+  // The font's number, a new one if it was not used yet.
   FontId place(FontFile file) {
     const auto found = std::ranges::find(fonts, file, &Font::file);
     if (found == fonts.end()) {
@@ -53,19 +42,19 @@ class FontBook::Shelf {
     return static_cast<FontId>(found - fonts.begin());
   }
 
-  // What fallbacks are chosen by, beside the characters.
-  using Choice = std::tuple<Script, ui::Weight, std::string>;
-
-  LibraryHandle library;
-  std::vector<Font> fonts;
+  Handle<FT_LibraryRec_, FT_Done_FreeType> library;
+  std::vector<Font> fonts;  // the system font's weights first
   FontFinder finder;
-  std::map<Choice, std::vector<FontId>> fallbacks;
-  std::set<std::u32string, std::less<>> withoutFont;  // searched for in vain
 };
 
-FontBook::FontBook() : shelf_(std::make_unique<Shelf>()) {
-  for (const char* path : systemFiles) {
-    shelf_->fonts.push_back({.file = {path}});
+FontBook::FontBook() : impl_(std::make_unique<Impl>()) {
+  for (std::size_t i = 0; i < systemFiles.size(); ++i) {
+    FontFile file{.path = systemFiles[i]};
+    if (access(systemFiles[i], R_OK) != 0) {
+      const auto weight = static_cast<ui::Weight>(i);
+      file = impl_->finder.find(U"a", USCRIPT_LATIN, weight, "en").value_or(file);
+    }
+    impl_->fonts.push_back({.file = std::move(file)});
   }
 }
 
@@ -73,24 +62,13 @@ FontBook::~FontBook() = default;
 
 FontId FontBook::system(ui::Weight weight) { return static_cast<FontId>(weight); }
 
+bool FontBook::isSystem(FontId font) { return font < systemFiles.size(); }
+
 std::optional<FontId> FontBook::fallback(
     std::u32string_view characters, Script script, ui::Weight weight, const std::string& language) {
-  std::vector<FontId>& known = shelf_->fallbacks[{script, weight, language}];
-  const auto fits = [&](FontId font) { return covers(font, characters); };
-  if (const auto found = std::ranges::find_if(known, fits); found != known.end()) {
-    return *found;
+  if (auto file = impl_->finder.find(characters, script, weight, language)) {
+    return impl_->place(*std::move(file));
   }
-  if (shelf_->withoutFont.contains(characters)) {
-    return std::nullopt;
-  }
-  if (auto file = shelf_->finder.find(characters, script, weight, language)) {
-    known.push_back(shelf_->place(*std::move(file)));
-    return known.back();
-  }
-  if (shelf_->withoutFont.size() == mostSearches) {
-    shelf_->withoutFont.clear();
-  }
-  shelf_->withoutFont.emplace(characters);
   return std::nullopt;
 }
 
@@ -103,28 +81,23 @@ bool FontBook::covers(FontId font, std::u32string_view characters) {
 }
 
 FT_FaceRec_* FontBook::face(FontId font) {
-  shaper(font);  // settles which file it is
-  Shelf::Font& known = shelf_->fonts[font];
+  Impl::Font& known = impl_->fonts[font];
   if (!known.face) {
-    if (!shelf_->library) {
+    if (!impl_->library) {
       FT_Library library = nullptr;
       FT_Init_FreeType(&library);
-      shelf_->library.reset(library);
+      impl_->library.reset(library);
     }
     FT_Face face = nullptr;
-    FT_New_Face(shelf_->library.get(), known.file.path.c_str(), known.file.index, &face);
+    FT_New_Face(impl_->library.get(), known.file.path.c_str(), known.file.index, &face);
     known.face.reset(face);
   }
   return known.face.get();
 }
 
 hb_font_t* FontBook::shaper(FontId font) {
-  Shelf::Font& known = shelf_->fonts[font];
+  Impl::Font& known = impl_->fonts[font];
   if (!known.shaper) {
-    if (font < systemFiles.size() && access(known.file.path.c_str(), R_OK) != 0) {
-      const auto weight = static_cast<ui::Weight>(font);
-      known.file = shelf_->finder.find(U"a", latinScript, weight, "en").value_or(known.file);
-    }
     hb_blob_t* file = hb_blob_create_from_file(known.file.path.c_str());
     hb_face_t* face = hb_face_create(file, static_cast<unsigned>(known.file.index));
     known.shaper.reset(hb_font_create(face));
@@ -140,7 +113,7 @@ double FontBook::unitsPerEm(FontId font) {
 
 bool FontBook::hasColorBitmaps(FontId font) {
   hb_face_t* face = hb_font_get_face(shaper(font));
-  Shelf::Font& known = shelf_->fonts[font];
+  Impl::Font& known = impl_->fonts[font];
   if (!known.hasColorBitmaps) {
     known.hasColorBitmaps = hb_ot_color_has_png(face) != 0;
   }

@@ -1,6 +1,6 @@
 // The fonts that texts are drawn with: the system font's files, opened when first needed, and the
-// installed fonts that stand in where the system font lacks a glyph. Belongs to one thread, as its
-// FreeType faces do.
+// installed fonts that stand in where the system font lacks a glyph. Which font characters get
+// depends on nothing that was asked before. Belongs to one thread, as its FreeType faces do.
 #pragma once
 
 #include <cstdint>
@@ -28,7 +28,8 @@ class FontBook {
   FontBook& operator=(const FontBook&) = delete;
 
   // The system font in a weight. Any installed sans-serif stands in where its file is missing.
-  FontId system(ui::Weight weight);
+  static FontId system(ui::Weight weight);
+  static bool isSystem(FontId font);
 
   // An installed font that has all the characters, chosen by script and language; nothing if none
   // has them.
@@ -53,8 +54,8 @@ class FontBook {
   bool hasColorBitmaps(FontId font);
 
  private:
-  class Shelf;
-  std::unique_ptr<Shelf> shelf_;
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
 };
 
 }  // namespace quillpad::drawing

@@ -3,21 +3,19 @@
 #include <algorithm>
 #include <array>
 #include <fontconfig/fontconfig.h>
-#include <unicode/uchar.h>
+#include <map>
+#include <tuple>
 #include <unicode/uloc.h>
 #include <unicode/uscript.h>
+
+#include "platform/text/Handle.h"
 
 namespace quillpad::drawing {
 namespace {
 
-template <auto Destroy>
-struct Destroyer {
-  void operator()(auto* object) const { Destroy(object); }
-};
-
-using ConfigHandle = std::unique_ptr<FcConfig, Destroyer<FcConfigDestroy>>;
-using PatternHandle = std::unique_ptr<FcPattern, Destroyer<FcPatternDestroy>>;
-using CharSetHandle = std::unique_ptr<FcCharSet, Destroyer<FcCharSetDestroy>>;
+using ConfigHandle = Handle<FcConfig, FcConfigDestroy>;
+using PatternHandle = Handle<FcPattern, FcPatternDestroy>;
+using FontSetHandle = Handle<FcFontSet, FcFontSetDestroy>;
 
 // The system's own configuration takes ten times as long to read as its caches. Only its folders
 // matter here: what suits a script is asked for by name.
@@ -31,18 +29,13 @@ constexpr const char* folders = R"(<?xml version="1.0"?>
   <cachedir prefix="xdg">fontconfig</cachedir>
 </fontconfig>)";
 
-struct Wish {
+// Every script in every weight, many times over.
+constexpr std::size_t maxRankings = 1024;
+
+struct FontRequest {
   std::string family;
   std::string language;  // as fontconfig writes it
 };
-
-std::string textOf(Script script) {
-  std::string letters;
-  for (const unsigned shift : {24U, 16U, 8U, 0U}) {
-    letters += static_cast<char>((script >> shift) & 0xFFU);
-  }
-  return letters;
-}
 
 // The language tag with the script and country that go without saying: "ja_Jpan_JP" for "ja".
 std::string likely(std::string tag) {
@@ -54,7 +47,7 @@ std::string likely(std::string tag) {
 }
 
 // Han characters look as they do where the language is at home, and Chinese where it has none.
-Wish hanWish(const std::string& language) {
+FontRequest hanRequest(const std::string& language) {
   const std::string place = likely(language);
   if (place.contains("Jpan")) {
     return {"Noto Sans CJK JP", "ja"};
@@ -63,39 +56,35 @@ Wish hanWish(const std::string& language) {
     return {"Noto Sans CJK KR", "ko"};
   }
   if (place.contains("Hant")) {
-    return place.contains("HK") ? Wish{"Noto Sans CJK HK", "zh-hk"}
-                                : Wish{"Noto Sans CJK TC", "zh-tw"};
+    return place.contains("HK") ? FontRequest{"Noto Sans CJK HK", "zh-hk"}
+                                : FontRequest{"Noto Sans CJK TC", "zh-tw"};
   }
   return {"Noto Sans CJK SC", "zh-cn"};
 }
 
-Wish wishFor(Script script, const std::string& language) {
-  if (script == emojiScript) {
-    return {"Noto Color Emoji", "und-zsye"};
+FontRequest requestFor(Script script, const std::string& language) {
+  const auto code = static_cast<UScriptCode>(script);
+  switch (code) {
+    case USCRIPT_SYMBOLS_EMOJI:
+      return {"Noto Color Emoji", "und-zsye"};
+    case USCRIPT_HAN:
+      return hanRequest(language);
+    case USCRIPT_HIRAGANA:
+    case USCRIPT_KATAKANA:
+      return hanRequest("ja");
+    case USCRIPT_HANGUL:
+      return hanRequest("ko");
+    case USCRIPT_BOPOMOFO:
+      return hanRequest("zh-Hant");
+    default:
+      break;
   }
-  const std::string letters = textOf(script);
-  if (script == hanScript) {
-    return hanWish(language);
-  }
-  if (letters == "Hira" || letters == "Kana") {
-    return hanWish("ja");
-  }
-  if (letters == "Hang") {
-    return hanWish("ko");
-  }
-  if (letters == "Bopo") {
-    return hanWish("zh-Hant");
-  }
-  const int32_t known = u_getPropertyValueEnum(UCHAR_SCRIPT, letters.c_str());
-  const char* name = known == UCHAR_INVALID_CODE
-                         ? nullptr
-                         : u_getPropertyValueName(UCHAR_SCRIPT, known, U_LONG_PROPERTY_NAME);
   std::string family = "Noto Sans";
-  if (name != nullptr && script != latinScript) {
-    family += " " + std::string(name);
+  if (code != USCRIPT_LATIN) {
+    family += " " + std::string(uscript_getName(code));
     std::ranges::replace(family, '_', ' ');
   }
-  const std::string place = likely("und_" + letters);
+  const std::string place = likely("und_" + std::string(uscript_getShortName(code)));
   return {family, place.substr(0, place.find('_'))};
 }
 
@@ -115,20 +104,48 @@ const FcChar8* chars(const std::string& text) {
   return reinterpret_cast<const FcChar8*>(text.c_str());
 }
 
+bool hasAll(FcPattern* font, std::u32string_view characters) {
+  FcCharSet* has = nullptr;
+  return FcPatternGetCharSet(font, FC_CHARSET, 0, &has) == FcResultMatch &&
+         std::ranges::all_of(characters, [&](char32_t character) {
+           return FcCharSetHasChar(has, character) != FcFalse;
+         });
+}
+
+bool isInColor(FcPattern* font) {
+  FcBool inColor = FcFalse;
+  return FcPatternGetBool(font, FC_COLOR, 0, &inColor) == FcResultMatch && inColor != FcFalse;
+}
+
 }  // namespace
 
-class FontFinder::Configuration {
- public:
-  Configuration() : config_(FcConfigCreate()) {
+struct FontFinder::Impl {
+  Impl() : config(FcConfigCreate()) {
     FcConfigParseAndLoadFromMemory(
-        config_.get(), reinterpret_cast<const FcChar8*>(folders), FcFalse);
-    FcConfigBuildFonts(config_.get());
+        config.get(), reinterpret_cast<const FcChar8*>(folders), FcFalse);
+    FcConfigBuildFonts(config.get());
   }
 
-  FcConfig* get() const { return config_.get(); }
+  // All installed fonts, the best one for the script first.
+  FontSetHandle ranked(Script script, ui::Weight weight, const std::string& language) const {
+    const FontRequest request = requestFor(script, language);
+    const PatternHandle pattern(FcPatternCreate());
+    FcPatternAddString(pattern.get(), FC_FAMILY, chars(request.family));
+    for (const std::string family : {"Noto Sans", "DejaVu Sans"}) {
+      FcPatternAddString(pattern.get(), FC_FAMILY, chars(family));
+    }
+    FcPatternAddString(pattern.get(), FC_LANG, chars(request.language));
+    FcPatternAddInteger(pattern.get(), FC_WEIGHT, fontconfigWeight(weight));
+    FcPatternAddInteger(pattern.get(), FC_SLANT, FC_SLANT_ROMAN);
+    FcPatternAddBool(pattern.get(), FC_COLOR, script == USCRIPT_SYMBOLS_EMOJI ? FcTrue : FcFalse);
+    FcPatternAddBool(pattern.get(), FC_VARIABLE, FcFalse);
+    FcDefaultSubstitute(pattern.get());
+    FcResult result = FcResultMatch;
+    return FontSetHandle(FcFontSort(config.get(), pattern.get(), FcFalse, nullptr, &result));
+  }
 
- private:
-  ConfigHandle config_;
+  ConfigHandle config;
+  std::map<std::tuple<Script, ui::Weight, std::string>, FontSetHandle> rankings;
 };
 
 FontFinder::FontFinder() = default;
@@ -136,39 +153,28 @@ FontFinder::~FontFinder() = default;
 
 std::optional<FontFile> FontFinder::find(
     std::u32string_view characters, Script script, ui::Weight weight, const std::string& language) {
-  if (!configuration_) {
-    configuration_ = std::make_unique<Configuration>();
+  if (!impl_) {
+    impl_ = std::make_unique<Impl>();
   }
-  const CharSetHandle wanted(FcCharSetCreate());
-  for (const char32_t character : characters) {
-    FcCharSetAddChar(wanted.get(), character);
+  if (impl_->rankings.size() == maxRankings) {
+    impl_->rankings.clear();
   }
-  const Wish wish = wishFor(script, language);
-  const PatternHandle pattern(FcPatternCreate());
-  FcPatternAddString(pattern.get(), FC_FAMILY, chars(wish.family));
-  for (const std::string family : {"Noto Sans", "DejaVu Sans"}) {
-    FcPatternAddString(pattern.get(), FC_FAMILY, chars(family));
+  FontSetHandle& fonts =
+      impl_->rankings[{script, weight, script == USCRIPT_HAN ? language : std::string()}];
+  if (!fonts) {
+    fonts = impl_->ranked(script, weight, language);
   }
-  FcPatternAddString(pattern.get(), FC_LANG, chars(wish.language));
-  FcPatternAddCharSet(pattern.get(), FC_CHARSET, wanted.get());
-  FcPatternAddInteger(pattern.get(), FC_WEIGHT, fontconfigWeight(weight));
-  FcPatternAddInteger(pattern.get(), FC_SLANT, FC_SLANT_ROMAN);
-  FcPatternAddBool(pattern.get(), FC_COLOR, script == emojiScript ? FcTrue : FcFalse);
-  FcPatternAddBool(pattern.get(), FC_VARIABLE, FcFalse);
-  FcDefaultSubstitute(pattern.get());
-
-  FcResult result = FcResultMatch;
-  const PatternHandle match(FcFontMatch(configuration_->get(), pattern.get(), &result));
-  FcChar8* path = nullptr;
-  FcCharSet* has = nullptr;
-  if (!match || FcPatternGetString(match.get(), FC_FILE, 0, &path) != FcResultMatch ||
-      FcPatternGetCharSet(match.get(), FC_CHARSET, 0, &has) != FcResultMatch ||
-      FcCharSetIsSubset(wanted.get(), has) == FcFalse) {
-    return std::nullopt;
+  for (int i = 0; fonts && i < fonts->nfont; ++i) {
+    FcPattern* font = fonts->fonts[i];
+    FcChar8* path = nullptr;
+    if (hasAll(font, characters) && (script != USCRIPT_SYMBOLS_EMOJI || isInColor(font)) &&
+        FcPatternGetString(font, FC_FILE, 0, &path) == FcResultMatch) {
+      FontFile file{.path = reinterpret_cast<const char*>(path)};
+      FcPatternGetInteger(font, FC_INDEX, 0, &file.index);
+      return file;
+    }
   }
-  FontFile file{.path = reinterpret_cast<const char*>(path)};
-  FcPatternGetInteger(match.get(), FC_INDEX, 0, &file.index);
-  return file;
+  return std::nullopt;
 }
 
 }  // namespace quillpad::drawing

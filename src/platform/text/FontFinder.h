@@ -2,7 +2,6 @@
 // when first asked. Belongs to one thread.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,11 +17,8 @@ struct FontFile {
   friend bool operator==(const FontFile&, const FontFile&) = default;
 };
 
-// The four letters of a script in ISO 15924, the first one highest.
-using Script = std::uint32_t;
-inline constexpr Script latinScript = 0x4C61746E;  // "Latn"
-inline constexpr Script hanScript = 0x48616E69;    // "Hani"
-inline constexpr Script emojiScript = 0x5A737965;  // "Zsye": pictures in colour
+// A UScriptCode of ICU.
+using Script = int;
 
 class FontFinder {
  public:
@@ -31,8 +27,10 @@ class FontFinder {
   FontFinder(const FontFinder&) = delete;
   FontFinder& operator=(const FontFinder&) = delete;
 
-  // The best upright sans-serif font for the script that has all the characters; nothing if none is
-  // installed. The language decides between the faces that one script has in several countries.
+  // The best upright sans-serif font for the script that has all the characters, in colour for
+  // USCRIPT_SYMBOLS_EMOJI; nothing if none is installed. The language decides between the faces
+  // that Han characters have in several countries. Depends on nothing else, above all not on what
+  // was asked before.
   std::optional<FontFile> find(
       std::u32string_view characters,
       Script script,
@@ -40,8 +38,8 @@ class FontFinder {
       const std::string& language);
 
  private:
-  class Configuration;
-  std::unique_ptr<Configuration> configuration_;
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
 };
 
 }  // namespace quillpad::drawing

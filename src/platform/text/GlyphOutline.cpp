@@ -8,15 +8,16 @@ namespace quillpad::drawing {
 
 namespace {
 
+std::string pointText(const FT_Vector* at) {
+  return std::to_string(at->x) + " " + std::to_string(at->y);
+}
+
+int append(void* path, char command, const std::string& points) {
+  *static_cast<std::string*>(path) += command + points;
+  return 0;
+}
+
 std::string pathData(FT_Outline& outline) {
-  const auto point = [](const FT_Vector* at) {
-    return std::to_string(at->x) + " " + std::to_string(at->y);
-  };
-  static constexpr auto append = [](void* user, char command, const std::string& points) {
-    *static_cast<std::string*>(user) += command + points;
-    return 0;
-  };
-  static constexpr auto pointText = point;
   FT_Outline_Funcs steps{};
   steps.move_to = [](const FT_Vector* to, void* user) { return append(user, 'M', pointText(to)); };
   steps.line_to = [](const FT_Vector* to, void* user) { return append(user, 'L', pointText(to)); };

@@ -1,54 +1,48 @@
 #include "platform/text/Itemizer.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <unicode/ubidi.h>
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
+#include <unicode/unistr.h>
 #include <unicode/uscript.h>
 #include <unicode/utext.h>
 
 #include "platform/foundation/Utf8.h"
+#include "platform/text/Handle.h"
 
 namespace quillpad::drawing {
 namespace {
 
-template <auto Close>
-struct Closer {
-  void operator()(auto* object) const { Close(object); }
-};
-
-using BidiHandle = std::unique_ptr<UBiDi, Closer<ubidi_close>>;
-using BreakHandle = std::unique_ptr<UBreakIterator, Closer<ubrk_close>>;
+using BreakHandle = Handle<UBreakIterator, ubrk_close>;
 
 constexpr char32_t textStyleSelector = 0xFE0E;
 constexpr char32_t emojiStyleSelector = 0xFE0F;
 constexpr char32_t enclosingKeycap = 0x20E3;
 
-// A piece of text in UTF-16, and where each of its units begins in the text it was made from.
-struct WideText {
-  std::u16string units;
-  std::vector<std::size_t> places;  // one more than there are units
-};
-
-WideText widened(std::string_view text, std::size_t begin, std::size_t end) {
-  WideText wide;
-  wide.units.reserve(end - begin);
-  wide.places.reserve(end - begin + 1);
-  for (std::size_t at = begin; at < end;) {
-    const std::size_t place = at;
-    const char32_t character = nextCharacter(text, at);
-    if (character >= 0x10000) {
-      wide.units += static_cast<char16_t>(0xD7C0 + (character >> 10U));
-      wide.units += static_cast<char16_t>(0xDC00 + (character & 0x3FFU));
-      wide.places.push_back(place);
-    } else {
-      wide.units += static_cast<char16_t>(character);
+// The places behind the text's begin where the iterator stops.
+std::vector<std::size_t> boundaries(UBreakIterator* iterator, std::string_view text) {
+  std::vector<std::size_t> places;
+  UErrorCode status = U_ZERO_ERROR;
+  UText utf8 = UTEXT_INITIALIZER;
+  utext_openUTF8(&utf8, text.data(), static_cast<int64_t>(text.size()), &status);
+  ubrk_setUText(iterator, &utf8, &status);
+  if (U_SUCCESS(status) != 0) {
+    for (int32_t place = ubrk_next(iterator); place != UBRK_DONE; place = ubrk_next(iterator)) {
+      places.push_back(static_cast<std::size_t>(place));
     }
-    wide.places.push_back(place);
   }
-  wide.places.push_back(end);
-  return wide;
+  utext_close(&utf8);
+  return places;
+}
+
+template <class Value>
+void append(std::vector<RunUpTo<Value>>& runs, std::size_t end, Value value) {
+  if (!runs.empty() && runs.back().value == value) {
+    runs.back().end = end;
+  } else {
+    runs.push_back({end, value});
+  }
 }
 
 bool has(char32_t character, UProperty property) {
@@ -74,110 +68,174 @@ std::u32string visible(std::u32string_view cluster) {
 }
 
 // The script that the characters stand for by themselves, if any.
-std::optional<Script> ownScript(std::u32string_view cluster) {
-  for (const char32_t character : cluster) {
+std::optional<Script> ownScript(std::string_view cluster) {
+  for (std::size_t at = 0; at < cluster.size();) {
     UErrorCode status = U_ZERO_ERROR;
-    const UScriptCode script = uscript_getScript(static_cast<UChar32>(character), &status);
-    if (script > USCRIPT_INHERITED) {
-      const char* letters = uscript_getShortName(script);
-      Script packed = 0;
-      for (int i = 0; i < 4; ++i) {
-        packed = (packed << 8U) | static_cast<std::uint8_t>(letters[i]);
-      }
-      return packed;
+    const auto character = static_cast<UChar32>(nextCharacter(cluster, at));
+    const UScriptCode script = uscript_getScript(character, &status);
+    if (script > USCRIPT_INHERITED && script != USCRIPT_UNKNOWN) {
+      return script;
     }
   }
   return std::nullopt;
 }
 
-// The language that the characters give away: Han ones beside kana are Japanese, whatever the card.
-std::string languageOf(std::string_view text, const std::string& otherwise) {
-  for (std::size_t at = 0; at < text.size();) {
-    const char32_t character = nextCharacter(text, at);
-    if (character >= 0x3041 && character <= 0x30FF && character != 0x30FB) {
+// The language that the scripts give away: Han characters beside kana are Japanese, whatever the
+// card.
+std::string languageOf(std::span<const ScriptRun> scripts, const std::string& otherwise) {
+  for (const ScriptRun& run : scripts) {
+    if (run.value == USCRIPT_HIRAGANA || run.value == USCRIPT_KATAKANA) {
       return "ja";
     }
-    if (character >= 0xAC00 && character <= 0xD7A3) {
+    if (run.value == USCRIPT_HANGUL) {
       return "ko";
     }
   }
   return otherwise;
 }
 
-// Chooses the font of one cluster after the other.
-class FontChooser {
- public:
-  FontChooser(FontBook& fonts, const TextStyle& style, std::string language)
-      : fonts_(fonts), style_(style), language_(std::move(language)) {}
-
-  FontId choose(std::u32string_view cluster, Script script) {
-    const std::u32string characters = visible(cluster);
-    // A space goes with the text before it, but not with a picture: those fonts' is as wide as one.
-    const bool staysWithLast = characters == U" " && last_ && !fonts_.hasColorBitmaps(*last_) &&
-                               fonts_.covers(*last_, characters);
-    if (characters.empty() || staysWithLast) {
-      return last_.value_or(fonts_.system(style_.weight));
-    }
-    last_ = find(cluster, characters, script);
-    return *last_;
-  }
-
- private:
-  FontId find(std::u32string_view cluster, const std::u32string& characters, Script script) {
-    const FontId system = fonts_.system(style_.weight);
-    if (isEmoji(cluster)) {
-      // A sequence is one picture, or several where the font does not know it.
-      const std::u32string_view first(characters.data(), 1);
-      if (const auto font = fonts_.fallback(first, emojiScript, style_.weight, language_)) {
-        return *font;
-      }
-    }
-    if (fonts_.covers(system, characters)) {
-      return system;
-    }
-    if (const auto font = fonts_.fallback(characters, script, style_.weight, language_)) {
+FontId fontFor(
+    std::u32string_view cluster,
+    const std::u32string& characters,
+    Script script,
+    ui::Weight weight,
+    const std::string& language,
+    FontBook& fonts) {
+  const FontId system = FontBook::system(weight);
+  if (isEmoji(cluster)) {
+    // A sequence is one picture, or several where the font does not know it.
+    const std::u32string_view first(characters.data(), 1);
+    if (const auto font = fonts.fallback(first, USCRIPT_SYMBOLS_EMOJI, weight, language)) {
       return *font;
     }
-    // No font has the whole of it: the one that has its base, then.
-    const std::u32string base = characters.substr(0, 1);
-    if (fonts_.covers(system, base)) {
-      return system;
-    }
-    return fonts_.fallback(base, script, style_.weight, language_).value_or(system);
   }
+  if (fonts.covers(system, characters)) {
+    return system;
+  }
+  if (const auto font = fonts.fallback(characters, script, weight, language)) {
+    return *font;
+  }
+  // No font has the whole of it: the one that has its base, then.
+  const std::u32string base = characters.substr(0, 1);
+  return base == characters || fonts.covers(system, base)
+             ? system
+             : fonts.fallback(base, script, weight, language).value_or(system);
+}
 
-  FontBook& fonts_;
-  const TextStyle& style_;
-  std::string language_;
-  std::optional<FontId> last_;
-};
+// In the text's bytes, though bidirectional ordering counts in UTF-16.
+std::vector<LevelRun> levelRuns(std::string_view text, UBiDi* bidi) {
+  std::vector<LevelRun> runs;
+  const int32_t length = ubidi_getLength(bidi);
+  std::size_t at = 0;
+  for (int32_t units = 0; units < length;) {
+    int32_t limit = 0;
+    UBiDiLevel level = 0;
+    ubidi_getLogicalRun(bidi, units, &limit, &level);
+    while (units < limit) {
+      units += U16_LENGTH(nextCharacter(text, at));
+    }
+    append(runs, at, level);
+  }
+  return runs;
+}
 
 }  // namespace
 
-class Itemizer::Tools {
- public:
-  Tools() : bidi(ubidi_open()) {
+std::vector<ScriptRun> scriptRuns(std::string_view text, std::span<const std::size_t> clusterEnds) {
+  std::vector<ScriptRun> runs;
+  std::size_t begin = 0;
+  for (const std::size_t end : clusterEnds) {
+    if (const auto own = ownScript(text.substr(begin, end - begin))) {
+      append(runs, end, *own);
+    } else if (!runs.empty()) {
+      runs.back().end = end;
+    }
+    begin = end;
+  }
+  if (runs.empty()) {
+    runs.push_back({text.size(), USCRIPT_LATIN});
+  }
+  return runs;
+}
+
+std::vector<FontRun> fontRuns(
+    std::string_view text,
+    std::span<const std::size_t> clusterEnds,
+    std::span<const ScriptRun> scripts,
+    const TextStyle& style,
+    FontBook& fonts) {
+  const std::string language = languageOf(scripts, style.language);
+  std::vector<FontRun> runs;
+  auto script = scripts.begin();
+  std::size_t at = 0;
+  std::u32string cluster;
+  for (const std::size_t end : clusterEnds) {
+    cluster.clear();
+    while (at < end) {
+      cluster += nextCharacter(text, at);
+    }
+    while (script->end < end) {
+      ++script;
+    }
+    const std::u32string characters = visible(cluster);
+    // A space goes with the text before it, but not with a picture: those fonts' is as wide as one.
+    const bool staysWithLast = characters == U" " && !runs.empty() &&
+                               !fonts.hasColorBitmaps(runs.back().value) &&
+                               fonts.covers(runs.back().value, characters);
+    if (characters.empty() || staysWithLast) {
+      append(runs, end, runs.empty() ? FontBook::system(style.weight) : runs.back().value);
+    } else {
+      append(runs, end, fontFor(cluster, characters, script->value, style.weight, language, fonts));
+    }
+  }
+  return runs;
+}
+
+std::vector<TextRun> merged(
+    std::span<const ScriptRun> scripts,
+    std::span<const FontRun> fonts,
+    std::span<const LevelRun> levels) {
+  std::vector<TextRun> runs;
+  auto script = scripts.begin();
+  auto font = fonts.begin();
+  auto level = levels.begin();
+  for (std::size_t begin = 0; script != scripts.end();) {
+    const std::size_t end = std::min({script->end, font->end, level->end});
+    runs.push_back(
+        {.begin = begin,
+         .end = end,
+         .font = font->value,
+         .level = level->value,
+         .script = script->value});
+    script += script->end == end ? 1 : 0;
+    font += font->end == end ? 1 : 0;
+    level += level->end == end ? 1 : 0;
+    begin = end;
+  }
+  return runs;
+}
+
+struct Itemizer::Impl {
+  Impl() : bidi(ubidi_open()) {
     UErrorCode status = U_ZERO_ERROR;
     characters.reset(ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status));
   }
 
-  UBreakIterator* lines(const std::string& language) {
-    if (!lines_ || language != linesLanguage_) {
+  UBreakIterator* linesIn(const std::string& language) {
+    if (!lines || language != linesLanguage) {
       std::string locale = language;
       std::ranges::replace(locale, '-', '_');
       UErrorCode status = U_ZERO_ERROR;
-      lines_.reset(ubrk_open(UBRK_LINE, locale.c_str(), nullptr, 0, &status));
-      linesLanguage_ = language;
+      lines.reset(ubrk_open(UBRK_LINE, locale.c_str(), nullptr, 0, &status));
+      linesLanguage = language;
     }
-    return lines_.get();
+    return lines.get();
   }
 
-  BidiHandle bidi;
+  Handle<UBiDi, ubidi_close> bidi;
   BreakHandle characters;
-
- private:
-  BreakHandle lines_;
-  std::string linesLanguage_;
+  BreakHandle lines;
+  std::string linesLanguage;
 };
 
 Itemizer::Itemizer(FontBook& fonts) : fonts_(fonts) {}
@@ -190,82 +248,39 @@ Itemizer::Items Itemizer::itemize(
     std::size_t end,
     const TextStyle& style,
     std::optional<bool> rightToLeft) {
-  if (!tools_) {
-    tools_ = std::make_unique<Tools>();
+  if (!impl_) {
+    impl_ = std::make_unique<Impl>();
   }
-  const WideText wide = widened(text, begin, end);
-  const auto length = static_cast<int32_t>(wide.units.size());
-
+  const std::string_view piece = text.substr(begin, end - begin);
   UBiDiLevel paragraph = style.rightToLeft ? UBIDI_DEFAULT_RTL : UBIDI_DEFAULT_LTR;
   if (rightToLeft) {
     paragraph = *rightToLeft ? 1 : 0;
   }
+  const auto utf16 =
+      icu::UnicodeString::fromUTF8({piece.data(), static_cast<int32_t>(piece.size())});
+  UBiDi* bidi = impl_->bidi.get();
   UErrorCode status = U_ZERO_ERROR;
-  ubidi_setPara(tools_->bidi.get(), wide.units.data(), length, paragraph, nullptr, &status);
-  const UBiDiLevel* levels = ubidi_getLevels(tools_->bidi.get(), &status);
-
-  Items items;
-  items.rightToLeft = ubidi_getParaLevel(tools_->bidi.get()) % 2 != 0;
-  UBreakIterator* clusters = tools_->characters.get();
-  ubrk_setText(clusters, wide.units.data(), length, &status);
-  if (U_FAILURE(status) != 0) {
-    return {{{.begin = begin, .end = end, .font = fonts_.system(style.weight)}}, false};
+  ubidi_setPara(bidi, utf16.getBuffer(), utf16.length(), paragraph, nullptr, &status);
+  const std::vector<std::size_t> clusterEnds = boundaries(impl_->characters.get(), piece);
+  if (U_FAILURE(status) != 0 || clusterEnds.empty()) {
+    return {{{.begin = begin, .end = end, .font = FontBook::system(style.weight)}}, false};
   }
 
-  const std::string_view piece = text.substr(begin, end - begin);
-  FontChooser chooser(fonts_, style, languageOf(piece, style.language));
-  std::optional<Script> script;
-  std::size_t unsettled = 0;  // stretches at the front that wait for a script
-  std::u32string cluster;
-  for (int32_t from = 0, to = ubrk_next(clusters); to != UBRK_DONE;
-       from = to, to = ubrk_next(clusters)) {
-    const std::size_t clusterBegin = wide.places[static_cast<std::size_t>(from)];
-    const std::size_t clusterEnd = wide.places[static_cast<std::size_t>(to)];
-    cluster.clear();
-    for (std::size_t at = clusterBegin; at < clusterEnd;) {
-      cluster += nextCharacter(text, at);
-    }
-    if (const auto own = ownScript(cluster)) {
-      for (; !script && unsettled > 0; --unsettled) {
-        items.stretches[unsettled - 1].script = *own;
-      }
-      script = own;
-    }
-    const Stretch stretch{
-        .begin = clusterBegin,
-        .end = clusterEnd,
-        .font = chooser.choose(cluster, script.value_or(latinScript)),
-        .level = levels[from],
-        .script = script.value_or(latinScript)};
-    Stretch* last = items.stretches.empty() ? nullptr : &items.stretches.back();
-    if (last != nullptr && last->font == stretch.font && last->level == stretch.level &&
-        last->script == stretch.script) {
-      last->end = clusterEnd;
-    } else {
-      items.stretches.push_back(stretch);
-      unsettled += script ? 0 : 1;
-    }
+  const std::vector<ScriptRun> scripts = scriptRuns(piece, clusterEnds);
+  const std::vector<FontRun> fonts = fontRuns(piece, clusterEnds, scripts, style, fonts_);
+  Items items{merged(scripts, fonts, levelRuns(piece, bidi)), ubidi_getParaLevel(bidi) % 2 != 0};
+  for (TextRun& run : items.runs) {
+    run.begin += begin;
+    run.end += begin;
   }
   return items;
 }
 
 std::vector<std::size_t> Itemizer::lineBreaks(std::string_view text, const std::string& language) {
-  if (!tools_) {
-    tools_ = std::make_unique<Tools>();
+  if (!impl_) {
+    impl_ = std::make_unique<Impl>();
   }
-  std::vector<std::size_t> breaks;
-  UBreakIterator* lines = tools_->lines(language);
-  UErrorCode status = U_ZERO_ERROR;
-  UText utf8 = UTEXT_INITIALIZER;
-  utext_openUTF8(&utf8, text.data(), static_cast<int64_t>(text.size()), &status);
-  ubrk_setUText(lines, &utf8, &status);
-  if (U_SUCCESS(status) != 0) {
-    for (int32_t place = ubrk_next(lines); place != UBRK_DONE; place = ubrk_next(lines)) {
-      breaks.push_back(static_cast<std::size_t>(place));
-    }
-  }
-  utext_close(&utf8);
-  return breaks;
+  return boundaries(impl_->linesIn(language), text);
 }
 
 }  // namespace quillpad::drawing

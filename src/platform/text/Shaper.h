@@ -1,8 +1,7 @@
-// Glyphs for a stretch of text that has one font, one script and one direction. Keeps its buffer
-// from call to call. Belongs to the thread of its FontBook.
+// Glyphs for a run of text that has one font, one script and one direction. Keeps its buffer from
+// call to call. Belongs to the thread of its FontBook.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
@@ -10,27 +9,20 @@
 #include <vector>
 
 #include "platform/text/FontBook.h"
+#include "platform/text/ShapedText.h"
 
 struct hb_buffer_t;
 
 namespace quillpad::drawing {
 
-// Lengths are parts of the font size, y upwards; `text` is where the glyph's characters begin.
-struct ShapedGlyph {
-  std::uint32_t id = 0;
-  std::uint32_t text = 0;
-  float advance = 0;
-  float xOffset = 0;
-  float yOffset = 0;
-};
-
-// A stretch of a text, in bytes.
-struct Stretch {
+// Characters of a text, in bytes, that can be shaped at once.
+struct TextRun {
   std::size_t begin = 0;
   std::size_t end = 0;
   FontId font = 0;
   std::uint8_t level = 0;  // of bidirectional embedding: odd is right to left
-  Script script = latinScript;
+  Script script = 0;
+  friend bool operator==(const TextRun&, const TextRun&) = default;
 };
 
 class Shaper {
@@ -42,10 +34,11 @@ class Shaper {
 
   FontBook& fonts() { return fonts_; }
 
-  // The stretch's glyphs from left to right, good until the next call. Neighbouring characters of
-  // the text shape the ends.
+  // The run's glyphs from left to right, good until the next call. Neighbouring characters of the
+  // text shape its ends. In the system font each character keeps its own look, "->" above all; the
+  // forms that scripts need and kerning apply in every font.
   std::span<const ShapedGlyph> shape(
-      std::string_view text, const Stretch& stretch, const std::string& language);
+      std::string_view text, const TextRun& run, const std::string& language);
 
  private:
   FontBook& fonts_;

@@ -12,7 +12,8 @@
 #include "platform/text/FontBook.h"
 #include "platform/text/Geometry.h"
 #include "platform/text/GlyphRun.h"
-#include "platform/text/ShapedText.h"
+#include "platform/text/LazyText.h"
+#include "platform/text/Lines.h"
 #include "platform/ui/View.h"
 
 namespace quillpad::drawing {
@@ -20,7 +21,7 @@ namespace quillpad::drawing {
 // What the place where a text stands adds to it.
 struct TextPlace {
   std::string language{};    // for example "en" or "zh-Hans"
-  bool rightToLeft = false;  // the direction of texts that have none of their own
+  bool rightToLeft = false;  // where lines start, and the direction of texts that have none
   double scale = 2;          // device pixels per point
 };
 
@@ -35,7 +36,8 @@ class TextEngine {
   Size measure(const ui::Text& text, const TextPlace& place, Size proposed);
 
   // What is shown of the text in a frame of the size that was measured for it, and its glyphs.
-  // Lines start at the edge where reading begins; baselines are whole device pixels.
+  // Lines start at the left edge, or at the right one where the place reads from right to left,
+  // whatever the text's own direction; baselines are whole device pixels.
   struct Setting {
     std::string text;
     std::vector<GlyphRun> runs;
@@ -43,25 +45,18 @@ class TextEngine {
   Setting set(const ui::Text& text, const TextPlace& place, Rect frame);
 
  private:
-  // Clusters of a text, without the space that hangs over the line's end.
-  struct Line {
-    std::size_t begin = 0;
-    std::size_t end = 0;
-    double width = 0;
-    bool endsInEllipsis = false;
-  };
-
   // Good until the next call.
-  ShapedText& shaped(const ui::Text& text, const TextPlace& place);
+  LazyText& shaped(const ui::Text& text, const TextPlace& place);
   // The lines that fit, into lines_.
-  void breakLines(ShapedText& text, double size, Size proposed);
-  Line cutWithEllipsis(ShapedText& text, double size, double width, std::size_t begin);
-  ShapedText& ellipsis(ui::Weight weight);
+  void breakLines(LazyText& text, double size, Size proposed);
+  Line nextLine(LazyText& text, std::size_t begin, double limit);
+  const ShapedText& sign(Line::Sign sign, ui::Weight weight);
+  double signWidth(Line::Sign which, ui::Weight weight);
 
   TextTools tools_;
   std::vector<Line> lines_;
 
-  std::array<std::unique_ptr<ShapedText>, 3> ellipses_;  // by weight
+  std::array<std::array<std::unique_ptr<LazyText>, 3>, 3> signs_;  // by weight
 
   // Two generations: a text that was not asked for while the younger one filled up goes.
   struct Key {
@@ -72,10 +67,10 @@ class TextEngine {
   struct KeyHash {
     std::size_t operator()(const Key& key) const;
   };
-  using Generation = std::unordered_map<Key, std::unique_ptr<ShapedText>, KeyHash>;
+  using Generation = std::unordered_map<Key, std::unique_ptr<LazyText>, KeyHash>;
   Generation young_, old_;
   std::size_t youngFootprint_ = 0;
-  const ShapedText* newest_ = nullptr;  // not yet part of the footprint, as it is still shaped on
+  const LazyText* newest_ = nullptr;  // not yet part of the footprint, as it is still shaped on
 };
 
 }  // namespace quillpad::drawing

@@ -1,0 +1,189 @@
+// Lines over made-up texts, in which each character is one cluster and one glyph.
+#include <cctype>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <ranges>
+#include <string>
+#include <vector>
+
+#include "platform/text/Lines.h"
+
+namespace quillpad::drawing {
+namespace {
+
+using ::testing::ElementsAreArray;
+
+constexpr double unbound = std::numeric_limits<double>::infinity();
+
+// Characters are one wide; "~" is a soft hyphen, "|" ends a line, lines may break behind "-" too.
+std::vector<Cluster> clustersOf(std::string_view text) {
+  std::vector<Cluster> clusters;
+  for (const char character : text) {
+    const auto at = static_cast<std::uint32_t>(clusters.size());
+    Cluster cluster{
+        .textBegin = at, .textEnd = at + 1, .firstGlyph = at, .glyphCount = 1, .advance = 1};
+    switch (character) {
+      case ' ':
+        cluster.isSpace = true;
+        cluster.breakAfter = Break::allowed;
+        break;
+      case '-':
+        cluster.breakAfter = Break::allowed;
+        break;
+      case '~':
+        cluster.advance = 0;
+        cluster.breakAfter = Break::hyphen;
+        break;
+      case '|':
+        cluster.advance = 0;
+        cluster.breakAfter = Break::required;
+        break;
+      default:
+        break;
+    }
+    clusters.push_back(cluster);
+  }
+  return clusters;
+}
+
+std::string shown(std::string_view text, const Line& line) {
+  std::string result(text.substr(line.begin, line.end - line.begin));
+  return result + (line.sign == Line::Sign::hyphen     ? "="
+                   : line.sign == Line::Sign::ellipsis ? "…"
+                                                       : "");
+}
+
+TEST(Lines, BreakAtTheLastPlaceThatFits) {
+  struct Case {
+    const char* text;
+    double limit;
+    std::vector<std::string> lines;
+  };
+  const Case cases[] = {
+      {"one two three", unbound, {"one two three"}},
+      {"one two three", 13, {"one two three"}},
+      {"one two three", 12, {"one two", "three"}},
+      {"one two three", 7, {"one two", "three"}},
+      {"one two three", 6, {"one", "two", "three"}},
+      {"one two three", 4, {"one", "two", "thre", "e"}},
+      {"one two three", 0, {"o", "n", "e", "t", "w", "o", "t", "h", "r", "e", "e"}},
+      {"one   two", 3, {"one", "two"}},  // spaces hang over the end
+      {"  one two", 4, {"", "one", "two"}},
+      {"   ", 1, {""}},
+      {"one|two", 9, {"one", "two"}},
+      {"one||two|", 9, {"one", "", "two"}},
+      {"three-four", 7, {"three-", "four"}},
+      {"auto~mobile", 11, {"auto~mobile"}},
+      {"auto~mobile", 9, {"auto~=", "mobile"}},
+      {"auto~mobile", 5, {"auto~=", "mobil", "e"}},
+      {"auto~mobile", 4, {"auto~", "mobi", "le"}},  // no room for the hyphen: cut, not hyphenated
+      {"a~b~c~d", 3, {"a~b~=", "c~d"}},
+      {"a b~cd", 2, {"a", "b~=", "cd"}},
+      {"auto~ mobile", 6, {"auto~", "mobile"}},
+  };
+  for (const Case& one : cases) {
+    const std::vector<Cluster> clusters = clustersOf(one.text);
+    std::vector<std::string> lines;
+    for (std::size_t begin = 0; begin < clusters.size();) {
+      const Line line = breakLine(clusters, begin, one.limit, 1);
+      EXPECT_LE(line.width, std::max(one.limit, 1.0)) << one.text;
+      lines.push_back(shown(one.text, line));
+      begin = line.next;
+    }
+    EXPECT_THAT(lines, ElementsAreArray(one.lines)) << one.text << " " << one.limit;
+  }
+}
+
+TEST(Lines, AreTruncatedWithinTheLimit) {
+  struct Case {
+    const char* text;
+    double limit;
+    const char* shown;
+    double width;
+  };
+  const Case cases[] = {
+      {"one two three", 9, "one two…", 9},
+      {"one two three", 6, "one…", 5},
+      {"one two three", 3, "o…", 3},
+      {"one two three", 2, "…", 2},
+      {"one two three", 1, "", 0},
+      {"one|two", 9, "one…", 5},
+      {"|two", 9, "…", 2},
+  };
+  for (const Case& one : cases) {
+    const Line line = truncateLine(clustersOf(one.text), 0, one.limit, 2);
+    EXPECT_EQ(shown(one.text, line), one.shown) << one.limit;
+    EXPECT_EQ(line.width, one.width) << one.text << one.limit;
+  }
+}
+
+// Capital letters run from right to left, one level above the paragraph; in such a paragraph, small
+// letters and figures are a level higher.
+ShapedText bidirectional(std::string_view text, bool paragraphRightToLeft) {
+  ShapedText shaped{
+      .text = std::string(text), .clusters = clustersOf(text), .runs = {}, .glyphs = {}};
+  std::vector<std::uint8_t> levels;
+  for (const char character : text) {
+    const bool isCapital = std::isupper(character) != 0;
+    const bool isNeutral = character == ' ';
+    levels.push_back(paragraphRightToLeft ? (isCapital || isNeutral ? 1 : 2) : (isCapital ? 1 : 0));
+  }
+  for (std::uint32_t begin = 0; begin < text.size();) {
+    std::uint32_t end = begin;
+    while (end < text.size() && levels[end] == levels[begin]) {
+      ++end;
+    }
+    for (std::uint32_t i = begin; i < end; ++i) {
+      const std::uint32_t source = levels[begin] % 2 == 0 ? i : begin + end - 1 - i;
+      shaped.glyphs.push_back({.id = static_cast<std::uint32_t>(text[source]), .text = source});
+      shaped.clusters[source].firstGlyph = i;
+      shaped.clusters[i].run = static_cast<std::uint32_t>(shaped.runs.size());
+    }
+    shaped.runs.push_back({.level = levels[begin], .paragraphRightToLeft = paragraphRightToLeft});
+    begin = end;
+  }
+  return shaped;
+}
+
+TEST(Lines, StandFromLeftToRight) {
+  struct Case {
+    const char* text;
+    bool paragraphRightToLeft;
+    std::size_t begin, end;
+    Line::Sign sign;
+    const char* fromLeft;
+  };
+  using enum Line::Sign;
+  const Case cases[] = {
+      {"ab CDE fg", false, 0, 9, none, "ab EDC fg"},
+      {"ab CDE fg", false, 0, 5, none, "ab DC"},  // the run goes on in the next line
+      {"ab CDE fg", false, 5, 9, none, "E fg"},
+      {"ab CDE fg", false, 4, 6, none, "ED"},
+      {"ab CDE fg", false, 1, 4, ellipsis, "b C."},
+      {"ab CDE", false, 0, 6, ellipsis, "ab EDC."},
+      {"CDE", false, 0, 3, hyphen, ".EDC"},
+      {"CD ab 12 EF", true, 0, 11, none, "FE 12 ab DC"},
+      {"CD ab 12 EF", true, 0, 4, none, "a DC"},
+      {"CD ab 12 EF", true, 4, 10, none, "E 12 b"},
+      {"CD ab", true, 0, 5, ellipsis, ".ab DC"},
+      {"CD ab", true, 0, 5, hyphen, "ab. DC"},
+      {"CD ab", true, 3, 3, ellipsis, "."},
+      {"CD ab", true, 3, 3, none, ""},
+  };
+  const ShapedText sign{.text = ".", .clusters = clustersOf("."), .runs = {{}}, .glyphs = {{'.'}}};
+  for (const Case& one : cases) {
+    const ShapedText text = bidirectional(one.text, one.paragraphRightToLeft);
+    const Line line{.begin = one.begin, .end = one.end, .next = one.end, .sign = one.sign};
+    std::string fromLeft;
+    for (const LinePart& part : partsFromLeft(text, line, sign)) {
+      for (const ShapedGlyph& glyph : part.glyphs) {
+        fromLeft += static_cast<char>(glyph.id);
+      }
+    }
+    EXPECT_EQ(fromLeft, one.fromLeft) << one.text << " " << one.begin << " to " << one.end;
+  }
+}
+
+}  // namespace
+}  // namespace quillpad::drawing
