@@ -19,7 +19,7 @@ void getRecords(const ListFilter& filter, ListSource source, FetchCallback<Array
   if (!businessId) {
     return;
   }
-  // Each bound takes the year of its own moment: at midnight of New Year they may be two.
+  // Each bound reads the clock for itself: at midnight of New Year the years may differ.
   const std::string startTime = SortTool::startTimeWithYear(currentYearText());
   const std::string endTime = SortTool::endTImeWithYear(currentYearText());
   const Dictionary body{

@@ -31,7 +31,7 @@ using FetchCallback = std::move_only_function<void(FetchResult<T>)>;
 // where the identifier or the token is empty; an absent one ends the process.
 std::optional<std::string> checkedBusinessId();
 
-// The present moment as "2026-03-07 09:05:03" in local time, the same in every locale.
+// Now as "2026-03-07 09:05:03" in local time, the same in every locale.
 std::string currentTimeString();
 
 // The object that the text describes as JSON, empty where the text is not JSON. JSON of any other

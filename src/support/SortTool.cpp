@@ -137,7 +137,7 @@ std::string SortTool::endTImeWithYear(std::optional<std::string_view> year) {
   if (year && !year->empty() && *year != allTaxYear) {
     baseYear = integerValue(*year);
   }
-  // Unsigned, so that the year after the largest number wraps around instead of being undefined.
+  // Unsigned, so that the year after the maximum wraps around instead of being undefined.
   const auto nextYear = static_cast<std::int64_t>(static_cast<std::uint64_t>(baseYear) + 1);
   return startOf(std::to_string(nextYear));
 }

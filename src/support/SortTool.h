@@ -20,16 +20,16 @@ class SortTool {
   // "All Tax Year" and every year from 2020 to the current one.
   static std::vector<std::string> sortYears();
 
-  // The first moment of the year, which is put in as it stands, even if it is empty or no year at
-  // all. "All Tax Year" and an absent year begin in 2020.
+  // The start of the year, whose text is taken unchecked, even if it is empty. "All Tax Year" and
+  // an absent year start in 2020.
   static std::string startTimeWithYear(std::optional<std::string_view> year);
 
-  // The first moment after the year, which is read as the whole number that it begins with. "All
+  // The start of the following year; the year is the integer that the text begins with, or 0. "All
   // Tax Year", an empty and an absent year end with the current one.
   static std::string endTImeWithYear(std::optional<std::string_view> year);
 
   // For each document list the titles of its sort choices, the keys that the gateway sorts by, and
-  // the directions ("asc", "desc"); what stands at one position belongs together.
+  // the directions ("asc", "desc"), in the same order.
   static Texts totalUnpaidSortingRules();
   static Texts totalUnpaidSort();
   static Texts totalUnpaidSortType();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "host/Providers.h"
 #include "host/Widgets.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"
@@ -127,6 +128,22 @@ TEST_F(ProvidersTest, MakeATimelineOfZerosOrTheSampleAfterATransportError) {
     EXPECT_EQ(json(timeline->entries[0]), entryText(now, expectedFallback(widget)));
     EXPECT_EQ(iso8601(timeline->reloadAfter), fiveMinutesLater);
   }
+}
+
+// The callback of a fetch that is not answered yet.
+FetchCallback<Sales> unanswered;
+void fetchLater(FetchCallback<Sales> callback) { unanswered = std::move(callback); }
+
+TEST_F(ProvidersTest, DateTheEntryByTheRequestNotByTheAnswer) {
+  std::optional<widgets::Timeline<SalesSmallEntry>> timeline;
+  FetchingProvider<SalesSmallEntry, fetchLater, zeroSummary>().getTimeline(
+      {}, {[&](auto delivered) { timeline = std::move(delivered); }, nullptr});
+  EXPECT_FALSE(timeline);
+  const HeldClock later(dateFromIso8601("2026-03-07T09:06:00.000Z").value());
+  unanswered(Sales{"1", "2", "3"});
+  ASSERT_TRUE(timeline);
+  EXPECT_EQ(iso8601(timeline->entries.at(0).date), now);
+  EXPECT_EQ(iso8601(timeline->policy.date()), fiveMinutesLater);
 }
 
 TEST_F(ProvidersTest, ShowAnEmptyListAsEmpty) {
