@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "fixtures/ScopedVariable.h"
+#include "platform/foundation/Locale.h"
 #include "platform/locale/NumberFormatter.h"
 
 namespace quillpad {
@@ -70,6 +71,15 @@ TEST(NumberFormatter, TakesDigitsAndSeparatorsOfTheLocaleAndOneMinusSign) {
     const fixtures::ScopedVariable all("LC_ALL", locale);
     EXPECT_EQ(amount(-1234.5), text) << locale;
   }
+}
+
+TEST(NumberFormatter, FollowsTheLocaleOfNumbersAndThatOfAScope) {
+  const fixtures::ScopedVariable all("LC_ALL", std::nullopt);
+  const fixtures::ScopedVariable messages("LC_MESSAGES", "ar_EG");
+  const fixtures::ScopedVariable numbers("LC_NUMERIC", "de_DE");
+  EXPECT_EQ(amount(1234.5), "1.234,5");
+  const ScopedLocale scope("hi_IN");
+  EXPECT_EQ(amount(1234.5), "1,234.5");
 }
 
 TEST(NumberFormatter, KeepsAnIntegerDigitThatThePatternNamesAndRefusesABadPattern) {
