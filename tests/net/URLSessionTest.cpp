@@ -93,7 +93,7 @@ Result fetch(const std::string& address) { return fetch(requestFor(address)); }
 class URLSessionTest : public testing::Test {
  protected:
   void TearDown() override {
-    URLSession::shared().setIdleTimeout(60s);
+    URLSession::shared().setTimeouts({});
     URLSession::shared().watchTransfers({});
   }
 
@@ -125,6 +125,56 @@ TEST_F(URLSessionTest, PostsTheBodyAndItsFields) {
   EXPECT_EQ(got.headerCount("Injected"), 0);
   EXPECT_EQ(got.headerCount("Expect"), 0);
   EXPECT_EQ(got.headerCount("Cookie"), 0);
+}
+
+TEST_F(URLSessionTest, FieldsOfTheSessionItselfAreNotTheCallers) {
+  const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
+  const std::vector<std::string> reserved = {
+      "Connection",
+      "Expect",
+      "Host",
+      "proxy-authenticate",
+      "Proxy-Authorization",
+      "TRANSFER-ENCODING",
+      "WWW-Authenticate"};
+  URLRequest request = postFor(server.address("/"), "{}");
+  for (const std::string& field : reserved) {
+    request.setValue("chunked", field);
+  }
+  EXPECT_EQ(fetch(std::move(request)).status(), 200);
+  const HttpsServer::Request got = server.requests().at(0);
+  for (const std::string& field : reserved) {
+    EXPECT_NE(got.header(field), "chunked") << field;
+  }
+  EXPECT_EQ(got.headerCount("Host"), 1);
+  EXPECT_EQ(got.body, "{}");
+}
+
+// In a process of its own, as the language is that of the process.
+TEST_F(URLSessionTest, AcceptsTheLanguageOfTheLocale) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const struct {
+    const char* locale;
+    const char* accepted;
+  } cases[] = {
+      {"de_DE.UTF-8", "de-DE, de;q=0.9"},
+      {"ja", "ja"},
+      {"zh_Hans_CN", "zh-Hans-CN, zh;q=0.9"},
+      {"en_US_POSIX", "en-US, en;q=0.9"},
+  };
+  for (const auto& [locale, accepted] : cases) {
+    const ScopedVariable variable("LC_ALL", locale);
+    EXPECT_EXIT(
+        {
+          const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
+          const ScopedVariable trust("SSL_CERT_FILE", HttpsServer::authorityFile());
+          fetch(server.address("/"));
+          std::fputs(server.requests().at(0).header("Accept-Language")->c_str(), stderr);
+          std::_Exit(0);
+        },
+        testing::ExitedWithCode(0),
+        "^" + std::string(accepted) + "$");
+  }
 }
 
 TEST_F(URLSessionTest, WrongContentLengthOfTheCallerIsNotBelieved) {
@@ -357,16 +407,46 @@ TEST_F(URLSessionTest, AnswersThatAreNotHttp) {
   }
 }
 
-TEST_F(URLSessionTest, EndlessBodyIsAnError) {
-  const HttpsServer server([](auto&, auto& exchange) {
-    exchange.send("HTTP/1.1 200 OK\r\n\r\n");
-    const std::string piece(std::size_t{1} << 20, 'x');
-    while (exchange.send(piece)) {
+// 258 zeros for every 13 bits, in a gzip member without an end.
+std::string zippedZeros(std::size_t count) {
+  std::string bits =
+      "110"
+      "00110000";  // a block with the fixed code, and the first zero
+  for (std::size_t i = 0; i < count; i += 258) {
+    bits +=
+        "11000101"
+        "00000";  // the byte before, 258 times
+  }
+  std::string bytes("\x1f\x8b\x08\0\0\0\0\0\0\x03", 10);
+  for (std::size_t i = 0; i + 8 <= bits.size(); i += 8) {
+    unsigned byte = 0;
+    for (std::size_t bit = 0; bit < 8; ++bit) {
+      byte |= unsigned{bits[i + bit] == '1'} << bit;
+    }
+    bytes += static_cast<char>(byte);
+  }
+  return bytes;
+}
+
+TEST_F(URLSessionTest, BodiesHaveALimit) {
+  constexpr std::size_t limit = std::size_t{8} << 20;
+  const HttpsServer server([](auto& request, auto& exchange) {
+    if (request.path == "/endless") {
+      exchange.send("HTTP/1.1 200 OK\r\n\r\n");
+      while (exchange.send(std::string(std::size_t{1} << 20, 'x'))) {
+      }
+    } else if (request.path == "/zipped") {
+      exchange.respond(200, zippedZeros(2 * limit), {{"Content-Encoding", "gzip"}});
+    } else {
+      exchange.respond(200, std::string(limit, 'x'));
     }
   });
-  const Result result = fetch(server.address("/"));
-  EXPECT_EQ(result.errorCode(), -1103);
-  EXPECT_EQ(result.data, std::nullopt);
+  for (const char* path : {"/endless", "/zipped"}) {
+    const Result result = fetch(server.address(path));
+    EXPECT_EQ(result.errorCode(), -1103) << path;
+    EXPECT_EQ(result.data, std::nullopt) << path;
+  }
+  EXPECT_EQ(fetch(server.address("/full")).data.value_or("").size(), limit);
 }
 
 TEST_F(URLSessionTest, CertificatesAreVerified) {
@@ -412,7 +492,7 @@ TEST_F(URLSessionTest, StandingStillIsATimeout) {
     exchange.hold();
   });
   const SilentPort silent(true);
-  URLSession::shared().setIdleTimeout(150ms);
+  URLSession::shared().setTimeouts({.idle = 150ms});
   for (const std::string& stalled :
        {server.address("/before-head"),
         server.address("/in-body"),
@@ -431,8 +511,21 @@ TEST_F(URLSessionTest, SlowProgressIsNoTimeout) {
       exchange.send("x");
     }
   });
-  URLSession::shared().setIdleTimeout(800ms);
+  URLSession::shared().setTimeouts({.idle = 800ms});
   EXPECT_EQ(fetch(server.address("/")).data, "xxxxxxxxxxxx");
+}
+
+TEST_F(URLSessionTest, SlowProgressEndsInTime) {
+  const HttpsServer server([](auto&, auto& exchange) {
+    exchange.send("HTTP/1.1 200 OK\r\n\r\n");
+    while (exchange.send("x")) {
+      exchange.pause(20ms);
+    }
+  });
+  URLSession::shared().setTimeouts({.idle = 10s, .whole = 300ms});
+  const Result result = fetch(server.address("/"));
+  EXPECT_EQ(result.errorCode(), -1001);
+  EXPECT_EQ(result.data, std::nullopt);
 }
 
 TEST_F(URLSessionTest, RedirectsKeepOrDropTheBodyAndNeverCarryTheToken) {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdlib>
+#include <memory>
 #include <openssl/err.h>
 #include <openssl/ssl.h>
 #include <string_view>
@@ -16,35 +16,41 @@
 namespace quillpad {
 namespace {
 
-constexpr std::chrono::hours resourceTimeout{7 * 24};
-constexpr int maximumRedirects = 20;
-constexpr std::size_t maximumHeaderBytes = std::size_t{256} << 10;
-constexpr std::size_t maximumBodyBytes = std::size_t{256} << 20;
+constexpr int maxRedirects = 20;
+constexpr std::size_t maxHeaderBytes = std::size_t{256} << 10;
+// What is not taken of an answer could not be passed on either: the home screen takes lines of
+// 8 MiB.
+constexpr std::size_t maxBodyBytes = std::size_t{8} << 20;
 
-std::string lowercase(std::string_view text) {
-  std::string lower(text);
-  std::ranges::transform(
-      lower, lower.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return lower;
-}
+struct FreeURL {
+  void operator()(CURLU* url) const { curl_url_cleanup(url); }
+};
 
-std::string_view withoutScheme(std::string_view address) {
-  const std::size_t slashes = address.find("//");
-  return slashes == address.npos ? address : address.substr(slashes + 2);
-}
-
-std::string pathOf(std::string_view address) {
-  const std::string_view rest = withoutScheme(address);
-  const std::size_t begin = rest.find('/');
-  if (begin == rest.npos) {
-    return "/";
+// A part of the address as libcurl reads it; empty where it cannot be read.
+std::string partOf(const std::string& address, CURLUPart part) {
+  const std::unique_ptr<CURLU, FreeURL> url(curl_url());
+  char* text = nullptr;
+  if (curl_url_set(url.get(), CURLUPART_URL, address.c_str(), CURLU_NON_SUPPORT_SCHEME) !=
+          CURLUE_OK ||
+      curl_url_get(url.get(), part, &text, CURLU_DEFAULT_PORT) != CURLUE_OK) {
+    return {};
   }
-  return std::string(rest.substr(begin, rest.find_first_of("?#", begin) - begin));
+  std::string copy = text;
+  curl_free(text);
+  return copy;
+}
+
+// Why an address of this scheme may not be asked, if so.
+std::optional<TransportErrorCode> refusalOf(const std::string& scheme) {
+  if (curl_strequal(scheme.c_str(), "https") != 0) {
+    return {};
+  }
+  return curl_strequal(scheme.c_str(), "http") != 0 ? secureConnectionRequired : unsupportedURL;
 }
 
 // Fields that the session writes itself, or that would change how the message is framed.
-bool isReserved(const std::string& lowercaseField) {
-  static constexpr std::array<std::string_view, 7> reserved = {
+bool isReserved(const std::string& field) {
+  static constexpr std::array reserved = {
       "connection",
       "expect",
       "host",
@@ -52,7 +58,8 @@ bool isReserved(const std::string& lowercaseField) {
       "proxy-authorization",
       "transfer-encoding",
       "www-authenticate"};
-  return std::ranges::find(reserved, lowercaseField) != reserved.end();
+  return std::ranges::any_of(
+      reserved, [&](const char* name) { return curl_strequal(name, field.c_str()) != 0; });
 }
 
 std::string_view trimmed(std::string_view text) {
@@ -116,26 +123,21 @@ TrustStore TrustStore::fromEnvironment() {
 }
 
 Transfer::Transfer(
-    URLRequest request, URLSession::Completion completion, std::chrono::milliseconds idleTimeout)
+    URLRequest request, URLSession::Completion completion, URLSession::Timeouts timeouts)
     : request_(std::move(request)),
       completion_(std::move(completion)),
       address_(request_.url.absoluteString()),
-      idleTimeout_(idleTimeout) {
+      timeouts_(timeouts) {
   report_.activity = currentActivity();
-  report_.path = pathOf(address_);
+  report_.path = partOf(address_, CURLUPART_PATH);
 }
 
 std::optional<TransportErrorCode> Transfer::refusal() const {
-  const std::string scheme = lowercase(request_.url.scheme());
-  if (scheme == "https") {
-    return {};
-  }
-  return scheme == "http" ? secureConnectionRequired : unsupportedURL;
+  return refusalOf(std::string(request_.url.scheme()));
 }
 
 std::string Transfer::authority() const {
-  const std::string_view rest = withoutScheme(address_);
-  return lowercase(rest.substr(0, rest.find_first_of("/?#")));
+  return partOf(address_, CURLUPART_HOST) + ":" + partOf(address_, CURLUPART_PORT);
 }
 
 void Transfer::prepare(CURL* handle) {
@@ -201,11 +203,10 @@ void Transfer::setHeaders(CURL* handle) {
   add(languages);
   for (const auto& [field, text] : request_.headers) {
     const std::string_view value = trimmed(text);
-    const std::string name = lowercase(field);
     // The length is sent as the sender spelled it, but only if it is the body's.
-    const bool isWrongLength =
-        name == "content-length" && value != std::to_string(request_.httpBody.size());
-    if (isReserved(name) || isWrongLength || !fitsOnOneLine(field) || !fitsOnOneLine(value)) {
+    const bool isWrongLength = curl_strequal(field.c_str(), "content-length") != 0 &&
+                               value != std::to_string(request_.httpBody.size());
+    if (isReserved(field) || isWrongLength || !fitsOnOneLine(field) || !fitsOnOneLine(value)) {
       continue;
     }
     // libcurl takes "Field:" as the wish not to send it, and "Field;" as an empty value.
@@ -217,7 +218,7 @@ void Transfer::setHeaders(CURL* handle) {
 }
 
 Transfer::Clock::time_point Transfer::deadline() const {
-  return std::min<Clock::time_point>(lastProgress_ + idleTimeout_, begin_ + resourceTimeout);
+  return std::min<Clock::time_point>(lastProgress_ + timeouts_.idle, begin_ + timeouts_.whole);
 }
 
 bool Transfer::endExchange(CURL* handle, CURLcode result) {
@@ -257,12 +258,11 @@ bool Transfer::follow(CURL* handle) {
     return false;
   }
   address_ = location;
-  const std::string scheme = lowercase(std::string_view(address_).substr(0, address_.find(':')));
-  if (scheme != "https") {
-    failure_ = scheme == "http" ? secureConnectionRequired : unsupportedURL;
+  failure_ = refusalOf(partOf(address_, CURLUPART_SCHEME));
+  if (failure_) {
     return false;
   }
-  if (++redirects_ > maximumRedirects) {
+  if (++redirects_ > maxRedirects) {
     failure_ = tooManyRedirects;
     return false;
   }
@@ -339,7 +339,7 @@ std::size_t Transfer::onHeader(
   Transfer& self = *static_cast<Transfer*>(transfer);
   self.lastProgress_ = Clock::now();
   self.headerBytes_ += size * count;
-  if (self.headerBytes_ > maximumHeaderBytes) {
+  if (self.headerBytes_ > maxHeaderBytes) {
     self.failure_ = cannotParseResponse;
     return CURL_WRITEFUNC_ERROR;
   }
@@ -348,7 +348,7 @@ std::size_t Transfer::onHeader(
 
 std::size_t Transfer::onBody(char* bytes, std::size_t size, std::size_t count, void* transfer) {
   Transfer& self = *static_cast<Transfer*>(transfer);
-  if (self.body_.size() + size * count > maximumBodyBytes) {
+  if (self.body_.size() + size * count > maxBodyBytes) {
     self.failure_ = dataLengthExceedsMaximum;
     return CURL_WRITEFUNC_ERROR;
   }

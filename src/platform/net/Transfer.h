@@ -30,8 +30,7 @@ class Transfer {
  public:
   using Clock = std::chrono::steady_clock;
 
-  Transfer(
-      URLRequest request, URLSession::Completion completion, std::chrono::milliseconds idleTimeout);
+  Transfer(URLRequest request, URLSession::Completion completion, URLSession::Timeouts timeouts);
   Transfer(const Transfer&) = delete;
   Transfer& operator=(const Transfer&) = delete;
 
@@ -87,7 +86,7 @@ class Transfer {
   TrustStore trust_ = TrustStore::fromEnvironment();
   std::unique_ptr<curl_slist, FreeList> headers_;
 
-  std::chrono::milliseconds idleTimeout_;
+  URLSession::Timeouts timeouts_;
   Clock::time_point begin_ = Clock::now();
   Clock::time_point lastProgress_ = begin_;
   curl_off_t received_ = 0;

@@ -7,9 +7,7 @@ namespace quillpad {
 namespace {
 
 bool sameField(std::string_view left, std::string_view right) {
-  return std::ranges::equal(left, right, [](unsigned char a, unsigned char b) {
-    return std::tolower(a) == std::tolower(b);
-  });
+  return left.size() == right.size() && strncasecmp(left.data(), right.data(), left.size()) == 0;
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "platform/net/URLSession.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstdlib>
 #include <curl/curl.h>
 #include <deque>
@@ -20,19 +19,19 @@ namespace quillpad {
 
 // What drives the transfers: one thread with one multi handle, started with the first transfer.
 // Finished transfers go to the serial queue. Once started it lasts as long as the process.
-class URLSession::Engine {
+class URLSession::Impl {
  public:
   using Watcher = std::function<void(const TransferReport&)>;
 
   void begin(std::unique_ptr<Transfer> transfer);
   void setWatcher(Watcher watcher);
-  void setIdleTimeout(std::chrono::milliseconds timeout) { idleTimeout_ = timeout; }
-  std::chrono::milliseconds idleTimeout() const { return idleTimeout_; }
+  void setTimeouts(Timeouts timeouts);
+  Timeouts timeouts();
 
  private:
-  // The exchanges of one host: those under way are counted, the others stand in line. libcurl has
-  // such a line too, but may forget those who stand in it.
-  struct Line {
+  // The transfers to one host and port: those under way are counted, the others wait. libcurl has
+  // such a queue too, but may forget who waits in it.
+  struct HostQueue {
     int underWay = 0;
     std::deque<std::unique_ptr<Transfer>> waiting;
   };
@@ -53,10 +52,10 @@ class URLSession::Engine {
   int untilNextDeadline() const;
 
   std::once_flag launched_;
-  std::atomic<std::chrono::milliseconds> idleTimeout_{std::chrono::seconds(60)};
   SerialQueue deliveries_;
 
-  std::mutex mutex_;  // guards the next three
+  std::mutex mutex_;  // guards the next four
+  Timeouts timeouts_;
   std::vector<std::unique_ptr<Transfer>> arrivals_;
   bool stopping_ = false;
   std::shared_ptr<const Watcher> watcher_ = std::make_shared<const Watcher>();
@@ -64,13 +63,13 @@ class URLSession::Engine {
   CURLM* multi_ = nullptr;
   CURLSH* tlsSessions_ = nullptr;
   std::thread thread_;
-  std::unordered_map<std::string, Line> lines_;  // by host and port
+  std::unordered_map<std::string, HostQueue> hosts_;  // by host and port
   std::unordered_map<CURL*, std::unique_ptr<Transfer>> running_;
   std::vector<CURL*> idleHandles_;
   Transfer::Clock::time_point nextDeadline_ = Transfer::Clock::time_point::max();
 };
 
-void URLSession::Engine::begin(std::unique_ptr<Transfer> transfer) {
+void URLSession::Impl::begin(std::unique_ptr<Transfer> transfer) {
   if (const auto refusal = transfer->refusal()) {
     transfer->fail(*refusal);
     deliver(std::move(transfer));
@@ -84,12 +83,22 @@ void URLSession::Engine::begin(std::unique_ptr<Transfer> transfer) {
   curl_multi_wakeup(multi_);
 }
 
-void URLSession::Engine::setWatcher(Watcher watcher) {
+void URLSession::Impl::setWatcher(Watcher watcher) {
   const std::lock_guard lock(mutex_);
   watcher_ = std::make_shared<const Watcher>(std::move(watcher));
 }
 
-void URLSession::Engine::launch() {
+void URLSession::Impl::setTimeouts(Timeouts timeouts) {
+  const std::lock_guard lock(mutex_);
+  timeouts_ = timeouts;
+}
+
+URLSession::Timeouts URLSession::Impl::timeouts() {
+  const std::lock_guard lock(mutex_);
+  return timeouts_;
+}
+
+void URLSession::Impl::launch() {
   curl_global_init(CURL_GLOBAL_DEFAULT);
   multi_ = curl_multi_init();
   curl_multi_setopt(multi_, CURLMOPT_PIPELINING, CURLPIPE_MULTIPLEX);
@@ -99,12 +108,12 @@ void URLSession::Engine::launch() {
   thread_ = startBackgroundThread([this] { run(); });
   // Registered after the TLS library's own, and so run before it: no transfer may move any more
   // when that takes its tables away.
-  std::atexit([] { URLSession::shared().engine_->stop(); });
+  std::atexit([] { URLSession::shared().impl_->stop(); });
 }
 
 // Transfers under way are left as they are: unfinished, their completions neither called nor
 // destroyed.
-void URLSession::Engine::stop() {
+void URLSession::Impl::stop() {
   {
     const std::lock_guard lock(mutex_);
     stopping_ = true;
@@ -114,7 +123,7 @@ void URLSession::Engine::stop() {
   deliveries_.stop();
 }
 
-void URLSession::Engine::run() {
+void URLSession::Impl::run() {
   while (true) {
     {
       const std::lock_guard lock(mutex_);
@@ -131,7 +140,7 @@ void URLSession::Engine::run() {
   }
 }
 
-void URLSession::Engine::takeArrivals() {
+void URLSession::Impl::takeArrivals() {
   std::vector<std::unique_ptr<Transfer>> arrivals;
   {
     const std::lock_guard lock(mutex_);
@@ -142,35 +151,35 @@ void URLSession::Engine::takeArrivals() {
   }
 }
 
-void URLSession::Engine::queue(std::unique_ptr<Transfer> transfer) {
+void URLSession::Impl::queue(std::unique_ptr<Transfer> transfer) {
   nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
   const std::string authority = transfer->authority();
-  lines_[authority].waiting.push_back(std::move(transfer));
+  hosts_[authority].waiting.push_back(std::move(transfer));
   advance(authority);
 }
 
-void URLSession::Engine::advance(const std::string& authority) {
-  constexpr int mostOfOneHost = 6;
-  const auto found = lines_.find(authority);
-  Line& line = found->second;
-  while (line.underWay < mostOfOneHost && !line.waiting.empty()) {
-    std::unique_ptr<Transfer> transfer = std::move(line.waiting.front());
-    line.waiting.pop_front();
-    ++line.underWay;
+void URLSession::Impl::advance(const std::string& authority) {
+  constexpr int maxPerHost = 6;
+  const auto found = hosts_.find(authority);
+  HostQueue& host = found->second;
+  while (host.underWay < maxPerHost && !host.waiting.empty()) {
+    std::unique_ptr<Transfer> transfer = std::move(host.waiting.front());
+    host.waiting.pop_front();
+    ++host.underWay;
     add(takeHandle(), std::move(transfer));
   }
-  if (line.underWay == 0) {
-    lines_.erase(found);
+  if (host.underWay == 0) {
+    hosts_.erase(found);
   }
 }
 
-void URLSession::Engine::add(CURL* handle, std::unique_ptr<Transfer> transfer) {
+void URLSession::Impl::add(CURL* handle, std::unique_ptr<Transfer> transfer) {
   transfer->prepare(handle);
   running_.emplace(handle, std::move(transfer));
   curl_multi_add_handle(multi_, handle);
 }
 
-void URLSession::Engine::end(CURL* handle, CURLcode result) {
+void URLSession::Impl::end(CURL* handle, CURLcode result) {
   curl_multi_remove_handle(multi_, handle);
   std::unique_ptr<Transfer> transfer = std::move(running_.extract(handle).mapped());
   const std::string authority = transfer->authority();
@@ -182,11 +191,11 @@ void URLSession::Engine::end(CURL* handle, CURLcode result) {
   } else {
     deliver(std::move(transfer));
   }
-  --lines_[authority].underWay;
+  --hosts_[authority].underWay;
   advance(authority);
 }
 
-void URLSession::Engine::endFinished() {
+void URLSession::Impl::endFinished() {
   int waiting = 0;
   while (const CURLMsg* message = curl_multi_info_read(multi_, &waiting)) {
     end(message->easy_handle, message->data.result);
@@ -195,7 +204,7 @@ void URLSession::Engine::endFinished() {
 
 // Progress only moves a transfer's deadline away, so the earliest one of the last look is never too
 // late for the next.
-void URLSession::Engine::endOverdue() {
+void URLSession::Impl::endOverdue() {
   const Transfer::Clock::time_point now = Transfer::Clock::now();
   if (now < nextDeadline_) {
     return;
@@ -208,17 +217,14 @@ void URLSession::Engine::endOverdue() {
     }
     return true;
   };
-  for (auto& [authority, line] : lines_) {
-    std::deque<std::unique_ptr<Transfer>> inTime;
-    for (std::unique_ptr<Transfer>& transfer : line.waiting) {
-      if (isOverdue(*transfer)) {
-        transfer->fail(timedOut);
-        deliver(std::move(transfer));
-      } else {
-        inTime.push_back(std::move(transfer));
-      }
+  for (auto& [authority, host] : hosts_) {
+    const auto late = std::ranges::stable_partition(
+        host.waiting, [&](const auto& transfer) { return !isOverdue(*transfer); });
+    for (std::unique_ptr<Transfer>& transfer : late) {
+      transfer->fail(timedOut);
+      deliver(std::move(transfer));
     }
-    line.waiting.swap(inTime);
+    host.waiting.erase(late.begin(), late.end());
   }
   std::vector<CURL*> overdue;
   for (const auto& [handle, transfer] : running_) {
@@ -231,7 +237,7 @@ void URLSession::Engine::endOverdue() {
   }
 }
 
-void URLSession::Engine::deliver(std::unique_ptr<Transfer> transfer) {
+void URLSession::Impl::deliver(std::unique_ptr<Transfer> transfer) {
   deliveries_.post([this, transfer = std::move(transfer)] {
     std::shared_ptr<const Watcher> watcher;
     {
@@ -242,7 +248,7 @@ void URLSession::Engine::deliver(std::unique_ptr<Transfer> transfer) {
   });
 }
 
-CURL* URLSession::Engine::takeHandle() {
+CURL* URLSession::Impl::takeHandle() {
   if (!idleHandles_.empty()) {
     CURL* handle = idleHandles_.back();
     idleHandles_.pop_back();
@@ -253,26 +259,26 @@ CURL* URLSession::Engine::takeHandle() {
   return handle;
 }
 
-void URLSession::Engine::keepHandle(CURL* handle) {
-  constexpr std::size_t mostKept = 8;
-  if (idleHandles_.size() < mostKept) {
+void URLSession::Impl::keepHandle(CURL* handle) {
+  constexpr std::size_t maxKept = 8;
+  if (idleHandles_.size() < maxKept) {
     idleHandles_.push_back(handle);
   } else {
     curl_easy_cleanup(handle);
   }
 }
 
-int URLSession::Engine::untilNextDeadline() const {
-  constexpr std::chrono::milliseconds longest = std::chrono::hours(1);
+int URLSession::Impl::untilNextDeadline() const {
+  constexpr std::chrono::milliseconds maxWait = std::chrono::hours(1);
   const Transfer::Clock::time_point now = Transfer::Clock::now();
-  if (nextDeadline_ - now > longest) {
-    return static_cast<int>(longest.count());
+  if (nextDeadline_ - now > maxWait) {
+    return static_cast<int>(maxWait.count());
   }
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(nextDeadline_ - now);
   return static_cast<int>(std::max(left, std::chrono::milliseconds(0)).count());
 }
 
-URLSession::URLSession() : engine_(std::make_unique<Engine>()) {}
+URLSession::URLSession() : impl_(std::make_unique<Impl>()) {}
 URLSession::~URLSession() = default;
 
 URLSession& URLSession::shared() {
@@ -286,20 +292,18 @@ URLSession::DataTask URLSession::dataTask(URLRequest request, Completion complet
 }
 
 void URLSession::watchTransfers(std::function<void(const TransferReport&)> watcher) {
-  engine_->setWatcher(std::move(watcher));
+  impl_->setWatcher(std::move(watcher));
 }
 
-void URLSession::setIdleTimeout(std::chrono::milliseconds timeout) {
-  engine_->setIdleTimeout(timeout);
-}
+void URLSession::setTimeouts(Timeouts timeouts) { impl_->setTimeouts(timeouts); }
 
 URLSession::DataTask::DataTask(URLSession& session, URLRequest request, Completion completion)
     : session_(session), request_(std::move(request)), completion_(std::move(completion)) {}
 
 void URLSession::DataTask::resume() && {
-  Engine& engine = *session_.engine_;
-  engine.begin(std::make_unique<Transfer>(
-      std::move(request_), std::move(completion_), engine.idleTimeout()));
+  Impl& impl = *session_.impl_;
+  impl.begin(
+      std::make_unique<Transfer>(std::move(request_), std::move(completion_), impl.timeouts()));
 }
 
 }  // namespace quillpad

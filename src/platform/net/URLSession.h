@@ -1,9 +1,10 @@
 // The shared URL session: asynchronous HTTPS with the phone's rules (60 s without progress is a
-// time-out, status codes are no errors, at most 20 redirects and none carries the Authorization
-// header on). No request is sent twice: one that is lost on its way is an error. One thread drives
-// all transfers; completions are called one at a time on one other thread, never on the caller's.
-// Connections and TLS sessions are kept and reused; there is no cache and no cookie is kept. All
-// operations are callable from any thread.
+// time-out, and 85 s in all, after which nobody waits for the answer any more; status codes are no
+// errors, at most 20 redirects and none carries the Authorization header on). No request is sent
+// twice: one that is lost on its way is an error. One thread drives all transfers; completions are
+// called one at a time on one other thread, never on the caller's. Connections and TLS sessions are
+// kept and reused; there is no cache and no cookie is kept. All operations are callable from any
+// thread.
 #pragma once
 
 #include <chrono>
@@ -53,9 +54,13 @@ class URLSession {
   // the task's own.
   void watchTransfers(std::function<void(const TransferReport&)> watcher);
 
-  // For tests: how long a transfer may stand still. 60 seconds unless set; holds for transfers
-  // resumed afterwards.
-  void setIdleTimeout(std::chrono::milliseconds timeout);
+  struct Timeouts {
+    std::chrono::milliseconds idle = std::chrono::seconds(60);   // without progress
+    std::chrono::milliseconds whole = std::chrono::seconds(85);  // less than a timeline may take
+  };
+
+  // For tests. Holds for transfers resumed afterwards.
+  void setTimeouts(Timeouts timeouts);
 
   URLSession(const URLSession&) = delete;
   URLSession& operator=(const URLSession&) = delete;
@@ -63,8 +68,8 @@ class URLSession {
  private:
   URLSession();
   ~URLSession();
-  class Engine;
-  std::unique_ptr<Engine> engine_;
+  class Impl;
+  std::unique_ptr<Impl> impl_;
 };
 
 }  // namespace quillpad
