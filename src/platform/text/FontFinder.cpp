@@ -7,6 +7,7 @@
 #include <tuple>
 #include <unicode/uloc.h>
 #include <unicode/uscript.h>
+#include <vector>
 
 #include "platform/text/Handle.h"
 
@@ -104,18 +105,21 @@ const FcChar8* chars(const std::string& text) {
   return reinterpret_cast<const FcChar8*>(text.c_str());
 }
 
-bool hasAll(FcPattern* font, std::u32string_view characters) {
-  FcCharSet* has = nullptr;
-  return FcPatternGetCharSet(font, FC_CHARSET, 0, &has) == FcResultMatch &&
-         std::ranges::all_of(characters, [&](char32_t character) {
-           return FcCharSetHasChar(has, character) != FcFalse;
-         });
-}
-
 bool isInColor(FcPattern* font) {
   FcBool inColor = FcFalse;
   return FcPatternGetBool(font, FC_COLOR, 0, &inColor) == FcResultMatch && inColor != FcFalse;
 }
+
+struct RankedFont {
+  FcPattern* font = nullptr;
+  FcCharSet* characters = nullptr;
+
+  bool hasAll(std::u32string_view wanted) const {
+    return std::ranges::all_of(wanted, [&](char32_t character) {
+      return FcCharSetHasChar(characters, character) != FcFalse;
+    });
+  }
+};
 
 }  // namespace
 
@@ -126,8 +130,8 @@ struct FontFinder::Impl {
     FcConfigBuildFonts(config.get());
   }
 
-  // All installed fonts, the best one for the script first.
-  FontSetHandle ranked(Script script, ui::Weight weight, const std::string& language) const {
+  // All installed fonts that may be used for the script, the best one first.
+  std::vector<RankedFont> ranked(Script script, ui::Weight weight, const std::string& language) {
     const FontRequest request = requestFor(script, language);
     const PatternHandle pattern(FcPatternCreate());
     FcPatternAddString(pattern.get(), FC_FAMILY, chars(request.family));
@@ -141,11 +145,20 @@ struct FontFinder::Impl {
     FcPatternAddBool(pattern.get(), FC_VARIABLE, FcFalse);
     FcDefaultSubstitute(pattern.get());
     FcResult result = FcResultMatch;
-    return FontSetHandle(FcFontSort(config.get(), pattern.get(), FcFalse, nullptr, &result));
+    const FontSetHandle sorted(FcFontSort(config.get(), pattern.get(), FcFalse, nullptr, &result));
+    std::vector<RankedFont> ranking;
+    for (int i = 0; sorted && i < sorted->nfont; ++i) {
+      RankedFont font{.font = sorted->fonts[i]};  // belongs to the configuration
+      if (FcPatternGetCharSet(font.font, FC_CHARSET, 0, &font.characters) == FcResultMatch &&
+          (script != USCRIPT_SYMBOLS_EMOJI || isInColor(font.font))) {
+        ranking.push_back(font);
+      }
+    }
+    return ranking;
   }
 
   ConfigHandle config;
-  std::map<std::tuple<Script, ui::Weight, std::string>, FontSetHandle> rankings;
+  std::map<std::tuple<Script, ui::Weight, std::string>, std::vector<RankedFont>> rankings;
 };
 
 FontFinder::FontFinder() = default;
@@ -159,22 +172,20 @@ std::optional<FontFile> FontFinder::find(
   if (impl_->rankings.size() == maxRankings) {
     impl_->rankings.clear();
   }
-  FontSetHandle& fonts =
+  std::vector<RankedFont>& ranking =
       impl_->rankings[{script, weight, script == USCRIPT_HAN ? language : std::string()}];
-  if (!fonts) {
-    fonts = impl_->ranked(script, weight, language);
+  if (ranking.empty()) {
+    ranking = impl_->ranked(script, weight, language);
   }
-  for (int i = 0; fonts && i < fonts->nfont; ++i) {
-    FcPattern* font = fonts->fonts[i];
-    FcChar8* path = nullptr;
-    if (hasAll(font, characters) && (script != USCRIPT_SYMBOLS_EMOJI || isInColor(font)) &&
-        FcPatternGetString(font, FC_FILE, 0, &path) == FcResultMatch) {
-      FontFile file{.path = reinterpret_cast<const char*>(path)};
-      FcPatternGetInteger(font, FC_INDEX, 0, &file.index);
-      return file;
-    }
+  const auto best = std::ranges::find_if(
+      ranking, [&](const RankedFont& font) { return font.hasAll(characters); });
+  FcChar8* path = nullptr;
+  if (best == ranking.end() || FcPatternGetString(best->font, FC_FILE, 0, &path) != FcResultMatch) {
+    return std::nullopt;
   }
-  return std::nullopt;
+  FontFile file{.path = reinterpret_cast<const char*>(path)};
+  FcPatternGetInteger(best->font, FC_INDEX, 0, &file.index);
+  return file;
 }
 
 }  // namespace quillpad::drawing
