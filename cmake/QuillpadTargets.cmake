@@ -47,11 +47,12 @@ function(quillpad_library name)
   quillpad_state_edges(${name} "${ARG_LINKS}" "${ARG_PRIVATE_LINKS}")
 endfunction()
 
-# quillpad_program(NAME SOURCES ... LINKS ...): a program in bin/.
+# quillpad_program(NAME SOURCES ... LINKS ...): a program in bin/; its own sources know the QUILLPAD_VERSION.
 function(quillpad_program name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE quillpad_options ${ARG_LINKS})
+  target_compile_definitions(${name} PRIVATE QUILLPAD_VERSION="${PROJECT_VERSION}")
   quillpad_state_edges(${name} "${ARG_LINKS}" "")
 endfunction()
 

@@ -141,12 +141,12 @@ std::filesystem::path Certificate::file(const std::filesystem::path& stateFolder
 
 std::expected<Certificate, std::string> Certificate::loadOrMake(
     const std::filesystem::path& stateFolder) {
-  constexpr std::size_t mostBytes = 65536;
+  constexpr std::size_t maxBytes = 65536;
   const std::filesystem::path keyFile = stateFolder / "key.pem";
   const std::filesystem::path certificateFile = file(stateFolder);
 
-  const auto keptKey = readWholeFile(keyFile, mostBytes);
-  const auto keptCertificate = readWholeFile(certificateFile, mostBytes);
+  const auto keptKey = readWholeFile(keyFile, maxBytes);
+  const auto keptCertificate = readWholeFile(certificateFile, maxBytes);
   if (keptKey && keptCertificate) {
     Certificate kept{.certificate = *keptCertificate, .key = *keptKey};
     if (isUsable(kept)) {

@@ -30,10 +30,10 @@ constexpr std::array<NamedDamage, 8> shapes = {{
     {"records-object", Damage::recordsObject},
 }};
 
-std::optional<int> number(std::string_view text, int least, int most) {
+std::optional<int> number(std::string_view text, int min, int max) {
   int value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || value < least || value > most) {
+  if (error != std::errc() || end != text.data() + text.size() || value < min || value > max) {
     return {};
   }
   return value;

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <expected>
+#include <gnutls/gnutls.h>
 #include <optional>
 #include <utility>
 
@@ -63,8 +64,8 @@ bool isMoment(std::string_view text) {
          });
 }
 
-// The fields of a request's body, all of them texts. The first thing that is wrong is kept as the
-// problem; reading goes on with defaults.
+// The fields of a request's body, all of them texts. The first error is kept; reading goes on with
+// defaults.
 class Fields {
  public:
   explicit Fields(const Dictionary& body) : body_(body) {}
@@ -99,13 +100,13 @@ class Fields {
     return value;
   }
 
-  std::size_t count(std::string_view key, std::size_t most) {
+  std::size_t count(std::string_view key, std::size_t max) {
     const std::string value = text(key);
     std::size_t number = 0;
     const char* end = value.data() + value.size();
     const auto result = std::from_chars(value.data(), end, number);
-    if (result.ec != std::errc() || result.ptr != end || number < 1 || number > most) {
-      fail(key, "must be a whole number from 1 to " + std::to_string(most));
+    if (result.ec != std::errc() || result.ptr != end || number < 1 || number > max) {
+      fail(key, "must be a whole number from 1 to " + std::to_string(max));
       return 1;
     }
     return number;
@@ -131,25 +132,25 @@ class Fields {
   }
 
   void fail(std::string_view key, std::string_view what) {
-    if (problem_.empty()) {
-      problem_ = "field '" + std::string(key) + "' " + std::string(what);
+    if (error_.empty()) {
+      error_ = "field '" + std::string(key) + "' " + std::string(what);
     }
   }
 
   // What is wrong with the body, a field that nobody asked for included; empty if nothing.
-  std::string problem() {
+  std::string error() {
     for (const Dictionary::Member& member : body_) {
       if (std::ranges::find(asked_, member.key) == asked_.end()) {
         fail(member.key, "is unknown here");
       }
     }
-    return problem_;
+    return error_;
   }
 
  private:
   const Dictionary& body_;
   std::vector<std::string> asked_;
-  std::string problem_;
+  std::string error_;
 };
 
 Query queryOf(Fields& fields) {
@@ -343,8 +344,8 @@ Answer Gateway::answerPost(const Request& request) {
   const std::string business = fields.text("businessId");
   const std::string currentTime = isSummary ? fields.moment("currentTime") : "";
   const Query query = isSummary ? Query{} : queryOf(fields);
-  if (const std::string problem = fields.problem(); !problem.empty()) {
-    return faulty(refuse(400, problem));
+  if (const std::string error = fields.error(); !error.empty()) {
+    return faulty(refuse(400, error));
   }
   if (business != businessId) {
     return faulty(refuse(403, "the token gives no access to this business"));
@@ -372,14 +373,10 @@ Answer Gateway::listDocuments() const {
   return {.body = jsonText(rows)};
 }
 
-// In a time that does not tell how much of the token is right.
+// In a time that does not depend on how much of the token is right.
 bool Gateway::knows(std::string_view token) const {
-  unsigned difference = token.size() == token_.size() ? 0U : 1U;
-  for (std::size_t i = 0; i < token_.size(); ++i) {
-    const char given = i < token.size() ? token[i] : '\0';
-    difference |= static_cast<unsigned char>(given ^ token_[i]);
-  }
-  return difference == 0;
+  return token.size() == token_.size() &&
+         gnutls_memcmp(token.data(), token_.data(), token_.size()) == 0;
 }
 
 }  // namespace quillpad::demo

@@ -21,9 +21,9 @@
 namespace quillpad::demo {
 namespace {
 
-constexpr std::size_t mostBodyBytes = 65536;
-constexpr unsigned mostConnections = 128;
-constexpr unsigned idleSeconds = 120;
+constexpr std::size_t maxBodyBytes = 65536;
+constexpr unsigned maxConnections = 400;
+constexpr unsigned idleSeconds = 20;
 
 // A listening socket on a loopback address, or the reason why there is none.
 std::expected<int, std::error_code> listenOn(const sockaddr* address, socklen_t length) {
@@ -79,7 +79,7 @@ std::string printable(std::string_view text) {
 }
 
 // One request as it arrives.
-struct Arrival {
+struct RequestState {
   Request request;
   std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();
 };
@@ -108,11 +108,11 @@ MHD_Response* responseFor(const Answer& answer) {
 
 }  // namespace
 
-class Server::Implementation {
+class Server::Impl {
  public:
-  explicit Implementation(Gateway& gateway) : gateway_(gateway) {}
+  explicit Impl(Gateway& gateway) : gateway_(gateway) {}
 
-  ~Implementation() {
+  ~Impl() {
     {
       const std::lock_guard lock(mutex_);
       stopping_ = true;
@@ -122,8 +122,8 @@ class Server::Implementation {
       MHD_stop_daemon(daemon);
     }
   }
-  Implementation(const Implementation&) = delete;
-  Implementation& operator=(const Implementation&) = delete;
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
 
   // Takes the listening socket over.
   bool serveOn(int socket, const Certificate& certificate) {
@@ -132,7 +132,7 @@ class Server::Implementation {
         0,
         nullptr,
         nullptr,
-        &Implementation::onRequest,
+        &Impl::onRequest,
         this,
         MHD_OPTION_LISTEN_SOCKET,
         socket,
@@ -143,11 +143,11 @@ class Server::Implementation {
         MHD_OPTION_HTTPS_PRIORITIES,
         "NORMAL:-VERS-ALL:+VERS-TLS1.3:+VERS-TLS1.2",
         MHD_OPTION_CONNECTION_LIMIT,
-        mostConnections,
+        maxConnections,
         MHD_OPTION_CONNECTION_TIMEOUT,
         idleSeconds,
         MHD_OPTION_NOTIFY_COMPLETED,
-        &Implementation::onEnd,
+        &Impl::onEnd,
         nullptr,
         MHD_OPTION_END);
     if (daemon == nullptr) {
@@ -171,10 +171,10 @@ class Server::Implementation {
       const char* upload,
       std::size_t* uploadSize,
       void** state) {
-    auto& server = *static_cast<Implementation*>(self);
-    auto* arrival = static_cast<Arrival*>(*state);
-    if (arrival == nullptr) {
-      *state = new Arrival{
+    auto& server = *static_cast<Impl*>(self);
+    auto* requestState = static_cast<RequestState*>(*state);
+    if (requestState == nullptr) {
+      *state = new RequestState{
           .request = {
               .method = method,
               .path = path,
@@ -185,26 +185,26 @@ class Server::Implementation {
     }
     if (*uploadSize > 0) {
       // One byte more than allowed is kept, to know.
-      std::string& body = arrival->request.body;
-      body.append(upload, std::min(*uploadSize, mostBodyBytes + 1 - body.size()));
+      std::string& body = requestState->request.body;
+      body.append(upload, std::min(*uploadSize, maxBodyBytes + 1 - body.size()));
       *uploadSize = 0;
       return MHD_YES;
     }
-    return server.answer(connection, *arrival);
+    return server.answer(connection, *requestState);
   }
 
   static void onEnd(
       void* /*self*/, MHD_Connection* /*connection*/, void** state, MHD_RequestTerminationCode) {
-    delete static_cast<Arrival*>(*state);
+    delete static_cast<RequestState*>(*state);
     *state = nullptr;
   }
 
-  MHD_Result answer(MHD_Connection* connection, const Arrival& arrival) {
-    Answer answer = answerTo(connection, arrival.request);
+  MHD_Result answer(MHD_Connection* connection, const RequestState& state) {
+    Answer answer = answerTo(connection, state.request);
     if (!waitFor(answer.delay)) {
       answer.delivery = Answer::Delivery::dropped;
     }
-    log(arrival, answer);
+    log(state, answer);
     if (answer.delivery == Answer::Delivery::dropped) {
       return MHD_NO;
     }
@@ -224,7 +224,7 @@ class Server::Implementation {
     if (MHD_lookup_connection_value(connection, MHD_HEADER_KIND, "Origin") != nullptr) {
       return refuse(403, "web pages have no access");
     }
-    if (request.body.size() > mostBodyBytes) {
+    if (request.body.size() > maxBodyBytes) {
       return refuse(413, "the body is too large");
     }
     return gateway_.answer(request);
@@ -242,15 +242,15 @@ class Server::Implementation {
     return !stopped_.wait_for(lock, delay, [this] { return stopping_; });
   }
 
-  void log(const Arrival& arrival, const Answer& answer) {
-    const auto passed = std::chrono::steady_clock::now() - arrival.begin;
+  void log(const RequestState& state, const Answer& answer) {
+    const auto passed = std::chrono::steady_clock::now() - state.begin;
     const std::string outcome =
         answer.delivery == Answer::Delivery::dropped ? "dropped" : std::to_string(answer.status);
     const std::lock_guard lock(mutex_);
     std::printf(
         "%s %s %s%s %zu bytes %.1f ms\n",
-        printable(arrival.request.method).c_str(),
-        printable(arrival.request.path).c_str(),
+        printable(state.request.method).c_str(),
+        printable(state.request.path).c_str(),
         outcome.c_str(),
         answer.delivery == Answer::Delivery::truncated ? " truncated" : "",
         answer.body.size(),
@@ -268,28 +268,27 @@ class Server::Implementation {
 
 std::expected<std::unique_ptr<Server>, std::string> Server::start(
     std::uint16_t port, const Certificate& certificate, Gateway& gateway) {
-  auto implementation = std::make_unique<Implementation>(gateway);
+  auto impl = std::make_unique<Impl>(gateway);
   const std::expected<int, std::error_code> socket = listenOnIpv4(port);
   if (!socket) {
     return std::unexpected(
         "Port " + std::to_string(port) + " of 127.0.0.1 cannot be listened on (" +
         socket.error().message() + "): choose another with --port, or 0 for a free one.");
   }
-  implementation->setPort(portOf(*socket));
-  if (!implementation->serveOn(*socket, certificate)) {
+  impl->setPort(portOf(*socket));
+  if (!impl->serveOn(*socket, certificate)) {
     return std::unexpected("The HTTPS server cannot be started with its certificate.");
   }
   // Where a machine has no IPv6, or something else has the port there, IPv4 does.
-  if (const auto second = listenOnIpv6(implementation->port())) {
-    implementation->serveOn(*second, certificate);
+  if (const auto second = listenOnIpv6(impl->port())) {
+    impl->serveOn(*second, certificate);
   }
-  return std::unique_ptr<Server>(new Server(std::move(implementation)));
+  return std::unique_ptr<Server>(new Server(std::move(impl)));
 }
 
-Server::Server(std::unique_ptr<Implementation> implementation)
-    : implementation_(std::move(implementation)) {}
+Server::Server(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 Server::~Server() = default;
 
-std::uint16_t Server::port() const { return implementation_->port(); }
+std::uint16_t Server::port() const { return impl_->port(); }
 
 }  // namespace quillpad::demo

@@ -1,4 +1,4 @@
-// The demo gateway's HTTPS server on the loopback addresses: one thread per connection, at most 128
+// The demo gateway's HTTPS server on the loopback addresses: one thread per connection, at most 400
 // of them, so that a delayed answer holds up nobody else. It refuses requests that name another
 // host or come from a web page, and writes one line per request to standard output.
 #pragma once
@@ -27,9 +27,9 @@ class Server {
   std::uint16_t port() const;
 
  private:
-  class Implementation;
-  explicit Server(std::unique_ptr<Implementation> implementation);
-  std::unique_ptr<Implementation> implementation_;
+  class Impl;
+  explicit Server(std::unique_ptr<Impl> impl);
+  std::unique_ptr<Impl> impl_;
 };
 
 }  // namespace quillpad::demo

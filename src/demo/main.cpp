@@ -1,19 +1,18 @@
 // quillpad-demo-gateway: a small real gateway with a made-up business, for a first run without an
 // account.
 
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
 #include <array>
-#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <expected>
 #include <fcntl.h>
 #include <filesystem>
-#include <getopt.h>
-#include <optional>
 #include <pthread.h>
 #include <string>
-#include <string_view>
 #include <sys/file.h>
 #include <sys/random.h>
 #include <unistd.h>
@@ -34,32 +33,6 @@ struct Options {
   demo::Fault fault{};
 };
 
-constexpr int cannotBeDone = 1;
-constexpr int wrongUsage = 2;
-
-void printHelp() {
-  std::printf(
-      "Usage: quillpad-demo-gateway [--port N] [--state DIR] [--fault ITEMS]\n"
-      "\n"
-      "Serves the documents of a made-up business over HTTPS on the loopback addresses.\n"
-      "\n"
-      "  --port N      the port to listen on; 0 for a free one (8443)\n"
-      "  --state DIR   where its certificate and token are kept\n"
-      "                (${XDG_STATE_HOME:-$HOME/.local/state}/quillpad/demo-gateway)\n"
-      "  --fault ITEMS answers with a fault\n"
-      "\n"
-      "Faults: %s.\n"
-      "\n"
-      "With the token in 'Authorization', POST /demo/fault takes other ITEMS as its body, and\n"
-      "GET /demo/documents lists the documents.\n",
-      std::string(demo::faultHelp()).c_str());
-}
-
-int fail(int status, const std::string& sentence) {
-  std::fprintf(stderr, "quillpad-demo-gateway: %s\n", sentence.c_str());
-  return status;
-}
-
 std::filesystem::path defaultState() {
   const char* state = std::getenv("XDG_STATE_HOME");
   const char* home = std::getenv("HOME");
@@ -70,53 +43,58 @@ std::filesystem::path defaultState() {
   return folder / "quillpad/demo-gateway";
 }
 
+constexpr int cannotBeDone = 1;
+constexpr int wrongUsage = 2;
+
+int fail(int status, const std::string& sentence) {
+  std::fprintf(stderr, "quillpad-demo-gateway: %s\n", sentence.c_str());
+  return status;
+}
+
 // The options, or the status with which to end.
 std::expected<Options, int> readOptions(int count, char** arguments) {
-  static constexpr std::array<option, 5> known = {{
-      {"port", required_argument, nullptr, 'p'},
-      {"state", required_argument, nullptr, 's'},
-      {"fault", required_argument, nullptr, 'f'},
-      {"help", no_argument, nullptr, 'h'},
-      {nullptr, 0, nullptr, 0},
-  }};
-  Options options{.state = defaultState()};
-  int chosen = 0;
-  while ((chosen = getopt_long(count, arguments, "h", known.data(), nullptr)) != -1) {
-    const std::string_view value(optarg == nullptr ? "" : optarg);
-    if (chosen == 'h') {
-      printHelp();
-      return std::unexpected(0);
-    }
-    if (chosen == 'p') {
-      const char* end = optarg + value.size();
-      const auto result = std::from_chars(optarg, end, options.port);
-      if (result.ec != std::errc() || result.ptr != end) {
-        return std::unexpected(fail(wrongUsage, "--port takes a number from 0 to 65535."));
-      }
-    } else if (chosen == 's') {
-      options.state = value;
-    } else if (chosen == 'f') {
-      auto fault = demo::Fault::parse(value);
-      if (!fault) {
-        return std::unexpected(
-            fail(wrongUsage, "--fault: " + fault.error() + "; see --help for those it knows."));
-      }
-      options.fault = *std::move(fault);
-    } else {
-      return std::unexpected(wrongUsage);
-    }
+  Options options;
+  std::string items = "off";
+  CLI::App app(
+      "Serves the documents of a made-up business over HTTPS on the loopback addresses.",
+      "quillpad-demo-gateway");
+  app.set_version_flag("--version", "quillpad-demo-gateway " QUILLPAD_VERSION);
+  app.add_option("--port", options.port, "The port to listen on; 0 for a free one")
+      ->type_name("N")
+      ->check(CLI::Range(0, 65535))
+      ->capture_default_str();
+  app.add_option("--state", options.state, "Where its certificate and token are kept")
+      ->type_name("DIR")
+      ->default_str("${XDG_STATE_HOME:-$HOME/.local/state}/quillpad/demo-gateway");
+  app.add_option("--fault", items, "Answers with a fault")->type_name("ITEMS");
+  app.footer(
+      "Faults: " + std::string(demo::faultHelp()) +
+      ".\n\nWith the token in 'Authorization', POST /demo/fault takes other ITEMS as its body, "
+      "and\n"
+      "GET /demo/documents lists the documents.");
+  try {
+    app.parse(count, arguments);
+  } catch (const CLI::Success& asked) {  // for help, or the version
+    return std::unexpected(app.exit(asked));
+  } catch (const CLI::ParseError& error) {
+    return std::unexpected(fail(wrongUsage, error.what() + std::string("; see --help.")));
   }
-  if (optind < count) {
+  auto fault = demo::Fault::parse(items);
+  if (!fault) {
     return std::unexpected(
-        fail(wrongUsage, std::string("there is no use for '") + arguments[optind] + "'."));
+        fail(wrongUsage, "--fault: " + fault.error() + "; see --help for those it knows."));
+  }
+  options.fault = *std::move(fault);
+  if (options.state.empty()) {
+    options.state = defaultState();
   }
   return options;
 }
 
 // The token kept in the file, or a new random one, written first.
 std::expected<std::string, std::string> loadOrMakeToken(const std::filesystem::path& file) {
-  constexpr std::size_t mostBytes = 4096;
-  if (const auto kept = readWholeFile(file, mostBytes); kept && kept->size() >= 32) {
+  constexpr std::size_t maxBytes = 4096;
+  if (const auto kept = readWholeFile(file, maxBytes); kept && kept->size() >= 32) {
     return *kept;
   }
   std::array<unsigned char, 24> random{};

@@ -7,9 +7,11 @@
 #include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
 #include <optional>
 #include <spawn.h>
 #include <string>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -216,6 +218,25 @@ TEST_F(DemoProgramTest, EndsAtOnceWhileAnswersWait) {
   EXPECT_NE(waiting.get().error, 0);
 }
 
+TEST_F(DemoProgramTest, AnswersWhileManyConnectionsAreIdle) {
+  const Program program({"--port", "0"});
+  const std::string origin = program.origin();
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port =
+      htons(static_cast<std::uint16_t>(std::stoi(origin.substr(origin.rfind(':') + 1))));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  std::vector<int> idle;
+  for (int i = 0; i < 200; ++i) {
+    idle.push_back(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    EXPECT_EQ(connect(idle.back(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  }
+  EXPECT_EQ(fetch("https://127.0.0.1" + origin.substr(origin.rfind(':')), "", "").status, 404);
+  for (const int connection : idle) {
+    close(connection);
+  }
+}
+
 TEST_F(DemoProgramTest, RefusesWebPagesAndLargeBodies) {
   const Program program({"--port", "0"});
   const std::string origin = program.origin();
@@ -232,7 +253,7 @@ TEST_F(DemoProgramTest, RefusesWebPagesAndLargeBodies) {
   EXPECT_EQ(status.get_future().get(), 403);
 }
 
-TEST_F(DemoProgramTest, EndsWithOneLineWhereItCannotServe) {
+TEST_F(DemoProgramTest, EndsWithOneLineWhereItDoesNotServe) {
   const Program first({"--port", "0"});
   const std::string origin = first.origin();
   const struct {
@@ -242,9 +263,12 @@ TEST_F(DemoProgramTest, EndsWithOneLineWhereItCannotServe) {
   } cases[] = {
       {{"--port", origin.substr(origin.rfind(':') + 1)}, 1, "choose another with --port"},
       {{"--state", "/proc/nothing"}, 1, "choose another --state"},
-      {{"--port", "65536"}, 2, "--port takes a number from 0 to 65535"},
+      {{"--port", "65536"}, 2, "65535"},
+      {{"--port"}, 2, "--port"},
       {{"--fault", "slow"}, 2, "'slow' is no fault"},
-      {{"now"}, 2, "there is no use for 'now'"},
+      {{"now"}, 2, "now"},
+      {{"--version"}, 0, "quillpad-demo-gateway 1."},
+      {{"--help"}, 0, "shape=figure-text"},
   };
   for (const auto& [arguments, status, line] : cases) {
     Program program(arguments);
