@@ -184,10 +184,14 @@ Command settingsCommand() {
       .name = "settings",
       .description = "Show and change what the application shares with the extension",
       .subcommands = {
-          command<Show>("show", "Print what is set; of the token only whether it is"),
-          command<SignIn>("sign-in", "Store business and token"),
-          command<SetCurrency>("currency", "Store the currency"),
-          command<SignOut>("sign-out", "Empty business and token")}};
+          command<Show>(
+              "show", "Print what is set; of the token only whether it is", "settings show"),
+          command<SignIn>(
+              "sign-in",
+              "Store business and token",
+              "settings sign-in --business-id ID --token-file -"),
+          command<SetCurrency>("currency", "Store the currency", "settings currency \"€ - EUR\""),
+          command<SignOut>("sign-out", "Empty business and token", "settings sign-out")}};
 }
 
 }  // namespace quillpad::application

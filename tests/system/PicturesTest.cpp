@@ -159,7 +159,12 @@ TEST_F(PicturesTest, TheTreeIsTheViewThatTheExtensionSent) {
   const Outcome run = this->run({"tree", "SalesSmallWidget", "--state", "placeholder"});
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_THAT(run.out, AllOf(HasSubstr("\"this month\""), HasSubstr("\"widgetURL\"")));
-  EXPECT_EQ(this->run({"tree", "Sales", "--state", "snapshot"}).status, 2);
+  for (const auto& command :
+       {std::vector<std::string>{"tree", "Sales"}, {"render", "Sales", "-o", "x.png"}}) {
+    const Outcome unknown = this->run(command);
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_THAT(unknown.err, HasSubstr("the kinds are SalesSmallWidget"));
+  }
 }
 
 TEST_F(PicturesTest, TheGalleryHasEveryWidgetInBothAppearancesAndAPage) {

@@ -189,8 +189,12 @@ TEST_F(TimelinesTest, WrongUsageIsOneLineAndStatusTwo) {
     const char* message;
   } cases[] = {
       {{}, "required"},
-      {{"lst"}, "unknown argument \"lst\""},
-      {{"list", "--jsn"}, "unknown argument \"--jsn\""},
+      {{"lst"}, "unknown argument \"lst\"; did you mean \"list\"?"},
+      {{"launch"}, "unknown argument \"launch\"; \"quillpad-home --help\" lists the commands"},
+      {{"list", "--jsn"}, "unknown argument \"--jsn\"; did you mean \"--json\"?"},
+      {{"list", "--extensoin", "x"}, "did you mean \"--extension\"?"},
+      {{"settings", "singin"}, "did you mean \"sign-in\"?"},
+      {{"help", "settings", "sing"}, "there is no command \"sing\""},
       {{"timeline"}, "kind is required"},
       {{"timeline", "SalesSmallWidget", "UnpaidSmallWidget"}, "unknown argument"},
       {{"timeline", "Sales"}, "the kinds are SalesSmallWidget, PendingSmallWidget"},
@@ -209,6 +213,44 @@ TEST_F(TimelinesTest, WrongUsageIsOneLineAndStatusTwo) {
     EXPECT_EQ(std::ranges::count(run.err, '\n'), 1) << run.err;
     EXPECT_THAT(run.err, Not(HasSubstr("\x1B")));
   }
+}
+
+TEST_F(TimelinesTest, HelpExplainsEachCommandWithAnExample) {
+  for (const char* name :
+       {"list",
+        "placeholder",
+        "snapshot",
+        "timeline",
+        "tap",
+        "render",
+        "tree",
+        "gallery",
+        "compare",
+        "serve"}) {
+    const Outcome run = this->run({"help", name});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Example: quillpad-home " + std::string(name)));
+  }
+  EXPECT_THAT(
+      run({"help", "settings", "sign-in"}).out,
+      HasSubstr("Example: quillpad-home settings sign-in --business-id"));
+  EXPECT_THAT(run({"help"}).out, HasSubstr("gallery"));
+}
+
+// What is said on a terminal, on which `script` runs the command.
+TEST_F(TimelinesTest, ATerminalGetsNoPictureAndIsToldHowToEnd) {
+  const auto onTerminal = [&](const std::string& arguments) {
+    const std::string command = "timeout -s INT 2 script -qec '" HOME_PROGRAM
+                                " --extension " EXTENSION_PROGRAM " " +
+                                arguments + "' /dev/null >" + file("out").string() + " 2>&1";
+    const int status = std::system(command.c_str());
+    return std::pair{WEXITSTATUS(status), contents(file("out"))};
+  };
+  const auto [status, words] =
+      onTerminal("render SalesSmallWidget --state snapshot -o - --format png");
+  EXPECT_EQ(status, 2);
+  EXPECT_THAT(words, AllOf(HasSubstr("a terminal cannot show PNG"), Not(HasSubstr("\x89PNG"))));
+  EXPECT_THAT(onTerminal("serve --port 0").second, HasSubstr("Ctrl-C ends the home screen."));
 }
 
 TEST_F(TimelinesTest, AFullStandardOutputIsTold) {

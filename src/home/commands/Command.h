@@ -22,6 +22,7 @@ struct Command {
 
   std::string name;
   std::string description;
+  std::string example{};  // the arguments after the program's name
   std::function<Run(Options&)>
       prepare{};  // declares the options; empty where there are subcommands
   std::vector<Command> subcommands{};
@@ -29,10 +30,12 @@ struct Command {
 
 // The command whose options and preset values are those of the struct.
 template <class Struct>
-Command command(std::string name, std::string description, Struct preset = {}) {
+Command command(
+    std::string name, std::string description, std::string example, Struct preset = {}) {
   return {
       .name = std::move(name),
       .description = std::move(description),
+      .example = std::move(example),
       .prepare = [preset = std::move(preset)](Options& options) -> Command::Run {
         const auto command = std::make_shared<Struct>(preset);
         command->declare(options);

@@ -6,21 +6,45 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <numeric>
 #include <system_error>
+#include <utility>
 
+#include "home/commands/Files.h"
 #include "home/commands/TextTable.h"
 #include "platform/foundation/Utf8.h"
 
 namespace quillpad::home {
 namespace {
 
-constexpr const char* version = "1.0";
+constexpr const char* version = QUILLPAD_VERSION;
 
 // The extension lies beside this program.
 std::filesystem::path defaultExtension() {
   std::error_code error;
   const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
   return program.parent_path() / "quillpad-widgets";
+}
+
+// How many letters must be added, left out or changed to get from one word to the other.
+std::size_t distance(std::string_view from, std::string_view to) {
+  std::vector<std::size_t> row(to.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 1; i <= from.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i);
+    for (std::size_t j = 1; j <= to.size(); ++j) {
+      const std::size_t changed = diagonal + (from[i - 1] == to[j - 1] ? 0 : 1);
+      diagonal = std::exchange(row[j], std::min({row[j] + 1, row[j - 1] + 1, changed}));
+    }
+  }
+  return row.back();
+}
+
+// The candidate that was probably meant; empty where there is none.
+std::string nearest(const std::string& word, const std::vector<std::string>& candidates) {
+  const auto distanceTo = [&](const std::string& candidate) { return distance(word, candidate); };
+  const auto best = std::ranges::min_element(candidates, {}, distanceTo);
+  return best == candidates.end() || distanceTo(*best) > 2 ? "" : *best;
 }
 
 class Parser {
@@ -36,6 +60,7 @@ class Parser {
     app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app_.get_formatter()->label("Subcommands", "Commands");
     add(app_, program.commands);
+    addHelp();
   }
 
   Done run(int argc, const char* const* argv) {
@@ -58,9 +83,57 @@ class Parser {
         continue;
       }
       parser.fallthrough();
+      parser.footer("Example: " + program_.name + " " + command.example);
       Options options(parser);
       parser.parse_complete_callback([this, run = command.prepare(options)] { run_ = run; });
     }
+  }
+
+  void addHelp() {
+    CLI::App& help = *app_.add_subcommand("help", "Explain a command, with an example");
+    help.add_option("command", helpTopic_, "The command, for example render")->type_name("COMMAND");
+    help.parse_complete_callback(
+        [this] { run_ = [this](const CommandContext&) { return explain(); }; });
+  }
+
+  Done explain() const {
+    const CLI::App* topic = &app_;
+    std::string name = program_.name;
+    for (const std::string& word : helpTopic_) {
+      name += " " + word;
+      const auto named = topic->get_subcommands(
+          [&](const CLI::App* command) { return command->get_name() == word; });
+      topic = named.empty() ? nullptr : named.front();
+      if (topic == nullptr) {
+        return failure(
+            ExitStatus::wrongUsage,
+            "there is no command \"" + word + "\"; \"" + program_.name +
+                " --help\" lists the commands");
+      }
+    }
+    return print(topic->get_formatter()->make_help(topic, name, CLI::AppFormatMode::Normal));
+  }
+
+  std::string hintFor(const std::string& unknown) const {
+    const CLI::App* command = &app_;
+    while (!command->get_subcommands().empty()) {
+      command = command->get_subcommands().front();
+    }
+    std::vector<std::string> candidates;
+    for (const CLI::App* subcommand :
+         command->get_subcommands([](const CLI::App*) { return true; })) {
+      candidates.push_back(subcommand->get_name());
+    }
+    for (const CLI::App* level : {command, &app_}) {
+      for (const CLI::Option* option : level->get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+          candidates.push_back("--" + name);
+        }
+      }
+    }
+    const std::string meant = nearest(unknown, candidates);
+    return meant.empty() ? "\"" + program_.name + " --help\" lists the commands"
+                         : "did you mean \"" + meant + "\"?";
   }
 
   // --help and --version come as errors too.
@@ -70,8 +143,12 @@ class Parser {
       return {};
     }
     const std::vector<std::string> unknown = app_.remaining(true);
-    std::string reason =
-        unknown.empty() ? error.what() : "unknown argument \"" + unknown.front() + "\"";
+    if (!unknown.empty()) {
+      return failure(
+          ExitStatus::wrongUsage,
+          "unknown argument \"" + unknown.front() + "\"; " + hintFor(unknown.front()));
+    }
+    std::string reason = error.what();
     std::ranges::replace(reason, '\n', ' ');
     return failure(
         ExitStatus::wrongUsage, reason + "; \"" + program_.name + " --help\" lists the commands");
@@ -80,6 +157,7 @@ class Parser {
   const Program& program_;
   CLI::App app_;
   std::string extension_ = defaultExtension();
+  std::vector<std::string> helpTopic_;
   Command::Run run_;
 };
 

@@ -46,7 +46,10 @@ struct Compare {
 }  // namespace
 
 Command compareCommand() {
-  return command<Compare>("compare", "Tell whether two PNG pictures look the same");
+  return command<Compare>(
+      "compare",
+      "Tell whether two PNG pictures look the same",
+      "compare expected.png actual.png -o difference.png");
 }
 
 }  // namespace quillpad::home

@@ -269,7 +269,8 @@ struct Gallery {
 Command galleryCommand() {
   return command<Gallery>(
       "gallery",
-      "Draw all widgets, light and dark, with an index page; or check a gallery drawn before");
+      "Draw all widgets, light and dark, with an index page; or check a gallery drawn before",
+      "gallery --check recorded -o changes");
 }
 
 }  // namespace quillpad::home

@@ -21,7 +21,7 @@ struct List {
 }  // namespace
 
 Command listCommand() {
-  return command<List>("list", "List the widgets that the extension offers");
+  return command<List>("list", "List the widgets that the extension offers", "list --json");
 }
 
 }  // namespace quillpad::home

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <unistd.h>
 
 #include "home/commands/Commands.h"
 #include "home/commands/Files.h"
@@ -61,6 +62,11 @@ struct Render {
           ExitStatus::wrongUsage,
           "--size is width and height in points, above 0 and at most 10000, for example 170x170");
     }
+    if (output == "-" && *picture == PictureFormat::png && ::isatty(STDOUT_FILENO) == 1) {
+      return failure(
+          ExitStatus::wrongUsage,
+          "a terminal cannot show PNG; name a file with -o, or redirect standard output");
+    }
     auto extension = ExtensionClient::start(context.extension);
     if (!extension) {
       return std::unexpected(extension.error());
@@ -99,13 +105,8 @@ struct Render {
       return std::unexpected(catalogue.error());
     }
     const auto item = std::ranges::find(catalogue->items, view.kind, &channel::CatalogueItem::kind);
-    if (item == catalogue->items.end() || item->families.empty()) {
-      return failure(
-          ExitStatus::wrongUsage,
-          "there is no widget of kind \"" + view.kind +
-              R"("; "quillpad-home list" shows the kinds)");
-    }
-    return item->families.front();
+    // Of a kind that it does not have, the extension itself will say so, and name those it has.
+    return item == catalogue->items.end() ? ui::WidgetFamily::systemSmall : home::familyOf(*item);
   }
 
   std::expected<std::string, Failure> draw(
@@ -140,6 +141,9 @@ struct Render {
 
 }  // namespace
 
-Command renderCommand() { return command<Render>("render", "Draw a widget"); }
+Command renderCommand() {
+  return command<Render>(
+      "render", "Draw a widget", "render KIND -o card.png --appearance dark --scale 3");
+}
 
 }  // namespace quillpad::home

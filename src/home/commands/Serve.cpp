@@ -1,6 +1,7 @@
 // The live home screen as a program: runs until it is told to stop, and leaves no process behind.
 #include <csignal>
 #include <cstdint>
+#include <cstdio>
 #include <poll.h>
 #include <string>
 #include <sys/signalfd.h>
@@ -61,6 +62,9 @@ struct Serve {
     if (Done printed = print((*screen)->address() + "\n"); !printed) {
       return printed;
     }
+    if (::isatty(STDERR_FILENO) == 1) {
+      std::fputs("Ctrl-C ends the home screen.\n", stderr);
+    }
 
     std::vector<pollfd> descriptors;
     for (;;) {
@@ -79,7 +83,7 @@ struct Serve {
 }  // namespace
 
 Command serveCommand() {
-  return command<Serve>("serve", "Show the live home screen on this machine");
+  return command<Serve>("serve", "Show the live home screen on this machine", "serve --port 8480");
 }
 
 }  // namespace quillpad::home

@@ -39,16 +39,26 @@ struct Show {
 
 Command placeholderCommand() {
   return command(
-      "placeholder", "Print the widget's placeholder", Show{.state = EntryState::placeholder});
+      "placeholder",
+      "Print the widget's placeholder",
+      "placeholder KIND",
+      Show{.state = EntryState::placeholder});
 }
 
 Command snapshotCommand() {
-  return command("snapshot", "Print the widget's snapshot", Show{.state = EntryState::snapshot});
+  return command(
+      "snapshot",
+      "Print the widget's snapshot",
+      "snapshot KIND --json",
+      Show{.state = EntryState::snapshot});
 }
 
 Command timelineCommand() {
   return command(
-      "timeline", "Fetch the widget's timeline and print it", Show{.state = EntryState::timeline});
+      "timeline",
+      "Fetch the widget's timeline and print it",
+      "timeline KIND",
+      Show{.state = EntryState::timeline});
 }
 
 }  // namespace quillpad::home

@@ -85,6 +85,8 @@ struct Tap {
 
 }  // namespace
 
-Command tapCommand() { return command<Tap>("tap", "Open the widget's deep link, as a tap would"); }
+Command tapCommand() {
+  return command<Tap>("tap", "Open the widget's deep link, as a tap would", "tap KIND --print");
+}
 
 }  // namespace quillpad::home

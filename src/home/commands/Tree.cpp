@@ -26,6 +26,8 @@ struct Tree {
 
 }  // namespace
 
-Command treeCommand() { return command<Tree>("tree", "Print a widget's view tree as JSON"); }
+Command treeCommand() {
+  return command<Tree>("tree", "Print a widget's view tree as JSON", "tree KIND --state snapshot");
+}
 
 }  // namespace quillpad::home
