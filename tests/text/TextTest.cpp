@@ -280,7 +280,7 @@ TEST_F(Texts, ShowEachCharacterAsReceived) {
     std::string shown;
     for (const Glyph& glyph : setting.runs[0].glyphs) {
       for (char character = ' '; character < 127; ++character) {
-        const auto code = static_cast<FT_ULong>(character);
+        const auto code = static_cast<unsigned char>(character);
         if (FT_Get_Char_Index(fonts.face(setting.runs[0].font), code) == glyph.id) {
           shown += character;
         }
