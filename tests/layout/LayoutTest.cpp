@@ -102,10 +102,26 @@ TEST(Layout, PlacesWhatItIsGiven) {
        VStack(text("a"), box(10, 10)),
        {10, 26.888},
        "text a 0,0 10x10\nfill 0,16.888 10x10\n"},
+      {"a row of a shape and a text asks for what either does",
+       VStack(HStack(box(10, 10), text("a")), text("b")),
+       {28, 24.413},
+       "fill 0,0 10x10\ntext a 18,0 10x10\ntext b 9,14.413 10x10\n"},
+      {"a column of texts beside a text is ordinary",
+       HStack(VStack(text("a"), text("b")), text("c")),
+       {28, 20},
+       "text a 0,0 10x10\ntext b 0,10 10x10\ntext c 18,5 10x10\n"},
+      {"a column ends as its last view does",
+       VStack(VStack(text("a"), box(10, 10)), text("b")),
+       {10, 41.301},
+       "text a 0,0 10x10\nfill 0,16.888 10x10\ntext b 0,31.301 10x10\n"},
       {"a fixed height makes a text's edges ordinary",
        VStack(text("a").frame(Frame{.height = 12}), box(10, 10)),
        {10, 30},
        "text a 0,1 10x10\nfill 0,20 10x10\n"},
+      {"so does a least height",
+       VStack(text("a").frame(FlexibleFrame{.minHeight = 12}), text("b")),
+       {10, 26.413},
+       "text a 0,1 10x10\ntext b 0,16.413 10x10\n"},
       {"a fixed width does not",
        VStack(text("a").frame(Frame{.width = 10}), text("b")),
        {10, 20},
@@ -194,6 +210,18 @@ TEST(Layout, AppliesModifiersInTheirOrder) {
        text("a").frame(FlexibleFrame{.minWidth = 20, .maxWidth = 30}).background(black),
        {100, 50},
        "fill 35,20 30x10\ntext a 45,20 10x10\n"},
+      {"and the clamped offer of height",
+       text("a").frame(FlexibleFrame{.minHeight = 20, .maxHeight = 30}).background(black),
+       {100, 50},
+       "fill 45,10 10x30\ntext a 45,20 10x10\n"},
+      {"a flexible frame with a least height only",
+       text("a").frame(FlexibleFrame{.minHeight = 20}).background(black),
+       {100, 50},
+       "fill 45,15 10x20\ntext a 45,20 10x10\n"},
+      {"a flexible frame with a greatest height only",
+       text("a").frame(FlexibleFrame{.maxHeight = 40}).background(black),
+       {100, 50},
+       "fill 45,5 10x40\ntext a 45,20 10x10\n"},
       {"a flexible frame without an upper bound is as large as its content",
        text("a").frame(FlexibleFrame{.minWidth = 20}).background(black),
        {100, 50},
@@ -214,6 +242,18 @@ TEST(Layout, AppliesModifiersInTheirOrder) {
   for (const Case& one : cases) {
     EXPECT_EQ(laidOut(one.view, one.size), one.placed) << one.what;
   }
+}
+
+// Their sum is infinite, and so is every length that is offered or taken beside it.
+TEST(Layout, LengthsThatOverflowShareTheRoomAllTheSame) {
+  Group group;
+  for (int i = 0; i < 40; ++i) {
+    group.views.push_back(Rectangle(black).padding({.leading = 1e308, .trailing = 1e308}));
+    group.views.push_back(text("a"));
+  }
+  SquareMetrics metrics;
+  const View row = HStack(std::move(group));
+  EXPECT_EQ(layOut(row, {100, 50}, LayoutDirection::leftToRight, metrics).items.size(), 80U);
 }
 
 TEST(Layout, MirrorsTheCardForRightToLeft) {

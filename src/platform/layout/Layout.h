@@ -30,8 +30,10 @@ class Metrics {
 };
 
 // Something to paint: a text, an image or a plain colour.
+using Painted = std::variant<const ui::Text*, const ui::Image*, ui::Color>;
+
 struct PlacedItem {
-  std::variant<const ui::Text*, const ui::Image*, ui::Color> content;
+  Painted content;
   Rect frame;
   int clip = -1;  // the innermost clip that masks it, by its place in Layout::clips
 };
