@@ -326,7 +326,9 @@ test("the engineer's view shows every choice that its address makes", async () =
   const { width, height } = await pictures.first().boundingBox();
   assert.deepEqual([width, height], [364, 170]);
   assert.equal(await pictures.first().evaluate((image) => image.naturalWidth), 364 * 3);
-  assert.match(await pictures.first().getAttribute("alt"), /Unbezahlt|Offene/i);
+  assert.equal(
+    await pictures.first().getAttribute("alt"), "UnpaidMediumWidget", "a placeholder shows no texts");
+  assert.match(await pictures.nth(1).getAttribute("alt"), /Unbezahlt|Offene/i);
 });
 
 test("an entry typed by hand is rendered at once and stands in the address", async () => {

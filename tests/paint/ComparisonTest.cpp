@@ -22,15 +22,15 @@ Bitmap grey(int width, int height, std::uint8_t value = 100) {
 TEST(Comparison, CountsWhatIsBeyondTheTolerance) {
   const Bitmap expected = grey(4, 4);
   Bitmap actual = expected;
-  EXPECT_EQ(compare(expected, actual).likeness, Likeness::identical);
+  EXPECT_EQ(compare(expected, actual).result, CompareResult::identical);
   actual.pixels[5].green = 102;
   actual.pixels[6].alpha = 245;
   const Comparison strict = compare(expected, actual);
-  EXPECT_EQ(strict.likeness, Likeness::different);
+  EXPECT_EQ(strict.result, CompareResult::different);
   EXPECT_EQ(strict.differingPixels, 2);
   EXPECT_EQ(strict.largestDifference, 10);
   const Comparison lenient = compare(expected, actual, {.channel = 2, .pixels = 1});
-  EXPECT_EQ(lenient.likeness, Likeness::similar);
+  EXPECT_EQ(lenient.result, CompareResult::similar);
   EXPECT_EQ(lenient.differingPixels, 1);
   const ui::Rgba marked = lenient.difference.pixels[6];
   EXPECT_GT(marked.red - marked.green, 100);
@@ -40,14 +40,14 @@ TEST(Comparison, CountsWhatIsBeyondTheTolerance) {
 
 TEST(Comparison, SizesMustBeEqual) {
   const Comparison comparison = compare(grey(4, 4), grey(4, 5), {.channel = 255, .pixels = 3});
-  EXPECT_EQ(comparison.likeness, Likeness::different);
+  EXPECT_EQ(comparison.result, CompareResult::different);
   EXPECT_EQ(comparison.differingPixels, 20);
 }
 
 TEST(Comparison, UnseenPixelsHaveNoColour) {
   const Bitmap one{.width = 1, .height = 1, .pixels = {{10, 20, 30, 0}}};
   const Bitmap other{.width = 1, .height = 1, .pixels = {{200, 0, 0, 0}}};
-  EXPECT_EQ(compare(one, other).likeness, Likeness::identical);
+  EXPECT_EQ(compare(one, other).result, CompareResult::identical);
 }
 
 TEST(Bitmap, BadFilesAreErrors) {

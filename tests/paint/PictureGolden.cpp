@@ -37,7 +37,7 @@ void save(const std::filesystem::path& file, const std::vector<std::uint8_t>& by
     return ::testing::AssertionFailure() << "recorded " << name << ": look at it, then run again";
   }
   const Comparison comparison = compare(*expected, *shown, rounding);
-  if (comparison.likeness != Likeness::different) {
+  if (comparison.result != CompareResult::different) {
     return ::testing::AssertionSuccess();
   }
 

@@ -1,6 +1,6 @@
 // Comparing a text with the one that was found right before.
 //
-// The right ones are files in tests/drawing/goldens. A missing one is recorded, and the test fails
+// The right ones are files in tests/paint/goldens. A missing one is recorded, and the test fails
 // so that somebody looks at it. A differing text is left in the build folder, and the first lines
 // that differ are told. QUILLPAD_RECORD_GOLDENS=1 records all that are compared.
 #pragma once

@@ -20,7 +20,6 @@
 namespace quillpad::drawing {
 namespace {
 
-constexpr Size small{158, 158};
 constexpr Size medium{338, 158};
 
 Array rows() {
@@ -39,20 +38,23 @@ Array rows() {
 
 class WidgetPictures : public ::testing::Test {
  protected:
-  std::vector<std::uint8_t> draw(
-      const ui::View& view, Size size, ui::Appearance appearance, int scale = 2) {
+  DisplayList composed(const ui::View& view, const CardRequest& request) {
     const auto pictureSize = [this](const std::string& name) {
       return pictures_.naturalSize(name);
     };
-    const DisplayList list = compose(view, {.size = size, .scale = scale}, pictureSize, texts_);
-    return PngWriter(fonts_, pictures_).write(list, appearance).value();
+    return compose(view, request, pictureSize, texts_);
   }
 
-  void expectGoldens(const std::string& name, const ui::View& view, Size size) {
+  std::vector<std::uint8_t> draw(
+      const ui::View& view, const CardRequest& request, ui::Appearance appearance) {
+    return PngWriter(fonts_, pictures_).write(composed(view, request), appearance).value();
+  }
+
+  void expectGoldens(const std::string& name, const ui::View& view, const CardRequest& request) {
     for (const auto& [suffix, appearance] :
          {std::pair{"-light", ui::Appearance::light}, {"-dark", ui::Appearance::dark}}) {
       EXPECT_TRUE(showsGolden(
-          {GOLDENS_FOLDER, ACTUAL_FOLDER}, name + suffix, draw(view, size, appearance)));
+          {GOLDENS_FOLDER, ACTUAL_FOLDER}, name + suffix, draw(view, request, appearance)));
     }
   }
 
@@ -67,21 +69,54 @@ class WidgetPictures : public ::testing::Test {
 };
 
 TEST_F(WidgetPictures, Small) {
-  expectGoldens("sales", quillpad::SalesMallView{"1234.5", "quillpad://Report"}, small);
-  expectGoldens("unpaid-small", quillpad::UnpaidSmallView{"3"}, small);
-  expectGoldens("pending-small", quillpad::PendingSmallView{"5"}, small);
+  expectGoldens("sales", quillpad::SalesMallView{"1234.5", "quillpad://Report"}, {});
+  expectGoldens("unpaid-small", quillpad::UnpaidSmallView{"3"}, {});
+  expectGoldens("pending-small", quillpad::PendingSmallView{"5"}, {});
 }
 
 TEST_F(WidgetPictures, Medium) {
-  expectGoldens("unpaid-medium", quillpad::UnpaidMediumView{rows()}, medium);
-  expectGoldens("pending-medium", quillpad::PendingMediumView{rows()}, medium);
+  expectGoldens("unpaid-medium", quillpad::UnpaidMediumView{rows()}, {.size = medium});
+  expectGoldens("pending-medium", quillpad::PendingMediumView{rows()}, {.size = medium});
+}
+
+// Nothing can be read of what was not fetched yet, by nobody.
+TEST_F(WidgetPictures, Placeholder) {
+  constexpr Redaction redaction = Redaction::placeholder;
+  const quillpad::SalesMallView sales{"0", "quillpad://Report"};
+  const quillpad::UnpaidMediumView unpaid{rows()};
+  expectGoldens("sales-placeholder", sales, {.redaction = redaction});
+  expectGoldens("unpaid-placeholder", unpaid, {.size = medium, .redaction = redaction});
+  expectGoldens(
+      "unpaid-placeholder-mirrored",
+      unpaid,
+      {.size = medium, .rightToLeft = true, .redaction = redaction});
+  for (const ui::View& view : {ui::View(sales), ui::View(unpaid)}) {
+    const DisplayList list = composed(view, {.kind = "Kind", .redaction = redaction});
+    EXPECT_EQ(accessibilityLabel(list), "Kind");
+    EXPECT_GT(list.items.size(), 4U);
+    for (const Item& item : list.items) {
+      EXPECT_TRUE(std::holds_alternative<Fill>(item.content));
+    }
+  }
+}
+
+TEST_F(WidgetPictures, APlaceholderHasABarForEachLine) {
+  const ui::View text = ui::Text::verbatim("two lines of text").font({20, ui::Weight::regular});
+  const CardRequest request{.size = {100, 60}, .redaction = Redaction::placeholder};
+  const DisplayList list = composed(text, request);
+  ASSERT_EQ(list.items.size(), 3U);
+  const Rect first = std::get<Fill>(list.items[1].content).frame;
+  const Rect second = std::get<Fill>(list.items[2].content).frame;
+  EXPECT_EQ(first.width, second.width);
+  EXPECT_EQ(first.y + 24, second.y);
+  EXPECT_EQ(composed(ui::Text::verbatim(""), request).items.size(), 1U);
 }
 
 // A comparison that cannot fail would prove nothing above.
 TEST_F(WidgetPictures, AnotherFigureIsAnotherPicture) {
   const GoldenFolders folders{home_.path() / "goldens", home_.path() / "left"};
   const auto sales = [&](const char* figure) {
-    return draw(quillpad::SalesMallView{figure, "quillpad://Report"}, small, ui::Appearance::light);
+    return draw(quillpad::SalesMallView{figure, "quillpad://Report"}, {}, ui::Appearance::light);
   };
   EXPECT_FALSE(showsGolden(folders, "sales", sales("1234.5"))) << "a missing golden is recorded";
   EXPECT_TRUE(showsGolden(folders, "sales", sales("1234.5")));

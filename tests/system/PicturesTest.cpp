@@ -9,7 +9,9 @@ namespace quillpad {
 namespace {
 
 using testing::AllOf;
+using testing::AnyOf;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 class PicturesTest : public HomeScreenTest {
@@ -153,6 +155,20 @@ TEST_F(PicturesTest, AFileThatIsReplacedKeepsItsMode) {
     ASSERT_EQ(::stat(file("card.svg").c_str(), &about), 0);
     EXPECT_EQ(about.st_mode & 0777U, mode);
   }
+}
+
+// Nothing was fetched: neither the zeros nor the sample may look like figures.
+TEST_F(PicturesTest, APlaceholderShowsNoTexts) {
+  for (const char* kind : {"SalesSmallWidget", "UnpaidMediumWidget"}) {
+    for (const char* format : {"json", "svg"}) {
+      const Outcome run =
+          this->run({"render", kind, "--state", "placeholder", "-o", "-", "--format", format});
+      EXPECT_EQ(run.status, 0) << run.err;
+      EXPECT_THAT(run.out, Not(AnyOf(HasSubstr("\"text\""), HasSubstr("$"), HasSubstr("<use"))));
+    }
+  }
+  ASSERT_EQ(run({"gallery", "-o", file("gallery"), "--state", "placeholder"}).status, 0);
+  EXPECT_THAT(contents(file("gallery") / "index.html"), Not(HasSubstr("$")));
 }
 
 TEST_F(PicturesTest, TheTreeIsTheViewThatTheExtensionSent) {

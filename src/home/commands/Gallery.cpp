@@ -113,7 +113,8 @@ struct Gallery {
       ExtensionClient& extension,
       const channel::CatalogueItem& item) const {
     const ui::WidgetFamily family = familyOf(item);
-    const auto view = viewOf(extension, {.kind = item.kind, .state = state, .family = family});
+    const ViewChoice choice{.kind = item.kind, .state = state, .family = family};
+    const auto view = viewOf(extension, choice);
     if (!view) {
       return std::unexpected(view.error());
     }
@@ -123,7 +124,8 @@ struct Gallery {
         {.kind = item.kind,
          .family = std::string(channel::familyName(family)),
          .size = widget.size,
-         .scale = scale},
+         .scale = scale,
+         .redaction = choice.redaction()},
         currentLocale());
     widget.accessibilityLabel = accessibilityLabel(list);
     for (const auto& [appearance, name] :

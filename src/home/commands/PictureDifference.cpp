@@ -9,7 +9,7 @@ namespace quillpad::home {
 namespace {
 
 using drawing::Bitmap;
-using drawing::Likeness;
+using drawing::CompareResult;
 
 std::string sizeText(const Bitmap& picture) {
   return std::to_string(picture.width) + " by " + std::to_string(picture.height);
@@ -17,7 +17,7 @@ std::string sizeText(const Bitmap& picture) {
 
 std::string description(
     const Bitmap& expected, const Bitmap& actual, const drawing::Comparison& comparison) {
-  if (comparison.likeness == Likeness::identical) {
+  if (comparison.result == CompareResult::identical) {
     return "identical";
   }
   if (comparison.difference.pixels.empty()) {
@@ -40,7 +40,7 @@ PictureDifference difference(
     const Bitmap& expected, const Bitmap& actual, const drawing::Tolerance& tolerance) {
   const drawing::Comparison comparison = drawing::compare(expected, actual, tolerance);
   PictureDifference result{
-      .looksDifferent = comparison.likeness == Likeness::different,
+      .looksDifferent = comparison.result == CompareResult::different,
       .description = description(expected, actual, comparison),
       .png = ""};
   if (!comparison.difference.pixels.empty()) {

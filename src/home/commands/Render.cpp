@@ -8,7 +8,6 @@
 #include "home/page/WidgetSizes.h"
 #include "platform/foundation/Locale.h"
 #include "platform/foundation/NumberText.h"
-#include "platform/paint/CardSize.h"
 
 namespace quillpad::home {
 namespace {
@@ -129,7 +128,8 @@ struct Render {
         {.kind = view.kind,
          .family = std::string(channel::familyName(*family)),
          .size = points,
-         .scale = scale},
+         .scale = scale,
+         .redaction = view.redaction()},
         currentLocale());
     auto bytes = cards.write(list, picture, appearance);
     if (!bytes) {

@@ -9,6 +9,7 @@
 #include "home/commands/Options.h"
 #include "home/extension/ExtensionClient.h"
 #include "home/extension/Failure.h"
+#include "platform/paint/Card.h"
 #include "platform/ui/Environment.h"
 #include "platform/ui/View.h"
 
@@ -26,6 +27,12 @@ struct ViewChoice {
   std::optional<ui::WidgetFamily> family{};  // absent: the kind's own
 
   void declare(Options& options);
+
+  // A placeholder shows no figures: nothing was fetched yet.
+  drawing::Redaction redaction() const {
+    return entryFile.empty() && state == EntryState::placeholder ? drawing::Redaction::placeholder
+                                                                 : drawing::Redaction::none;
+  }
 };
 
 std::expected<ui::View, Failure> viewOf(ExtensionClient& extension, const ViewChoice& choice);

@@ -106,7 +106,8 @@ LaterAnswer EngineerView::picture(
     if (!outcome) {
       return WebAnswer{.status = 422, .body = outcome.error() + "\n"};
     }
-    auto file = cards_.write(compose(query, widget, outcome->view), format, appearanceOf(query));
+    auto file = cards_.write(
+        compose(query, widget, query.state, outcome->view), format, appearanceOf(query));
     if (!file) {
       return WebAnswer{.status = 422, .body = file.error() + "\n"};
     }
@@ -158,14 +159,19 @@ std::expected<Value, std::string> EngineerView::entryOf(
 }
 
 drawing::DisplayList EngineerView::compose(
-    const PreviewQuery& query, const channel::CatalogueItem& widget, const ui::View& view) {
+    const PreviewQuery& query,
+    const channel::CatalogueItem& widget,
+    PreviewState state,
+    const ui::View& view) {
   const ui::WidgetFamily family = familyOf(widget);
   return cards_.compose(
       view,
       {.kind = query.kind,
        .family = std::string(channel::familyName(family)),
        .size = widgetSize(family, query.screen),
-       .scale = query.scale},
+       .scale = query.scale,
+       .redaction = state == PreviewState::placeholder ? drawing::Redaction::placeholder
+                                                       : drawing::Redaction::none},
       query.language.empty() ? locale_ : query.language);
 }
 
@@ -202,7 +208,7 @@ PreviewColumn EngineerView::shown(
   PreviewColumn shown{
       .state = column.state,
       .date = dateOf(outcome->entry),
-      .list = compose(query, widget, outcome->view)};
+      .list = compose(query, widget, column.state, outcome->view)};
   const auto format =
       query.format == PreviewQuery::Format::png ? PictureFormat::png : PictureFormat::svg;
   for (const ui::Appearance appearance : bothAppearances) {

@@ -50,7 +50,10 @@ class EngineerView {
   Column column(const Moment& now, const PreviewQuery& query, PreviewState state);
   std::expected<Value, std::string> entryOf(const PreviewQuery& query, PreviewState state) const;
   drawing::DisplayList compose(
-      const PreviewQuery& query, const channel::CatalogueItem& widget, const ui::View& view);
+      const PreviewQuery& query,
+      const channel::CatalogueItem& widget,
+      PreviewState state,
+      const ui::View& view);
   EngineerModel modelOf(
       const PreviewQuery& query,
       const channel::CatalogueItem& widget,

@@ -221,7 +221,7 @@ LaterAnswer HomeScreen::galleryAnswer() {
       }
       auto drawing = offers_.find(item.kind);
       if (snapshot != nullptr && drawing == offers_.end()) {
-        if (auto drawn = draw(item, snapshot->view, idPrefixOf(item.kind, "offer-"))) {
+        if (auto drawn = draw(item, *snapshot, idPrefixOf(item.kind, "offer-"))) {
           drawing = offers_.emplace(item.kind, std::move(*drawn)).first;
         }
       }
@@ -291,25 +291,27 @@ const DrawnCard* HomeScreen::drawnCard(const WidgetState& card) {
     drawn.version = card.version;
     drawn.card = card.picture == nullptr
                      ? std::nullopt
-                     : draw(*card.about, card.picture->view, idPrefixOf(card.about->kind, "card-"));
+                     : draw(*card.about, *card.picture, idPrefixOf(card.about->kind, "card-"));
   }
   return drawn.card ? &*drawn.card : nullptr;
 }
 
 std::optional<DrawnCard> HomeScreen::draw(
-    const channel::CatalogueItem& about, const ui::View& view, const std::string& idPrefix) {
+    const channel::CatalogueItem& about, const Picture& picture, const std::string& idPrefix) {
   const ui::WidgetFamily family = familyOf(about);
   const drawing::DisplayList list = cards_.compose(
-      view,
+      picture.view,
       {.kind = about.kind,
        .family = std::string(channel::familyName(family)),
-       .size = widgetSize(family)},
+       .size = widgetSize(family),
+       .redaction = picture.source == Picture::Source::placeholder ? drawing::Redaction::placeholder
+                                                                   : drawing::Redaction::none},
       locale_);
-  auto picture = cards_.writeForPage(list, idPrefix);
-  if (!picture) {
+  auto document = cards_.writeForPage(list, idPrefix);
+  if (!document) {
     return std::nullopt;
   }
-  return DrawnCard{.picture = trusted(std::move(*picture)), .link = list.link};
+  return DrawnCard{.picture = trusted(std::move(*document)), .link = list.link};
 }
 
 std::string HomeScreen::emptyText() const {

@@ -70,7 +70,7 @@ class HomeScreen {
   CardModel modelOf(const WidgetState& widget);
   const DrawnCard* drawnCard(const WidgetState& widget);
   std::optional<DrawnCard> draw(
-      const channel::CatalogueItem& about, const ui::View& view, const std::string& idPrefix);
+      const channel::CatalogueItem& about, const Picture& picture, const std::string& idPrefix);
   std::string emptyText() const;
 
   std::string token_;

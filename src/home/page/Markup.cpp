@@ -3,35 +3,11 @@
 #include <algorithm>
 
 #include "platform/foundation/Fatal.h"
+#include "platform/foundation/Xml.h"
 
 namespace quillpad::home {
 
-Markup escaped(std::string_view text) {
-  std::string html;
-  html.reserve(text.size());
-  for (const char character : text) {
-    switch (character) {
-      case '&':
-        html += "&amp;";
-        break;
-      case '<':
-        html += "&lt;";
-        break;
-      case '>':
-        html += "&gt;";
-        break;
-      case '"':
-        html += "&quot;";
-        break;
-      case '\'':
-        html += "&#39;";
-        break;
-      default:
-        html += character;
-    }
-  }
-  return trusted(std::move(html));
-}
+Markup escaped(std::string_view text) { return trusted(escapedXml(text)); }
 
 Markup trusted(std::string html) { return Markup(std::move(html)); }
 

@@ -15,37 +15,38 @@ std::uint8_t between(int from, int to, int part) {
   return static_cast<std::uint8_t>(sum / 255);
 }
 
-ui::Rgba withAlpha(ui::Rgba color, int alpha) {
-  if (alpha == 0) {
-    return {0, 0, 0, 0};
-  }
-  return {color.red, color.green, color.blue, static_cast<std::uint8_t>(alpha)};
+// What a cover leaves of a colour.
+ui::Rgba covered(ui::Rgba color, int level) {
+  const int alpha = color.alpha * alphaOf(level) / 255;
+  return alpha == 0
+             ? ui::Rgba{0, 0, 0, 0}
+             : ui::Rgba{color.red, color.green, color.blue, static_cast<std::uint8_t>(alpha)};
 }
 
 }  // namespace
 
-ui::Rgba over(ui::Rgba under, ui::Rgba ink, int level) {
-  const int part = alphaOf(level) * ink.alpha / 255;
+ui::Rgba over(ui::Rgba under, ui::Rgba color, int level) {
+  const int part = alphaOf(level) * color.alpha / 255;
   if (under.alpha == 255) {
     return {
-        between(under.red, ink.red, part),
-        between(under.green, ink.green, part),
-        between(under.blue, ink.blue, part),
+        between(under.red, color.red, part),
+        between(under.green, color.green, part),
+        between(under.blue, color.blue, part),
         255};
   }
   const int alpha = part + under.alpha * (255 - part) / 255;
   if (alpha == 0) {
     return {0, 0, 0, 0};
   }
-  const int inkPart = 255 * part / alpha;
+  const int colorPart = 255 * part / alpha;
   return {
-      between(under.red, ink.red, inkPart),
-      between(under.green, ink.green, inkPart),
-      between(under.blue, ink.blue, inkPart),
+      between(under.red, color.red, colorPart),
+      between(under.green, color.green, colorPart),
+      between(under.blue, color.blue, colorPart),
       static_cast<std::uint8_t>(alpha)};
 }
 
-void IndexedCanvas::start(int width, int height, ui::Rgba ground) {
+void IndexedCanvas::start(int width, int height, ui::Rgba background) {
   const std::size_t stride = 1 + static_cast<std::size_t>(width);
   if (width == width_ && height == height_) {
     for (std::size_t y = 0; y < marked_.size(); ++y) {
@@ -59,22 +60,22 @@ void IndexedCanvas::start(int width, int height, ui::Rgba ground) {
     bytes_.assign(stride * static_cast<std::size_t>(height) + GlyphMask::step, 0);
   }
   marked_.assign(static_cast<std::size_t>(height), 0);
-  palette_.assign(1, ground);
+  palette_.assign(1, background);
   ramps_.clear();
   corner_.fill(unknown);
   full_ = false;
-  forgetInk();
+  forgetColor();
 }
 
-void IndexedCanvas::chooseInk(ui::Rgba ink) {
-  if (ink == ink_) {
+void IndexedCanvas::setColor(ui::Rgba color) {
+  if (color == color_) {
     return;
   }
-  ink_ = ink;
-  forgetInk();
+  color_ = color;
+  forgetColor();
 }
 
-void IndexedCanvas::forgetInk() {
+void IndexedCanvas::forgetColor() {
   rampBase_ = unknown;
   mixed_.fill(unknown);
 }
@@ -102,7 +103,7 @@ int IndexedCanvas::ramp() {
   if (rampBase_ != unknown) {
     return rampBase_;
   }
-  const auto known = std::ranges::find(ramps_, ink_, &Ramp::ink);
+  const auto known = std::ranges::find(ramps_, color_, &Ramp::color);
   if (known != ramps_.end()) {
     return rampBase_ = known->base;
   }
@@ -110,17 +111,17 @@ int IndexedCanvas::ramp() {
   if (palette_.size() + fullCoverage <= paletteSize) {
     rampBase_ = static_cast<int>(palette_.size()) - 1;
     for (int level = 1; level <= fullCoverage; ++level) {
-      palette_.push_back(over(palette_[0], ink_, level));
+      palette_.push_back(over(palette_[0], color_, level));
     }
   }
-  ramps_.push_back({ink_, rampBase_});
+  ramps_.push_back({color_, rampBase_});
   return rampBase_;
 }
 
 std::uint8_t IndexedCanvas::mixed(std::uint8_t under, int level) {
   const int step = under - rampBase_;
-  if (rampBase_ >= 0 && step >= 1 && step <= fullCoverage && ink_.alpha == 255) {
-    // Where pixels of one ink meet, the ground shows through what neither covers.
+  if (rampBase_ >= 0 && step >= 1 && step <= fullCoverage && color_.alpha == 255) {
+    // Where pixels of one color meet, the background shows through what neither covers.
     return static_cast<std::uint8_t>(rampBase_ + step + masked(fullCoverage - step, level));
   }
   if (under != mixedUnder_) {
@@ -129,26 +130,27 @@ std::uint8_t IndexedCanvas::mixed(std::uint8_t under, int level) {
   }
   std::int16_t& index = mixed_[static_cast<std::size_t>(level)];
   if (index == unknown) {
-    index = indexOf(over(palette_[under], ink_, level));
+    index = indexOf(over(palette_[under], color_, level));
   }
   return static_cast<std::uint8_t>(index);
 }
 
-void IndexedCanvas::stamp(int x, int y, const Coverage* levels, int count) {
-  mix(row(x, y), levels, count);
+void IndexedCanvas::blend(int x, int y, std::span<const Coverage> levels) {
+  mix(row(x, y), levels);
 }
 
-void IndexedCanvas::mix(std::uint8_t* pixels, const Coverage* levels, int count) {
-  for (int i = 0; i < count; ++i) {
-    if (levels[i] != 0) {
-      pixels[i] = mixed(pixels[i], levels[i]);
+void IndexedCanvas::mix(std::uint8_t* pixels, std::span<const Coverage> levels) {
+  for (const Coverage level : levels) {
+    if (level != 0) {
+      *pixels = mixed(*pixels, level);
     }
+    ++pixels;
   }
 }
 
-// On the bare ground a level is a step on the ink's ramp. Padding lies on whatever follows and
-// leaves it as it is.
-void IndexedCanvas::stamp(int x, int y, const GlyphMask& mask) {
+// On the bare background a level is a step on the color's ramp. Padding lies on whatever follows
+// and leaves it as it is.
+void IndexedCanvas::blend(int x, int y, const GlyphMask& mask) {
   using Pixels [[gnu::vector_size(GlyphMask::step)]] = std::uint8_t;
   const int base = ramp();
   const int height = mask.height;
@@ -158,26 +160,26 @@ void IndexedCanvas::stamp(int x, int y, const GlyphMask& mask) {
     const Coverage* levels = mask.row(line);
     for (int at = 0; at < stride; at += GlyphMask::step) {
       Pixels under;
-      Pixels ink;
+      Pixels level;
       std::memcpy(&under, pixels + at, sizeof under);
-      std::memcpy(&ink, levels + at, sizeof ink);
-      const auto inked = reinterpret_cast<Pixels>(ink != 0);
-      std::array<std::uint64_t, 2> met{};  // what other than the ground the ink falls on
-      const Pixels meeting = under & inked;
+      std::memcpy(&level, levels + at, sizeof level);
+      const auto covered = reinterpret_cast<Pixels>(level != 0);
+      std::array<std::uint64_t, 2> met{};  // what other than the background the glyph falls on
+      const Pixels meeting = under & covered;
       std::memcpy(met.data(), &meeting, sizeof meeting);
       if ((met[0] | met[1]) != 0 || base < 0) {
-        mix(pixels + at, levels + at, GlyphMask::step);
+        mix(pixels + at, {levels + at, GlyphMask::step});
       } else {
-        under |= (ink + static_cast<std::uint8_t>(base)) & inked;
+        under |= (level + static_cast<std::uint8_t>(base)) & covered;
         std::memcpy(pixels + at, &under, sizeof under);
       }
     }
   }
 }
 
-void IndexedCanvas::span(int x, int y, int count) {
+void IndexedCanvas::fill(int x, int y, int count) {
   std::uint8_t* pixels = row(x, y);
-  if (ink_.alpha == 255) {
+  if (color_.alpha == 255) {
     std::memset(pixels, mixed(0, fullCoverage), static_cast<std::size_t>(count));
     return;
   }
@@ -186,18 +188,20 @@ void IndexedCanvas::span(int x, int y, int count) {
   }
 }
 
-void IndexedCanvas::uncover(int x, int y, const Coverage* levels, int count) {
-  std::uint8_t* pixels = row(x, y);
-  for (int i = 0; i < count; ++i) {
-    const int level = levels[i];
-    if (level == fullCoverage) {
-      continue;
+void IndexedCanvas::clear(int x, int y, std::span<const Coverage> levels) {
+  std::uint8_t* pixel = row(x, y);
+  for (const Coverage level : levels) {
+    if (level != fullCoverage) {
+      std::int16_t& corner = corner_[level];
+      if (*pixel != 0 || corner == unknown) {
+        const std::uint8_t index = indexOf(covered(palette_[*pixel], level));
+        corner = *pixel == 0 ? index : corner;
+        *pixel = index;
+      } else {
+        *pixel = static_cast<std::uint8_t>(corner);
+      }
     }
-    std::int16_t& index = corner_[static_cast<std::size_t>(level)];
-    if (index == unknown) {
-      index = indexOf(withAlpha(palette_[0], palette_[0].alpha * alphaOf(level) / 255));
-    }
-    pixels[i] = static_cast<std::uint8_t>(index);
+    ++pixel;
   }
 }
 
@@ -210,65 +214,52 @@ PixelRows IndexedCanvas::rows() const {
       .palette = palette_};
 }
 
-void RgbaCanvas::start(int width, int height, ui::Rgba ground) {
+void RgbaCanvas::start(int width, int height, ui::Rgba background) {
   width_ = width;
   height_ = height;
-  ground_ = ground;
   const std::size_t stride = 1 + std::size_t{4} * static_cast<std::size_t>(width);
   bytes_.assign(stride * static_cast<std::size_t>(height), 0);
-  chooseInk(ground);
   for (int y = 0; y < height; ++y) {
-    std::uint8_t* pixel = at(0, y);
-    for (int x = 0; x < width; ++x, pixel += 4) {
-      std::memcpy(pixel, &ground, 4);
-    }
+    change(
+        0, y, static_cast<std::size_t>(width), [&](ui::Rgba, std::size_t) { return background; });
   }
 }
 
-std::uint8_t* RgbaCanvas::at(int x, int y) {
+template <class Change>
+void RgbaCanvas::change(int x, int y, std::size_t count, const Change& change) {
   const std::size_t stride = 1 + std::size_t{4} * static_cast<std::size_t>(width_);
-  return bytes_.data() + static_cast<std::size_t>(y) * stride + 1 +
-         std::size_t{4} * static_cast<std::size_t>(x);
-}
-
-void RgbaCanvas::stamp(int x, int y, const Coverage* levels, int count) {
-  std::uint8_t* pixel = at(x, y);
-  for (int i = 0; i < count; ++i, pixel += 4) {
-    if (levels[i] == 0) {
-      continue;
-    }
+  std::uint8_t* pixel = bytes_.data() + static_cast<std::size_t>(y) * stride + 1 +
+                        std::size_t{4} * static_cast<std::size_t>(x);
+  for (std::size_t i = 0; i < count; ++i, pixel += 4) {
     ui::Rgba color;
     std::memcpy(&color, pixel, 4);
-    color = over(color, ink_, levels[i]);
+    color = change(color, i);
     std::memcpy(pixel, &color, 4);
   }
 }
 
-void RgbaCanvas::stamp(int x, int y, const GlyphMask& mask) {
+void RgbaCanvas::blend(int x, int y, std::span<const Coverage> levels) {
+  change(x, y, levels.size(), [&](ui::Rgba under, std::size_t i) {
+    return levels[i] == 0 ? under : over(under, color_, levels[i]);
+  });
+}
+
+void RgbaCanvas::blend(int x, int y, const GlyphMask& mask) {
   for (int line = 0; line < mask.height; ++line) {
-    stamp(x, y + line, mask.row(line), mask.width);
+    blend(x, y + line, {mask.row(line), static_cast<std::size_t>(mask.width)});
   }
 }
 
-void RgbaCanvas::span(int x, int y, int count) {
-  std::uint8_t* pixel = at(x, y);
-  for (int i = 0; i < count; ++i, pixel += 4) {
-    ui::Rgba color;
-    std::memcpy(&color, pixel, 4);
-    color = over(color, ink_, fullCoverage);
-    std::memcpy(pixel, &color, 4);
-  }
+void RgbaCanvas::fill(int x, int y, int count) {
+  change(x, y, static_cast<std::size_t>(count), [&](ui::Rgba under, std::size_t) {
+    return over(under, color_, fullCoverage);
+  });
 }
 
-void RgbaCanvas::uncover(int x, int y, const Coverage* levels, int count) {
-  std::uint8_t* pixel = at(x, y);
-  for (int i = 0; i < count; ++i, pixel += 4) {
-    if (levels[i] == fullCoverage) {
-      continue;
-    }
-    const ui::Rgba color = withAlpha(ground_, ground_.alpha * alphaOf(levels[i]) / 255);
-    std::memcpy(pixel, &color, 4);
-  }
+void RgbaCanvas::clear(int x, int y, std::span<const Coverage> levels) {
+  change(x, y, levels.size(), [&](ui::Rgba under, std::size_t i) {
+    return levels[i] == fullCoverage ? under : covered(under, levels[i]);
+  });
 }
 
 PixelRows RgbaCanvas::rows() const {

@@ -1,7 +1,7 @@
 #include "platform/paint/Card.h"
 
 #include "platform/layout/Layout.h"
-#include "platform/paint/Record.h"
+#include "platform/paint/DisplayListBuilder.h"
 
 namespace quillpad::drawing {
 namespace {
@@ -38,18 +38,13 @@ DisplayList compose(
       request.rightToLeft ? LayoutDirection::rightToLeft : LayoutDirection::leftToRight;
   const Layout layout = layOut(view, request.size, direction, metrics);
 
-  DisplayList list{
+  return {
       .kind = request.kind,
       .family = request.family,
       .scale = request.scale,
       .size = request.size,
-      .link = {},
-      .items = {}};
-  if (layout.link != nullptr) {
-    list.link = *layout.link;
-  }
-  record(layout, Ground{}, place, texts, list);
-  return list;
+      .link = layout.link == nullptr ? std::nullopt : std::optional(*layout.link),
+      .items = itemsOf(layout, request.size, request.redaction, place, texts)};
 }
 
 }  // namespace quillpad::drawing

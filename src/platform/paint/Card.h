@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/paint/DisplayList.h"
+#include "platform/paint/DisplayListBuilder.h"
 #include "platform/text/TextEngine.h"
 #include "platform/ui/View.h"
 
@@ -18,6 +19,7 @@ struct CardRequest {
   int scale = 2;             // device pixels per point
   bool rightToLeft = false;  // whether the card is mirrored, as right-to-left languages have it
   std::string language{};    // for example "en" or "zh-Hans"
+  Redaction redaction = Redaction::none;
 };
 
 // The natural size of a named picture, in points; of none for a missing one.

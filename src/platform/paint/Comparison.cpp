@@ -32,30 +32,30 @@ Comparison compare(const Bitmap& expected, const Bitmap& actual, Tolerance toler
   if (expected.width != actual.width || expected.height != actual.height) {
     const std::size_t pixels = std::max(expected.pixels.size(), actual.pixels.size());
     return {
-        .likeness = Likeness::different,
+        .result = CompareResult::different,
         .differingPixels = static_cast<std::int64_t>(pixels),
         .largestDifference = 255,
         .difference = {}};
   }
   constexpr ui::Rgba red{224, 0, 48};
-  Comparison result;
-  result.difference = {
+  Comparison comparison;
+  comparison.difference = {
       .width = expected.width,
       .height = expected.height,
       .pixels = std::vector<ui::Rgba>(expected.pixels.size())};
   for (std::size_t i = 0; i < expected.pixels.size(); ++i) {
     const int off = distance(expected.pixels[i], actual.pixels[i]);
-    result.largestDifference = std::max(result.largestDifference, off);
+    comparison.largestDifference = std::max(comparison.largestDifference, off);
     if (off > tolerance.channel) {
-      ++result.differingPixels;
+      ++comparison.differingPixels;
     }
-    result.difference.pixels[i] = off > tolerance.channel ? red : faint(expected.pixels[i]);
+    comparison.difference.pixels[i] = off > tolerance.channel ? red : faint(expected.pixels[i]);
   }
-  if (result.largestDifference > 0) {
-    result.likeness =
-        result.differingPixels > tolerance.pixels ? Likeness::different : Likeness::similar;
+  if (comparison.largestDifference > 0) {
+    comparison.result = comparison.differingPixels > tolerance.pixels ? CompareResult::different
+                                                                      : CompareResult::similar;
   }
-  return result;
+  return comparison;
 }
 
 }  // namespace quillpad::drawing

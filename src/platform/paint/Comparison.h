@@ -7,7 +7,7 @@
 
 namespace quillpad::drawing {
 
-enum class Likeness { identical, similar, different };
+enum class CompareResult { identical, similar, different };
 
 struct Tolerance {
   int channel = 0;          // how far a component may be off before its pixel counts as differing
@@ -15,7 +15,7 @@ struct Tolerance {
 };
 
 struct Comparison {
-  Likeness likeness = Likeness::identical;
+  CompareResult result = CompareResult::identical;
   std::int64_t differingPixels = 0;  // beyond the tolerated distance
   int largestDifference = 0;         // of any component
   Bitmap difference;                 // the expected picture, faint, with differing pixels in red;

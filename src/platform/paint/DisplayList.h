@@ -61,4 +61,11 @@ struct DisplayList {
 // has none.
 std::string accessibilityLabel(const DisplayList& list);
 
+// One line that tells why a card of this size in points cannot be drawn at the scale, or nothing:
+// the size must be at least one device pixel and at most maximumPixels, the scale 1, 2 or 3.
+std::optional<std::string> sizeError(Size size, int scale);
+
+// "#11B826"; with the alpha behind, where the colour is not opaque.
+std::string hexName(ui::Rgba color);
+
 }  // namespace quillpad::drawing

@@ -1,161 +1,98 @@
 #include "platform/paint/DisplayListJson.h"
 
 #include <array>
-#include <charconv>
 #include <cmath>
-#include <cstdint>
-#include <string_view>
+#include <utility>
+
+#include "platform/foundation/Json.h"
+#include "platform/foundation/Named.h"
 
 namespace quillpad::drawing {
 namespace {
 
-std::string_view weightName(ui::Weight weight) {
-  switch (weight) {
-    case ui::Weight::regular:
-      return "regular";
-    case ui::Weight::medium:
-      return "medium";
-    case ui::Weight::semibold:
-      return "semibold";
-  }
-  return "";
+constexpr std::array weights{
+    Named{"regular", ui::Weight::regular},
+    Named{"medium", ui::Weight::medium},
+    Named{"semibold", ui::Weight::semibold}};
+constexpr std::array appearances{
+    Named{"light", ui::Appearance::light},
+    Named{"dark", ui::Appearance::dark},
+    Named{"unspecified", ui::Appearance::unspecified}};
+
+// Lengths have three decimals at most; one that is no number is 0.
+Value length(double points) {
+  constexpr double thousandths = 1000;
+  return std::isfinite(points) ? std::round(points * thousandths) / thousandths + 0.0 : 0.0;
 }
 
-std::string_view appearanceName(ui::Appearance appearance) {
-  switch (appearance) {
-    case ui::Appearance::light:
-      return "light";
-    case ui::Appearance::dark:
-      return "dark";
-    case ui::Appearance::unspecified:
-      break;
-  }
-  return "unspecified";
+Value frame(const Rect& frame) {
+  return Dictionary{
+      {"x", length(frame.x)},
+      {"y", length(frame.y)},
+      {"width", length(frame.width)},
+      {"height", length(frame.height)}};
 }
 
-class Writer {
- public:
-  explicit Writer(ui::Appearance appearance) : appearance_(appearance) {}
+Dictionary membersOf(const Fill& fill, ui::Appearance appearance) {
+  return {
+      {"type", "fill"},
+      {"frame", frame(fill.frame)},
+      {"color", hexName(fill.color.resolved(appearance))},
+      {"cornerRadius", length(fill.cornerRadius)}};
+}
 
-  std::string take() { return std::move(json_); }
+Dictionary membersOf(const TextItem& text, ui::Appearance appearance) {
+  return {
+      {"type", "text"},
+      {"text", text.text},
+      {"frame", frame(text.frame)},
+      {"font",
+       Dictionary{{"size", length(text.font.size)}, {"weight", nameOf(weights, text.font.weight)}}},
+      {"color", hexName(text.color.resolved(appearance))}};
+}
 
-  Writer& raw(std::string_view text) {
-    json_ += text;
-    return *this;
-  }
+Dictionary membersOf(const ImageItem& image, ui::Appearance /*appearance*/) {
+  return {{"type", "image"}, {"name", image.name}, {"frame", frame(image.frame)}};
+}
 
-  Writer& number(double value) {
-    constexpr double thousandths = 1000;
-    const double rounded = std::round(value * thousandths) / thousandths;
-    std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), rounded + 0.0);
-    json_.append(digits.data(), end.ptr);
-    return *this;
-  }
-
-  Writer& string(std::string_view text) {
-    json_ += '"';
-    for (const char byte : text) {
-      if (byte == '"' || byte == '\\') {
-        json_ += '\\';
-        json_ += byte;
-      } else if (static_cast<unsigned char>(byte) < 0x20) {
-        json_ += "\\u00";
-        hex(static_cast<std::uint8_t>(byte), "0123456789abcdef");
-      } else {
-        json_ += byte;
-      }
+Value valueOf(const Item& item, ui::Appearance appearance) {
+  Dictionary members =
+      std::visit([&](const auto& content) { return membersOf(content, appearance); }, item.content);
+  if (!item.clips.empty()) {
+    Array clips;
+    for (const Clip& clip : item.clips) {
+      clips.emplace_back(
+          Dictionary{{"frame", frame(clip.frame)}, {"cornerRadius", length(clip.cornerRadius)}});
     }
-    json_ += '"';
-    return *this;
+    members.set("clips", std::move(clips));
   }
+  return members;
+}
 
-  Writer& color(const ui::Color& pair) {
-    const ui::Rgba color = pair.resolved(appearance_);
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    json_ += "\"#";
-    hex(color.red, digits);
-    hex(color.green, digits);
-    hex(color.blue, digits);
-    if (color.alpha != 255) {
-      hex(color.alpha, digits);
-    }
-    json_ += '"';
-    return *this;
-  }
-
-  Writer& frame(const Rect& frame) {
-    raw(R"({"x":)").number(frame.x).raw(R"(,"y":)").number(frame.y);
-    return raw(R"(,"width":)")
-        .number(frame.width)
-        .raw(R"(,"height":)")
-        .number(frame.height)
-        .raw("}");
-  }
-
-  void content(const Fill& fill) {
-    raw(R"({"type":"fill","frame":)").frame(fill.frame).raw(R"(,"color":)").color(fill.color);
-    raw(R"(,"cornerRadius":)").number(fill.cornerRadius);
-  }
-
-  void content(const TextItem& text) {
-    raw(R"({"type":"text","text":)").string(text.text).raw(R"(,"frame":)").frame(text.frame);
-    raw(R"(,"font":{"size":)").number(text.font.size);
-    raw(R"(,"weight":)").string(weightName(text.font.weight));
-    raw(R"(},"color":)").color(text.color);
-  }
-
-  void content(const ImageItem& image) {
-    raw(R"({"type":"image","name":)").string(image.name).raw(R"(,"frame":)").frame(image.frame);
-  }
-
-  void item(const Item& item) {
-    std::visit([this](const auto& alternative) { content(alternative); }, item.content);
-    if (!item.clips.empty()) {
-      raw(R"(,"clips":[)");
-      const char* separator = "";
-      for (const Clip& clip : item.clips) {
-        raw(separator).raw(R"({"frame":)").frame(clip.frame);
-        raw(R"(,"cornerRadius":)").number(clip.cornerRadius).raw("}");
-        separator = ",";
-      }
-      raw("]");
-    }
-    raw("}");
-  }
-
- private:
-  void hex(std::uint8_t byte, std::string_view digits) {
-    json_ += digits[byte >> 4U];
-    json_ += digits[byte & 15U];
-  }
-
-  ui::Appearance appearance_;
-  std::string json_;
-};
+// A name that is no UTF-8 cannot stand in JSON.
+std::string compact(const Value& value) {
+  return writeJson(value, JsonLayout::compact).value_or("null");
+}
 
 }  // namespace
 
 std::string toJson(const DisplayList& list, ui::Appearance appearance) {
-  Writer json(appearance);
-  json.raw(R"({"kind":)").string(list.kind).raw(R"(,"family":)").string(list.family);
-  json.raw(R"(,"appearance":)").string(appearanceName(appearance));
-  json.raw(R"(,"scale":)").number(list.scale);
-  json.raw(R"(,"size":{"width":)").number(list.size.width);
-  json.raw(R"(,"height":)").number(list.size.height).raw("},\n ").raw(R"("link":)");
-  if (list.link) {
-    json.string(*list.link);
-  } else {
-    json.raw("null");
-  }
-  json.raw(",\n ").raw(R"("items":[)");
+  std::string json = compact(Dictionary{
+      {"kind", list.kind},
+      {"family", list.family},
+      {"appearance", nameOf(appearances, appearance)},
+      {"scale", list.scale},
+      {"size",
+       Dictionary{{"width", length(list.size.width)}, {"height", length(list.size.height)}}}});
+  json.pop_back();
+  json += ",\n \"link\":" + compact(list.link ? Value(*list.link) : Value());
+  json += ",\n \"items\":[";
   const char* separator = "\n  ";
   for (const Item& item : list.items) {
-    json.raw(separator).item(item);
+    json += separator + compact(valueOf(item, appearance));
     separator = ",\n  ";
   }
-  json.raw("]}\n");
-  return json.take();
+  return json + "]}\n";
 }
 
 }  // namespace quillpad::drawing

@@ -5,6 +5,16 @@
 namespace quillpad::drawing {
 
 const Bitmap* Pictures::find(const std::string& name, int scale) {
+  for (const int candidate : {scale, scale + 1, scale + 2, scale - 1, scale - 2}) {
+    const Bitmap* picture = candidate >= 1 && candidate <= 3 ? read(name, candidate) : nullptr;
+    if (picture != nullptr) {
+      return picture;
+    }
+  }
+  return nullptr;
+}
+
+const Bitmap* Pictures::read(const std::string& name, int scale) {
   const auto [entry, isNew] = read_.try_emplace({name, scale});
   std::optional<Bitmap>& picture = entry->second;
   if (isNew) {
@@ -19,7 +29,7 @@ const Bitmap* Pictures::find(const std::string& name, int scale) {
 
 Size Pictures::naturalSize(const std::string& name) {
   for (const int scale : {1, 2, 3}) {
-    if (const Bitmap* picture = find(name, scale)) {
+    if (const Bitmap* picture = read(name, scale)) {
       return {
           static_cast<double>(picture->width) / scale,
           static_cast<double>(picture->height) / scale};

@@ -18,13 +18,16 @@ class Pictures {
   // The bundle must outlive the pictures.
   explicit Pictures(const Bundle& bundle) : bundle_(bundle) {}
 
-  // The picture made for a scale of 1 to 3, or null where it is missing or cannot be read.
+  // The picture for a scale of 1 to 3: the one made for it, else the one for the next larger scale
+  // that there is, else for the next smaller. Null where all are missing or cannot be read.
   const Bitmap* find(const std::string& name, int scale);
 
   // The size of the picture in points; zero where it is missing or cannot be read.
   Size naturalSize(const std::string& name);
 
  private:
+  const Bitmap* read(const std::string& name, int scale);
+
   const Bundle& bundle_;
   std::map<std::pair<std::string, int>, std::optional<Bitmap>> read_;
 };

@@ -105,6 +105,9 @@ std::vector<std::uint8_t> PngEncoder::encode(const PixelRows& rows) {
     png.byte(value);
   }
   png.end();
+  png.begin("sRGB");
+  png.byte(0);  // perceptual
+  png.end();
   if (!rows.palette.empty()) {
     png.begin("PLTE");
     for (const ui::Rgba color : rows.palette) {

@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "platform/paint/Canvas.h"
-#include "platform/paint/CardSize.h"
 #include "platform/paint/Painter.h"
 #include "platform/paint/PngEncoder.h"
 
@@ -21,17 +20,17 @@ double millisecondsSince(Clock::time_point start) {
 
 }  // namespace
 
-class PngWriter::Easel {
+class PngWriter::Impl {
  public:
-  Easel(FontBook& fonts, Pictures& pictures)
-      : box_{.fonts = fonts, .pictures = pictures, .glyphs = GlyphMasks(fonts), .corners = {}} {}
+  Impl(FontBook& fonts, Pictures& pictures)
+      : cache_{.fonts = fonts, .pictures = pictures, .glyphs = GlyphMasks(fonts), .shapes = {}} {}
 
   std::vector<std::uint8_t> draw(const DisplayList& list, ui::Appearance appearance) {
     const Clock::time_point start = Clock::now();
     RgbaCanvas manyColors;
-    Painter(fewColors_, box_, list, appearance).paint();
+    paint(list, appearance, cache_, fewColors_);
     if (fewColors_.full()) {
-      Painter(manyColors, box_, list, appearance).paint();
+      paint(list, appearance, cache_, manyColors);
     }
     const Clock::time_point painted = Clock::now();
     std::vector<std::uint8_t> file =
@@ -45,13 +44,13 @@ class PngWriter::Easel {
   Split split;
 
  private:
-  PaintBox box_;
+  PaintCache cache_;
   IndexedCanvas fewColors_;
   PngEncoder encoder_;
 };
 
 PngWriter::PngWriter(FontBook& fonts, Pictures& pictures)
-    : easel_(std::make_unique<Easel>(fonts, pictures)) {}
+    : impl_(std::make_unique<Impl>(fonts, pictures)) {}
 
 PngWriter::~PngWriter() = default;
 
@@ -60,10 +59,10 @@ std::expected<std::vector<std::uint8_t>, std::string> PngWriter::write(
   if (auto error = sizeError(list.size, list.scale)) {
     return std::unexpected(*std::move(error));
   }
-  return easel_->draw(list, appearance);
+  return impl_->draw(list, appearance);
 }
 
-PngWriter::Split PngWriter::lastSplit() const { return easel_->split; }
+PngWriter::Split PngWriter::lastSplit() const { return impl_->split; }
 
 std::vector<std::uint8_t> writePng(const Bitmap& picture) {
   PixelRows rows;

@@ -40,8 +40,8 @@ class PngWriter {
   Split lastSplit() const;
 
  private:
-  class Easel;
-  std::unique_ptr<Easel> easel_;
+  class Impl;
+  std::unique_ptr<Impl> impl_;
 };
 
 // The PNG file of a picture.

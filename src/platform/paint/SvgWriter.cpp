@@ -6,13 +6,14 @@
 #include <cmath>
 #include <cstdint>
 #include <map>
+#include <span>
 #include <utility>
 #include <variant>
 #include <vector>
 
 #include "platform/foundation/Base64.h"
-#include "platform/foundation/Utf8.h"
-#include "platform/paint/CardSize.h"
+#include "platform/foundation/Xml.h"
+#include "platform/paint/Background.h"
 #include "platform/paint/PngWriter.h"
 #include "platform/text/GlyphMasks.h"
 #include "platform/text/GlyphOutline.h"
@@ -42,40 +43,6 @@ std::string number(double value) {
   return text == "-0" ? "0" : text;
 }
 
-// Text for a document: markup is escaped, and what XML does not allow becomes U+FFFD.
-std::string escaped(std::string_view text) {
-  std::string result;
-  for (std::size_t at = 0; at < text.size();) {
-    const char32_t character = nextCharacter(text, at);
-    switch (character) {
-      case U'&':
-        result += "&amp;";
-        break;
-      case U'<':
-        result += "&lt;";
-        break;
-      case U'>':
-        result += "&gt;";
-        break;
-      case U'"':
-        result += "&quot;";
-        break;
-      case U'\t':
-      case U'\n':
-      case U'\r':
-        result += ' ';
-        break;
-      default:
-        if (character < 0x20 || character == 0x7F || (character & 0xFFFE) == 0xFFFE) {
-          appendUtf8(result, U'\uFFFD');
-        } else {
-          appendUtf8(result, character);
-        }
-    }
-  }
-  return result;
-}
-
 std::string attribute(std::string_view name, std::string_view value) {
   return " " + std::string(name) + "=\"" + std::string(value) + "\"";
 }
@@ -85,33 +52,24 @@ std::string frameAttributes(const Rect& frame) {
          attribute("width", number(frame.width)) + attribute("height", number(frame.height));
 }
 
-std::string roundAttribute(double cornerRadius) {
-  return cornerRadius > 0 ? attribute("rx", number(cornerRadius)) : "";
-}
-
-std::string hex(ui::Rgba color) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string name = "#";
-  for (const int component : {color.red, color.green, color.blue, color.alpha}) {
-    name += digits[static_cast<std::size_t>(component / 16)];
-    name += digits[static_cast<std::size_t>(component % 16)];
-  }
-  return name;
+// The attributes of a rectangle whose corners are round as far as its shorter side allows.
+std::string roundAttributes(const Rect& frame, double cornerRadius) {
+  const double radius = std::min({cornerRadius, frame.width / 2, frame.height / 2});
+  return frameAttributes(frame) + (radius > 0 ? attribute("rx", number(radius)) : "");
 }
 
 std::string fillAttributes(ui::Rgba color) {
-  return attribute("fill", hex(color).substr(0, 7)) +
+  const std::string opaque = hexName({color.red, color.green, color.blue});
+  return attribute("fill", opaque) +
          (color.alpha == 255 ? "" : attribute("fill-opacity", number(color.alpha / 255.0)));
 }
 
 // A fill that follows the color scheme of the page.
 std::string fillAttributes(const ui::Color& color) {
-  const std::size_t digits = color.light.alpha == 255 && color.dark.alpha == 255 ? 7 : 9;
-  const std::string light = hex(color.light).substr(0, digits);
   return color.light == color.dark
              ? fillAttributes(color.light)
              : attribute(
-                   "fill", "light-dark(" + light + "," + hex(color.dark).substr(0, digits) + ")");
+                   "fill", "light-dark(" + hexName(color.light) + "," + hexName(color.dark) + ")");
 }
 
 std::string dataUri(const Bitmap& picture) {
@@ -129,18 +87,25 @@ class SvgDocument {
       std::string_view idPrefix)
       : appearance_(appearance), fonts_(fonts), pictures_(pictures), prefix_(idPrefix) {}
 
-  void paint(const Item& item) {
-    for (const Clip& clip : item.clips) {
-      body_ += "<g" + attribute("clip-path", "url(#" + clipId(clip) + ")") + ">\n";
+  void paint(const DisplayList& list) {
+    const Background background = backgroundOf(list);
+    if (background.items > 0) {
+      paint(Fill{
+          {0, 0, list.size.width, list.size.height}, background.color, background.cornerRadius});
     }
-    std::visit([&](const auto& content) { paint(content); }, item.content);
-    for (std::size_t i = 0; i < item.clips.size(); ++i) {
-      body_ += "</g>\n";
+    for (const Item& item : std::span(list.items).subspan(background.items)) {
+      for (const Clip& clip : item.clips) {
+        body_ += "<g" + attribute("clip-path", "url(#" + clipId(clip) + ")") + ">\n";
+      }
+      std::visit([&](const auto& content) { paint(content); }, item.content);
+      for (std::size_t i = 0; i < item.clips.size(); ++i) {
+        body_ += "</g>\n";
+      }
     }
   }
 
   std::string finished(const DisplayList& list) const {
-    const std::string label = escaped(accessibilityLabel(list));
+    const std::string label = escapedXml(accessibilityLabel(list));
     std::string document =
         R"(<svg xmlns="http://www.w3.org/2000/svg")" + attribute("width", number(list.size.width)) +
         attribute("height", number(list.size.height)) +
@@ -159,8 +124,8 @@ class SvgDocument {
   }
 
   void paint(const Fill& fill) {
-    body_ += "<rect" + frameAttributes(fill.frame) + roundAttribute(fill.cornerRadius) +
-             filledWith(fill.color) + "/>\n";
+    body_ +=
+        "<rect" + roundAttributes(fill.frame, fill.cornerRadius) + filledWith(fill.color) + "/>\n";
   }
 
   void paint(const TextItem& text) {
@@ -246,8 +211,8 @@ class SvgDocument {
       return known->second;
     }
     const std::string id = newId();
-    definitions_ += "<clipPath" + attribute("id", id) + "><rect" + frameAttributes(clip.frame) +
-                    roundAttribute(clip.cornerRadius) + "/></clipPath>\n";
+    definitions_ += "<clipPath" + attribute("id", id) + "><rect" +
+                    roundAttributes(clip.frame, clip.cornerRadius) + "/></clipPath>\n";
     return clips_.emplace_back(clip, id).second;
   }
 
@@ -298,9 +263,7 @@ std::expected<std::string, std::string> writeSvg(
     return std::unexpected(*std::move(error));
   }
   SvgDocument document(appearance, fonts, pictures, idPrefix);
-  for (const Item& item : list.items) {
-    document.paint(item);
-  }
+  document.paint(list);
   return document.finished(list);
 }
 

@@ -18,9 +18,9 @@ constexpr double maxSize = 4096;  // device pixels; what is larger is drawn at t
 // Sizes in 64ths of a pixel, as FreeType counts.
 long sixtyFourths(double size) { return std::max(1L, std::lround(std::min(size, maxSize) * 64)); }
 
-std::uint64_t keyOf(FontId font, std::uint32_t glyph, long size, int phase) {
-  return std::uint64_t{glyph} << 40 | static_cast<std::uint64_t>(size) << 18 |
-         std::uint64_t{font} << 2 | static_cast<std::uint64_t>(phase);
+std::uint64_t keyOf(FontId font, std::uint32_t glyph, long size, GlyphPhase phase) {
+  return std::uint64_t{glyph} << 40 | static_cast<std::uint64_t>(size) << 20 |
+         std::uint64_t{font} << 4 | static_cast<std::uint64_t>(phase.y * 4 + phase.x);
 }
 
 std::uint8_t unmultiplied(int component, int alpha) {
@@ -74,7 +74,7 @@ StrikeGlyph strikeGlyph(FontBook& fonts, FontId font, std::uint32_t glyph) {
       .picture = pictureOf(face->glyph->bitmap)};
 }
 
-const GlyphMask& GlyphMasks::find(FontId font, std::uint32_t glyph, double size, int phase) {
+const GlyphMask& GlyphMasks::find(FontId font, std::uint32_t glyph, double size, GlyphPhase phase) {
   const long pixelSize = sixtyFourths(size);
   const std::uint64_t key = keyOf(font, glyph, pixelSize, phase);
   if (const auto known = kept_.find(key); known != kept_.end()) {
@@ -89,14 +89,15 @@ const GlyphMask& GlyphMasks::find(FontId font, std::uint32_t glyph, double size,
   return kept_.emplace(key, std::move(mask)).first->second;
 }
 
-GlyphMask GlyphMasks::render(FontId font, std::uint32_t glyph, long size, int phase) {
+GlyphMask GlyphMasks::render(FontId font, std::uint32_t glyph, long size, GlyphPhase phase) {
   FT_FaceRec_* face = fonts_.face(font);
   if (face == nullptr || FT_Set_Char_Size(face, 0, size, 72, 72) != 0 ||
       FT_Load_Glyph(face, glyph, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP) != 0 ||
       face->glyph->format != FT_GLYPH_FORMAT_OUTLINE) {
     return {};
   }
-  FT_Outline_Translate(&face->glyph->outline, static_cast<FT_Pos>(phase) * 16, 0);
+  constexpr FT_Pos quarter = 16;
+  FT_Outline_Translate(&face->glyph->outline, phase.x * quarter, -phase.y * quarter);
   if (FT_Render_Glyph(face->glyph, FT_RENDER_MODE_NORMAL) != 0) {
     return {};
   }
@@ -122,7 +123,7 @@ GlyphMask GlyphMasks::render(FontId font, std::uint32_t glyph, long size, int ph
 }
 
 const ColorGlyph& GlyphMasks::findColor(FontId font, std::uint32_t glyph, double size) {
-  const std::uint64_t key = keyOf(font, glyph, sixtyFourths(size), 0);
+  const std::uint64_t key = keyOf(font, glyph, sixtyFourths(size), {});
   if (const auto known = keptColor_.find(key); known != keptColor_.end()) {
     return known->second;
   }

@@ -1,4 +1,4 @@
-// Glyphs as masks, rendered without hinting and kept by font, glyph, size and quarter-pixel phase;
+// Glyphs as masks, rendered without hinting and kept by font, glyph, size and phase;
 // and glyphs in colour as pictures. What is kept is bounded. Belongs to one thread.
 #pragma once
 
@@ -36,19 +36,25 @@ struct ColorGlyph {
   Bitmap picture;
 };
 
+// Where in a pixel a glyph's origin stands, in quarters to the right and downwards, 0 to 3.
+struct GlyphPhase {
+  int x = 0;
+  int y = 0;
+};
+
 class GlyphMasks {
  public:
   explicit GlyphMasks(FontBook& fonts) : fonts_(fonts) {}
 
-  // The mask of a glyph at a size in device pixels, shifted right by `phase` quarters of a pixel;
-  // empty where the glyph has no outline. Good until the next call.
-  const GlyphMask& find(FontId font, std::uint32_t glyph, double size, int phase);
+  // The mask of a glyph at a size in device pixels; empty where the glyph has no outline. Good
+  // until the next call.
+  const GlyphMask& find(FontId font, std::uint32_t glyph, double size, GlyphPhase phase);
 
   // The glyph's picture scaled to the size; empty where it has none. Good until the next call.
   const ColorGlyph& findColor(FontId font, std::uint32_t glyph, double size);
 
  private:
-  GlyphMask render(FontId font, std::uint32_t glyph, long size, int phase);
+  GlyphMask render(FontId font, std::uint32_t glyph, long size, GlyphPhase phase);
 
   FontBook& fonts_;
   std::unordered_map<std::uint64_t, GlyphMask> kept_;
