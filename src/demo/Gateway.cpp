@@ -376,7 +376,7 @@ Answer Gateway::listDocuments() const {
 // In a time that does not depend on how much of the token is right.
 bool Gateway::knows(std::string_view token) const {
   return token.size() == token_.size() &&
-         gnutls_memcmp(token.data(), token_.data(), token_.size()) == 0;
+         gnutls_memcmp(token_.data(), token.data(), token.size()) == 0;
 }
 
 }  // namespace quillpad::demo

@@ -1,13 +1,15 @@
 #include "platform/net/URLRequest.h"
 
 #include <algorithm>
-#include <strings.h>
+#include <cctype>
 
 namespace quillpad {
 namespace {
 
 bool sameField(std::string_view left, std::string_view right) {
-  return left.size() == right.size() && strncasecmp(left.data(), right.data(), left.size()) == 0;
+  return std::ranges::equal(left, right, [](unsigned char a, unsigned char b) {
+    return std::tolower(a) == std::tolower(b);
+  });
 }
 
 }  // namespace
