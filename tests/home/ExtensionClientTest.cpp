@@ -109,7 +109,10 @@ TEST_F(ExtensionClientTest, AnAnswerBeforeTheEndCountsAndNothingIsAskedAfterIt) 
 }
 
 TEST_F(ExtensionClientTest, AnExtensionMayNotUseAllMemory) {
-  const auto entry = askSnapshot("x=$(head -c 40000000 /dev/zero | tr '\\0' x); sleep 60");
+  extension_.play("x=$(head -c 40000000 /dev/zero | tr '\\0' x); sleep 60");
+  auto extension = ExtensionClient::start(extension_.path(), std::size_t{30} * 1024 * 1024);
+  ASSERT_TRUE(extension);
+  const auto entry = extension->ask<channel::Entry>(channel::SnapshotRequest{"A"});
   ASSERT_FALSE(entry);
   EXPECT_EQ(entry.error().status, ExitStatus::extensionEnded);
   EXPECT_THAT(entry.error().message, HasSubstr("the limit is 30 MB"));

@@ -63,8 +63,8 @@ Failure meaningOf(const SessionEnd& end, std::chrono::milliseconds allowed) {
 }  // namespace
 
 std::expected<ExtensionClient, Failure> ExtensionClient::start(
-    const std::filesystem::path& program) {
-  auto session = ExtensionSession::start(program);
+    const std::filesystem::path& program, std::size_t memoryLimit) {
+  auto session = ExtensionSession::start(program, memoryLimit);
   if (!session) {
     return failure(ExitStatus::notPossible, session.error());
   }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <expected>
 #include <filesystem>
 #include <optional>
@@ -20,7 +21,9 @@ namespace quillpad::home {
 
 class ExtensionClient {
  public:
-  static std::expected<ExtensionClient, Failure> start(const std::filesystem::path& program);
+  static std::expected<ExtensionClient, Failure> start(
+      const std::filesystem::path& program,
+      std::size_t memoryLimit = ExtensionSession::defaultMemoryLimit);
 
   // The answer to the request, of the type expected. After a failure nothing more can be asked.
   template <class Answer>

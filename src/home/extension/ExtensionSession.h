@@ -45,7 +45,12 @@ using SessionEvent = std::
 
 class ExtensionSession {
  public:
+  // What the phone grants a widget extension. The sanitizers need memory of their own beside it.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  static constexpr std::size_t defaultMemoryLimit = std::size_t{1024} * 1024 * 1024;
+#else
   static constexpr std::size_t defaultMemoryLimit = std::size_t{30} * 1024 * 1024;
+#endif
 
   // Starts the program; on failure one sentence for a person.
   static std::expected<ExtensionSession, std::string> start(
