@@ -72,7 +72,7 @@ TEST_F(ExtensionClientTest, TellsTheWaysToFailApart) {
       {"head -c 8388609 /dev/zero >&3; sleep 60", ExitStatus::notPossible, "more than 8 MiB"},
       {R"(echo '{"id":1,"result":{"dropped":true}}' >&3; sleep 60)",
        ExitStatus::dropped,
-       "sign-in"},
+       "dropped the request"},
       {R"(echo '{"id":1,"result":[]}' >&3; sleep 60)", ExitStatus::notPossible, "something else"},
       {R"(echo '{"id":1,"error":{"code":-32602,"message":"no such kind"}}' >&3; sleep 60)",
        ExitStatus::wrongUsage,

@@ -12,6 +12,7 @@
 #include <sys/socket.h>
 #include <vector>
 
+#include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
 #include "home/page/HomeScreen.h"
 #include "platform/foundation/FileDescriptor.h"
@@ -69,7 +70,8 @@ class HomeScreenTest : public testing::Test {
   fixtures::TemporaryHome home_;
 
  protected:
-  std::unique_ptr<HomeScreen> screen_ = HomeScreen::start(CLOCK_EXTENSION, 0).value();
+  std::unique_ptr<HomeScreen> screen_ =
+      HomeScreen::start(CLOCK_EXTENSION, 0, "the clock has no hands").value();
 };
 
 TEST_F(HomeScreenTest, ShowsAnyExtensionsWidgetsLive) {
@@ -114,6 +116,13 @@ TEST_F(HomeScreenTest, ChangesAreThoseSinceTheVersionOfThisRun) {
   for (const auto& [line, isNew] : cases) {
     EXPECT_EQ(ask(line).contains("data-kind"), isNew) << line;
   }
+}
+
+TEST_F(HomeScreenTest, ADroppedRequestIsToldInTheExtensionsWordsAndTheHint) {
+  const fixtures::ScopedVariable stopped("CLOCK_STOPPED", "yes");
+  screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, "the clock has no hands").value();
+  const std::string page = askUntil("GET /", "the clock has no hands");
+  EXPECT_THAT(page, AllOf(HasSubstr("the clock has stopped"), HasSubstr("=\"placeholder\"")));
 }
 
 TEST_F(HomeScreenTest, ChangesNeedThePagesTokenAndSomethingToChange) {

@@ -15,6 +15,7 @@ namespace quillpad::home {
 // What the command line gives every command.
 struct CommandContext {
   std::filesystem::path extension;  // the program to start
+  std::string droppedHint{};        // see Program
 };
 
 struct Command {

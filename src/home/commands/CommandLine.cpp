@@ -69,7 +69,7 @@ class Parser {
     } catch (const CLI::ParseError& error) {
       return outcome(error);
     }
-    return run_({.extension = extension_});
+    return run_({.extension = extension_, .droppedHint = program_.droppedHint});
   }
 
  private:

@@ -55,7 +55,7 @@ struct Serve {
     const FileDescriptor parent = keepsRunning ? FileDescriptor() : watchParent();
     const FileDescriptor signals = catchStopSignals(keepsRunning);
 
-    auto screen = HomeScreen::start(context.extension, port);
+    auto screen = HomeScreen::start(context.extension, port, context.droppedHint);
     if (!screen) {
       return failure(ExitStatus::notPossible, screen.error());
     }

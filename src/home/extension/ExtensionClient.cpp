@@ -28,9 +28,7 @@ Answer meaningOf(channel::Reply reply) {
   }
   if (std::holds_alternative<channel::Dropped>(reply)) {
     return failure(
-        ExitStatus::dropped,
-        "the extension dropped the request, so there is no timeline: the business identifier or "
-        "the token is empty; \"quillpad-home settings sign-in\" sets both");
+        ExitStatus::dropped, "the extension dropped the request, so there is no timeline");
   }
   return reply;
 }

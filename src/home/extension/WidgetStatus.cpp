@@ -7,22 +7,7 @@
 namespace quillpad::home {
 namespace {
 
-// Lines with which extensions tell why they let a request go.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 2> knownLines{{
-    {"没有获取到businessID", "Nobody is signed in: the business identifier is empty."},
-    {"没有token", "The sign-in is not complete: the access token is empty."},
-}};
-
 std::string quoted(const std::string& line) { return "\u201c" + line + "\u201d"; }
-
-std::string whyDropped(const std::string& line) {
-  for (const auto& [known, meaning] : knownLines) {
-    if (line == known) {
-      return std::string(meaning) + " The extension said " + quoted(line) + ".";
-    }
-  }
-  return line.empty() ? "It gave no reason." : "It said " + quoted(line) + ".";
-}
 
 std::string fallbackWords(const TransportError& failure) {
   return "The figures could not be fetched, so zeros or a sample stand in for them. " +
@@ -47,7 +32,9 @@ Problem problemOf(const SessionEnd& end, Date now) {
 std::string inPlainWords(const Problem& problem) {
   switch (problem.cause) {
     case Problem::Cause::dropped:
-      return "The extension let the request go without an answer. " + whyDropped(problem.output);
+      return "The extension let the request go without an answer. " +
+             (problem.output.empty() ? "It gave no reason."
+                                     : "It said " + quoted(problem.output) + ".");
     case Problem::Cause::refused:
       return "The extension could not take the request: " + problem.detail + ".";
     case Problem::Cause::late:
@@ -65,7 +52,7 @@ std::string inPlainWords(const Problem& problem) {
          (problem.output.empty() ? "" : " Its last words: " + quoted(problem.output) + ".");
 }
 
-WidgetStatus statusOf(const WidgetState& widget) {
+WidgetStatus statusOf(const WidgetState& widget, const std::string& droppedHint) {
   using Level = WidgetStatus::Level;
   WidgetStatus status;
   const Picture* picture = widget.picture;
@@ -87,7 +74,10 @@ WidgetStatus statusOf(const WidgetState& widget) {
     status = {Level::stale, "Old picture", "A newer picture is overdue."};
   }
   if (widget.problem != nullptr) {
-    const std::string words = inPlainWords(*widget.problem);
+    std::string words = inPlainWords(*widget.problem);
+    if (widget.problem->cause == Problem::Cause::dropped && !droppedHint.empty()) {
+      words += " Maybe " + droppedHint + ".";
+    }
     const bool replaces = status.level == Level::placeholder || status.level == Level::empty;
     status.cause = replaces ? words : status.cause + " " + words;
   }

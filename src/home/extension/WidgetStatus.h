@@ -25,7 +25,8 @@ struct WidgetStatus {
   std::string note{};  // some words in passing; empty where there is nothing to add
 };
 
-WidgetStatus statusOf(const WidgetState& widget);
+// The hint is said where the extension dropped a request: why that may be and what helps.
+WidgetStatus statusOf(const WidgetState& widget, const std::string& droppedHint = "");
 
 // "live", "placeholder", "fallback", "stale" or "empty".
 std::string_view levelName(WidgetStatus::Level level);

@@ -57,8 +57,8 @@ WebAnswer html(std::string body) {
 }  // namespace
 
 std::expected<std::unique_ptr<HomeScreen>, std::string> HomeScreen::start(
-    const std::filesystem::path& extension, std::uint16_t port) {
-  std::unique_ptr<HomeScreen> screen(new HomeScreen(extension));
+    const std::filesystem::path& extension, std::uint16_t port, std::string droppedHint) {
+  std::unique_ptr<HomeScreen> screen(new HomeScreen(extension, std::move(droppedHint)));
   auto server = WebServer::start(
       port, {}, [self = screen.get()](const WebRequest& request) { return self->answer(request); });
   if (!server) {
@@ -69,10 +69,11 @@ std::expected<std::unique_ptr<HomeScreen>, std::string> HomeScreen::start(
   return screen;
 }
 
-HomeScreen::HomeScreen(const std::filesystem::path& extension)
+HomeScreen::HomeScreen(const std::filesystem::path& extension, std::string droppedHint)
     : token_(secret()),
       instance_(secret()),
       locale_(currentLocale()),
+      droppedHint_(std::move(droppedHint)),
       relay_(STDERR_FILENO),
       widgets_(
           extension,
@@ -276,7 +277,7 @@ CardModel HomeScreen::modelOf(const WidgetState& card) {
   CardModel model{
       .about = card.about,
       .drawing = drawnCard(card),
-      .status = statusOf(card),
+      .status = statusOf(card, droppedHint_),
       .updated = std::nullopt,
       .reload = card.reload};
   if (card.picture != nullptr && card.picture->source == Picture::Source::timeline) {

@@ -29,8 +29,9 @@ namespace quillpad::home {
 class HomeScreen {
  public:
   // Takes up the state of the last run and listens at the port; on failure one line that tells why.
+  // The hint is said where the extension drops a request: why that may be and what helps.
   static std::expected<std::unique_ptr<HomeScreen>, std::string> start(
-      const std::filesystem::path& extension, std::uint16_t port);
+      const std::filesystem::path& extension, std::uint16_t port, std::string droppedHint);
 
   // Of the page.
   std::string address() const;
@@ -55,7 +56,7 @@ class HomeScreen {
     std::optional<DrawnCard> card;
   };
 
-  explicit HomeScreen(const std::filesystem::path& extension);
+  HomeScreen(const std::filesystem::path& extension, std::string droppedHint);
   Supervisor& supervisor() { return widgets_.supervisor(); }
   const Supervisor& supervisor() const { return widgets_.supervisor(); }
   WebReply answer(const WebRequest& request);
@@ -76,6 +77,7 @@ class HomeScreen {
   std::string token_;
   std::string instance_;
   std::string locale_;
+  std::string droppedHint_;
 
   LineRelay relay_;
   WidgetHost widgets_;
