@@ -1,6 +1,8 @@
 #include "home/extension/StateFile.h"
 
+#include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <system_error>
 #include <utility>
 
@@ -60,7 +62,8 @@ std::optional<Picture> decodePicture(const Value& value) {
   if (const auto* failure = member<Dictionary>(*members, "failure")) {
     const auto* code = member<Number>(*failure, "code");
     const auto* description = member<std::string>(*failure, "description");
-    if (code == nullptr || description == nullptr) {
+    if (code == nullptr || description == nullptr ||
+        std::abs(code->doubleValue()) > std::numeric_limits<int>::max()) {
       return std::nullopt;
     }
     picture.failure = {static_cast<int>(code->doubleValue()), *description};
