@@ -22,13 +22,15 @@ widgets::WidgetConfiguration withReload(
   auto timeline = std::move(widget.timeline);
   widget.timeline = [timeline, reload](
                         const widgets::TimelineProviderContext& context,
-                        widgets::Completion<widgets::EncodedTimeline> completion) {
+                        widgets::Completion<channel::Timeline> completion) {
     timeline(
         context,
-        widgets::forwarding<widgets::EncodedTimeline>(
-            std::move(completion), [reload](widgets::EncodedTimeline encoded) {
-              encoded.reloadAfter = currentDate() + reload;
-              return encoded;
+        widgets::Completion<channel::Timeline>(
+            [reload, completion = std::move(completion)](auto fetched) mutable {
+              if (fetched) {
+                fetched->policy.after = currentDate() + reload;
+                completion(*std::move(fetched));
+              }
             }));
   };
   return widget;

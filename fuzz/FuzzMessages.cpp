@@ -14,10 +14,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (const auto request = channel::decodeRequest(line)) {
     expect(channel::decodeRequest(channel::encode(*request)).has_value());
   }
-  if (const auto message = channel::decodeFromExtension(line)) {
-    const std::string sent =
-        std::visit([](const auto& content) { return channel::encode(content); }, *message);
-    expect(channel::decodeFromExtension(sent).has_value());
+  for (const auto method :
+       {channel::Method::catalogue,
+        channel::Method::snapshot,
+        channel::Method::timeline,
+        channel::Method::render,
+        channel::Method::ping}) {
+    const auto methodOfId = [method](std::uint64_t) { return std::optional(method); };
+    const auto message = channel::decodeFromExtension(line, methodOfId);
+    if (!message) {
+      continue;
+    }
+    const auto* reply = std::get_if<channel::NumberedReply>(&*message);
+    const std::string sent = reply != nullptr
+                                 ? channel::encode(*reply)
+                                 : channel::encode(std::get<channel::TransferNotice>(*message));
+    expect(channel::decodeFromExtension(sent, methodOfId).has_value());
   }
   return 0;
 }

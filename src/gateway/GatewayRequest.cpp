@@ -1,8 +1,7 @@
 #include "gateway/GatewayRequest.h"
 
-#include <cstdio>
-
 #include "gateway/GatewayOrigin.h"
+#include "platform/foundation/Activity.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/Json.h"
@@ -16,12 +15,6 @@ namespace {
 
 constexpr std::string_view businessIdKey = "businessId";
 constexpr std::string_view tokenKey = "token";
-
-// Flushed at once: whoever reads along learns it before the request's end is known.
-void printLine(const std::string& line) {
-  std::puts(line.c_str());
-  std::fflush(stdout);
-}
 
 std::string serialized(const Dictionary& body) {
   auto text = writeJson(body, JsonLayout::pretty);

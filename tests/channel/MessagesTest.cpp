@@ -1,11 +1,13 @@
-#include <chrono>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
+#include <set>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "platform/channel/Messages.h"
-#include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"
 
 namespace quillpad {
@@ -15,79 +17,112 @@ namespace {
 using namespace channel;
 using testing::HasSubstr;
 
-const Value entry = Dictionary{
-    {"date", "2026-03-07T09:05:03.250Z"},
-    {"data",
-     Dictionary{{"records", Array{Dictionary{{"clientName", "宝 \n"}, {"total", 23.89}}}}}}};
+const Entry entry{
+    Date(std::chrono::milliseconds(1'772'874'303'250)),
+    Dictionary{{"records", Array{Dictionary{{"clientName", "宝 \n"}, {"total", 23.89}}}}}};
 
-TEST(MessagesTest, ARequestComesBackAsItWasSent) {
+MethodOfId always(Method method) {
+  return [method](std::uint64_t) { return std::optional(method); };
+}
+
+// The lines in the code blocks of docs/channel.md.
+std::vector<std::string> documentedLines() {
+  std::ifstream page(CHANNEL_PAGE);
+  std::vector<std::string> lines;
+  bool inBlock = false;
+  for (std::string line; std::getline(page, line);) {
+    if (line.starts_with("```")) {
+      inBlock = !inBlock;
+    } else if (inBlock) {
+      lines.push_back(line);
+    }
+  }
+  return lines;
+}
+
+TEST(MessagesTest, EachDocumentedLineIsReadAndWrittenAsItStands) {
+  std::map<std::uint64_t, Method> methods;
+  std::set<Method> asked;
+  std::set<std::size_t> replied;
+  int transfers = 0;
+  for (const std::string& line : documentedLines()) {
+    if (const auto request = decodeRequest(line)) {
+      const Method method = methodOf(request->request);
+      asked.insert(method);
+      methods.emplace(request->id, method);
+      EXPECT_EQ(encode(*request), line);
+      continue;
+    }
+    const auto message = decodeFromExtension(line, [&](std::uint64_t id) {
+      const auto method = methods.find(id);
+      return method == methods.end() ? Method::ping : method->second;  // of those that are refused
+    });
+    ASSERT_TRUE(message) << line << ": " << message.error();
+    if (const auto* reply = std::get_if<NumberedReply>(&*message)) {
+      replied.insert(reply->reply.index());
+      EXPECT_EQ(encode(*reply), line);
+    } else {
+      ++transfers;
+      EXPECT_EQ(encode(std::get<TransferNotice>(*message)), line);
+    }
+  }
+  EXPECT_EQ(asked.size(), std::variant_size_v<Request>);
+  EXPECT_EQ(replied.size(), std::variant_size_v<Reply>);
+  EXPECT_EQ(transfers, 2);
+}
+
+TEST(MessagesTest, TheDocumentedRefusalsAreThoseThatAreSent) {
+  const std::vector<std::string> documented = documentedLines();
+  for (const char* line :
+       {"launch",
+        R"({"jsonrpc":"2.0","id":8,"method":"launch"})",
+        R"({"jsonrpc":"2.0","id":9,"method":"timeline"})"}) {
+    const auto request = decodeRequest(line);
+    ASSERT_FALSE(request) << line;
+    EXPECT_THAT(documented, testing::Contains(encode(request.error())));
+  }
+}
+
+TEST(MessagesTest, WhatAPersonWroteComesBackAsItWasSent) {
   const Request requests[] = {
-      CatalogueRequest{},
-      PlaceholderRequest{"A"},
-      SnapshotRequest{"A"},
       TimelineRequest{"with \"quotes\"\nand lines"},
       RenderRequest{"A", entry, std::nullopt, ""},
-      RenderRequest{"A", entry, ui::WidgetFamily::systemMedium, "zh_Hans_CN"},
+      RenderRequest{"A", entry, ui::WidgetFamily::accessoryInline, "zh_Hans_CN"},
   };
   for (const Request& request : requests) {
-    const std::string line = encode(NumberedRequest{7, request});
+    const std::string line = encode(NumberedRequest{0, request});
     EXPECT_THAT(line, testing::Not(HasSubstr("\n")));
     const auto decoded = decodeRequest(line);
     ASSERT_TRUE(decoded) << line;
-    EXPECT_EQ(decoded->id, 7U);
+    EXPECT_EQ(decoded->id, 0U);
     EXPECT_EQ(encode(*decoded), line);
-    EXPECT_EQ(decoded->request.index(), request.index());
   }
 }
 
-TEST(MessagesTest, AReplyTellsItsKindByItsResult) {
-  const Reply replies[] = {
-      Catalogue{},
-      Catalogue{{{"A", "Name", "What it is", {ui::WidgetFamily::systemSmall}}}},
-      Entry{entry},
-      Timeline{{entry, entry}, *dateFromIso8601("2026-03-07T09:10:03.250Z")},
-      Timeline{},
-      Rendering{ui::VStack(ui::Text::verbatim("x"), ui::Spacer()).padding(4)},
-      Dropped{},
-      Refused{invalidParams, "no such kind"},
+TEST(MessagesTest, AReplyMayBeEmptyOrLackWhatCameLater) {
+  const struct {
+    const char* line;
+    Method method;
+    const char* again;
+  } cases[] = {
+      {R"({"id":0,"result":[]})", Method::catalogue, R"({"jsonrpc":"2.0","id":0,"result":[]})"},
+      {R"({"id":0,"result":[{"kind":"A","displayName":"","description":"","families":[]}]})",
+       Method::catalogue,
+       R"({"jsonrpc":"2.0","id":0,"result":[{"kind":"A","displayName":"","description":"",)"
+       R"("families":[],"languages":[]}]})"},
+      {R"({"id":0,"result":{"dropped":true}})",
+       Method::snapshot,
+       R"({"jsonrpc":"2.0","id":0,"result":{"dropped":true}})"},
+      {R"({"id":0,"result":{"entries":[],"policy":{"after":"2026-03-07T09:10:03.250Z"}}})",
+       Method::timeline,
+       R"({"jsonrpc":"2.0","id":0,"result":{"entries":[],)"
+       R"("policy":{"after":"2026-03-07T09:10:03.250Z"}}})"},
   };
-  for (const Reply& reply : replies) {
-    const std::string line = encode(NumberedReply{9, reply});
-    const auto decoded = decodeFromExtension(line);
-    ASSERT_TRUE(decoded) << line << ": " << decoded.error();
-    const auto& message = std::get<NumberedReply>(*decoded);
-    EXPECT_EQ(message.id, 9U);
-    EXPECT_EQ(message.reply.index(), reply.index()) << line;
-    EXPECT_EQ(encode(message), line);
+  for (const auto& [line, method, again] : cases) {
+    const auto message = decodeFromExtension(line, always(method));
+    ASSERT_TRUE(message) << line << ": " << message.error();
+    EXPECT_EQ(encode(std::get<NumberedReply>(*message)), again);
   }
-}
-
-TEST(MessagesTest, ATransferIsToldWithItsOutcome) {
-  TransferReport report;
-  report.activity = 3;
-  report.path = "/invoice/invoice/listFast";
-  report.statusCode = 500;
-  report.duration = std::chrono::microseconds(1234567);
-  report.sentBytes = 321;
-  report.receivedBytes = 50'000'000'000;
-  const auto plain = decodeFromExtension(encode(TransferNotice{report}));
-  ASSERT_TRUE(plain);
-  const TransferReport& read = std::get<TransferNotice>(*plain).report;
-  EXPECT_EQ(read.activity, 3U);
-  EXPECT_EQ(read.path, report.path);
-  EXPECT_EQ(read.statusCode, 500);
-  EXPECT_EQ(read.duration, report.duration);
-  EXPECT_EQ(read.sentBytes, 321U);
-  EXPECT_EQ(read.receivedBytes, 50'000'000'000U);
-  EXPECT_FALSE(read.error);
-
-  report.error = TransportError{-1001, "The request timed out."};
-  const auto failed = decodeFromExtension(encode(TransferNotice{report}));
-  ASSERT_TRUE(failed);
-  EXPECT_EQ(std::get<TransferNotice>(*failed).report.error->code, -1001);
-  EXPECT_EQ(
-      std::get<TransferNotice>(*failed).report.error->localizedDescription,
-      "The request timed out.");
 }
 
 TEST(MessagesTest, ABadRequestIsRefusedByItsNumberWhereThatCanBeRead) {
@@ -97,25 +132,38 @@ TEST(MessagesTest, ABadRequestIsRefusedByItsNumberWhereThatCanBeRead) {
     int code;
     const char* message;
   } cases[] = {
-      {"", std::nullopt, parseError, "not JSON"},
-      {"{\"id\":1", std::nullopt, parseError, "not JSON"},
-      {"\xFF\xFE", std::nullopt, parseError, "not JSON"},
-      {"[]", std::nullopt, invalidRequest, "an object"},
-      {"7", std::nullopt, invalidRequest, "an object"},
-      {R"({"method":"catalogue"})", std::nullopt, invalidRequest, "whole-number id"},
-      {R"({"id":-1,"method":"catalogue"})", std::nullopt, invalidRequest, "whole-number id"},
-      {R"({"id":true,"method":"catalogue"})", std::nullopt, invalidRequest, "whole-number id"},
-      {R"({"id":1.5,"method":"catalogue"})", std::nullopt, invalidRequest, "whole-number id"},
-      {R"({"id":4})", 4, invalidRequest, "method"},
+      {"", std::nullopt, parseError, "invalid JSON at line 1, column 1"},
+      {"{\"id\":1", std::nullopt, parseError, "invalid JSON"},
+      {"\xFF\xFE", std::nullopt, parseError, "invalid JSON"},
+      {"[]", std::nullopt, invalidRequest, "request: not an object"},
+      {"7", std::nullopt, invalidRequest, "request: not an object"},
+      {R"({"method":"catalogue"})", std::nullopt, invalidRequest, R"(request: no "id")"},
+      {R"({"id":-1,"method":"catalogue"})", std::nullopt, invalidRequest, "request.id: not from 0"},
+      {R"({"id":true,"method":"ping"})", std::nullopt, invalidRequest, "id: not a whole number"},
+      {R"({"id":1.5,"method":"ping"})", std::nullopt, invalidRequest, "id: not a whole number"},
+      {R"({"id":4})", 4, invalidRequest, R"(request: no "method")"},
+      {R"({"id":0,"method":4})", 0, invalidRequest, "request.method: not a string"},
       {R"({"id":4,"method":"launch"})", 4, methodNotFound, "launch"},
-      {R"({"id":4,"method":"timeline"})", 4, invalidParams, "kind"},
-      {R"({"id":4,"method":"timeline","params":["A"]})", 4, invalidParams, "kind"},
-      {R"({"id":4,"method":"timeline","params":{"kind":4}})", 4, invalidParams, "kind"},
-      {R"({"id":4,"method":"render","params":{"kind":"A"}})", 4, invalidParams, "entry"},
-      {R"({"id":4,"method":"render","params":{"kind":"A","entry":0,"family":"huge"}})",
+      {R"({"id":4,"method":"timeline"})", 4, invalidParams, R"(params: no "kind")"},
+      {R"({"id":4,"method":"timeline","params":["A"]})", 4, invalidParams, "params: not an object"},
+      {R"({"id":4,"method":"timeline","params":{"kind":4}})",
        4,
        invalidParams,
-       "family"},
+       "kind: not a string"},
+      {R"({"id":4,"method":"render","params":{"kind":"A"}})", 4, invalidParams, R"(no "entry")"},
+      {R"({"id":4,"method":"render","params":{"kind":"A","entry":0}})",
+       4,
+       invalidParams,
+       "params.entry: not an object"},
+      {R"({"id":4,"method":"render","params":{"kind":"A","entry":{"date":"now","data":0}}})",
+       4,
+       invalidParams,
+       "params.entry.date: not a date"},
+      {R"({"id":4,"method":"render","params":{"kind":"A","family":"huge",)"
+       R"("entry":{"date":"2026-03-07T09:05:03.250Z","data":0}}})",
+       4,
+       invalidParams,
+       R"(params.family: not one of "systemSmall", "systemMedium", "systemLarge")"},
   };
   for (const auto& [line, id, code, message] : cases) {
     const auto request = decodeRequest(line);
@@ -130,32 +178,50 @@ TEST(MessagesTest, ABadRequestIsRefusedByItsNumberWhereThatCanBeRead) {
 TEST(MessagesTest, WhatIsNoMessageOfTheExtensionIsToldInWords) {
   const struct {
     const char* line;
+    Method method;
     const char* reason;
   } cases[] = {
-      {"Segmentation fault", "not JSON"},
-      {"[]", "no object"},
-      {R"({"id":1})", "without id or result"},
-      {R"({"result":{"dropped":true}})", "without id or result"},
-      {R"({"id":1,"result":7})", "unknown shape"},
-      {R"({"id":1,"result":{}})", "unknown shape"},
-      {R"({"id":1,"result":[7]})", "without families"},
-      {R"({"id":1,"result":[{"families":["huge"]}]})", "unknown family"},
-      {R"({"id":1,"result":{"entries":[]}})", "reload after"},
-      {R"({"id":1,"result":{"entries":[],"policy":{"after":"soon"}}})", "reload after"},
-      {R"({"id":1,"result":{"view":{"what":1}}})", "view"},
+      {"Segmentation fault", Method::ping, "invalid JSON at line 1, column 1"},
+      {"[]", Method::ping, "a message that cannot be read: not an object"},
+      {R"({"method":"launch"})", Method::ping, R"(method: not "transfer")"},
+      {R"({"method":"transfer"})", Method::ping, R"(no "params")"},
+      {R"({"method":"transfer","params":{"activity":-1}})", Method::ping, "params.activity: not"},
+      {R"({"id":1})", Method::ping, R"(no "result")"},
+      {R"({"result":{"dropped":true}})", Method::timeline, R"(no "id")"},
+      {R"({"id":null,"result":{}})", Method::ping, "id: not a whole number"},
+      {R"({"id":1,"error":{"code":1}})", Method::ping, R"(error: no "message")"},
+      {R"({"id":1,"result":7})", Method::snapshot, "result: not an object"},
+      {R"({"id":1,"result":{}})", Method::catalogue, "result: not an array"},
+      {R"({"id":1,"result":[7]})", Method::catalogue, "result[0]: not an object"},
+      {R"({"id":1,"result":[]})", Method::timeline, "result: not an object"},
+      {R"({"id":1,"result":{"entries":[]}})", Method::timeline, R"(result: no "policy")"},
+      {R"({"id":1,"result":{"entries":[],"policy":{"after":"soon"}}})",
+       Method::timeline,
+       "result.policy.after: not a date"},
+      {R"({"id":1,"result":{"dropped":true}})", Method::placeholder, R"(result: no "date")"},
+      {R"({"id":1,"result":{"view":{"what":1}}})", Method::render, R"(result.view: no "type")"},
   };
-  for (const auto& [line, reason] : cases) {
-    const auto message = decodeFromExtension(line);
+  for (const auto& [line, method, reason] : cases) {
+    const auto message = decodeFromExtension(line, always(method));
     ASSERT_FALSE(message) << line;
     EXPECT_THAT(message.error(), HasSubstr(reason)) << line;
   }
 }
 
+TEST(MessagesTest, AReplyToNoRequestUnderWayIsNotRead) {
+  for (const char* line :
+       {R"({"id":9,"result":"anything"})", R"({"id":9,"error":{"code":1,"message":""}})"}) {
+    const auto message = decodeFromExtension(line, [](std::uint64_t) { return std::nullopt; });
+    ASSERT_TRUE(message) << message.error();
+    EXPECT_TRUE(std::holds_alternative<StrayReply>(*message));
+  }
+}
+
 TEST(MessagesTest, AnAnswerThatNoFrameHoldsBecomesARefusal) {
-  const std::string text(longestFrame, 'x');
+  const std::string text(maxFrame, 'x');
   for (const Value& data : {Value(text), Value("\xFF"), Value(Data{"bytes"})}) {
     const auto reply = decodeFromExtension(
-        encode(NumberedReply{5, Entry{Dictionary{{"date", ""}, {"data", data}}}}));
+        encode(NumberedReply{5, Entry{Date(), data}}), always(Method::snapshot));
     ASSERT_TRUE(reply);
     const auto& message = std::get<NumberedReply>(*reply);
     EXPECT_EQ(message.id, 5U);

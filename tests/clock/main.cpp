@@ -9,6 +9,7 @@
 
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Fatal.h"
+#include "platform/foundation/Iso8601.h"
 #include "platform/widgets/WidgetBundle.h"
 
 namespace {

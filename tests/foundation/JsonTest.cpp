@@ -31,7 +31,11 @@ TEST(JsonReading, KeepsEachKindOfValue) {
       {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
       {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
       {"18446744073709551615", std::numeric_limits<std::uint64_t>::max()},
-      {"18446744073709551616", 18446744073709551616.0},
+      {"18446744073709551616", Number(WideInteger{"18446744073709551616"})},
+      {"-9223372036854775809", Number(WideInteger{"-9223372036854775809"})},
+      {"99999999999999999999999999999999999999",
+       Number(WideInteger{"99999999999999999999999999999999999999"})},
+      {"100000000000000000000000000000000000000", 1e38},
       {"\"\"", ""},
       {R"("\"\\\/\b\f\n\r\t\u00e9\ud83d\ude00")", "\"\\/\b\f\n\r\té😀"},
       {R"("a\u0000b")", std::string("a\0b", 3)},
@@ -45,6 +49,24 @@ TEST(JsonReading, KeepsEachKindOfValue) {
     const auto result = read(text);
     ASSERT_TRUE(result) << text << ": " << result.error().reason;
     EXPECT_EQ(*result, value) << text;
+  }
+}
+
+TEST(JsonReading, KeepsTheDigitsOfWholeNumbersInTextsAndWhenWrittenAgain) {
+  const struct {
+    std::string text;
+    double value;
+  } cases[] = {
+      {"18446744073709551615", 18446744073709551615.0},
+      {"18446744073709551616", 18446744073709551616.0},
+      {"-9223372036854775809", -9223372036854775809.0},
+      {"12345678901234567890123456789012345678", 12345678901234567890123456789012345678.0},
+  };
+  for (const auto& [text, value] : cases) {
+    const Value number = read(text).value();
+    EXPECT_EQ(number.as<Number>()->stringValue(), text);
+    EXPECT_EQ(number.as<Number>()->doubleValue(), value) << text;
+    EXPECT_EQ(writeJson(Array{number}, JsonLayout::compact).value(), "[" + text + "]");
   }
 }
 
@@ -100,7 +122,7 @@ TEST(JsonReading, RefusesWhatIsNotStrictJson) {
 TEST(JsonReading, SaysWhereTheTextIsBadWithoutQuotingIt) {
   const auto result = read("{\n  \"token\": \"secret\" oops}");
   ASSERT_FALSE(result);
-  EXPECT_EQ(result.error().reason, "no JSON from line 2, column 21 on");
+  EXPECT_EQ(result.error().reason, "invalid JSON at line 2, column 21");
 }
 
 TEST(JsonReading, TakesFragmentsOnlyWhereTheyAreAllowed) {

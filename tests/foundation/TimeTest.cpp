@@ -2,6 +2,7 @@
 
 #include "fixtures/ScopedVariable.h"
 #include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 #include "platform/foundation/LocalTime.h"
 
 namespace quillpad {
@@ -21,7 +22,7 @@ TEST(Clock, StandsStillWhileHeldAndRunsOnAfterwards) {
   EXPECT_GE(currentDate(), before);
 }
 
-TEST(Clock, WritesMomentsAndReadsThemBack) {
+TEST(Iso8601, WritesMomentsAndReadsThemBack) {
   for (const char* text :
        {"1970-01-01T00:00:00.000Z",
         "1969-12-31T23:59:59.999Z",
@@ -33,7 +34,7 @@ TEST(Clock, WritesMomentsAndReadsThemBack) {
   EXPECT_EQ(moment("1970-01-02T00:00:01.005Z").time_since_epoch(), 24h + 1s + 5ms);
 }
 
-TEST(Clock, ReadsNoOtherForm) {
+TEST(Iso8601, ReadsNoOtherForm) {
   for (const char* text :
        {"",
         "2026-03-07T09:05:03Z",

@@ -39,7 +39,7 @@ class ExtensionClientTest : public testing::Test {
 };
 
 constexpr const char* goodAnswer =
-    R"(echo '{"jsonrpc":"2.0","id":1,"result":{"date":"d","data":"x"}}' >&3)";
+    R"(echo '{"jsonrpc":"2.0","id":1,"result":{"date":"2026-03-07T09:05:03.250Z","data":"x"}}' >&3)";
 
 TEST_F(ExtensionClientTest, GivesTheAnswerAndRelaysWhatIsPrinted) {
   testing::internal::CaptureStderr();
@@ -68,12 +68,14 @@ TEST_F(ExtensionClientTest, TellsTheWaysToFailApart) {
        "signal 6, Aborted): Unit line 8: broken"},
       {"read r <&3; printf 'no line end' >&2; exit 1", ExitStatus::extensionEnded, ": no line end"},
       {"exec 3>&-; sleep 60", ExitStatus::extensionEnded, "signal 9"},
-      {"echo 'not a message' >&3; sleep 60", ExitStatus::notPossible, "not JSON"},
+      {"echo 'not a message' >&3; sleep 60", ExitStatus::notPossible, "sent invalid JSON"},
       {"head -c 8388609 /dev/zero >&3; sleep 60", ExitStatus::notPossible, "more than 8 MiB"},
       {R"(echo '{"id":1,"result":{"dropped":true}}' >&3; sleep 60)",
        ExitStatus::dropped,
        "dropped the request"},
-      {R"(echo '{"id":1,"result":[]}' >&3; sleep 60)", ExitStatus::notPossible, "something else"},
+      {R"(echo '{"id":1,"result":[]}' >&3; sleep 60)",
+       ExitStatus::notPossible,
+       "result: not an object"},
       {R"(echo '{"id":1,"error":{"code":-32602,"message":"no such kind"}}' >&3; sleep 60)",
        ExitStatus::wrongUsage,
        "no such kind"},
@@ -119,14 +121,18 @@ TEST_F(ExtensionClientTest, AnExtensionMayNotUseAllMemory) {
 }
 
 TEST_F(ExtensionClientTest, SendsARequestThatIsLargerThanTheChannelTakesAtOnce) {
-  extension_.play("head -n 1 <&3 | wc -c >&2; " + std::string(goodAnswer) + "; sleep 60");
+  extension_.play(
+      R"(head -n 1 <&3 | wc -c >&2; echo '{"id":1,"result":{"view":{"type":"spacer"}}}' >&3; )"
+      "sleep 60");
   auto extension = ExtensionClient::start(extension_.path());
   ASSERT_TRUE(extension);
   testing::internal::CaptureStderr();
-  const auto entry = extension->ask<channel::Entry>(
-      channel::RenderRequest{"A", std::string(4'000'000, 'x'), std::nullopt, ""});
-  EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::StartsWith("40000"));
-  EXPECT_TRUE(entry);
+  channel::RenderRequest request;
+  request.kind = "A";
+  request.entry.data = std::string(4'000'000, 'x');
+  const auto rendering = extension->ask<channel::Rendering>(request);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::StartsWith("40001"));
+  EXPECT_TRUE(rendering);
 }
 
 TEST_F(ExtensionClientTest, AProgramThatCannotBeStartedIsNamed) {

@@ -21,7 +21,7 @@ using testing::HasSubstr;
 using Cause = SessionEnd::Cause;
 
 constexpr const char* goodAnswer =
-    R"(echo '{"jsonrpc":"2.0","id":1,"result":{"date":"d","data":"x"}}' >&3)";
+    R"(echo '{"jsonrpc":"2.0","id":1,"result":{"date":"2026-03-07T09:05:03.250Z","data":"x"}}' >&3)";
 
 class ExtensionSessionTest : public testing::Test {
  protected:
@@ -78,7 +78,10 @@ TEST_F(ExtensionSessionTest, TellsTheCausesOfAnEndApart) {
        "exit status 1",
        "last words"},
       {"exec 3>&-; sleep 60", Cause::exited, "signal 9, Killed", ""},
-      {"echo 'no message' >&3; sleep 60", Cause::protocolError, "a line that is not JSON", ""},
+      {"echo 'no message' >&3; sleep 60",
+       Cause::protocolError,
+       "invalid JSON at line 1, column 2",
+       ""},
       {"head -c 8388609 /dev/zero >&3; sleep 60", Cause::protocolError, "more than 8 MiB", ""},
   };
   for (const auto& [commands, cause, detail, lastWords] : cases) {

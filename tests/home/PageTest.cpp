@@ -3,7 +3,7 @@
 #include <string>
 
 #include "home/page/Page.h"
-#include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 
 namespace quillpad::home {
 namespace {
@@ -18,7 +18,8 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
       .kind = "\"><script>kind()</script>",
       .displayName = "<img src=x onerror=name()> {{link}}",
       .description = "</p>&'\"",
-      .families = {}};
+      .families = {},
+      .languages = {}};
   const DrawnCard drawing{.picture = trusted("PICTURE"), .link = "quillpad://a\"b"};
   CardModel card{.about = &item, .drawing = &drawing, .status = {}, .updated = {}, .reload = {}};
   card.status = {WidgetStatus::Level::stale, "Old <i>", "It said “</p><script>”."};
@@ -57,7 +58,7 @@ TEST(Page, OnlyLinksToApplicationsStandOnIt) {
 
 TEST(Page, TellsAgeAndReload) {
   using namespace std::chrono_literals;
-  const channel::CatalogueItem item{"A", "A", "", {}};
+  const channel::CatalogueItem item{"A", "A", "", {}, {}};
   const struct {
     std::chrono::milliseconds age;
     std::chrono::milliseconds left;
@@ -93,7 +94,7 @@ TEST(Page, TellsAgeAndReload) {
 
 TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   using Cause = Problem::Cause;
-  const channel::CatalogueItem item{"A", "A", "", {}};
+  const channel::CatalogueItem item{"A", "A", "", {}, {}};
   const Picture live{.source = Picture::Source::timeline, .entry = {}, .received = noon};
   Picture placeholder = live;
   placeholder.source = Picture::Source::placeholder;

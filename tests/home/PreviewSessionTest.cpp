@@ -17,7 +17,8 @@ using namespace std::chrono_literals;
 using testing::HasSubstr;
 using Source = PreviewSession::Source;
 
-constexpr const char* entryAnswer = R"(echo '{"id":1,"result":{"date":"d","data":"x"}}' >&3)";
+constexpr const char* entryAnswer =
+    R"(echo '{"id":1,"result":{"date":"2026-03-07T09:05:03.250Z","data":"x"}}' >&3)";
 
 class PreviewSessionTest : public testing::Test {
  protected:
@@ -67,11 +68,13 @@ TEST_F(PreviewSessionTest, SaysWhatWentWrong) {
       {R"(read r <&3; echo '{"id":1,"error":{"code":-32602,"message":"no such kind"}}' >&3; cat)",
        Source::given,
        "no such kind"},
-      {std::string("read r <&3; ") + entryAnswer + "; sleep 60", Source::given, "no answer"},
+      {std::string("read r <&3; ") + entryAnswer + "; sleep 60",
+       Source::given,
+       R"(result: no "view")"},
       {std::string("read r <&3; ") + entryAnswer +
-           R"(; read r <&3; echo '{"id":2,"result":{"date":"d","data":"x"}}' >&3; sleep 60)",
+           R"(; read r <&3; echo '{"id":2,"result":{"date":"2026-03-07T09:05:03.250Z","data":"x"}}' >&3; sleep 60)",
        Source::snapshot,
-       "no answer"},
+       R"(result: no "view")"},
   };
   for (const auto& [commands, source, error] : cases) {
     extension_.play(commands);

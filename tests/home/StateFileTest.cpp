@@ -8,7 +8,7 @@
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
 #include "home/extension/StateFile.h"
-#include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 #include "platform/foundation/Json.h"
 #include "platform/ui/ViewCodec.h"
 
@@ -22,14 +22,15 @@ SavedHome example() {
           {{.kind = "A",
             .displayName = "First \"one\"",
             .description = "d",
-            .families = {ui::WidgetFamily::systemMedium}}},
+            .families = {ui::WidgetFamily::systemMedium},
+            .languages = {"de"}}},
       .placed = {"A"},
       .pictures = {}};
   home.pictures.emplace(
       "A",
       Picture{
           .source = Picture::Source::timeline,
-          .entry = Dictionary{{"date", "2026-03-07T09:05:03.250Z"}, {"data", 23.89}},
+          .entry = {*dateFromIso8601("2026-03-07T09:05:03.250Z"), 23.89},
           .view = ui::VStack(ui::Text::verbatim("Åse <b>"), ui::Spacer()).padding(16),
           .received = *dateFromIso8601("2026-03-07T09:05:04.000Z"),
           .failure = TransportError{-1004, "Could not connect to the server."}});
@@ -56,6 +57,7 @@ TEST(StateFile, ReadsBackWhatItWrote) {
   EXPECT_EQ(home.placed, std::vector<std::string>{"A"});
   EXPECT_EQ(home.catalogue.at(0).displayName, "First \"one\"");
   EXPECT_EQ(home.catalogue.at(0).families.at(0), ui::WidgetFamily::systemMedium);
+  EXPECT_EQ(home.catalogue.at(0).languages, std::vector<std::string>{"de"});
   const SavedHome original = example();
   const Picture& picture = home.pictures.at("A");
   EXPECT_EQ(picture.entry, original.pictures.at("A").entry);

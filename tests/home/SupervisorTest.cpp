@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "home/extension/Supervisor.h"
-#include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 
 namespace quillpad::home {
 namespace {
@@ -27,14 +27,12 @@ channel::Catalogue catalogueOf(const std::vector<std::string>& kinds) {
   channel::Catalogue catalogue;
   for (const std::string& kind : kinds) {
     catalogue.items.push_back(
-        {.kind = kind, .displayName = kind, .description = "", .families = {}});
+        {.kind = kind, .displayName = kind, .description = "", .families = {}, .languages = {}});
   }
   return catalogue;
 }
 
-Value entryAt(Date date, const std::string& data) {
-  return Dictionary{{"date", iso8601(date)}, {"data", data}};
-}
+channel::Entry entryAt(Date date, const std::string& data) { return {date, data}; }
 
 // A home screen with the widgets A and B, whose extension answers what it is told to.
 class SupervisorTest : public testing::Test {
@@ -68,6 +66,7 @@ class SupervisorTest : public testing::Test {
       std::string operator()(const channel::SnapshotRequest& r) { return "snapshot " + r.kind; }
       std::string operator()(const channel::TimelineRequest& r) { return "timeline " + r.kind; }
       std::string operator()(const channel::RenderRequest& r) { return "render " + r.kind; }
+      std::string operator()(const channel::PingRequest&) { return "ping"; }
     };
     return std::visit(Words{}, request);
   }
@@ -89,7 +88,7 @@ class SupervisorTest : public testing::Test {
   }
 
   channel::Timeline timelineOf(const std::string& data) const {
-    return {.entries = {entryAt(date, data)}, .reloadAfter = date + 5min};
+    return {.entries = {entryAt(date, data)}, .policy = {date + 5min}};
   }
 
   // Answers everything but timelines until nothing else is asked; returns what was.
@@ -101,7 +100,7 @@ class SupervisorTest : public testing::Test {
         if (request == "catalogue") {
           answer(request, catalogueOf({"A", "B"}));
         } else if (request.starts_with("placeholder") || request.starts_with("snapshot")) {
-          answer(request, channel::Entry{entryAt(date, "sample")});
+          answer(request, entryAt(date, "sample"));
         } else if (request.starts_with("render")) {
           answer(request, channel::Rendering{ui::Spacer{}});
         }
@@ -155,8 +154,7 @@ class SupervisorTest : public testing::Test {
   // The data of the entry that the widget shows.
   std::string shown(const std::string& kind) const {
     const Picture* picture = widget(kind).picture;
-    return picture == nullptr ? "empty"
-                              : *picture->entry.as<Dictionary>()->find("data")->as<std::string>();
+    return picture == nullptr ? "empty" : *picture->entry.data.as<std::string>();
   }
 
   Date date = *dateFromIso8601("2026-03-07T09:00:00.000Z");
@@ -219,7 +217,7 @@ TEST_F(SupervisorTest, AReloadTimeInThePastOrFarAwayIsBounded) {
     supervisor.remove(now(), "B");
     supervisor.reload(now());
     done();
-    answer("timeline A", channel::Timeline{{entryAt(date, "a1")}, reloadAfter});
+    answer("timeline A", channel::Timeline{{entryAt(date, "a1")}, {reloadAfter}});
     answerAllButTimelines();
     EXPECT_EQ(widget("A").reload, date + wait);
     pass(wait - 1ms);

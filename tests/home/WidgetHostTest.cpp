@@ -81,7 +81,7 @@ TEST_F(WidgetHostTest, BringsAWidgetUpSavesItASecondLaterAndWaitsForItsTime) {
   EXPECT_GT(*host_->nextDeadline(), now_.uptime + 50s) << "the next minute's entry";
   EXPECT_LE(*host_->nextDeadline(), now_.uptime + 1min);
 
-  const Value before = clock().picture->entry;
+  const channel::Entry before = clock().picture->entry;
   pass(1min);
   runUntil("the next minute shows", [&] { return clock().picture->entry != before; });
   EXPECT_THAT(relayed_, IsEmpty());

@@ -6,6 +6,7 @@
 
 #include "gateway/Fetches.h"
 #include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 #include "product/GatewayOfTest.h"
 #include "product/ProductSettings.h"
 #include "support/SharedSettings.h"

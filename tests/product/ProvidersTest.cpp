@@ -6,6 +6,7 @@
 #include "host/Providers.h"
 #include "host/Widgets.h"
 #include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 #include "platform/foundation/Json.h"
 #include "product/GatewayOfTest.h"
 #include "product/ProductSettings.h"
@@ -13,7 +14,6 @@
 namespace quillpad {
 namespace {
 using widgets::Completion;
-using widgets::EncodedTimeline;
 using widgets::WidgetConfiguration;
 
 constexpr const char* zeros = R"({"salesMonth":"0","unpaidInvoices":"0","pendingEstimates":"0"})";
@@ -33,16 +33,16 @@ std::string entryText(const std::string& date, const std::string& data) {
   return R"({"date":")" + date + R"(","data":)" + data + "}";
 }
 
-std::string json(const Value& value) { return writeJson(value, JsonLayout::compact).value(); }
+std::string json(const channel::Entry& entry) {
+  return writeJson(channel::toValue(entry), JsonLayout::compact).value();
+}
 
 // The timeline of the widget, or nothing where the request was let go.
-std::optional<EncodedTimeline> timelineOf(const WidgetConfiguration& widget) {
-  std::promise<std::optional<EncodedTimeline>> end;
-  widget.timeline(
-      {},
-      Completion<EncodedTimeline>(
-          [&](EncodedTimeline timeline) { end.set_value(std::move(timeline)); },
-          [&] { end.set_value(std::nullopt); }));
+std::optional<channel::Timeline> timelineOf(const WidgetConfiguration& widget) {
+  std::promise<std::optional<channel::Timeline>> end;
+  widget.timeline({}, Completion<channel::Timeline>([&](std::optional<channel::Timeline> timeline) {
+                    end.set_value(std::move(timeline));
+                  }));
   return end.get_future().get();
 }
 
@@ -91,12 +91,10 @@ TEST_F(ProvidersTest, AnswerPlaceholderAndSnapshotAtOnceAndWithoutARequest) {
     int calls = 0;
     widget.snapshot(
         {.isPreview = true},
-        Completion<Value>(
-            [&](const Value& entry) {
-              ++calls;
-              EXPECT_EQ(json(entry), expected);
-            },
-            nullptr));
+        Completion<channel::Entry>([&](const std::optional<channel::Entry>& entry) {
+          ++calls;
+          EXPECT_EQ(json(entry.value()), expected);
+        }));
     EXPECT_EQ(calls, 1) << widget.kind;
   }
   EXPECT_TRUE(gateway.server().requests().empty());
@@ -114,7 +112,7 @@ TEST_F(ProvidersTest, MakeATimelineOfOneFetchedEntry) {
     ASSERT_TRUE(timeline) << widget.kind;
     ASSERT_EQ(timeline->entries.size(), 1U);
     EXPECT_EQ(json(timeline->entries[0]), entryText(now, isSmall(widget) ? sales : rows));
-    EXPECT_EQ(iso8601(timeline->reloadAfter), fiveMinutesLater);
+    EXPECT_EQ(iso8601(timeline->policy.after), fiveMinutesLater);
   }
   EXPECT_EQ(gateway.server().requests().size(), catalogue.size());
 }
@@ -126,7 +124,7 @@ TEST_F(ProvidersTest, MakeATimelineOfZerosOrTheSampleAfterATransportError) {
     ASSERT_TRUE(timeline) << widget.kind;
     ASSERT_EQ(timeline->entries.size(), 1U);
     EXPECT_EQ(json(timeline->entries[0]), entryText(now, expectedFallback(widget)));
-    EXPECT_EQ(iso8601(timeline->reloadAfter), fiveMinutesLater);
+    EXPECT_EQ(iso8601(timeline->policy.after), fiveMinutesLater);
   }
 }
 
@@ -137,7 +135,9 @@ void fetchLater(FetchCallback<Sales> callback) { unanswered = std::move(callback
 TEST_F(ProvidersTest, DateTheEntryByTheRequestNotByTheAnswer) {
   std::optional<widgets::Timeline<SalesSmallEntry>> timeline;
   FetchingProvider<SalesSmallEntry, fetchLater, zeroSummary>().getTimeline(
-      {}, {[&](auto delivered) { timeline = std::move(delivered); }, nullptr});
+      {}, Completion<widgets::Timeline<SalesSmallEntry>>([&](auto delivered) {
+        timeline = std::move(delivered);
+      }));
   EXPECT_FALSE(timeline);
   const HeldClock later(dateFromIso8601("2026-03-07T09:06:00.000Z").value());
   unanswered(Sales{"1", "2", "3"});
@@ -172,13 +172,10 @@ TEST_F(ProvidersTest, FetchEachTimelineByItself) {
 
 TEST_F(ProvidersTest, RenderAnEntryThatComesBack) {
   for (const WidgetConfiguration& widget : catalogue) {
-    const Value entry = widget.placeholder({});
+    const channel::Entry entry = widget.placeholder({});
     const auto view = widget.render({.widgetFamily = widget.families.front()}, entry);
     EXPECT_FALSE(view.modifiers.empty()) << widget.kind;
-    EXPECT_DEATH(widget.render({}, 7), "the entry is of another kind");
-    EXPECT_DEATH(
-        widget.render({}, Dictionary{{"date", now}, {"data", 7}}),
-        "Records line [0-9]+: the record is of another kind");
+    EXPECT_DEATH(widget.render({}, {{}, 7}), "Records line [0-9]+: the record is of another kind");
   }
 }
 

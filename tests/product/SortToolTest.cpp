@@ -3,6 +3,7 @@
 
 #include "fixtures/ScopedVariable.h"
 #include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 #include "support/SortTool.h"
 
 namespace quillpad {

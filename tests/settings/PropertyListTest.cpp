@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "fixtures/TemporaryHome.h"
-#include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 #include "platform/foundation/WholeFile.h"
 #include "platform/settings/PropertyList.h"
 
@@ -50,6 +50,7 @@ TEST(PropertyList, ReadsEveryElement) {
       {"<integer>+5</integer>", 5},
       {"<integer>0x1F</integer>", 31},
       {"<integer>18446744073709551615</integer>", std::numeric_limits<std::uint64_t>::max()},
+      {"<integer>-18446744073709551616</integer>", Number(WideInteger{"-18446744073709551616"})},
       {"<real>1e3</real>", 1000.0},
       {"<true/>", true},
       {"<false></false>", false},
@@ -70,7 +71,8 @@ TEST(PropertyList, IsNothingWhenDamaged) {
         "<true/><true/>",
         "<integer></integer>",
         "<integer>1.5</integer>",
-        "<integer>18446744073709551616</integer>",
+        "<integer>123456789012345678901234567890123456789</integer>",
+        "<integer>0x10000000000000000</integer>",
         "<integer>0x</integer>",
         "<real>abc</real>",
         "<date>yesterday</date>",

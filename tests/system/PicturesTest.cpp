@@ -92,7 +92,8 @@ TEST_F(PicturesTest, WhatCannotBeDrawnLeavesTheOldFile) {
   const auto picture = file("card.png");
   std::ofstream(picture) << "old";
   std::ofstream(file("no.json")) << "{\"date\":";
-  std::ofstream(file("shape.json")) << R"({"date":"2026-03-07T09:05:03.250Z"})";
+  std::ofstream(file("part.json")) << R"({"date":"2026-03-07T09:05:03.250Z"})";
+  std::ofstream(file("shape.json")) << R"({"date":"2026-03-07T09:05:03.250Z","data":7})";
   const struct {
     std::vector<std::string> options;
     int status;
@@ -105,11 +106,11 @@ TEST_F(PicturesTest, WhatCannotBeDrawnLeavesTheOldFile) {
       {{"--size", "nanx10"}, 2, "--size"},
       {{"--size", "10000x10000"}, 2, "pixels"},
       {{"--size", "10000.5x1"}, 2, "--size"},
-      {{"--family", "systemMedium"}, 2, "not offered as systemMedium"},
       {{"--family", "systemLarge"}, 2, "--family"},
       {{"--appearance", "sepia"}, 2, "--appearance"},
       {{"--entry", file("absent.json")}, 1, "absent.json"},
       {{"--entry", file("no.json")}, 2, "no.json is not JSON"},
+      {{"--entry", file("part.json")}, 2, "part.json is not an entry: no \"data\""},
       {{"--entry", file("shape.json")}, 4, "the extension ended"},
   };
   for (const auto& [options, status, message] : cases) {

@@ -3,7 +3,7 @@
 #include <fstream>
 #include <regex>
 
-#include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 #include "platform/foundation/Json.h"
 #include "system/HomeScreen.h"
 

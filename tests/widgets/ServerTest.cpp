@@ -1,6 +1,7 @@
 #include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -16,6 +17,7 @@
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/Locale.h"
+#include "platform/locale/LocalizedStrings.h"
 #include "platform/widgets/Server.h"
 
 namespace quillpad {
@@ -40,7 +42,7 @@ struct NoteEntry {
 struct Script {
   std::vector<widgets::Completion<widgets::Timeline<NoteEntry>>> held;
   std::vector<std::uint64_t> activities;
-  bool dropNext = false;
+  std::string wordsOfDrop;  // where the next request is to be let go: what is printed before
 };
 
 widgets::Timeline<NoteEntry> timelineOf(const std::string& text) {
@@ -63,8 +65,10 @@ struct NoteProvider {
       const widgets::TimelineProviderContext& /*context*/,
       widgets::Completion<widgets::Timeline<Entry>> completion) const {
     script->activities.push_back(currentActivity());
-    if (!std::exchange(script->dropNext, false)) {
+    if (script->wordsOfDrop.empty()) {
       script->held.push_back(std::move(completion));
+    } else {
+      printLine(std::exchange(script->wordsOfDrop, {}));
     }
   }
 };
@@ -110,6 +114,7 @@ class ServerTest : public testing::Test {
 
   void say(std::string line) { home_->send(std::move(line)); }
   void ask(std::uint64_t id, channel::Request request) {
+    asked_[id] = channel::methodOf(request);
     say(channel::encode(NumberedRequest{id, std::move(request)}));
   }
 
@@ -119,7 +124,8 @@ class ServerTest : public testing::Test {
       ADD_FAILURE() << "the server hung up";
       return {};
     }
-    auto message = channel::decodeFromExtension(line->text);
+    auto message = channel::decodeFromExtension(
+        line->text, [this](std::uint64_t id) { return std::optional(asked_[id]); });
     if (!message || !std::holds_alternative<NumberedReply>(*message)) {
       ADD_FAILURE() << line->text;
       return {};
@@ -129,14 +135,11 @@ class ServerTest : public testing::Test {
 
   // The text of the note in the reply's first entry.
   static std::string noteIn(const NumberedReply& reply) {
-    const Value* entry = nullptr;
+    const channel::Entry* entry = std::get_if<channel::Entry>(&reply.reply);
     if (const auto* timeline = std::get_if<channel::Timeline>(&reply.reply)) {
       entry = &timeline->entries.at(0);
-    } else if (const auto* single = std::get_if<channel::Entry>(&reply.reply)) {
-      entry = &single->entry;
     }
-    return entry == nullptr ? "(no entry)"
-                            : *entry->as<Dictionary>()->find("data")->as<std::string>();
+    return entry == nullptr ? "(no entry)" : *entry->data.as<std::string>();
   }
 
   // Waits until the server has taken everything that was said before.
@@ -147,6 +150,7 @@ class ServerTest : public testing::Test {
 
   fixtures::ScopedVariable locale_{"LC_ALL", "de_DE.UTF-8"};
   Script script_;
+  std::map<std::uint64_t, channel::Method> asked_;
   std::unique_ptr<widgets::Connection> home_;
   int homeDescriptor_ = -1;
   std::jthread thread_;
@@ -170,14 +174,17 @@ TEST_F(ServerTest, AnswersTimelinesInTheOrderInWhichTheyEnd) {
   }
 }
 
-TEST_F(ServerTest, ARequestThatTheProviderLetsGoIsDroppedAtOnceAndAlone) {
+TEST_F(ServerTest, ARequestThatTheProviderLetsGoIsDroppedAtOnceAndAloneWithWhatWasPrinted) {
   ask(1, channel::TimelineRequest{"Note"});
   settle();
-  script_.dropNext = true;
+  testing::internal::CaptureStdout();
+  script_.wordsOfDrop = "no note";
   ask(2, channel::TimelineRequest{"Note"});
   const NumberedReply dropped = hear();
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "no note\n");
   EXPECT_EQ(dropped.id, 2U);
-  EXPECT_TRUE(std::holds_alternative<channel::Dropped>(dropped.reply));
+  ASSERT_TRUE(std::holds_alternative<channel::Dropped>(dropped.reply));
+  EXPECT_EQ(std::get<channel::Dropped>(dropped.reply).reason, "no note");
 
   script_.held[0](timelineOf("later"));
   EXPECT_EQ(noteIn(hear()), "later");
@@ -191,10 +198,10 @@ TEST_F(ServerTest, LivesOnAfterWhatItCannotTake) {
   } cases[] = {
       {"garbage", std::nullopt, channel::parseError},
       {std::string(100'000, '['), std::nullopt, channel::parseError},
-      {std::string(channel::longestFrame + 1, ' '), std::nullopt, channel::invalidRequest},
+      {std::string(channel::maxFrame + 1, ' '), std::nullopt, channel::invalidRequest},
       {R"({"id":3,"method":"launch"})", 3, channel::methodNotFound},
       {R"({"id":4,"method":"timeline","params":{"kind":"Other"}})", 4, channel::invalidParams},
-      {R"({"id":5,"method":"render","params":{"kind":"Note","entry":0,"family":"systemMedium"}})",
+      {R"({"id":5,"method":"render","params":{"kind":"Note","entry":0}})",
        5,
        channel::invalidParams},
   };
@@ -211,7 +218,7 @@ TEST_F(ServerTest, LivesOnAfterWhatItCannotTake) {
 TEST_F(ServerTest, RendersTheEntryThatTheHomeScreenSendsBackInTheLocaleOfTheRequest) {
   ask(1, channel::SnapshotRequest{"Note"});
   EXPECT_EQ(noteIn(hear()), "");
-  const Value entry = Dictionary{{"date", "2026-03-07T09:05:03.250Z"}, {"data", "by hand"}};
+  const channel::Entry entry{{}, "by hand"};
   const std::pair<const char*, const char*> cases[] = {
       {"", "by hand in de_DE"}, {"ar_EG", "by hand in ar_EG"}, {"", "by hand in de_DE"}};
   for (const auto& [locale, text] : cases) {
@@ -230,34 +237,54 @@ TEST_F(ServerTest, EndsWhenTheHomeScreenHangsUpWithTimelinesUnderWay) {
   script_.held[0](timelineOf("too late"));
 }
 
-TEST(CompletionTest, AnswersOnceAndTellsOfItsAbandonment) {
-  int answers = 0;
-  int abandonments = 0;
+TEST_F(ServerTest, RendersTheSameContentInAnyFamily) {
+  for (const auto& [name, family] : ui::widgetFamilyNames) {
+    ask(1, channel::RenderRequest{"Note", {{}, "the note"}, family, ""});
+    const NumberedReply reply = hear();
+    ASSERT_TRUE(std::holds_alternative<channel::Rendering>(reply.reply)) << name;
+    EXPECT_EQ(
+        std::get<ui::Text>(std::get<channel::Rendering>(reply.reply).view.content).text,
+        "the note in de_DE");
+  }
+}
+
+TEST_F(ServerTest, AnswersAPingWithATimelineUnderWay) {
+  ask(1, channel::TimelineRequest{"Note"});
+  ask(2, channel::PingRequest{});
+  const NumberedReply reply = hear();
+  EXPECT_EQ(reply.id, 2U);
+  EXPECT_TRUE(std::holds_alternative<channel::Pong>(reply.reply));
+}
+
+TEST_F(ServerTest, ListsItsWidgetsWithTheLanguagesOfItsBundle) {
+  ask(1, channel::CatalogueRequest{});
+  const NumberedReply reply = hear();
+  ASSERT_TRUE(std::holds_alternative<channel::Catalogue>(reply.reply));
+  const channel::CatalogueItem item = std::get<channel::Catalogue>(reply.reply).items.at(0);
+  EXPECT_EQ(item.kind, "Note");
+  EXPECT_EQ(item.displayName, "A note");
+  EXPECT_EQ(item.description, "Shows a note.");
+  EXPECT_EQ(item.families, std::vector{ui::WidgetFamily::systemSmall});
+  EXPECT_EQ(item.languages, LocalizedStrings::main().languages());
+}
+
+TEST(CompletionTest, EndsOnceWithTheAnswerOrWithNothing) {
+  std::vector<std::optional<int>> ends;
   const auto make = [&] {
-    return widgets::Completion<int>([&](int) { ++answers; }, [&] { ++abandonments; });
+    return widgets::Completion<int>([&](std::optional<int> answer) { ends.push_back(answer); });
   };
   {
     auto called = make();
     called(1);
     called(2);
   }
-  EXPECT_EQ(answers, 1);
-  EXPECT_EQ(abandonments, 0);
+  EXPECT_EQ(ends, (std::vector<std::optional<int>>{1}));
   {
     auto moved = make();
     const auto target = std::move(moved);
-    EXPECT_EQ(abandonments, 0);
+    EXPECT_EQ(ends.size(), 1U);
   }
-  EXPECT_EQ(abandonments, 1);
-  {
-    const auto outer = widgets::forwarding<std::string>(
-        make(), [](const std::string& text) { return std::stoi(text); });
-  }
-  EXPECT_EQ(abandonments, 2);
-  widgets::forwarding<std::string>(
-      make(), [](const std::string& text) { return std::stoi(text); })("7");
-  EXPECT_EQ(answers, 2);
-  EXPECT_EQ(abandonments, 2);
+  EXPECT_EQ(ends, (std::vector<std::optional<int>>{1, std::nullopt}));
 }
 
 }  // namespace

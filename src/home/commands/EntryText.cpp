@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "home/commands/TextTable.h"
-#include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"
 
 namespace quillpad::home {
@@ -81,17 +80,6 @@ std::string describeData(const Value& data) {
   return fields.text(2) + tables;
 }
 
-std::string describeEntry(const Value& entry) {
-  const auto* members = entry.as<Dictionary>();
-  const Value* date = members == nullptr ? nullptr : members->find("date");
-  const Value* data = members == nullptr ? nullptr : members->find("data");
-  if (date == nullptr || data == nullptr) {
-    return printable(cell(entry).text) + '\n';
-  }
-  const auto moment = dateFromIso8601(cell(*date).text);
-  return (moment ? localTime(*moment) : printable(cell(*date).text)) + '\n' + describeData(*data);
-}
-
 }  // namespace
 
 std::string localTime(Date date) {
@@ -111,21 +99,23 @@ std::string describe(const channel::Catalogue& catalogue) {
   for (const channel::CatalogueItem& item : catalogue.items) {
     std::string families;
     for (const ui::WidgetFamily family : item.families) {
-      families += (families.empty() ? "" : ", ") + std::string(channel::familyName(family));
+      families += (families.empty() ? "" : ", ") + std::string(ui::familyName(family));
     }
     table.addRow({{item.kind}, {families}, {item.displayName}, {item.description}});
   }
   return table.text(0);
 }
 
-std::string describe(const channel::Entry& entry) { return describeEntry(entry.entry); }
+std::string describe(const channel::Entry& entry) {
+  return localTime(entry.date) + '\n' + describeData(entry.data);
+}
 
 std::string describe(const channel::Timeline& timeline) {
   std::string text;
-  for (const Value& entry : timeline.entries) {
-    text += describeEntry(entry);
+  for (const channel::Entry& entry : timeline.entries) {
+    text += describe(entry);
   }
-  return text + "Reloads after " + localTime(timeline.reloadAfter) + '\n';
+  return text + "Reloads after " + localTime(timeline.policy.after) + '\n';
 }
 
 }  // namespace quillpad::home

@@ -122,7 +122,7 @@ struct Gallery {
     const auto list = cards.compose(
         *view,
         {.kind = item.kind,
-         .family = std::string(channel::familyName(family)),
+         .family = std::string(ui::familyName(family)),
          .size = widget.size,
          .scale = scale,
          .redaction = choice.redaction()},

@@ -21,11 +21,7 @@ Done printAnswer(const std::expected<Answer, Failure>& answer, bool json) {
   if (!json) {
     return print(describe(*answer));
   }
-  if constexpr (std::same_as<Answer, channel::Entry>) {
-    return printJson(answer->entry, JsonLayout::compact);
-  } else {
-    return printJson(channel::toValue(*answer), JsonLayout::compact);
-  }
+  return printJson(channel::toValue(*answer), JsonLayout::compact);
 }
 
 }  // namespace quillpad::home

@@ -126,7 +126,7 @@ struct Render {
     const auto list = cards.compose(
         *tree,
         {.kind = view.kind,
-         .family = std::string(channel::familyName(*family)),
+         .family = std::string(ui::familyName(*family)),
          .size = points,
          .scale = scale,
          .redaction = view.redaction()},

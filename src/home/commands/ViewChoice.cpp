@@ -10,20 +10,25 @@
 namespace quillpad::home {
 namespace {
 
-std::expected<Value, Failure> entryInFile(const std::string& file) {
-  const auto text = readInput(file, channel::longestFrame);
+std::expected<channel::Entry, Failure> entryInFile(const std::string& file) {
+  const auto text = readInput(file, channel::maxFrame);
   if (!text) {
     return std::unexpected(text.error());
   }
-  auto entry = readJson(*text, JsonFragments::allowed);
-  if (!entry) {
+  const auto document = readJson(*text, JsonFragments::allowed);
+  if (!document) {
     return failure(
-        ExitStatus::wrongUsage, inputName(file) + " is not JSON: " + entry.error().reason);
+        ExitStatus::wrongUsage, inputName(file) + " is not JSON: " + document.error().reason);
   }
-  return std::move(*entry);
+  const Decoder d(*document);
+  auto entry = d.result(channel::entryFrom(d));
+  if (!entry) {
+    return failure(ExitStatus::wrongUsage, inputName(file) + " is not an entry: " + entry.error());
+  }
+  return *std::move(entry);
 }
 
-std::expected<Value, Failure> entryInState(
+std::expected<channel::Entry, Failure> entryInState(
     ExtensionClient& extension, EntryState state, const std::string& kind) {
   if (state == EntryState::timeline) {
     auto timeline = extension.ask<channel::Timeline>(channel::TimelineRequest{kind});
@@ -39,11 +44,7 @@ std::expected<Value, Failure> entryInState(
   const channel::Request request = state == EntryState::snapshot
                                        ? channel::Request(channel::SnapshotRequest{kind})
                                        : channel::Request(channel::PlaceholderRequest{kind});
-  auto entry = extension.ask<channel::Entry>(request);
-  if (!entry) {
-    return std::unexpected(entry.error());
-  }
-  return std::move(entry->entry);
+  return extension.ask<channel::Entry>(request);
 }
 
 }  // namespace

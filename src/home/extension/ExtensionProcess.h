@@ -73,7 +73,7 @@ class ExtensionProcess {
   FileDescriptor output_;
   FileDescriptor error_;
   std::string pending_;  // what the channel has not taken yet
-  channel::LineReader messages_{channel::longestFrame};
+  channel::LineReader messages_{channel::maxFrame};
   channel::LineReader outputLines_{maxPrintedLine};
   channel::LineReader errorLines_{maxPrintedLine};
 

@@ -33,7 +33,9 @@ std::uint64_t ExtensionSession::ask(
     lastWords_.clear();  // they belong to what was asked before
   }
   const std::uint64_t id = ++lastId_;
-  open_.emplace(id, OpenRequest{.sent = now, .deadline = now + allowed});
+  open_.emplace(
+      id,
+      OpenRequest{.method = channel::methodOf(request), .sent = now, .deadline = now + allowed});
   process_.send(channel::encode(channel::NumberedRequest{id, request}));
   return id;
 }
@@ -81,15 +83,19 @@ void ExtensionSession::take(
   if (line.tooLong) {
     return end(SessionEnd::Cause::protocolError, "a message of more than 8 MiB");
   }
-  auto message = channel::decodeFromExtension(line.text);
+  auto message = channel::decodeFromExtension(
+      line.text, [this](std::uint64_t id) -> std::optional<channel::Method> {
+        const auto request = open_.find(id);
+        return request == open_.end() ? std::nullopt : std::optional(request->second.method);
+      });
   if (!message) {
     return end(SessionEnd::Cause::protocolError, printableText(message.error()));
   }
   lastHeard_ = now;
   if (auto* notice = std::get_if<channel::TransferNotice>(&*message)) {
     events.emplace_back(std::move(*notice));
-  } else {
-    takeReply(std::move(std::get<channel::NumberedReply>(*message)), events);
+  } else if (auto* reply = std::get_if<channel::NumberedReply>(&*message)) {
+    takeReply(std::move(*reply), events);
   }
 }
 

@@ -78,6 +78,7 @@ class ExtensionSession {
 
  private:
   struct OpenRequest {
+    channel::Method method{};
     Uptime sent{};
     Uptime deadline{};
   };

@@ -96,7 +96,7 @@ void PreviewSession::takeReply(const Moment& now, const channel::Reply& reply) {
     finish(now, std::unexpected("The extension could not take it: " + refused->message + "."));
   } else if (const auto* entry = std::get_if<channel::Entry>(&reply);
              entry != nullptr && job.source != Source::given) {
-    job.entry = entry->entry;
+    job.entry = *entry;
     job.source = Source::given;
     askForRendering(now);
   } else if (const auto* rendering = std::get_if<channel::Rendering>(&reply);

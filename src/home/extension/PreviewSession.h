@@ -28,12 +28,12 @@ class PreviewSession {
   struct Job {
     std::string kind;
     Source source = Source::placeholder;
-    Value entry;         // where it is given
-    std::string locale;  // empty: the extension's own
+    channel::Entry entry;  // where it is given
+    std::string locale;    // empty: the extension's own
   };
 
   struct Result {
-    Value entry;
+    channel::Entry entry;
     ui::View view;
   };
 

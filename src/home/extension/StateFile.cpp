@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/WholeFile.h"
 #include "platform/ui/ViewCodec.h"
@@ -26,7 +26,7 @@ const T* member(const Dictionary& members, std::string_view key) {
 Value encodePicture(const Picture& picture) {
   Dictionary encoded{
       {"received", iso8601(picture.received)},
-      {"entry", picture.entry},
+      {"entry", channel::toValue(picture.entry)},
       {"view", ui::toValue(picture.view)}};
   if (picture.failure) {
     encoded.set(
@@ -50,13 +50,15 @@ std::optional<Picture> decodePicture(const Value& value) {
     return std::nullopt;
   }
   const auto date = dateFromIso8601(*received);
+  const Decoder entryDecoder(*entry);
+  auto decodedEntry = entryDecoder.result(channel::entryFrom(entryDecoder));
   auto decodedView = ui::viewFromValue(*view);
-  if (!date || !decodedView) {
+  if (!date || !decodedEntry || !decodedView) {
     return std::nullopt;
   }
   Picture picture{
       .source = Picture::Source::timeline,
-      .entry = *entry,
+      .entry = *std::move(decodedEntry),
       .view = std::move(*decodedView),
       .received = *date};
   if (const auto* failure = member<Dictionary>(*members, "failure")) {
@@ -69,30 +71,6 @@ std::optional<Picture> decodePicture(const Value& value) {
     picture.failure = {static_cast<int>(code->doubleValue()), *description};
   }
   return picture;
-}
-
-std::optional<channel::CatalogueItem> decodeItem(const Value& value) {
-  const auto* members = value.as<Dictionary>();
-  if (members == nullptr) {
-    return std::nullopt;
-  }
-  const auto* kind = member<std::string>(*members, "kind");
-  const auto* name = member<std::string>(*members, "displayName");
-  const auto* description = member<std::string>(*members, "description");
-  const auto* families = member<Array>(*members, "families");
-  if (kind == nullptr || name == nullptr || description == nullptr || families == nullptr) {
-    return std::nullopt;
-  }
-  channel::CatalogueItem item{*kind, *name, *description, {}};
-  for (const Value& each : *families) {
-    const auto* familyText = each.as<std::string>();
-    const auto family = familyText == nullptr ? std::nullopt : channel::familyFromName(*familyText);
-    if (!family) {
-      return std::nullopt;
-    }
-    item.families.push_back(*family);
-  }
-  return item;
 }
 
 }  // namespace
@@ -175,19 +153,17 @@ std::expected<SavedHome, std::string> decodeState(std::string_view text) {
   if (version == nullptr || version->doubleValue() != formatVersion) {
     return std::unexpected("it is of another version");
   }
-  const auto* catalogue = member<Array>(*members, "catalogue");
+  const Value* catalogue = members->find("catalogue");
   const auto* placed = member<Array>(*members, "placed");
   const auto* pictures = member<Dictionary>(*members, "pictures");
   if (catalogue == nullptr || placed == nullptr || pictures == nullptr) {
     return std::unexpected("a part of it is missing");
   }
   SavedHome state;
-  for (const Value& value : *catalogue) {
-    auto item = decodeItem(value);
-    if (!item) {
-      return std::unexpected("its catalogue is of another form");
-    }
-    state.catalogue.push_back(std::move(*item));
+  const Decoder items(*catalogue, "catalogue");
+  state.catalogue = channel::catalogueFrom(items).items;
+  if (!items.error().empty()) {
+    return std::unexpected(items.error());
   }
   for (const Value& value : *placed) {
     const auto* kind = value.as<std::string>();

@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <utility>
 
-#include "platform/foundation/Clock.h"
-
 namespace quillpad::home {
 namespace {
 
@@ -18,14 +16,6 @@ constexpr std::chrono::milliseconds pauseAfterFailure = 5min;
 
 // How long after its reload time a picture still counts as the newest.
 constexpr std::chrono::milliseconds maxOverdue = 1min;
-
-// The date of an entry as the channel carries it; the beginning of time where it has none.
-Date dateOf(const Value& entry) {
-  const auto* members = entry.as<Dictionary>();
-  const Value* date = members == nullptr ? nullptr : members->find("date");
-  const auto* text = date == nullptr ? nullptr : date->as<std::string>();
-  return text == nullptr ? Date{} : dateFromIso8601(*text).value_or(Date{});
-}
 
 template <class T>
 const T* addressOf(const std::optional<T>& value) {
@@ -268,8 +258,9 @@ void Supervisor::ask(const Moment& now, const std::string& kind, Purpose purpose
         request = channel::TimelineRequest{kind};
         break;
       case Purpose::rendering:
-        request = channel::RenderRequest{
-            kind, widget.unrendered ? widget.unrendered->entry : Value{}, std::nullopt, ""};
+        if (widget.unrendered) {
+          request = channel::RenderRequest{kind, widget.unrendered->entry, std::nullopt, ""};
+        }
         break;
     }
   }
@@ -313,7 +304,7 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
              entry != nullptr &&
              (request.purpose == Purpose::placeholder || request.purpose == Purpose::snapshot)) {
     widgets_[request.kind].unrendered =
-        Picture{.source = target(request), .entry = entry->entry, .received = now.date};
+        Picture{.source = target(request), .entry = *entry, .received = now.date};
   } else {
     fail(Problem::Cause::refused, "it answered something else than was asked");
   }
@@ -348,15 +339,15 @@ void Supervisor::takeTimeline(
     const Moment& now, const Pending& request, const channel::Timeline& timeline) {
   Widget& widget = widgets_[request.kind];
   const auto wait =
-      std::clamp<std::chrono::milliseconds>(timeline.reloadAfter - now.date, minWait, maxWait);
+      std::clamp<std::chrono::milliseconds>(timeline.policy.after - now.date, minWait, maxWait);
   widget.due = now.uptime + wait;
   widget.freshUntil = widget.due + maxOverdue;
   widget.reload = now.date + wait;
   widget.problem.reset();
 
   widget.later.clear();
-  for (const Value& entry : timeline.entries) {
-    widget.later.push_back({.due = now.uptime + (dateOf(entry) - now.date), .entry = entry});
+  for (const channel::Entry& entry : timeline.entries) {
+    widget.later.push_back({.due = now.uptime + (entry.date - now.date), .entry = entry});
   }
   std::ranges::stable_sort(widget.later, {}, &LaterEntry::due);
   if (widget.later.empty()) {

@@ -94,7 +94,7 @@ class Supervisor {
 
   struct LaterEntry {
     Uptime due{};
-    Value entry;
+    channel::Entry entry;
   };
 
   struct Widget {

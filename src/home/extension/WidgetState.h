@@ -20,7 +20,7 @@ struct Picture {
   enum class Source { placeholder, snapshot, timeline };
 
   Source source = Source::placeholder;
-  Value entry;
+  channel::Entry entry;
   ui::View view = ui::Spacer{};  // until it is rendered
   Date received;
   // The transfer behind the entry failed: what it shows stands in for real data.

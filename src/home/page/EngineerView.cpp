@@ -5,24 +5,17 @@
 #include <utility>
 
 #include "home/page/WidgetSizes.h"
+#include "platform/foundation/Iso8601.h"
 #include "platform/foundation/Json.h"
 #include "platform/ui/ViewCodec.h"
 
 namespace quillpad::home {
 namespace {
 
-const std::vector<std::string> languagesForNow{"ar", "de", "en", "es", "fr", "ja", "zh-Hans"};
 constexpr std::array bothAppearances{ui::Appearance::light, ui::Appearance::dark};
 
 std::string prettyJson(const Value& value) {
   return writeJson(value, JsonLayout::pretty).value_or("");
-}
-
-std::string dateOf(const Value& entry) {
-  const auto* members = entry.as<Dictionary>();
-  const Value* date = members == nullptr ? nullptr : members->find("date");
-  const auto* text = date == nullptr ? nullptr : date->as<std::string>();
-  return text == nullptr ? "" : *text;
 }
 
 // The appearance of a single picture.
@@ -59,7 +52,7 @@ const channel::CatalogueItem* EngineerView::choose(PreviewQuery& query) const {
     return nullptr;
   }
   query.kind = widget->kind;
-  if (std::ranges::find(languagesForNow, query.language) == languagesForNow.end()) {
+  if (std::ranges::find(widget->languages, query.language) == widget->languages.end()) {
     query.language.clear();
   }
   return &*widget;
@@ -138,16 +131,21 @@ EngineerView::Column EngineerView::column(
   return {state, previews_.submit(now, std::move(job))};
 }
 
-std::expected<Value, std::string> EngineerView::entryOf(
+std::expected<channel::Entry, std::string> EngineerView::entryOf(
     const PreviewQuery& query, PreviewState state) const {
   if (state == PreviewState::entry) {
-    auto entry = readJson(query.entry, JsonFragments::refused);
-    if (!entry) {
+    const auto document = readJson(query.entry, JsonFragments::refused);
+    if (!document) {
       return std::unexpected(
           query.entry.empty() ? "Type an entry to see it here."
-                              : "This is not JSON: " + entry.error().reason + ".");
+                              : "This is not JSON: " + document.error().reason + ".");
     }
-    return std::move(*entry);
+    const Decoder d(*document);
+    auto entry = d.result(channel::entryFrom(d));
+    if (!entry) {
+      return std::unexpected("This is not an entry: " + entry.error() + ".");
+    }
+    return *std::move(entry);
   }
   for (const WidgetState& card : supervisor_.widgets()) {
     if (card.about->kind == query.kind && card.picture != nullptr &&
@@ -167,7 +165,7 @@ drawing::DisplayList EngineerView::compose(
   return cards_.compose(
       view,
       {.kind = query.kind,
-       .family = std::string(channel::familyName(family)),
+       .family = std::string(ui::familyName(family)),
        .size = widgetSize(family, query.screen),
        .scale = query.scale,
        .redaction = state == PreviewState::placeholder ? drawing::Redaction::placeholder
@@ -179,7 +177,7 @@ EngineerModel EngineerView::modelOf(
     const PreviewQuery& query,
     const channel::CatalogueItem& widget,
     const std::vector<Column>& columns) {
-  EngineerModel model{.query = query, .family = familyOf(widget), .languages = languagesForNow};
+  EngineerModel model{.query = query, .family = familyOf(widget), .languages = widget.languages};
   for (const channel::CatalogueItem& item : supervisor_.catalogue()) {
     model.kinds.push_back(item.kind);
   }
@@ -187,7 +185,8 @@ EngineerModel EngineerView::modelOf(
     model.columns.push_back(shown(query, widget, column));
     const auto& outcome = column.outcome();
     if (outcome && column.state == PreviewState::snapshot) {
-      model.sampleEntry = writeJson(outcome->entry, JsonLayout::compact).value_or("");
+      model.sampleEntry =
+          writeJson(channel::toValue(outcome->entry), JsonLayout::compact).value_or("");
     }
     if (outcome && column.state == query.state) {
       model.viewTree = prettyJson(ui::toValue(outcome->view));
@@ -207,7 +206,7 @@ PreviewColumn EngineerView::shown(
   }
   PreviewColumn shown{
       .state = column.state,
-      .date = dateOf(outcome->entry),
+      .date = iso8601(outcome->entry.date),
       .list = compose(query, widget, column.state, outcome->view)};
   const auto format =
       query.format == PreviewQuery::Format::png ? PictureFormat::png : PictureFormat::svg;

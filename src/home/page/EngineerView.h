@@ -48,7 +48,8 @@ class EngineerView {
   // there is none.
   const channel::CatalogueItem* choose(PreviewQuery& query) const;
   Column column(const Moment& now, const PreviewQuery& query, PreviewState state);
-  std::expected<Value, std::string> entryOf(const PreviewQuery& query, PreviewState state) const;
+  std::expected<channel::Entry, std::string> entryOf(
+      const PreviewQuery& query, PreviewState state) const;
   drawing::DisplayList compose(
       const PreviewQuery& query,
       const channel::CatalogueItem& widget,

@@ -303,7 +303,7 @@ std::optional<DrawnCard> HomeScreen::draw(
   const drawing::DisplayList list = cards_.compose(
       picture.view,
       {.kind = about.kind,
-       .family = std::string(channel::familyName(family)),
+       .family = std::string(ui::familyName(family)),
        .size = widgetSize(family),
        .redaction = picture.source == Picture::Source::placeholder ? drawing::Redaction::placeholder
                                                                    : drawing::Redaction::none},

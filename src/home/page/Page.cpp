@@ -6,7 +6,7 @@
 
 #include "home/page/PageFiles.h"
 #include "home/page/WidgetSizes.h"
-#include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 #include "platform/foundation/URL.h"
 
 namespace quillpad::home {
@@ -77,7 +77,7 @@ Markup cardMarkup(const CardModel& card, Date now) {
   }
   return filled(
       page::cardHtml,
-      {{"family", escaped(channel::familyName(familyOf(*card.about)))},
+      {{"family", escaped(ui::familyName(familyOf(*card.about)))},
        {"kind", escaped(card.about->kind)},
        {"status", escaped(levelName(card.status.level))},
        {"element", escaped(linked ? "a" : "div")},

@@ -5,44 +5,39 @@
 namespace quillpad::channel {
 
 void LineReader::append(std::string_view bytes) {
-  buffer_.erase(0, start_);
-  searched_ -= start_;
-  start_ = 0;
-  buffer_ += bytes;
-}
-
-std::optional<Line> LineReader::next() {
-  while (true) {
-    const std::size_t end = buffer_.find('\n', searched_);
-    const bool whole = end != std::string::npos;
-    const std::size_t stop = whole ? end : buffer_.size();
-    const bool tooLong = stop - start_ > longestLine_;
-    searched_ = stop;
-    if (!whole && !tooLong && !skipping_) {
-      return std::nullopt;
+  while (!bytes.empty()) {
+    const std::size_t end = bytes.find('\n');
+    const std::string_view part = bytes.substr(0, end);
+    if (!skipping_ && part.size() > maxLength_ - rest_.size()) {
+      skipping_ = true;
+      rest_.clear();
+      lines_.push_back({{}, true});
     }
-
-    Line line{{}, tooLong};
-    if (!tooLong && !skipping_) {
-      line.text = buffer_.substr(start_, stop - start_);
+    if (!skipping_) {
+      rest_ += part;
     }
-    start_ = searched_ = whole ? stop + 1 : stop;
-    const bool reported = std::exchange(skipping_, !whole);
-    if (!reported) {
-      return line;
+    if (end == std::string_view::npos) {
+      return;
     }
-    if (!whole) {
-      return std::nullopt;
+    if (!std::exchange(skipping_, false)) {
+      lines_.push_back({std::exchange(rest_, {}), false});
     }
+    bytes.remove_prefix(end + 1);
   }
 }
 
+std::optional<Line> LineReader::next() {
+  if (lines_.empty()) {
+    return std::nullopt;
+  }
+  Line line = std::move(lines_.front());
+  lines_.pop_front();
+  return line;
+}
+
 std::string LineReader::takeRest() {
-  std::string rest = skipping_ ? std::string() : buffer_.substr(start_);
-  buffer_.clear();
-  start_ = searched_ = 0;
   skipping_ = false;
-  return rest;
+  return std::exchange(rest_, {});
 }
 
 }  // namespace quillpad::channel

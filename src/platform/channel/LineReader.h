@@ -1,8 +1,9 @@
-// Cuts a stream of bytes into lines. A line over the cap is reported once, as soon as it is known
-// to be too long, and skipped to its end. A value of one thread.
+// Cuts a stream of bytes into lines. Of a line over the limit nothing is kept: it is reported once,
+// as soon as it is known to be too long. A value of one thread.
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,7 +17,7 @@ struct Line {
 
 class LineReader {
  public:
-  explicit LineReader(std::size_t longestLine) : longestLine_(longestLine) {}
+  explicit LineReader(std::size_t maxLength) : maxLength_(maxLength) {}
 
   void append(std::string_view bytes);
 
@@ -27,11 +28,10 @@ class LineReader {
   std::string takeRest();
 
  private:
-  std::size_t longestLine_;
-  std::string buffer_;
-  std::size_t start_ = 0;     // of the line under way, in the buffer
-  std::size_t searched_ = 0;  // no line feed stands before this place
-  bool skipping_ = false;
+  std::size_t maxLength_;
+  std::deque<Line> lines_;
+  std::string rest_;       // of the line under way
+  bool skipping_ = false;  // the line under way is too long
 };
 
 }  // namespace quillpad::channel

@@ -11,12 +11,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <expected>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
 
+#include "platform/foundation/Decoder.h"
 #include "platform/foundation/TransferReport.h"
 #include "platform/foundation/Value.h"
 #include "platform/ui/Environment.h"
@@ -28,9 +30,16 @@ namespace quillpad::channel {
 inline constexpr const char* descriptorVariable = "QUILLPAD_CHANNEL";
 
 // The longest line that either end accepts, without its line feed.
-inline constexpr std::size_t longestFrame = std::size_t{8} * 1024 * 1024;
+inline constexpr std::size_t maxFrame = std::size_t{8} * 1024 * 1024;
 
-// Requests.
+// A point in time and what to show from then on: a record as its provider made it.
+struct Entry {
+  Date date;
+  Value data;
+  friend bool operator==(const Entry&, const Entry&) = default;
+};
+
+// Requests, and the methods that they ask for, in one order.
 
 struct CatalogueRequest {};
 struct PlaceholderRequest {
@@ -44,48 +53,62 @@ struct TimelineRequest {
 };
 struct RenderRequest {
   std::string kind;
-  Value entry;  // {"date", "data"} as a snapshot or a timeline brought it
-  std::optional<ui::WidgetFamily> family;  // absent: the kind's own
+  Entry entry;
+  std::optional<ui::WidgetFamily> family;  // absent: the kind's first
   std::string locale;                      // empty: the extension's own
 };
-using Request = std::
-    variant<CatalogueRequest, PlaceholderRequest, SnapshotRequest, TimelineRequest, RenderRequest>;
+struct PingRequest {};
+using Request = std::variant<
+    CatalogueRequest,
+    PlaceholderRequest,
+    SnapshotRequest,
+    TimelineRequest,
+    RenderRequest,
+    PingRequest>;
+
+enum class Method { catalogue, placeholder, snapshot, timeline, render, ping };
+Method methodOf(const Request& request);
 
 struct NumberedRequest {
   std::uint64_t id = 0;
   Request request;
 };
 
-// Replies.
-
+// Replies: to `catalogue`,
 struct CatalogueItem {
   std::string kind;
   std::string displayName;
   std::string description;
   std::vector<ui::WidgetFamily> families;
+  std::vector<std::string> languages;  // that its texts are translated into: "de", "zh-Hans"
 };
 struct Catalogue {
   std::vector<CatalogueItem> items;
 };
-// {"date":"2026-03-07T09:05:03.250Z","data":{…}}
-struct Entry {
-  Value entry;
+// to `placeholder` and `snapshot` an Entry, to `timeline`,
+struct ReloadPolicy {
+  Date after;
 };
 struct Timeline {
-  std::vector<Value> entries;
-  Date reloadAfter;
+  std::vector<Entry> entries;
+  ReloadPolicy policy;
 };
+// to `render`,
 struct Rendering {
-  ui::View view;
+  ui::View view = ui::Spacer();
 };
-// The provider let the request go without an answer.
-struct Dropped {};
-// The request could not be taken; the extension lives on.
+// to `ping`,
+struct Pong {};
+// to `snapshot` and `timeline`, where the provider let the request go without an answer,
+struct Dropped {
+  std::string reason;  // a sentence for a person; empty where there is none
+};
+// and to any request that could not be taken; the extension lives on.
 struct Refused {
   int code = 0;  // of JSON-RPC 2.0
   std::string message;
 };
-using Reply = std::variant<Catalogue, Entry, Timeline, Rendering, Dropped, Refused>;
+using Reply = std::variant<Catalogue, Entry, Timeline, Rendering, Pong, Dropped, Refused>;
 
 struct NumberedReply {
   std::optional<std::uint64_t> id;  // absent where the request's could not be read
@@ -97,15 +120,16 @@ struct TransferNotice {
   TransferReport report;
 };
 
+// A reply to a request that is not under way; what it holds is not read.
+struct StrayReply {};
+
+using MessageOfExtension = std::variant<NumberedReply, TransferNotice, StrayReply>;
+
 inline constexpr int parseError = -32700;
 inline constexpr int invalidRequest = -32600;
 inline constexpr int methodNotFound = -32601;
 inline constexpr int invalidParams = -32602;
 inline constexpr int internalError = -32603;
-
-// "systemSmall" or "systemMedium".
-std::string_view familyName(ui::WidgetFamily family);
-std::optional<ui::WidgetFamily> familyFromName(std::string_view name);
 
 // One line each, without the line feed. A reply that JSON cannot hold, or that would be longer than
 // a frame, becomes a refusal that says so.
@@ -116,13 +140,20 @@ std::string encode(const TransferNotice& notice);
 // The request on the line, or the refusal to answer it with.
 std::expected<NumberedRequest, NumberedReply> decodeRequest(std::string_view line);
 
-// What the extension said on the line; on failure what is wrong with it, in words. The kind of a
-// reply follows from the members of its result, so that no state is needed to read it.
-std::expected<std::variant<NumberedReply, TransferNotice>, std::string> decodeFromExtension(
-    std::string_view line);
+// The method that a request under way asked for, or nothing where there is none of that id.
+using MethodOfId = std::function<std::optional<Method>(std::uint64_t id)>;
 
-// The JSON that stands in a reply's result, and that `list --json` and `timeline --json` print.
+// What the extension said on the line, a reply read as its request's method has it; on failure what
+// is wrong with it, in words.
+std::expected<MessageOfExtension, std::string> decodeFromExtension(
+    std::string_view line, const MethodOfId& methodOfId);
+
+// The JSON that stands in a reply's result, and that the home screen prints and keeps; and what
+// such JSON says, an error staying with the decoder.
 Value toValue(const Catalogue& catalogue);
+Value toValue(const Entry& entry);
 Value toValue(const Timeline& timeline);
+Catalogue catalogueFrom(const Decoder& d);
+Entry entryFrom(const Decoder& d);
 
 }  // namespace quillpad::channel

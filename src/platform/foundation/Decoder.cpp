@@ -1,6 +1,6 @@
 #include "platform/foundation/Decoder.h"
 
-#include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 
 namespace quillpad {
 namespace {

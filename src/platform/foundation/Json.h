@@ -18,8 +18,8 @@ struct JsonError {
 };
 
 // Parses one JSON document in UTF-8: strict syntax, at most 512 containers deep, of two members
-// with one key the first one kept. With fragments refused the top level must be an array or an
-// object.
+// with one key the first one kept, a whole number exact up to 38 digits. With fragments refused the
+// top level must be an array or an object.
 std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fragments);
 
 // compact: without blanks, a slash as it is, a double in its shortest text that reads back as the

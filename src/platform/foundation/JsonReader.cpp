@@ -1,15 +1,17 @@
 #include <algorithm>
 #include <cstddef>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "platform/foundation/Json.h"
+#include "platform/foundation/NumberText.h"
 
 namespace quillpad {
 namespace {
 
-constexpr std::size_t deepestNesting = 512;
+constexpr std::size_t maxDepth = 512;
 constexpr const char* unreadable =
     "The data couldn’t be read because it isn’t in the correct format.";
 
@@ -27,12 +29,15 @@ class ValueBuilder {
   bool boolean(bool value) { return put(value); }
   bool number_integer(number_integer_t value) { return put(std::int64_t{value}); }
   bool number_unsigned(number_unsigned_t value) {
-    if (std::in_range<std::int64_t>(value)) {
-      return put(static_cast<std::int64_t>(value));
-    }
-    return put(std::uint64_t{value});
+    return put(
+        std::in_range<std::int64_t>(value) ? Value(static_cast<std::int64_t>(value))
+                                           : Value(std::uint64_t{value}));
   }
-  bool number_float(number_float_t value, const string_t&) { return put(value); }
+  bool number_float(number_float_t value, const string_t& text) {
+    // The parser takes whole numbers of more than 64 bits for fractions.
+    std::optional<Number> whole = wholeNumberFromText(text);
+    return put(whole ? Value(*std::move(whole)) : Value(value));
+  }
   bool string(string_t& value) { return put(std::move(value)); }
   bool binary(binary_t&) { return false; }  // JSON text has none
 
@@ -68,7 +73,7 @@ class ValueBuilder {
   };
 
   bool open(bool isObject) {
-    tooDeep_ = open_.size() == deepestNesting;
+    tooDeep_ = open_.size() == maxDepth;
     if (tooDeep_) {
       return false;
     }
@@ -103,8 +108,8 @@ class ValueBuilder {
 std::string reasonAt(std::string_view text, std::size_t position) {
   const std::string_view before = text.substr(0, position);
   const auto line = 1 + std::ranges::count(before, '\n');
-  const std::size_t column = before.size() - (before.rfind('\n') + 1);
-  return "no JSON from line " + std::to_string(line) + ", column " + std::to_string(column) + " on";
+  const std::size_t column = std::max<std::size_t>(1, before.size() - (before.rfind('\n') + 1));
+  return "invalid JSON at line " + std::to_string(line) + ", column " + std::to_string(column);
 }
 
 std::unexpected<JsonError> refused(std::string reason) {
@@ -123,7 +128,7 @@ std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fr
   ValueBuilder builder;
   if (!nlohmann::json::sax_parse(text.begin(), text.end(), &builder)) {
     if (builder.tooDeep()) {
-      return refused("more than 512 arrays and objects within each other");
+      return refused("more than 512 arrays and objects inside one another");
     }
     return refused(reasonAt(text, builder.errorPosition()));
   }

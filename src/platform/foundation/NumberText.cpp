@@ -1,5 +1,7 @@
 #include "platform/foundation/NumberText.h"
 
+#include <algorithm>
+#include <charconv>
 #include <clocale>
 #include <cstdlib>
 #include <limits>
@@ -7,6 +9,8 @@
 
 namespace quillpad {
 namespace {
+
+constexpr std::size_t maxDigits = 38;
 
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -25,6 +29,27 @@ std::optional<double> doubleFromText(std::string_view text) {
     return std::nullopt;
   }
   return value;
+}
+
+std::optional<Number> wholeNumberFromText(std::string_view text) {
+  const char* const end = text.data() + text.size();
+  std::int64_t value = 0;
+  std::uint64_t large = 0;
+  if (const auto read = std::from_chars(text.data(), end, value);
+      read.ptr == end && read.ec == std::errc()) {
+    return value;
+  }
+  if (const auto read = std::from_chars(text.data(), end, large);
+      read.ptr == end && read.ec == std::errc()) {
+    return large;
+  }
+  const bool negative = text.starts_with('-');
+  std::string_view digits = text.substr(negative ? 1 : 0);
+  digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
+  if (digits.empty() || digits.size() > maxDigits || !std::ranges::all_of(digits, isDigit)) {
+    return std::nullopt;
+  }
+  return WideInteger{(negative ? "-" : "") + std::string(digits)};
 }
 
 std::int64_t integerValue(std::string_view text) {

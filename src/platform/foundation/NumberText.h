@@ -6,11 +6,17 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/foundation/Value.h"
+
 namespace quillpad {
 
 // The number that the whole text is ("." as decimal point; exponents, hexadecimal, "inf" and "nan"
 // are numbers too; out of range gives infinity or zero), or nothing: no blanks, no separators.
 std::optional<double> doubleFromText(std::string_view text);
+
+// The whole number that the whole text is in decimal digits, at most 38 of them, "-" before them
+// where it is negative; or nothing.
+std::optional<Number> wholeNumberFromText(std::string_view text);
 
 // The whole number that the text begins with: leading white space skipped, an optional sign,
 // digits; 0 without digits, the nearest bound where it does not fit.

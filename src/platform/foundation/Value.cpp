@@ -5,7 +5,8 @@
 #include <cmath>
 #include <cstdlib>
 #include <tuple>
-#include <type_traits>
+
+#include "platform/foundation/Overloaded.h"
 
 namespace quillpad {
 namespace {
@@ -33,18 +34,24 @@ std::string textOf(double value) {
 }  // namespace
 
 double Number::doubleValue() const {
-  return std::visit([](auto value) { return static_cast<double>(value); }, storage_);
+  return std::visit(
+      Overloaded{
+          [](const WideInteger& value) {
+            double rounded = 0;
+            std::from_chars(
+                value.digits.data(), value.digits.data() + value.digits.size(), rounded);
+            return rounded;
+          },
+          [](auto value) { return static_cast<double>(value); }},
+      storage_);
 }
 
 std::string Number::stringValue() const {
   return std::visit(
-      [](auto value) {
-        if constexpr (std::is_same_v<decltype(value), double>) {
-          return textOf(value);
-        } else {
-          return std::to_string(value);
-        }
-      },
+      Overloaded{
+          [](double value) { return textOf(value); },
+          [](const WideInteger& value) { return value.digits; },
+          [](auto value) { return std::to_string(value); }},
       storage_);
 }
 

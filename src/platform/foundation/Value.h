@@ -28,16 +28,23 @@ struct Data {
   friend bool operator==(const Data&, const Data&) = default;
 };
 
-// A number that remembers how it came: a truth value, a whole number of 64 bits with or without
-// sign, or a double.
+// A whole number that 64 bits do not hold: up to 38 decimal digits, after a "-" where it is
+// negative.
+struct WideInteger {
+  std::string digits;
+  friend bool operator==(const WideInteger&, const WideInteger&) = default;
+};
+
+// A number that remembers how it came: a truth value, a whole number, or a double.
 class Number {
  public:
-  using Storage = std::variant<bool, std::int64_t, std::uint64_t, double>;
+  using Storage = std::variant<bool, std::int64_t, std::uint64_t, WideInteger, double>;
 
   Number(bool value) : storage_(value) {}
   Number(int value) : storage_(std::int64_t{value}) {}
   Number(std::int64_t value) : storage_(value) {}
   Number(std::uint64_t value) : storage_(value) {}
+  Number(WideInteger value) : storage_(std::move(value)) {}
   Number(double value) : storage_(value) {}
 
   const Storage& storage() const { return storage_; }
@@ -107,7 +114,7 @@ class Value {
 
   Value() = default;
   Value(Null) {}
-  Value(Number value) : storage_(value) {}
+  Value(Number value) : storage_(std::move(value)) {}
   Value(bool value) : storage_(Number(value)) {}
   Value(int value) : storage_(Number(value)) {}
   Value(std::int64_t value) : storage_(Number(value)) {}

@@ -13,6 +13,9 @@
 namespace quillpad {
 namespace {
 
+// Whose texts are shown where the locale's languages have none.
+constexpr const char* developmentLanguage = "en";
+
 constexpr std::size_t maxFileBytes = std::size_t{1} << 20;
 
 std::vector<std::string> languagesIn(const std::filesystem::path& folder) {
@@ -46,7 +49,9 @@ LocalizedStrings::LocalizedStrings(std::filesystem::path folder)
     : folder_(std::move(folder)), languages_(languagesIn(folder_)) {}
 
 std::string LocalizedStrings::text(std::string_view key, const std::string& locale) const {
-  for (const std::string& language : languagesOf(locale)) {
+  std::vector<std::string> languages = languagesOf(locale);
+  languages.emplace_back(developmentLanguage);
+  for (const std::string& language : languages) {
     if (!std::ranges::binary_search(languages_, language)) {
       continue;
     }

@@ -24,7 +24,8 @@ class LocalizedStrings {
   // The languages that there are folders of, in alphabetical order.
   const std::vector<std::string>& languages() const { return languages_; }
 
-  // The text under the key in the first of the locale's languages that has one, or the key itself.
+  // The text under the key in the first of the locale's languages that has one, else in English,
+  // else the key itself.
   std::string text(std::string_view key, const std::string& locale) const;
 
  private:

@@ -6,7 +6,7 @@
 #include <pugixml.hpp>
 
 #include "platform/foundation/Base64.h"
-#include "platform/foundation/Clock.h"
+#include "platform/foundation/Iso8601.h"
 #include "platform/foundation/NumberText.h"
 #include "platform/foundation/Utf8.h"
 
@@ -43,15 +43,15 @@ std::optional<std::string> textOf(const pugi::xml_node& element) {
   return text;
 }
 
-template <class Integer>
-std::optional<Integer> integerOf(std::string_view digits, int base) {
-  Integer value{};
+std::optional<Number> hexadecimalOf(std::string_view digits) {
+  std::uint64_t value = 0;
   const auto [end, error] =
-      std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+      std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
   if (error != std::errc() || end != digits.data() + digits.size()) {
     return std::nullopt;
   }
-  return value;
+  return std::in_range<std::int64_t>(value) ? Number(static_cast<std::int64_t>(value))
+                                            : Number(value);
 }
 
 std::optional<Value> numberOf(std::string_view text) {
@@ -62,11 +62,7 @@ std::optional<Value> numberOf(std::string_view text) {
   if (hexadecimal) {
     text.remove_prefix(2);
   }
-  const int base = hexadecimal ? 16 : 10;
-  if (const auto value = integerOf<std::int64_t>(text, base)) {
-    return Value(*value);
-  }
-  if (const auto value = integerOf<std::uint64_t>(text, base)) {
+  if (const auto value = hexadecimal ? hexadecimalOf(text) : wholeNumberFromText(text)) {
     return Value(*value);
   }
   return std::nullopt;

@@ -21,6 +21,7 @@ enum class Appearance { unspecified, light, dark };
 
 // A colour that is resolved when it is drawn: what it is in dark appearance, and what in any other.
 struct Color {
+  constexpr Color() = default;
   constexpr Color(Rgba fixed) : light(fixed), dark(fixed) {}
   constexpr Color(Rgba inLight, Rgba inDark) : light(inLight), dark(inDark) {}
 

@@ -7,417 +7,246 @@
 #include <string_view>
 #include <utility>
 
-namespace quillpad::ui {
+#include "platform/foundation/Codec.h"
+#include "platform/foundation/Hex.h"
+
+namespace quillpad {
 namespace {
 
-constexpr std::size_t deepestView = 256;
-constexpr std::size_t mostViews = 100'000;
-constexpr std::size_t mostModifiers = 32;  // of one view
+constexpr std::size_t maxDepth = 256;
+constexpr std::size_t maxViews = 100'000;
+constexpr std::size_t maxModifiers = 32;  // of one view
 // Far beyond any screen, and far from where sums of lengths lose their meaning.
-constexpr double longestLength = 1'000'000;
+constexpr double maxLength = 1'000'000;
 
-template <class... Functions>
-struct Overloaded : Functions... {
-  using Functions::operator()...;
-};
-
-template <class Enumeration>
-struct Name {
-  Enumeration value;
-  std::string_view name;
-};
-
-constexpr std::array weightNames{
-    Name<Weight>{Weight::regular, "regular"},
-    Name<Weight>{Weight::medium, "medium"},
-    Name<Weight>{Weight::semibold, "semibold"}};
-
-struct NamedLength {
-  std::optional<double> FlexibleFrame::* member;
-  std::string_view name;
-};
-
-constexpr std::array flexibleLengths{
-    NamedLength{&FlexibleFrame::minWidth, "minWidth"},
-    NamedLength{&FlexibleFrame::idealWidth, "idealWidth"},
-    NamedLength{&FlexibleFrame::maxWidth, "maxWidth"},
-    NamedLength{&FlexibleFrame::minHeight, "minHeight"},
-    NamedLength{&FlexibleFrame::idealHeight, "idealHeight"},
-    NamedLength{&FlexibleFrame::maxHeight, "maxHeight"}};
-
-// Writing.
-
-void setIfPresent(Dictionary& members, std::string_view name, const std::optional<double>& length) {
-  if (length) {
-    members.set(std::string(name), *length);
-  }
-}
-
-// "#11B826", or "#11B82680" where it is not opaque.
-std::string hexText(Rgba color) {
-  constexpr std::string_view digits = "0123456789ABCDEF";
-  std::string text = "#";
-  const auto append = [&](std::uint8_t component) {
-    text += digits[component >> 4];
-    text += digits[component & 15];
-  };
-  append(color.red);
-  append(color.green);
-  append(color.blue);
-  if (color.alpha != 255) {
-    append(color.alpha);
-  }
-  return text;
-}
-
-Value colorValue(const Color& color) {
-  return Dictionary{{"light", hexText(color.light)}, {"dark", hexText(color.dark)}};
-}
-
-Value fontValue(const Font& font) {
-  std::string_view weight;
-  for (const auto& known : weightNames) {
-    if (known.value == font.weight) {
-      weight = known.name;
-    }
-  }
-  return Dictionary{{"size", font.size}, {"weight", weight}};
-}
-
-Value modifierValue(const Modifier& modifier) {
-  return std::visit(
-      Overloaded{
-          [](const Padding& padding) -> Value {
-            const EdgeInsets& insets = padding.insets;
-            return Dictionary{
-                {"padding",
-                 Dictionary{
-                     {"top", insets.top},
-                     {"leading", insets.leading},
-                     {"bottom", insets.bottom},
-                     {"trailing", insets.trailing}}}};
-          },
-          [](const Frame& frame) -> Value {
-            Dictionary lengths;
-            setIfPresent(lengths, "width", frame.width);
-            setIfPresent(lengths, "height", frame.height);
-            return Dictionary{{"frame", std::move(lengths)}};
-          },
-          [](const FlexibleFrame& frame) -> Value {
-            Dictionary lengths;
-            for (const NamedLength& length : flexibleLengths) {
-              setIfPresent(lengths, length.name, frame.*length.member);
-            }
-            return Dictionary{{"flexibleFrame", std::move(lengths)}};
-          },
-          [](const Background& background) -> Value {
-            return Dictionary{{"background", colorValue(background.color)}};
-          },
-          [](const ClipShape& shape) -> Value {
-            return Dictionary{{"clipShape", Dictionary{{"cornerRadius", shape.cornerRadius}}}};
-          },
-          [](const WidgetUrl& url) -> Value { return Dictionary{{"widgetURL", url.address}}; }},
-      modifier);
-}
-
-Dictionary contentMembers(const Content& content) {
-  return std::visit(
-      Overloaded{
-          [](const Text& text) {
-            Dictionary members{{"type", "text"}, {"text", text.text}};
-            if (text.localized) {
-              members.set("localized", true);
-            }
-            members.set("font", fontValue(text.textFont));
-            if (text.color) {
-              members.set("color", colorValue(*text.color));
-            }
-            return members;
-          },
-          [](const Image& image) { return Dictionary{{"type", "image"}, {"name", image.name}}; },
-          [](const Rectangle& rectangle) {
-            return Dictionary{{"type", "rectangle"}, {"color", colorValue(rectangle.color)}};
-          },
-          [](const Spacer&) { return Dictionary{{"type", "spacer"}}; },
-          [](const Stack& stack) {
-            Array children;
-            children.reserve(stack.children.size());
-            for (const View& child : stack.children) {
-              children.push_back(toValue(child));
-            }
-            return Dictionary{
-                {"type", stack.axis == Axis::vertical ? "vstack" : "hstack"},
-                {"children", std::move(children)}};
-          }},
-      content);
-}
-
-// Reading. The reader notes the first thing that is wrong and goes on with empty values; whoever
-// called it discards the view then.
-class Reader {
- public:
-  std::expected<View, std::string> read(const Value& value) {
-    View read = view(value);
-    if (!problem_.empty()) {
-      return std::unexpected(std::move(problem_));
-    }
-    return read;
-  }
-
- private:
-  // A step down from the root: the index of an element, or the key of a member.
-  struct Step {
-    std::string_view key{};
-    std::size_t index = 0;
-  };
-
-  // While it lives, what is read lies one step further down.
-  class Descent {
-   public:
-    Descent(Reader& reader, Step step) : reader_(reader) { reader_.path_.push_back(step); }
-    ~Descent() { reader_.path_.pop_back(); }
-    Descent(const Descent&) = delete;
-    Descent& operator=(const Descent&) = delete;
-
-   private:
-    Reader& reader_;
-  };
-
-  void fail(std::string_view what) {
-    if (!problem_.empty()) {
-      return;
-    }
-    problem_ = "view";
-    for (const Step& step : path_) {
-      problem_ +=
-          step.key.empty() ? "[" + std::to_string(step.index) + "]" : "." + std::string(step.key);
-    }
-    problem_.append(": ").append(what);
-  }
-
-  template <class T>
-  const T& as(const Value& value, std::string_view what) {
-    static const T nothing{};
-    const auto* typed = value.as<T>();
-    if (typed == nullptr) {
-      fail(what);
-    }
-    return typed != nullptr ? *typed : nothing;
-  }
-
-  // The member read by `readValue`, or `absent` where it is missing.
-  template <class T, class ReadValue>
-  T optionalMember(const Dictionary& members, std::string_view key, T absent, ReadValue readValue) {
-    const Value* value = members.find(key);
-    if (value == nullptr) {
-      return absent;
-    }
-    const Descent descent(*this, {.key = key});
-    return readValue(*value);
-  }
-
-  template <class T, class ReadValue>
-  T member(const Dictionary& members, std::string_view key, T absent, ReadValue readValue) {
-    if (members.find(key) == nullptr) {
-      fail("no \"" + std::string(key) + "\"");
-    }
-    return optionalMember<T>(members, key, std::move(absent), readValue);
-  }
-
-  std::string text(const Dictionary& members, std::string_view key) {
-    return member<std::string>(members, key, {}, [this](const Value& value) {
-      return as<std::string>(value, "not a text");
-    });
-  }
-
-  double length(const Value& value) {
-    const auto* number = value.as<Number>();
-    const double length = number != nullptr ? number->doubleValue() : NAN;
-    if (number == nullptr) {
-      fail("not a number");
-    } else if (!(std::abs(length) <= longestLength)) {
-      fail("longer than 1000000 points");
+// Lengths in points.
+struct Length {
+  static Value encode(double length) { return length; }
+  static double decode(const Decoder& d) {
+    const double length = d.number();
+    if (!(std::abs(length) <= maxLength)) {
+      d.fail("longer than 1000000 points");
     }
     return length;
   }
+};
 
-  double length(const Dictionary& members, std::string_view key) {
-    return member<double>(members, key, 0, [this](const Value& value) { return length(value); });
+struct FontSize {
+  static Value encode(double size) { return size; }
+  static double decode(const Decoder& d) {
+    const double size = Length::decode(d);
+    if (size <= 0) {
+      d.fail("not above 0");
+    }
+    return size;
   }
-
-  std::optional<double> optionalLength(const Dictionary& members, std::string_view key) {
-    return optionalMember<std::optional<double>>(
-        members, key, {}, [this](const Value& value) { return length(value); });
-  }
-
-  Rgba hexColor(const Dictionary& members, std::string_view key) {
-    return member<Rgba>(members, key, {}, [this](const Value& value) {
-      const auto& text = as<std::string>(value, "not a text");
-      std::uint32_t components = 0;
-      const char* const end = text.data() + text.size();
-      const bool opaque = text.size() == 7;
-      if ((!opaque && text.size() != 9) || text[0] != '#' ||
-          std::from_chars(text.data() + 1, end, components, 16).ptr != end) {
-        fail(R"(not a colour like "#11B826")");
-        return Rgba{};
-      }
-      if (opaque) {
-        components = components << 8 | 255;
-      }
-      const auto component = [&](int shift) {
-        return static_cast<std::uint8_t>(components >> shift);
-      };
-      return Rgba{component(24), component(16), component(8), component(0)};
-    });
-  }
-
-  Color color(const Value& value) {
-    const auto& members = as<Dictionary>(value, R"(not an object with "light" and "dark")");
-    return {hexColor(members, "light"), hexColor(members, "dark")};
-  }
-
-  Font font(const Value& value) {
-    const auto& members = as<Dictionary>(value, R"(not an object with "size" and "weight")");
-    Font font{.size = length(members, "size")};
-    if (font.size <= 0) {
-      fail("the size is not above 0");
-    }
-    const std::string weight = text(members, "weight");
-    for (const auto& known : weightNames) {
-      if (known.name == weight) {
-        font.weight = known.value;
-        return font;
-      }
-    }
-    fail("unknown weight");
-    return font;
-  }
-
-  Modifier modifier(const Value& value) {
-    const auto& members = as<Dictionary>(value, "not an object");
-    if (members.size() != 1) {
-      fail("not an object with one member");
-      return Padding{};
-    }
-    const auto& [name, argument] = *members.begin();
-    if (name == "widgetURL") {
-      return WidgetUrl{as<std::string>(argument, "not a text")};
-    }
-    if (name == "background") {
-      return Background{color(argument)};
-    }
-    const auto& lengths = as<Dictionary>(argument, "not an object");
-    if (name == "padding") {
-      return Padding{
-          {.top = length(lengths, "top"),
-           .leading = length(lengths, "leading"),
-           .bottom = length(lengths, "bottom"),
-           .trailing = length(lengths, "trailing")}};
-    }
-    if (name == "frame") {
-      return Frame{
-          .width = optionalLength(lengths, "width"), .height = optionalLength(lengths, "height")};
-    }
-    if (name == "flexibleFrame") {
-      FlexibleFrame frame;
-      for (const NamedLength& each : flexibleLengths) {
-        frame.*each.member = optionalLength(lengths, each.name);
-      }
-      return frame;
-    }
-    if (name == "clipShape") {
-      return ClipShape{length(lengths, "cornerRadius")};
-    }
-    fail("unknown modifier");
-    return Padding{};
-  }
-
-  // The elements of an array member, each read by `readElement`; none where it is missing.
-  template <class T, class ReadElement>
-  std::vector<T> elements(
-      const Dictionary& members, std::string_view key, ReadElement readElement) {
-    return optionalMember<std::vector<T>>(members, key, {}, [&](const Value& value) {
-      const auto& array = as<Array>(value, "not an array");
-      std::vector<T> result;
-      for (std::size_t i = 0; i < array.size() && problem_.empty(); ++i) {
-        const Descent descent(*this, {.index = i});
-        result.push_back(readElement(array[i]));
-      }
-      return result;
-    });
-  }
-
-  Stack stack(Axis axis, const Dictionary& members) {
-    return {axis, elements<View>(members, "children", [this](const Value& child) {
-              return view(child);
-            })};
-  }
-
-  Content content(const Dictionary& members) {
-    const std::string type = text(members, "type");
-    const auto readColor = [this](const Value& value) { return color(value); };
-    if (type == "vstack") {
-      return stack(Axis::vertical, members);
-    }
-    if (type == "hstack") {
-      return stack(Axis::horizontal, members);
-    }
-    if (type == "text") {
-      Text result = Text::verbatim(text(members, "text"));
-      result.localized =
-          optionalMember<bool>(members, "localized", false, [this](const Value& value) {
-            const auto* number = value.as<Number>();
-            const bool* truth = number != nullptr ? std::get_if<bool>(&number->storage()) : nullptr;
-            if (truth == nullptr) {
-              fail("not true or false");
-            }
-            return truth != nullptr && *truth;
-          });
-      result.textFont =
-          member<Font>(members, "font", {}, [this](const Value& value) { return font(value); });
-      result.color = optionalMember<std::optional<Color>>(members, "color", {}, readColor);
-      return result;
-    }
-    if (type == "image") {
-      return Image(text(members, "name"));
-    }
-    if (type == "rectangle") {
-      return Rectangle(member<Color>(members, "color", Rgba{}, readColor));
-    }
-    if (type != "spacer") {
-      fail("unknown type");
-    }
-    return Spacer();
-  }
-
-  View view(const Value& value) {
-    ++depth_;
-    ++views_;
-    View result = Spacer();
-    if (depth_ > deepestView) {
-      fail("more than 256 views deep");
-    } else if (views_ > mostViews) {
-      fail("more than 100000 views");
-    } else {
-      const auto& members = as<Dictionary>(value, "not an object");
-      result.modifiers = elements<Modifier>(
-          members, "modifiers", [this](const Value& each) { return modifier(each); });
-      if (result.modifiers.size() > mostModifiers) {
-        fail("more than 32 modifiers");
-      }
-      result.content = content(members);
-    }
-    --depth_;
-    return result;
-  }
-
-  std::vector<Step> path_;
-  std::string problem_;
-  std::size_t depth_ = 0;
-  std::size_t views_ = 0;
 };
 
 }  // namespace
+
+// "#11B826", or "#11B82680" where it is not opaque.
+template <>
+struct Codec<ui::Rgba> {
+  static Value encode(ui::Rgba color) {
+    std::string text =
+        "#" + upperHexByte(color.red) + upperHexByte(color.green) + upperHexByte(color.blue);
+    if (color.alpha != 255) {
+      text += upperHexByte(color.alpha);
+    }
+    return text;
+  }
+
+  static ui::Rgba decode(const Decoder& d) {
+    const std::string& text = d.text();
+    const bool opaque = text.size() == 7;
+    std::uint32_t components = 0;
+    const char* const end = text.data() + text.size();
+    if ((!opaque && text.size() != 9) || text[0] != '#' ||
+        std::from_chars(text.data() + 1, end, components, 16).ptr != end) {
+      d.fail(R"(not a colour like "#11B826")");
+      return {};
+    }
+    if (opaque) {
+      components = components << 8 | 255;
+    }
+    const auto component = [&](int shift) {
+      return static_cast<std::uint8_t>(components >> shift);
+    };
+    return {component(24), component(16), component(8), component(0)};
+  }
+};
+
+template <>
+constexpr std::tuple fieldsOf<ui::Color>{
+    Field{"light", &ui::Color::light}, Field{"dark", &ui::Color::dark}};
+
+template <>
+constexpr std::array namesOf<ui::Weight>{
+    Named{"regular", ui::Weight::regular},
+    Named{"medium", ui::Weight::medium},
+    Named{"semibold", ui::Weight::semibold}};
+
+template <>
+constexpr std::tuple fieldsOf<ui::Font>{
+    fieldAs<FontSize>("size", &ui::Font::size), Field{"weight", &ui::Font::weight}};
+
+// The modifiers: objects with one member, whose name is the modifier's.
+
+const auto& modifierTypes() {
+  static const std::array table{
+      Named<ui::Modifier>{"padding", ui::Padding{}},
+      Named<ui::Modifier>{"frame", ui::Frame{}},
+      Named<ui::Modifier>{"flexibleFrame", ui::FlexibleFrame{}},
+      Named<ui::Modifier>{"background", ui::Background{}},
+      Named<ui::Modifier>{"clipShape", ui::ClipShape{}},
+      Named<ui::Modifier>{"widgetURL", ui::WidgetUrl{}}};
+  static_assert(table.size() == std::variant_size_v<ui::Modifier>);
+  return table;
+}
+
+template <>
+constexpr std::tuple fieldsOf<ui::EdgeInsets>{
+    fieldAs<Length>("top", &ui::EdgeInsets::top),
+    fieldAs<Length>("leading", &ui::EdgeInsets::leading),
+    fieldAs<Length>("bottom", &ui::EdgeInsets::bottom),
+    fieldAs<Length>("trailing", &ui::EdgeInsets::trailing)};
+template <>
+constexpr auto fieldsOf<ui::Padding> = &ui::Padding::insets;
+
+template <>
+constexpr std::tuple fieldsOf<ui::Frame>{
+    fieldAs<Length>("width", &ui::Frame::width), fieldAs<Length>("height", &ui::Frame::height)};
+
+template <>
+constexpr std::tuple fieldsOf<ui::FlexibleFrame>{
+    fieldAs<Length>("minWidth", &ui::FlexibleFrame::minWidth),
+    fieldAs<Length>("idealWidth", &ui::FlexibleFrame::idealWidth),
+    fieldAs<Length>("maxWidth", &ui::FlexibleFrame::maxWidth),
+    fieldAs<Length>("minHeight", &ui::FlexibleFrame::minHeight),
+    fieldAs<Length>("idealHeight", &ui::FlexibleFrame::idealHeight),
+    fieldAs<Length>("maxHeight", &ui::FlexibleFrame::maxHeight)};
+
+template <>
+constexpr auto fieldsOf<ui::Background> = &ui::Background::color;
+
+template <>
+constexpr std::tuple fieldsOf<ui::ClipShape>{
+    fieldAs<Length>("cornerRadius", &ui::ClipShape::cornerRadius)};
+
+template <>
+constexpr auto fieldsOf<ui::WidgetUrl> = &ui::WidgetUrl::address;
+
+template <>
+struct Codec<ui::Modifier> {
+  static Value encode(const ui::Modifier& modifier) {
+    const std::string name(alternativeName(modifierTypes(), modifier));
+    return std::visit(
+        [&](const auto& one) { return Dictionary{{name, quillpad::encode(one)}}; }, modifier);
+  }
+
+  static ui::Modifier decode(const Decoder& d) {
+    const auto members = d.members();
+    if (members.size() != 1) {
+      d.fail("not an object with one member");
+      return ui::Padding{};
+    }
+    const auto& [name, argument] = members.front();
+    const auto* type = valueNamed(modifierTypes(), name);
+    if (type == nullptr) {
+      d.fail("unknown modifier");
+      return ui::Padding{};
+    }
+    return decodeAlternative(argument, *type);
+  }
+};
+
+// The contents: objects with a "type", and the modifiers beside their own members.
+
+const auto& contentTypes() {
+  static const std::array table{
+      Named<ui::Content>{"text", ui::Text::verbatim({})},
+      Named<ui::Content>{"image", ui::Image({})},
+      Named<ui::Content>{"rectangle", ui::Rectangle({})},
+      Named<ui::Content>{"spacer", ui::Spacer()},
+      Named<ui::Content>{"vstack", ui::Stack{ui::Axis::vertical, {}}},
+      Named<ui::Content>{"hstack", ui::Stack{ui::Axis::horizontal, {}}}};
+  static_assert(table.size() == std::variant_size_v<ui::Content> + 1, "a stack has two names");
+  return table;
+}
+
+std::string_view typeOf(const ui::Content& content) {
+  const auto* stack = std::get_if<ui::Stack>(&content);
+  return stack != nullptr && stack->axis == ui::Axis::horizontal
+             ? "hstack"
+             : alternativeName(contentTypes(), content);
+}
+
+template <>
+constexpr std::tuple fieldsOf<ui::Text>{
+    Field{"text", &ui::Text::text},
+    Field{"localized", &ui::Text::localized, Presence::optional},
+    Field{"font", &ui::Text::textFont},
+    Field{"color", &ui::Text::color}};
+
+template <>
+constexpr std::tuple fieldsOf<ui::Image>{Field{"name", &ui::Image::name}};
+
+template <>
+constexpr std::tuple fieldsOf<ui::Rectangle>{Field{"color", &ui::Rectangle::color}};
+
+template <>
+constexpr std::tuple<> fieldsOf<ui::Spacer>{};
+
+template <>
+struct Codec<ui::View> {
+  static Value encode(const ui::View& view);
+  static ui::View decode(const Decoder& d);
+};
+
+template <>
+constexpr std::tuple fieldsOf<ui::Stack>{
+    Field{"children", &ui::Stack::children, Presence::defaulted}};
+
+template <>
+constexpr std::tuple fieldsOf<ui::View>{
+    Field{"modifiers", &ui::View::modifiers, Presence::optional}};
+
+Value Codec<ui::View>::encode(const ui::View& view) {
+  Dictionary object{{"type", typeOf(view.content)}};
+  std::visit([&](const auto& content) { encodeMembers(object, content); }, view.content);
+  encodeMembers(object, view);
+  return object;
+}
+
+ui::View Codec<ui::View>::decode(const Decoder& d) {
+  ui::View view = ui::Spacer();
+  decodeMembers(d, view);
+  view.content = decodeAlternative(d, d["type"].oneOf(contentTypes()));
+  return view;
+}
+
+namespace {
+
+// Fails for a tree that is deeper or larger than any in use, before anything of it is made.
+void checkExtent(const Decoder& view, std::size_t depth, std::size_t& views) {
+  if (depth > maxDepth) {
+    view.fail("more than 256 views deep");
+  } else if (++views > maxViews) {
+    view.fail("more than 100000 views");
+  }
+  if (const auto modifiers = view.find("modifiers")) {
+    modifiers->elements(maxModifiers);
+  }
+  if (const auto children = view.find("children")) {
+    for (const Decoder& child : children->elements()) {
+      checkExtent(child, depth + 1, views);
+    }
+  }
+}
+
+}  // namespace
+
+namespace ui {
 
 View localized(View view, const std::function<std::string(const std::string& key)>& lookUp) {
   if (auto* text = std::get_if<Text>(&view.content); text != nullptr && text->localized) {
@@ -431,19 +260,19 @@ View localized(View view, const std::function<std::string(const std::string& key
   return view;
 }
 
-Value toValue(const View& view) {
-  Dictionary members = contentMembers(view.content);
-  if (!view.modifiers.empty()) {
-    Array modifiers;
-    modifiers.reserve(view.modifiers.size());
-    for (const Modifier& modifier : view.modifiers) {
-      modifiers.push_back(modifierValue(modifier));
-    }
-    members.set("modifiers", std::move(modifiers));
-  }
-  return members;
+Value toValue(const View& view) { return encode(view); }
+
+View viewFrom(const Decoder& d) {
+  std::size_t views = 0;
+  checkExtent(d, 1, views);
+  return decode<View>(d);
 }
 
-std::expected<View, std::string> viewFromValue(const Value& value) { return Reader().read(value); }
+std::expected<View, std::string> viewFromValue(const Value& value) {
+  const Decoder d(value, "view");
+  return d.result(viewFrom(d));
+}
 
-}  // namespace quillpad::ui
+}  // namespace ui
+
+}  // namespace quillpad

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <utility>
 
 namespace quillpad::widgets {
@@ -11,39 +12,26 @@ namespace quillpad::widgets {
 template <class Answer>
 class Completion {
  public:
-  Completion(std::move_only_function<void(Answer)> deliver, std::move_only_function<void()> abandon)
-      : deliver_(std::move(deliver)), abandon_(std::move(abandon)) {}
+  // `end` is called once: with the answer, or with nothing where there was none.
+  explicit Completion(std::move_only_function<void(std::optional<Answer>)> end)
+      : end_(std::move(end)) {}
 
-  Completion(Completion&& other) noexcept
-      : deliver_(std::exchange(other.deliver_, nullptr)),
-        abandon_(std::exchange(other.abandon_, nullptr)) {}
+  Completion(Completion&& other) noexcept : end_(std::exchange(other.end_, nullptr)) {}
   Completion& operator=(Completion&&) = delete;
 
-  ~Completion() {
-    if (abandon_) {
-      abandon_();
-    }
-  }
+  ~Completion() { finish(std::nullopt); }
 
   // Delivers the answer; later calls do nothing.
-  void operator()(Answer answer) {
-    abandon_ = nullptr;
-    if (auto deliver = std::exchange(deliver_, nullptr)) {
-      deliver(std::move(answer));
+  void operator()(Answer answer) { finish(std::move(answer)); }
+
+ private:
+  void finish(std::optional<Answer> answer) {
+    if (auto end = std::exchange(end_, nullptr)) {
+      end(std::move(answer));
     }
   }
 
- private:
-  std::move_only_function<void(Answer)> deliver_;
-  std::move_only_function<void()> abandon_;
+  std::move_only_function<void(std::optional<Answer>)> end_;
 };
-
-// A completion that turns its answer into the answer of another, and is abandoned as that one is.
-template <class Answer, class Outer, class Convert>
-Completion<Answer> forwarding(Completion<Outer> outer, Convert convert) {
-  return Completion<Answer>(
-      [outer = std::move(outer), convert](const Answer& answer) mutable { outer(convert(answer)); },
-      nullptr);
-}
 
 }  // namespace quillpad::widgets

@@ -10,7 +10,7 @@
 namespace quillpad::widgets {
 
 Connection::Connection(FileDescriptor socket)
-    : socket_(std::move(socket)), lines_(channel::longestFrame) {}
+    : socket_(std::move(socket)), lines_(channel::maxFrame) {}
 
 std::optional<channel::Line> Connection::receive() {
   std::array<char, 65536> buffer{};

@@ -16,21 +16,24 @@ namespace {
 using channel::Refused;
 using channel::Reply;
 
-// The answer of a request whose provider may let it go.
-template <class Answer, class Convert>
-Completion<Answer> replying(
-    const std::shared_ptr<Connection>& connection, std::uint64_t id, Convert convert) {
-  return Completion<Answer>(
-      [connection, id, convert](Answer answer) {
-        connection->send(channel::encode(channel::NumberedReply{id, convert(std::move(answer))}));
-      },
-      [connection, id] {
-        connection->send(channel::encode(channel::NumberedReply{id, channel::Dropped{}}));
-      });
-}
-
 std::string lookUp(const std::string& key) {
   return LocalizedStrings::main().text(key, currentLocale());
+}
+
+void send(Connection& connection, std::optional<std::uint64_t> id, Reply reply) {
+  connection.send(channel::encode(channel::NumberedReply{id, std::move(reply)}));
+}
+
+// The end of a request whose provider may let it go. What it printed last, in words for a person,
+// is then why.
+template <class Answer>
+Completion<Answer> replying(const std::shared_ptr<Connection>& connection, std::uint64_t id) {
+  return Completion<Answer>([connection, id](std::optional<Answer> answer) {
+    send(
+        *connection,
+        id,
+        answer ? Reply(*std::move(answer)) : channel::Dropped{lookUp(lastPrintedLine())});
+  });
 }
 
 }  // namespace
@@ -42,7 +45,7 @@ void Server::run() {
   while (const auto line = connection_->receive()) {
     if (line->tooLong) {
       const Refused refused{channel::invalidRequest, "the line is longer than 8 MiB"};
-      connection_->send(channel::encode(channel::NumberedReply{std::nullopt, refused}));
+      send(*connection_, std::nullopt, refused);
     } else {
       answer(line->text);
     }
@@ -56,71 +59,70 @@ void Server::answer(std::string_view line) {
     return;
   }
   const ActivityScope activity(request->id);
-  auto reply =
-      std::visit([&](const auto& one) { return handle(request->id, one); }, request->request);
-  if (reply) {
-    connection_->send(channel::encode(channel::NumberedReply{request->id, std::move(*reply)}));
+  if (auto reply = replyTo(request->id, request->request)) {
+    send(*connection_, request->id, *std::move(reply));
   }
 }
 
-std::optional<Reply> Server::handle(
-    std::uint64_t /*id*/, const channel::CatalogueRequest& /*request*/) {
+std::optional<Reply> Server::replyTo(std::uint64_t id, const channel::Request& request) {
+  return std::visit(
+      [&](const auto& one) -> std::optional<Reply> {
+        if constexpr (requires { one.kind; }) {
+          const WidgetConfiguration* widget = find(one.kind);
+          return widget == nullptr ? unknownKind(one.kind) : handle(id, *widget, one);
+        } else {
+          return handle(one);
+        }
+      },
+      request);
+}
+
+Reply Server::handle(const channel::CatalogueRequest& /*request*/) const {
   channel::Catalogue catalogue;
   for (const WidgetConfiguration& widget : widgets_) {
     catalogue.items.push_back(
-        {widget.kind,
-         lookUp(widget.displayNameKey),
-         lookUp(widget.descriptionKey),
-         widget.families});
+        {.kind = widget.kind,
+         .displayName = lookUp(widget.displayNameKey),
+         .description = lookUp(widget.descriptionKey),
+         .families = widget.families,
+         .languages = LocalizedStrings::main().languages()});
   }
   return catalogue;
 }
 
+Reply Server::handle(const channel::PingRequest& /*request*/) const { return channel::Pong{}; }
+
 std::optional<Reply> Server::handle(
-    std::uint64_t /*id*/, const channel::PlaceholderRequest& request) {
-  const WidgetConfiguration* widget = find(request.kind);
-  if (widget == nullptr) {
-    return unknownKind(request.kind);
-  }
-  return channel::Entry{widget->placeholder({})};
+    std::uint64_t /*id*/,
+    const WidgetConfiguration& widget,
+    const channel::PlaceholderRequest& /*request*/) {
+  return widget.placeholder({});
 }
 
-std::optional<Reply> Server::handle(std::uint64_t id, const channel::SnapshotRequest& request) {
-  const WidgetConfiguration* widget = find(request.kind);
-  if (widget == nullptr) {
-    return unknownKind(request.kind);
-  }
-  widget->snapshot({}, replying<Value>(connection_, id, [](Value entry) {
-                     return channel::Entry{std::move(entry)};
-                   }));
+std::optional<Reply> Server::handle(
+    std::uint64_t id,
+    const WidgetConfiguration& widget,
+    const channel::SnapshotRequest& /*request*/) {
+  widget.snapshot({}, replying<channel::Entry>(connection_, id));
   return std::nullopt;
 }
 
-std::optional<Reply> Server::handle(std::uint64_t id, const channel::TimelineRequest& request) {
-  const WidgetConfiguration* widget = find(request.kind);
-  if (widget == nullptr) {
-    return unknownKind(request.kind);
-  }
+std::optional<Reply> Server::handle(
+    std::uint64_t id,
+    const WidgetConfiguration& widget,
+    const channel::TimelineRequest& /*request*/) {
   watchTransfers();
-  widget->timeline({}, replying<EncodedTimeline>(connection_, id, [](EncodedTimeline timeline) {
-                     return channel::Timeline{std::move(timeline.entries), timeline.reloadAfter};
-                   }));
+  widget.timeline({}, replying<channel::Timeline>(connection_, id));
   return std::nullopt;
 }
 
-std::optional<Reply> Server::handle(std::uint64_t /*id*/, const channel::RenderRequest& request) {
-  const WidgetConfiguration* widget = find(request.kind);
-  if (widget == nullptr) {
-    return unknownKind(request.kind);
-  }
-  const ui::WidgetFamily family = request.family.value_or(widget->families.front());
-  if (std::ranges::find(widget->families, family) == widget->families.end()) {
-    return Refused{
-        channel::invalidParams,
-        request.kind + " is not offered as " + std::string(channel::familyName(family))};
-  }
+std::optional<Reply> Server::handle(
+    std::uint64_t /*id*/,
+    const WidgetConfiguration& widget,
+    const channel::RenderRequest& request) {
+  const ui::WidgetFamily family = request.family.value_or(widget.families.front());
   const ScopedLocale locale(request.locale);
-  return channel::Rendering{ui::localized(widget->render({family}, request.entry), lookUp)};
+  return channel::Rendering{ui::localized(widget.render({family}, request.entry), lookUp)};
 }
 
 const WidgetConfiguration* Server::find(std::string_view kind) const {

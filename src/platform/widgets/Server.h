@@ -21,14 +21,23 @@ class Server {
   void run();
 
  private:
+  using Reply = channel::Reply;
+
   void answer(std::string_view line);
-  // An absent reply means that the provider will give it, or has.
-  std::optional<channel::Reply> handle(std::uint64_t id, const channel::CatalogueRequest& request);
-  std::optional<channel::Reply> handle(
-      std::uint64_t id, const channel::PlaceholderRequest& request);
-  std::optional<channel::Reply> handle(std::uint64_t id, const channel::SnapshotRequest& request);
-  std::optional<channel::Reply> handle(std::uint64_t id, const channel::TimelineRequest& request);
-  std::optional<channel::Reply> handle(std::uint64_t id, const channel::RenderRequest& request);
+  // The reply, or nothing where the provider's completion gives it.
+  std::optional<Reply> replyTo(std::uint64_t id, const channel::Request& request);
+  std::optional<Reply> handle(
+      std::uint64_t id,
+      const WidgetConfiguration& widget,
+      const channel::PlaceholderRequest& request);
+  std::optional<Reply> handle(
+      std::uint64_t id, const WidgetConfiguration& widget, const channel::SnapshotRequest& request);
+  std::optional<Reply> handle(
+      std::uint64_t id, const WidgetConfiguration& widget, const channel::TimelineRequest& request);
+  std::optional<Reply> handle(
+      std::uint64_t id, const WidgetConfiguration& widget, const channel::RenderRequest& request);
+  Reply handle(const channel::CatalogueRequest& request) const;
+  Reply handle(const channel::PingRequest& request) const;
 
   const WidgetConfiguration* find(std::string_view kind) const;
   channel::Refused unknownKind(const std::string& kind) const;

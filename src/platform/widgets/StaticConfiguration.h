@@ -3,24 +3,17 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "platform/foundation/Clock.h"
-#include "platform/foundation/Fatal.h"
-#include "platform/foundation/Value.h"
+#include "platform/channel/Messages.h"
 #include "platform/ui/Environment.h"
 #include "platform/ui/View.h"
 #include "platform/widgets/TimelineProvider.h"
 
 namespace quillpad::widgets {
-
-// Entries as they cross to the home screen: {"date", "data"}.
-struct EncodedTimeline {
-  std::vector<Value> entries;
-  Date reloadAfter;
-};
 
 // A declaration with the types of provider and entry gone: what the extension serves.
 class WidgetConfiguration {
@@ -34,27 +27,38 @@ class WidgetConfiguration {
   std::string descriptionKey;
   std::vector<ui::WidgetFamily> families;
 
-  std::function<Value(const TimelineProviderContext&)> placeholder;
-  std::function<void(const TimelineProviderContext&, Completion<Value>)> snapshot;
-  std::function<void(const TimelineProviderContext&, Completion<EncodedTimeline>)> timeline;
-  // The view of an entry that the home screen sent back; an entry of another shape ends the
+  std::function<channel::Entry(const TimelineProviderContext&)> placeholder;
+  std::function<void(const TimelineProviderContext&, Completion<channel::Entry>)> snapshot;
+  std::function<void(const TimelineProviderContext&, Completion<channel::Timeline>)> timeline;
+  // The view of an entry that the home screen sent back; a record of another shape ends the
   // process.
-  std::function<ui::View(const ui::Environment&, const Value& entry)> render;
+  std::function<ui::View(const ui::Environment&, const channel::Entry&)> render;
 };
 
+// Entries and timelines as they cross to the home screen.
+
 template <TimelineEntry Entry>
-Value encoded(const Entry& entry) {
-  return Dictionary{{"date", iso8601(entry.date)}, {"data", entry.data.toValue()}};
+channel::Entry encoded(const Entry& entry) {
+  return {entry.date, entry.data.toValue()};
 }
 
 template <TimelineEntry Entry>
-Entry decodedEntry(const Value& value) {
-  using RecordType = decltype(Entry::data);
-  const auto& members = forcedAs<Dictionary>(value, "the entry");
-  const auto& date = forcedMember<std::string>(members, "date");
-  return {
-      forced(dateFromIso8601(date), "the entry's date"),
-      RecordType::fromValue(forced(members.find("data"), "the entry's data"))};
+channel::Timeline encoded(const Timeline<Entry>& timeline) {
+  channel::Timeline result{{}, {timeline.policy.date()}};
+  for (const Entry& entry : timeline.entries) {
+    result.entries.push_back(encoded(entry));
+  }
+  return result;
+}
+
+// A completion that passes its answer on to `outer` as it crosses to the home screen.
+template <class Answer, class Encoded>
+Completion<Answer> encoding(Completion<Encoded> outer) {
+  return Completion<Answer>([outer = std::move(outer)](std::optional<Answer> answer) mutable {
+    if (answer) {
+      outer(encoded(*answer));
+    }
+  });
 }
 
 // Binds a kind to its provider and to the content of its entries: content(environment, entry) gives
@@ -62,32 +66,22 @@ Entry decodedEntry(const Value& value) {
 template <TimelineProvider Provider, class Content>
 WidgetConfiguration StaticConfiguration(std::string kind, Provider provider, Content content) {
   using Entry = typename Provider::Entry;
+  using Context = TimelineProviderContext;
   WidgetConfiguration configuration;
   configuration.kind = std::move(kind);
-  configuration.placeholder = [provider](const TimelineProviderContext& context) {
-    return Value(encoded(provider.placeholder(context)));
+  configuration.placeholder = [provider](const Context& context) {
+    return encoded(provider.placeholder(context));
   };
-  configuration.snapshot = [provider](
-                               const TimelineProviderContext& context,
-                               Completion<Value> completion) {
-    provider.getSnapshot(context, forwarding<Entry>(std::move(completion), [](const Entry& entry) {
-                           return encoded(entry);
-                         }));
+  configuration.snapshot = [provider](const Context& context, Completion<channel::Entry> end) {
+    provider.getSnapshot(context, encoding<Entry>(std::move(end)));
   };
-  configuration.timeline =
-      [provider](const TimelineProviderContext& context, Completion<EncodedTimeline> completion) {
-        provider.getTimeline(
-            context,
-            forwarding<Timeline<Entry>>(std::move(completion), [](const Timeline<Entry>& timeline) {
-              EncodedTimeline result{{}, timeline.policy.date()};
-              for (const Entry& entry : timeline.entries) {
-                result.entries.push_back(encoded(entry));
-              }
-              return result;
-            }));
-      };
-  configuration.render = [content](const ui::Environment& environment, const Value& entry) {
-    return ui::View(content(environment, decodedEntry<Entry>(entry)));
+  configuration.timeline = [provider](const Context& context, Completion<channel::Timeline> end) {
+    provider.getTimeline(context, encoding<Timeline<Entry>>(std::move(end)));
+  };
+  configuration.render = [content](
+                             const ui::Environment& environment, const channel::Entry& entry) {
+    return ui::View(
+        content(environment, Entry{entry.date, decltype(Entry::data)::fromValue(entry.data)}));
   };
   return configuration;
 }
