@@ -61,6 +61,7 @@ TEST(WidgetSizes, EveryScreenHasSmallAndMediumWidgets) {
   EXPECT_EQ(widgetSize(ui::WidgetFamily::systemSmall), (drawing::Size{158, 158}));
   EXPECT_EQ(widgetSize(ui::WidgetFamily::systemMedium, "414x736"), (drawing::Size{348, 157}));
   EXPECT_EQ(widgetSize(ui::WidgetFamily::systemMedium, "unknown"), (drawing::Size{338, 158}));
+  EXPECT_EQ(widgetSize(ui::WidgetFamily::systemLarge, "375x667"), (drawing::Size{321, 324}));
   for (const std::string_view screen : screens()) {
     const auto small = widgetSize(ui::WidgetFamily::systemSmall, screen);
     EXPECT_EQ(small.width, small.height) << screen;

@@ -88,6 +88,32 @@ TEST_F(PicturesTest, SizeScaleAndAppearanceAreTheOnesAskedFor) {
           HasSubstr(R"("link":"quillpad://Report")")));
 }
 
+TEST_F(PicturesTest, TheContentIsTheSameInEveryFamilyOfThePhone) {
+  const std::string kind = "UnpaidSmallWidget";
+  const std::string tree = run({"tree", kind, "--state", "placeholder"}).out;
+  EXPECT_THAT(tree, HasSubstr("widgetURL"));
+  const struct {
+    const char* family;
+    const char* size;
+  } cases[] = {
+      {"systemSmall", R"({"width":158,"height":158})"},
+      {"systemMedium", R"({"width":338,"height":158})"},
+      {"systemLarge", R"({"width":338,"height":354})"},
+      {"systemExtraLarge", R"({"width":338,"height":354})"},
+      {"accessoryCircular", R"({"width":72,"height":72})"},
+      {"accessoryRectangular", R"({"width":160,"height":72})"},
+      {"accessoryInline", R"({"width":234,"height":26})"},
+  };
+  for (const auto& [family, size] : cases) {
+    EXPECT_EQ(run({"tree", kind, "--state", "placeholder", "--family", family}).out, tree);
+    EXPECT_THAT(
+        render(kind, {"--family", family, "-o", "-", "--format", "json"}).out,
+        AllOf(
+            HasSubstr("\"family\":\"" + std::string(family) + "\""),
+            HasSubstr("\"size\":" + std::string(size))));
+  }
+}
+
 TEST_F(PicturesTest, WhatCannotBeDrawnLeavesTheOldFile) {
   const auto picture = file("card.png");
   std::ofstream(picture) << "old";
@@ -106,7 +132,7 @@ TEST_F(PicturesTest, WhatCannotBeDrawnLeavesTheOldFile) {
       {{"--size", "nanx10"}, 2, "--size"},
       {{"--size", "10000x10000"}, 2, "pixels"},
       {{"--size", "10000.5x1"}, 2, "--size"},
-      {{"--family", "systemLarge"}, 2, "--family"},
+      {{"--family", "systemHuge"}, 2, "--family"},
       {{"--appearance", "sepia"}, 2, "--appearance"},
       {{"--entry", file("absent.json")}, 1, "absent.json"},
       {{"--entry", file("no.json")}, 2, "no.json is not JSON"},

@@ -1,5 +1,6 @@
 #include "home/commands/ViewChoice.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <utility>
@@ -61,11 +62,15 @@ void ViewChoice::declare(Options& options) {
   options.kind(kind);
   declareState(options, state);
   options.text("--entry", entryFile, "An entry of your own, as snapshot --json prints it", "FILE");
-  static constexpr std::array<Choice<std::optional<ui::WidgetFamily>>, 2> families{
-      {{"systemSmall", ui::WidgetFamily::systemSmall},
-       {"systemMedium", ui::WidgetFamily::systemMedium}}};
+  static constexpr auto families = [] {
+    std::array<Choice<std::optional<ui::WidgetFamily>>, ui::widgetFamilyNames.size()> all{};
+    std::ranges::transform(ui::widgetFamilyNames, all.begin(), [](const auto& family) {
+      return Choice<std::optional<ui::WidgetFamily>>{family.name, family.value};
+    });
+    return all;
+  }();
   options.choice<std::optional<ui::WidgetFamily>>(
-      "--family", family, "The widget's size class", families);
+      "--family", family, "The widget's size class; the content is the same in each", families);
 }
 
 std::expected<ui::View, Failure> viewOf(ExtensionClient& extension, const ViewChoice& choice) {
