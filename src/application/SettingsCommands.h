@@ -10,7 +10,6 @@ namespace quillpad::application {
 home::Command settingsCommand();
 
 // What helps where the extension drops a request for a timeline.
-inline constexpr const char* signInHint =
-    "the business identifier or the token is empty; \"quillpad-home settings sign-in\" sets both";
+inline constexpr const char* signInHint = "Sign in with \"quillpad-home settings sign-in\".";
 
 }  // namespace quillpad::application

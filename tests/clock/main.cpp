@@ -2,11 +2,11 @@
 // translations, whose timeline shows this minute and the next. While the variable CLOCK_STOPPED is
 // set it drops its timelines and says why.
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "platform/foundation/Activity.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/Iso8601.h"
@@ -44,8 +44,7 @@ struct ClockProvider {
   void getTimeline(
       const Context& /*context*/, widgets::Completion<widgets::Timeline<Entry>> completion) const {
     if (std::getenv("CLOCK_STOPPED") != nullptr) {  // NOLINT(concurrency-mt-unsafe)
-      std::puts("the clock has stopped");
-      std::fflush(stdout);
+      printLine("the clock has stopped");
       return;
     }
     const Date now = currentDate();

@@ -71,7 +71,7 @@ class HomeScreenTest : public testing::Test {
 
  protected:
   std::unique_ptr<HomeScreen> screen_ =
-      HomeScreen::start(CLOCK_EXTENSION, 0, "the clock has no hands").value();
+      HomeScreen::start(CLOCK_EXTENSION, 0, "Wind it.").value();
 };
 
 TEST_F(HomeScreenTest, ShowsAnyExtensionsWidgetsLive) {
@@ -120,9 +120,9 @@ TEST_F(HomeScreenTest, ChangesAreThoseSinceTheVersionOfThisRun) {
 
 TEST_F(HomeScreenTest, ADroppedRequestIsToldInTheExtensionsWordsAndTheHint) {
   const fixtures::ScopedVariable stopped("CLOCK_STOPPED", "yes");
-  screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, "the clock has no hands").value();
-  const std::string page = askUntil("GET /", "the clock has no hands");
-  EXPECT_THAT(page, AllOf(HasSubstr("the clock has stopped"), HasSubstr("=\"placeholder\"")));
+  screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, "Wind it.").value();
+  const std::string page = askUntil("GET /", "Wind it.");
+  EXPECT_THAT(page, AllOf(HasSubstr("the clock has stopped Wind it."), HasSubstr("=\"placeholder\"")));
 }
 
 TEST_F(HomeScreenTest, ChangesNeedThePagesTokenAndSomethingToChange) {

@@ -102,7 +102,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   fallback.failure = TransportError{-1004, "Could not connect to the server."};
   Picture restored = live;
   restored.restored = true;
-  const Problem dropped{Cause::dropped, "", "no hands", noon};
+  const Problem dropped{Cause::dropped, "It has no hands.", "", noon};
   const Problem droppedSilently{Cause::dropped, "", "", noon};
   const Problem ended{Cause::ended, "signal 6, Aborted", "SalesData line 58: no JSON", noon};
   const Problem late{Cause::late, "90 seconds", "", noon};
@@ -115,7 +115,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   } cases[] = {
       {&live, nullptr, "live", {}},
       {&placeholder, nullptr, "placeholder", {"on their way"}},
-      {&placeholder, &dropped, "placeholder", {"It said “no hands”. Maybe nobody winds it."}},
+      {&placeholder, &dropped, "placeholder", {"without an answer. It has no hands. Wind it."}},
       {&fallback, nullptr, "fallback", {"zeros or a sample", "Could not connect", "-1004"}},
       {&fallback, &late, "fallback", {"Could not connect", "90 seconds"}},
       {&live, &ended, "stale", {"signal 6, Aborted", "SalesData line 58: no JSON"}},
@@ -127,7 +127,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   };
   for (const auto& [picture, problem, level, words] : cases) {
     const WidgetStatus status = statusOf(
-        {.about = &item, .picture = picture, .problem = problem, .reload = {}}, "nobody winds it");
+        {.about = &item, .picture = picture, .problem = problem, .reload = {}}, "Wind it.");
     EXPECT_EQ(levelName(status.level), level);
     EXPECT_EQ(status.badge.empty(), status.level == WidgetStatus::Level::live);
     for (const std::string& part : words) {

@@ -258,15 +258,14 @@ TEST_F(SupervisorTest, NeverHasTwoRequestsOfOneKindUnderWay) {
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("render A", "snapshot A", "render A"));
 }
 
-TEST_F(SupervisorTest, KeepsThePictureThroughADropAndSaysWhatWasPrinted) {
+TEST_F(SupervisorTest, KeepsThePictureThroughADropAndSaysItsReason) {
   bringUp();
   pass(5min);
   done();
-  supervisor.printed("no token");
-  answer("timeline A", channel::Dropped{});
+  answer("timeline A", channel::Dropped{"The token is empty."});
   EXPECT_EQ(shown("A"), "a1");
   EXPECT_EQ(problem("A").cause, Cause::dropped);
-  EXPECT_EQ(problem("A").output, "no token");
+  EXPECT_EQ(problem("A").detail, "The token is empty.");
   EXPECT_EQ(widget("A").reload, date + 5min);
   answer("timeline B", timelineOf("b2"));
   answerAllButTimelines();

@@ -198,7 +198,7 @@ test("an empty sign-in keeps the picture and says why", async () => {
   const badge = page.locator(`${salesCard} .badge`);
   await badge.locator("summary").click();
   assert.equal(await page.locator(salesCard).getAttribute("data-status"), "stale");
-  assert.match(await badge.locator("p").innerText(), /“没有获取到businessID”.*settings sign-in/s);
+  assert.match(await badge.locator("p").innerText(), /The business identifier is empty\..*settings sign-in/s);
   assert.equal(await label(page, salesCard), before);
   world.signIn();
   await page.getByRole("button", { name: "Reload" }).click();

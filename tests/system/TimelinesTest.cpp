@@ -172,7 +172,10 @@ TEST_F(TimelinesTest, AnEmptyIdentifierOrTokenDropsTheRequest) {
     EXPECT_EQ(run.out, "");
     EXPECT_THAT(
         run.err,
-        AllOf(testing::StartsWith("没有获取到businessID\n"), HasSubstr("settings sign-in")));
+        AllOf(
+            testing::StartsWith("没有获取到businessID\n"),
+            HasSubstr("no timeline: The business identifier is empty. Sign in with"),
+            HasSubstr("settings sign-in")));
   }
   EXPECT_TRUE(gateway.requests().empty());
 }

@@ -218,7 +218,7 @@ int runCommandLine(const Program& program, int argc, const char* const* argv) {
   }
   std::string message = done.error().message;
   if (done.error().status == ExitStatus::dropped && !program.droppedHint.empty()) {
-    message += "; " + program.droppedHint;
+    message += " " + program.droppedHint;
   }
   std::fprintf(stderr, "%s: %s\n", program.name.c_str(), printable(message).c_str());
   return static_cast<int>(done.error().status);

@@ -12,7 +12,7 @@ struct Program {
   std::string name;
   std::string description;
   std::vector<Command> commands;
-  // Said where the extension drops a request: why that may be and what helps.
+  // A sentence on what helps where the extension drops a request.
   std::string droppedHint;
 };
 

@@ -64,8 +64,8 @@ void ViewChoice::declare(Options& options) {
   options.text("--entry", entryFile, "An entry of your own, as snapshot --json prints it", "FILE");
   static constexpr auto families = [] {
     std::array<Choice<std::optional<ui::WidgetFamily>>, ui::widgetFamilyNames.size()> all{};
-    std::ranges::transform(ui::widgetFamilyNames, all.begin(), [](const auto& family) {
-      return Choice<std::optional<ui::WidgetFamily>>{family.name, family.value};
+    std::ranges::transform(ui::widgetFamilyNames, all.begin(), [](const auto& named) {
+      return Choice<std::optional<ui::WidgetFamily>>{named.name, named.value};
     });
     return all;
   }();

@@ -26,9 +26,11 @@ Answer meaningOf(channel::Reply reply) {
         wrongUsage ? ExitStatus::wrongUsage : ExitStatus::notPossible,
         wrongUsage ? refusal->message : "the extension refused the request: " + refusal->message);
   }
-  if (std::holds_alternative<channel::Dropped>(reply)) {
+  if (const auto* dropped = std::get_if<channel::Dropped>(&reply)) {
     return failure(
-        ExitStatus::dropped, "the extension dropped the request, so there is no timeline");
+        ExitStatus::dropped,
+        "the extension dropped the request, so there is no timeline" +
+            (dropped->reason.empty() ? "." : ": " + dropped->reason));
   }
   return reply;
 }

@@ -68,8 +68,6 @@ void Supervisor::transferred(const channel::TransferNotice& notice) {
   }
 }
 
-void Supervisor::printed(std::string line) { lastLine_ = std::move(line); }
-
 void Supervisor::ended(const Moment& now, const SessionEnd& end) {
   loseExtension(now, problemOf(end, now.date));
 }
@@ -237,9 +235,6 @@ void Supervisor::showNextEntry(const Moment& now, Widget& widget) {
 }
 
 void Supervisor::ask(const Moment& now, const std::string& kind, Purpose purpose) {
-  if (pending_.empty()) {
-    lastLine_.clear();  // what was printed before belongs to others
-  }
   channel::Request request = channel::CatalogueRequest{};
   if (purpose != Purpose::catalogue) {
     Widget& widget = widgets_[kind];
@@ -285,13 +280,13 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
     requestFailed(
         now,
         request,
-        {.cause = cause, .detail = std::move(detail), .output = lastLine_, .since = now.date});
+        {.cause = cause, .detail = std::move(detail), .output = "", .since = now.date});
   };
   answeredInThisRun_ = answeredInThisRun_ || request.purpose == Purpose::timeline;
   if (request.purpose == Purpose::catalogue) {
     takeCatalogue(now, reply);
-  } else if (std::holds_alternative<channel::Dropped>(reply)) {
-    fail(Problem::Cause::dropped, "");
+  } else if (const auto* dropped = std::get_if<channel::Dropped>(&reply)) {
+    fail(Problem::Cause::dropped, dropped->reason);
   } else if (const auto* refused = std::get_if<channel::Refused>(&reply)) {
     fail(Problem::Cause::refused, refused->message);
   } else if (const auto* timeline = std::get_if<channel::Timeline>(&reply);

@@ -49,7 +49,6 @@ class Supervisor {
   void replied(const Moment& now, const channel::NumberedReply& reply);
   void answerIsLate(const Moment& now, const LateAnswer& late);
   void transferred(const channel::TransferNotice& notice);
-  void printed(std::string line);
   void ended(const Moment& now, const SessionEnd& end);
   void failedToStart(const Moment& now, std::string why);
 
@@ -150,7 +149,6 @@ class Supervisor {
   bool answeredInThisRun_ = false;  // a timeline was
   Uptime startAt_{};                // where it backs off
   std::optional<Problem> lastEnd_;
-  std::string lastLine_;
 
   std::uint64_t version_ = 1;
   std::uint64_t savedVersion_ = 0;

@@ -66,9 +66,8 @@ void WidgetHost::take(const Moment& now, SessionEvent& event) {
     supervisor_.transferred(*transfer);
   } else if (const auto* late = std::get_if<LateAnswer>(&event)) {
     supervisor_.answerIsLate(now, *late);
-  } else if (auto* line = std::get_if<PrintedLine>(&event)) {
+  } else if (const auto* line = std::get_if<PrintedLine>(&event)) {
     relay_(line->text);
-    supervisor_.printed(std::move(line->text));
   } else {
     session_.reset();
     supervisor_.ended(now, std::get<SessionEnd>(event));

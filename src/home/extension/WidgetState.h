@@ -42,8 +42,8 @@ struct Problem {
   };
 
   Cause cause = Cause::ended;
-  std::string detail;  // the circumstances, in words of the home screen; may be empty
-  std::string output;  // what the extension printed about it; may be empty
+  std::string detail;  // the circumstances, or the extension's reason; may be empty
+  std::string output;  // the extension's last words; may be empty
   Date since;
 };
 Problem problemOf(const SessionEnd& end, Date now);

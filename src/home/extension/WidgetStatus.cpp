@@ -33,8 +33,7 @@ std::string inPlainWords(const Problem& problem) {
   switch (problem.cause) {
     case Problem::Cause::dropped:
       return "The extension let the request go without an answer. " +
-             (problem.output.empty() ? "It gave no reason."
-                                     : "It said " + quoted(problem.output) + ".");
+             (problem.detail.empty() ? "It gave no reason." : problem.detail);
     case Problem::Cause::refused:
       return "The extension could not take the request: " + problem.detail + ".";
     case Problem::Cause::late:
@@ -76,7 +75,7 @@ WidgetStatus statusOf(const WidgetState& widget, const std::string& droppedHint)
   if (widget.problem != nullptr) {
     std::string words = inPlainWords(*widget.problem);
     if (widget.problem->cause == Problem::Cause::dropped && !droppedHint.empty()) {
-      words += " Maybe " + droppedHint + ".";
+      words += " " + droppedHint;
     }
     const bool replaces = status.level == Level::placeholder || status.level == Level::empty;
     status.cause = replaces ? words : status.cause + " " + words;

@@ -1,25 +1,14 @@
 #include "home/page/CardRenderer.h"
 
-#include <algorithm>
-#include <array>
-
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Locale.h"
 #include "platform/paint/DisplayListJson.h"
 #include "platform/paint/SvgWriter.h"
 
 namespace quillpad::home {
-namespace {
-
-constexpr std::array<std::string_view, 8> rightToLeftLanguages{
-    "ar", "ckb", "dv", "fa", "he", "ps", "ur", "yi"};
-
-}  // namespace
-
-bool isRightToLeft(const std::string& locale) {
+bool isMirrored(const std::string& locale) {
   const auto language = Bundle::main().localization(locale);
-  return language &&
-         std::ranges::find(rightToLeftLanguages, *language) != rightToLeftLanguages.end();
+  return language && isRightToLeft(*language);
 }
 
 CardRenderer::CardRenderer() : texts_(fonts_), pictures_(Bundle::main()), png_(fonts_, pictures_) {}
@@ -28,7 +17,7 @@ drawing::DisplayList CardRenderer::compose(
     const ui::View& view, drawing::CardRequest request, const std::string& locale) {
   const auto languages = languagesOf(locale);
   request.language = languages.empty() ? "en" : languages.front();
-  request.rightToLeft = isRightToLeft(locale);
+  request.rightToLeft = isMirrored(locale);
   const auto imageSize = [this](const std::string& name) { return pictures_.naturalSize(name); };
   return drawing::compose(view, request, imageSize, texts_);
 }

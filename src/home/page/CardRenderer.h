@@ -24,7 +24,7 @@ enum class PictureFormat { png, svg, json };
 
 // Whether the language that the locale gets its texts in is written from right to left: true for
 // "ar_EG", false for "he_IL" as long as there is no Hebrew translation.
-bool isRightToLeft(const std::string& locale);
+bool isMirrored(const std::string& locale);
 
 class CardRenderer {
  public:

@@ -191,7 +191,7 @@ PageFrame HomeScreen::newFrame() const {
       .token = token_,
       .instance = instance_,
       .nonce = secret(),
-      .rightToLeft = isRightToLeft(locale_)};
+      .rightToLeft = isMirrored(locale_)};
 }
 
 WebAnswer HomeScreen::homeAnswer() {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string_view>
 #include <unicode/locid.h>
+#include <unicode/uloc.h>
 #include <utility>
 
 namespace quillpad {
@@ -72,6 +73,10 @@ std::vector<std::string> languagesOf(const std::string& locale) {
     return {language};
   }
   return {language + "-" + script, language};
+}
+
+bool isRightToLeft(const std::string& language) {
+  return uloc_isRightToLeft(language.c_str()) != 0;
 }
 
 }  // namespace quillpad

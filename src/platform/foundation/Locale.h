@@ -31,4 +31,7 @@ class ScopedLocale {
 // "zh_CN", "de" for "de_DE".
 std::vector<std::string> languagesOf(const std::string& locale);
 
+// Whether the language's usual script is written from right to left.
+bool isRightToLeft(const std::string& language);
+
 }  // namespace quillpad
