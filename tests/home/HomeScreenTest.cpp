@@ -70,8 +70,7 @@ class HomeScreenTest : public testing::Test {
   fixtures::TemporaryHome home_;
 
  protected:
-  std::unique_ptr<HomeScreen> screen_ =
-      HomeScreen::start(CLOCK_EXTENSION, 0, "Wind it.").value();
+  std::unique_ptr<HomeScreen> screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, "Wind it.").value();
 };
 
 TEST_F(HomeScreenTest, ShowsAnyExtensionsWidgetsLive) {
@@ -122,7 +121,8 @@ TEST_F(HomeScreenTest, ADroppedRequestIsToldInTheExtensionsWordsAndTheHint) {
   const fixtures::ScopedVariable stopped("CLOCK_STOPPED", "yes");
   screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, "Wind it.").value();
   const std::string page = askUntil("GET /", "Wind it.");
-  EXPECT_THAT(page, AllOf(HasSubstr("the clock has stopped Wind it."), HasSubstr("=\"placeholder\"")));
+  EXPECT_THAT(
+      page, AllOf(HasSubstr("the clock has stopped Wind it."), HasSubstr("=\"placeholder\"")));
 }
 
 TEST_F(HomeScreenTest, ChangesNeedThePagesTokenAndSomethingToChange) {
