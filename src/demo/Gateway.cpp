@@ -24,44 +24,11 @@ std::string jsonText(const Value& value) {
 
 double amount(std::int64_t cents) { return static_cast<double>(cents) / 100; }
 
-// Devices write moments in the digits of their language; here they are those of "2026".
-std::string withLatinDigits(std::string_view text) {
-  // The first digit of a script, without its last byte, and that byte.
-  static constexpr std::array<std::pair<std::string_view, unsigned char>, 5> scripts{{
-      {"\xD9", 0xA0},      // Arabic
-      {"\xDB", 0xB0},      // Persian
-      {"\xE0\xA5", 0xA6},  // Devanagari
-      {"\xE0\xA7", 0xA6},  // Bengali
-      {"\xE1\x81", 0x80},  // Burmese
-  }};
-  std::string latin;
-  while (!text.empty()) {
-    const auto script = std::ranges::find_if(scripts, [&](const auto& one) {
-      const auto& [lead, zero] = one;
-      return text.starts_with(lead) && text.size() > lead.size() &&
-             static_cast<unsigned char>(text[lead.size()]) - unsigned{zero} < 10U;
-    });
-    if (script == scripts.end()) {
-      latin += text.front();
-      text.remove_prefix(1);
-    } else {
-      const auto& [lead, zero] = *script;
-      latin += static_cast<char>('0' + static_cast<unsigned char>(text[lead.size()]) - zero);
-      text.remove_prefix(lead.size() + 1);
-    }
-  }
-  return latin;
-}
-
-// "2026-03-07 09:05:03"; the year is that of the device's calendar, and may be a short one.
+// "2026-03-07 09:05:03"
 bool isMoment(std::string_view text) {
-  constexpr std::string_view form = "-dd-dd dd:dd:dd";
-  const auto isDigit = [](char c) { return '0' <= c && c <= '9'; };
-  const std::string_view year = text.substr(0, text.find('-'));
-  return !year.empty() && std::ranges::all_of(year, isDigit) &&
-         std::ranges::equal(text.substr(year.size()), form, [&](char c, char wanted) {
-           return wanted == 'd' ? isDigit(c) : c == wanted;
-         });
+  return std::ranges::equal(text, std::string_view("dddd-dd-dd dd:dd:dd"), [](char c, char form) {
+    return form == 'd' ? '0' <= c && c <= '9' : c == form;
+  });
 }
 
 // The fields of a request's body, all of them texts. The first error is kept; reading goes on with
@@ -93,7 +60,7 @@ class Fields {
   }
 
   std::string moment(std::string_view key) {
-    std::string value = withLatinDigits(text(key));
+    std::string value = text(key);
     if (!isMoment(value)) {
       fail(key, "must be a moment like 2026-03-07 09:05:03");
     }

@@ -14,13 +14,14 @@
 #include <pthread.h>
 #include <string>
 #include <sys/file.h>
-#include <sys/random.h>
 #include <unistd.h>
 
 #include "demo/Certificate.h"
 #include "demo/Faults.h"
 #include "demo/Gateway.h"
 #include "demo/Server.h"
+#include "platform/foundation/Random.h"
+#include "platform/foundation/UserFolders.h"
 #include "platform/foundation/WholeFile.h"
 
 using namespace quillpad;
@@ -32,16 +33,6 @@ struct Options {
   std::filesystem::path state;
   demo::Fault fault{};
 };
-
-std::filesystem::path defaultState() {
-  const char* state = std::getenv("XDG_STATE_HOME");
-  const char* home = std::getenv("HOME");
-  const std::filesystem::path folder =
-      state != nullptr && *state == '/'
-          ? std::filesystem::path(state)
-          : std::filesystem::path(home != nullptr ? home : "") / ".local/state";
-  return folder / "quillpad/demo-gateway";
-}
 
 constexpr int cannotBeDone = 1;
 constexpr int wrongUsage = 2;
@@ -86,7 +77,12 @@ std::expected<Options, int> readOptions(int count, char** arguments) {
   }
   options.fault = *std::move(fault);
   if (options.state.empty()) {
-    options.state = defaultState();
+    const auto folder = userStateFolder();
+    if (!folder) {
+      return std::unexpected(fail(
+          cannotBeDone, "There is no place for its certificate: set HOME, or choose --state."));
+    }
+    options.state = *folder / "demo-gateway";
   }
   return options;
 }
@@ -97,15 +93,7 @@ std::expected<std::string, std::string> loadOrMakeToken(const std::filesystem::p
   if (const auto kept = readWholeFile(file, maxBytes); kept && kept->size() >= 32) {
     return *kept;
   }
-  std::array<unsigned char, 24> random{};
-  if (getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) {
-    return std::unexpected("The system gives no random bytes for a token.");
-  }
-  std::string token;
-  for (const unsigned char byte : random) {
-    token += "0123456789abcdef"[byte >> 4];
-    token += "0123456789abcdef"[byte & 15];
-  }
+  const std::string token = randomHex(24);
   if (const std::error_code error = writeWholeFile(file, token)) {
     return std::unexpected(
         file.string() + " cannot be written (" + error.message() + "): choose another --state.");

@@ -120,9 +120,6 @@ TEST_F(DemoGatewayTest, EveryFieldOfAListRequestCounts) {
       {{{"startTime", "2025-01-01 00:00:00"}, {"endTime", "2026-01-01 00:00:00"}},
        "",
        [&](auto& d) { return isInvoice(d, "2025", true) && !d.paid; }},
-      {{{"startTime", "٢٠٢٦-٠١-٠١ ٠٠:٠٠:٠٠"}},
-       "",
-       [&](auto& d) { return isInvoice(d, "2026", true) && !d.paid; }},
       {{{"searchType", "1"}},
        "isFullPaid",
        [&](auto& d) {
@@ -259,6 +256,7 @@ TEST_F(DemoGatewayTest, WrongRequestsAreRefused) {
       {withField("pageSize", "0"), 400, "'pageSize'"},
       {withField("currentPage", "1x"), 400, "'currentPage'"},
       {withField("startTime", "2026-01-01"), 400, "'startTime'"},
+      {withField("startTime", "٢٠٢٦-٠١-٠١ ٠٠:٠٠:٠٠"), 400, "'startTime'"},
       {withField("endTime", "2027-1-1 00:00:00"), 400, "'endTime'"},
       {withField("isFullPaid", "unpaid"), 400, "Unpaid, Paid"},
       {withField("type", "2"), 400, "'isFullPaid' is unknown here"},

@@ -91,16 +91,16 @@ TEST(StateFile, ForeignContentIsToldByName) {
   } cases[] = {
       {"[]", "another version"},
       {R"({"version":2})", "another version"},
-      {R"({"version":1,"placed":[],"pictures":{}})", "missing"},
+      {R"({"version":1,"placed":[],"pictures":{}})", "no \"catalogue\""},
       {R"({"version":1,"catalogue":[7],"placed":[],"pictures":{}})", "catalogue"},
       {R"({"version":1,"catalogue":[],"placed":[null],"pictures":{}})", "placed"},
-      {R"({"version":1,"catalogue":[],"placed":[],"pictures":{"A":{"received":1}}})", "of A"},
+      {R"({"version":1,"catalogue":[],"placed":[],"pictures":{"A":{"received":1}}})", "pictures.A"},
       {R"({"version":1,"catalogue":[],"placed":[],"pictures":{"A":{
            "received":"2026-03-07T09:05:04.000Z",
            "entry":{"date":"2026-03-07T09:05:03.250Z","data":1},
            "view":{"type":"spacer"},
            "failure":{"code":1e300,"description":"too large for any code"}}}})",
-       "of A"},
+       "pictures.A.failure.code"},
   };
   for (const auto& [content, reason] : cases) {
     std::ofstream(file) << content;

@@ -60,9 +60,9 @@ struct WidgetState {
 
 // What outlives the home screen.
 struct SavedHome {
-  std::vector<channel::CatalogueItem> catalogue;
-  std::vector<std::string> placed;
-  std::map<std::string, Picture> pictures;  // by kind; of timelines alone
+  std::vector<channel::CatalogueItem> catalogue{};
+  std::vector<std::string> placed{};
+  std::map<std::string, Picture> pictures{};  // by kind; of timelines alone
 };
 
 }  // namespace quillpad::home

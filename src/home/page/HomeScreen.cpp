@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <sys/random.h>
 #include <unistd.h>
 #include <utility>
 
@@ -13,6 +12,7 @@
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Locale.h"
+#include "platform/foundation/Random.h"
 
 namespace quillpad::home {
 namespace {
@@ -22,20 +22,8 @@ using namespace std::chrono_literals;
 constexpr auto galleryPatience = 5s;
 constexpr std::size_t maxKeptChanges = 100;
 
-// 128 bits that nobody can guess, in hexadecimal.
-std::string secret() {
-  std::array<unsigned char, 16> bytes{};
-  if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
-    std::abort();
-  }
-  std::string text;
-  for (const unsigned char byte : bytes) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    text += digits[byte >> 4U];
-    text += digits[byte & 15U];
-  }
-  return text;
-}
+// 128 bits that nobody can guess.
+std::string secret() { return randomHex(16); }
 
 // An id that may stand in SVG, whatever the kind is made of.
 std::string idPrefixOf(std::string_view kind, std::string_view use) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "home/page/WidgetSizes.h"
+#include "platform/foundation/Hex.h"
 
 namespace quillpad::home {
 namespace {
@@ -51,11 +52,8 @@ std::string encoded(std::string_view text) {
     if (plain) {
       result += character;
     } else {
-      constexpr std::string_view digits = "0123456789ABCDEF";
-      const auto byte = static_cast<unsigned char>(character);
       result += '%';
-      result += digits[byte >> 4U];
-      result += digits[byte & 15U];
+      result += upperHexByte(static_cast<unsigned char>(character));
     }
   }
   return result;

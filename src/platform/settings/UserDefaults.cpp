@@ -1,36 +1,18 @@
 #include "platform/settings/UserDefaults.h"
 
-#include <cstdlib>
 #include <string>
 
+#include "platform/foundation/UserFolders.h"
 #include "platform/foundation/WholeFile.h"
 #include "platform/settings/PropertyList.h"
 
 namespace quillpad {
-namespace {
-
-// Where applications keep their data; a relative XDG_DATA_HOME does not count.
-std::filesystem::path dataFolder() {
-  const char* data = std::getenv("XDG_DATA_HOME");
-  if (data != nullptr && *data == '/') {
-    return data;
-  }
-  const char* home = std::getenv("HOME");
-  if (home == nullptr || *home == '\0') {
-    return {};
-  }
-  return std::filesystem::path(home) / ".local" / "share";
-}
-
-}  // namespace
-
 std::filesystem::path UserDefaults::path(std::string_view suiteName) {
-  const std::filesystem::path folder = dataFolder();
-  if (folder.empty()) {
+  const auto folder = userDataFolder();
+  if (!folder) {
     return {};
   }
-  return folder / "quillpad" / suiteName / "Library" / "Preferences" /
-         (std::string(suiteName) + ".plist");
+  return *folder / suiteName / "Library" / "Preferences" / (std::string(suiteName) + ".plist");
 }
 
 std::expected<UserDefaults, SettingsError> UserDefaults::open(std::string_view suiteName) {

@@ -1,0 +1,30 @@
+#include "platform/foundation/UserFolders.h"
+
+#include <cstdlib>
+
+namespace quillpad {
+namespace {
+
+std::optional<std::filesystem::path> userFolder(const char* variable, const char* belowHome) {
+  const char* folder = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe)
+  if (folder != nullptr && *folder == '/') {
+    return std::filesystem::path(folder) / "quillpad";
+  }
+  const char* home = std::getenv("HOME");  // NOLINT(concurrency-mt-unsafe)
+  if (home == nullptr || *home != '/') {
+    return std::nullopt;
+  }
+  return std::filesystem::path(home) / belowHome / "quillpad";
+}
+
+}  // namespace
+
+std::optional<std::filesystem::path> userDataFolder() {
+  return userFolder("XDG_DATA_HOME", ".local/share");
+}
+
+std::optional<std::filesystem::path> userStateFolder() {
+  return userFolder("XDG_STATE_HOME", ".local/state");
+}
+
+}  // namespace quillpad
