@@ -175,11 +175,15 @@ TEST_F(ExtensionSessionTest, PrintedLinesAreShowableWhateverTheirBytes) {
 // A flood is taken in bounded portions, so that the others who share the loop get their turn.
 TEST_F(ExtensionSessionTest, AFloodIsTakenInPortions) {
   start("cat /dev/zero | tr '\\0' '\\n' | sed 's/$/x/'");
-  for (int turn = 0; turn < 50; ++turn) {
+  std::size_t lines = 0;
+  for (int turn = 0; turn < 10; ++turn) {
     auto descriptors = session_->descriptors();
     ::poll(descriptors.data(), descriptors.size(), 1000);
-    EXPECT_LE(session_->poll(uptime_).size(), std::size_t{700} * 1024);
+    const std::size_t taken = session_->poll(uptime_).size();
+    EXPECT_LE(taken, std::size_t{200} * 1024);
+    lines += taken;
   }
+  EXPECT_GT(lines, 0U);
 }
 
 TEST_F(ExtensionSessionTest, LeavesNoProcessBehind) {

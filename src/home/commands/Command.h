@@ -32,11 +32,11 @@ struct Command {
 // The command whose options and preset values are those of the struct.
 template <class Struct>
 Command command(
-    std::string name, std::string description, std::string example, Struct preset = {}) {
+    const char* name, const char* description, const char* example, Struct preset = {}) {
   return {
-      .name = std::move(name),
-      .description = std::move(description),
-      .example = std::move(example),
+      .name = name,
+      .description = description,
+      .example = example,
       .prepare = [preset = std::move(preset)](Options& options) -> Command::Run {
         const auto command = std::make_shared<Struct>(preset);
         command->declare(options);

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
-#include <numeric>
 #include <system_error>
 #include <utility>
 
@@ -29,7 +28,9 @@ std::filesystem::path defaultExtension() {
 // How many letters must be added, left out or changed to get from one word to the other.
 std::size_t distance(std::string_view from, std::string_view to) {
   std::vector<std::size_t> row(to.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t j = 0; j < row.size(); ++j) {
+    row[j] = j;
+  }
   for (std::size_t i = 1; i <= from.size(); ++i) {
     std::size_t diagonal = std::exchange(row[0], i);
     for (std::size_t j = 1; j <= to.size(); ++j) {

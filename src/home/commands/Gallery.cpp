@@ -210,8 +210,8 @@ struct Gallery {
       if (!change) {
         return std::unexpected(change.error());
       }
-      if (*change) {
-        changes.push_back(std::move(**change));
+      if (std::optional<PictureChange>& found = *change) {
+        changes.push_back(*std::move(found));
       }
     }
     const auto files = filesIn(recorded);

@@ -85,7 +85,7 @@ struct Render {
     const std::string ending = std::filesystem::path(output).extension();
     const auto named = std::ranges::find_if(
         formats, [&](const auto& each) { return ending == "." + std::string(each.name); });
-    if (named != formats.end()) {
+    if (named != formats.end() && named->value) {
       return *named->value;
     }
     return failure(

@@ -119,8 +119,8 @@ class SpawnPlan {
   posix_spawnattr_t attributes_{};
 };
 
-// As much as a pipe or a socket can hold: what an extension left at its end is taken at once.
-constexpr std::size_t maxBytesPerTurn = std::size_t{1024} * 1024;
+// More than a pipe or a socket holds: what an extension left at its end is taken at once.
+constexpr std::size_t maxBytesPerTurn = std::size_t{256} * 1024;
 
 // Takes the lines that are there now; at the end of the stream the descriptor is closed.
 template <class Take>

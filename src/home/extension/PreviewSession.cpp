@@ -16,7 +16,8 @@ constexpr auto idleTime = 15s;
 PreviewSession::PendingResult PreviewSession::submit(const Moment& now, Job job) {
   auto outcome = std::make_shared<Outcome>();
   std::erase_if(jobs_, [this](const QueuedJob& queued) {
-    return queued.outcome.expired() && !(asked_ && &queued == &jobs_.front());
+    const bool isUnderWay = asked_ && &queued == &jobs_.front();
+    return queued.outcome.expired() && !isUnderWay;
   });
   jobs_.push_back({std::move(job), outcome});
   beginNext(now);
@@ -108,6 +109,9 @@ void PreviewSession::takeReply(const Moment& now, const channel::Reply& reply) {
 }
 
 void PreviewSession::askForRendering(const Moment& now) {
+  if (!session_) {
+    return;
+  }
   const Job& job = jobs_.front().job;
   asked_ = session_->ask(
       now.uptime, channel::RenderRequest{job.kind, job.entry, std::nullopt, job.locale});

@@ -142,7 +142,7 @@ Markup figure(
     const PreviewColumn::Picture& picture,
     const drawing::DisplayList& list) {
   const bool dark = picture.appearance == ui::Appearance::dark;
-  PreviewQuery file{
+  const PreviewQuery file{
       .kind = query.kind,
       .screen = query.screen,
       .language = query.language,

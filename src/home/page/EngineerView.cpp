@@ -58,7 +58,8 @@ const channel::CatalogueItem* EngineerView::choose(PreviewQuery& query) const {
   return &*widget;
 }
 
-LaterAnswer EngineerView::page(const Moment& now, const WebRequest& request, PageFrame frame) {
+LaterAnswer EngineerView::page(
+    const Moment& now, const WebRequest& request, const PageFrame& frame) {
   PreviewQuery query = PreviewQuery::parse(request);
   const channel::CatalogueItem* widget = choose(query);
   if (widget == nullptr) {
@@ -190,9 +191,10 @@ EngineerModel EngineerView::modelOf(
     }
     if (outcome && column.state == query.state) {
       model.viewTree = prettyJson(ui::toValue(outcome->view));
-      model.displayList =
-          cards_.write(*model.columns.back().list, PictureFormat::json, appearanceOf(query))
-              .value_or("");
+      if (const auto& list = model.columns.back().list) {
+        model.displayList =
+            cards_.write(*list, PictureFormat::json, appearanceOf(query)).value_or("");
+      }
     }
   }
   return model;

@@ -29,7 +29,7 @@ class EngineerView {
       : supervisor_(supervisor), previews_(previews), cards_(cards), locale_(std::move(locale)) {}
 
   // The page that the request's choices make.
-  LaterAnswer page(const Moment& now, const WebRequest& request, PageFrame frame);
+  LaterAnswer page(const Moment& now, const WebRequest& request, const PageFrame& frame);
 
   // One picture of it as a file to keep.
   LaterAnswer picture(const Moment& now, const WebRequest& request, PictureFormat format);
@@ -41,7 +41,10 @@ class EngineerView {
     PreviewSession::PendingResult pending;
 
     bool isDone() const { return pending->has_value(); }
-    const std::expected<PreviewSession::Result, std::string>& outcome() const { return **pending; }
+    // Of a column that is done.
+    const std::expected<PreviewSession::Result, std::string>& outcome() const {
+      return **pending;  // NOLINT(bugprone-unchecked-optional-access): see isDone()
+    }
   };
 
   // The widget that the query names, whose kind and languages the query then has; nullptr where

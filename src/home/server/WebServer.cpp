@@ -183,7 +183,9 @@ class WebServer::Engine {
     if (now >= nextHeartbeat_) {
       nextHeartbeat_ = now + limits_.heartbeat;
       for (Exchange* exchange : streams_) {
-        exchange->stream->requestHeartbeat();
+        if (exchange->stream) {
+          exchange->stream->requestHeartbeat();
+        }
       }
       wake();
     }
@@ -281,7 +283,7 @@ class WebServer::Engine {
 
   static ssize_t readStream(void* cls, std::uint64_t /*position*/, char* buffer, std::size_t size) {
     auto& exchange = *static_cast<Exchange*>(cls);
-    if (exchange.engine->ending_) {
+    if (exchange.engine->ending_ || !exchange.stream) {
       return MHD_CONTENT_READER_END_OF_STREAM;
     }
     const std::size_t count = exchange.stream->read(buffer, size);

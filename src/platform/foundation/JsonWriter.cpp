@@ -29,10 +29,11 @@ class JsonWriter {
 
   void writeContent(const Number& number) {
     std::visit(
-        [this, &number](auto value) {
-          if constexpr (std::is_same_v<decltype(value), bool>) {
+        [this, &number](const auto& value) {
+          using Kind = std::remove_cvref_t<decltype(value)>;
+          if constexpr (std::is_same_v<Kind, bool>) {
             text_ += value ? "true" : "false";
-          } else if constexpr (std::is_same_v<decltype(value), double>) {
+          } else if constexpr (std::is_same_v<Kind, double>) {
             writeDouble(value);
           } else {
             text_ += number.stringValue();

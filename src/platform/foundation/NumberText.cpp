@@ -32,14 +32,15 @@ std::optional<double> doubleFromText(std::string_view text) {
 }
 
 std::optional<Number> wholeNumberFromText(std::string_view text) {
-  const char* const end = text.data() + text.size();
+  const char* const begin = text.data();
+  const char* const end = begin + text.size();
   std::int64_t value = 0;
   std::uint64_t large = 0;
-  if (const auto read = std::from_chars(text.data(), end, value);
+  if (const auto read = std::from_chars(begin, end, value);
       read.ptr == end && read.ec == std::errc()) {
     return value;
   }
-  if (const auto read = std::from_chars(text.data(), end, large);
+  if (const auto read = std::from_chars(begin, end, large);
       read.ptr == end && read.ec == std::errc()) {
     return large;
   }

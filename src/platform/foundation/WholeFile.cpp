@@ -64,7 +64,11 @@ class NewFile {
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
 
-  void setMode(mode_t mode) { check(fchmod(descriptor_.get(), mode)); }
+  void setMode(mode_t mode) {
+    if (descriptor_) {
+      check(fchmod(descriptor_.get(), mode));
+    }
+  }
 
   // Writes the bytes and puts the file in its place.
   std::error_code fill(std::string_view bytes) {

@@ -195,7 +195,9 @@ void IndexedCanvas::clear(int x, int y, std::span<const Coverage> levels) {
       std::int16_t& corner = corner_[level];
       if (*pixel != 0 || corner == unknown) {
         const std::uint8_t index = indexOf(covered(palette_[*pixel], level));
-        corner = *pixel == 0 ? index : corner;
+        if (*pixel == 0) {
+          corner = index;
+        }
         *pixel = index;
       } else {
         *pixel = static_cast<std::uint8_t>(corner);

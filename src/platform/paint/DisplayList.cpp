@@ -34,7 +34,7 @@ std::optional<std::string> sizeError(Size size, int scale) {
 }
 
 std::string hexName(ui::Rgba color) {
-  std::string name =
+  const std::string name =
       "#" + upperHexByte(color.red) + upperHexByte(color.green) + upperHexByte(color.blue);
   return color.alpha == 255 ? name : name + upperHexByte(color.alpha);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <ranges>
 #include <variant>
 #include <vector>
 
@@ -107,7 +108,8 @@ class Painter {
       cache_.shapes.cover(round, begin, y, row_);
       const auto isFull = [](Coverage level) { return level == fullCoverage; };
       const auto first = std::ranges::find_if(row_, isFull) - row_.begin();
-      const auto last = std::find_if(row_.rbegin(), row_.rend(), isFull).base() - row_.begin();
+      const auto last =
+          std::ranges::find_if(row_ | std::views::reverse, isFull).base() - row_.begin();
       if (first >= last || !clips_.empty()) {
         blendRow(begin, y, row_);
         continue;

@@ -48,10 +48,10 @@ struct FontBook::Impl {
 };
 
 FontBook::FontBook() : impl_(std::make_unique<Impl>()) {
-  for (std::size_t i = 0; i < systemFiles.size(); ++i) {
-    FontFile file{.path = systemFiles[i]};
-    if (access(systemFiles[i], R_OK) != 0) {
-      const auto weight = static_cast<ui::Weight>(i);
+  for (const auto weight : {ui::Weight::regular, ui::Weight::medium, ui::Weight::semibold}) {
+    const char* path = systemFiles.at(static_cast<std::size_t>(weight));
+    FontFile file{.path = path};
+    if (access(path, R_OK) != 0) {
       file = impl_->finder.find(U"a", USCRIPT_LATIN, weight, "en").value_or(file);
     }
     impl_->fonts.push_back({.file = std::move(file)});

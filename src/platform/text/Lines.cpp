@@ -88,17 +88,19 @@ Line truncateLine(
 
 std::vector<LinePart> partsFromLeft(
     const ShapedText& text, const Line& line, const ShapedText& sign) {
-  const std::vector<LinePart> parts = inOrderOfReading(text, line, sign);
+  std::vector<LinePart> parts = inOrderOfReading(text, line, sign);
   if (parts.size() < 2) {
     return parts;
   }
   std::vector<UBiDiLevel> levels;
+  levels.reserve(parts.size());
   for (const LinePart& part : parts) {
     levels.push_back(part.level);
   }
   std::vector<int32_t> order(parts.size());
   ubidi_reorderVisual(levels.data(), static_cast<int32_t>(levels.size()), order.data());
   std::vector<LinePart> ordered;
+  ordered.reserve(parts.size());
   for (const int32_t place : order) {
     ordered.push_back(parts[static_cast<std::size_t>(place)]);
   }
