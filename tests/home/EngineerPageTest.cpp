@@ -35,8 +35,8 @@ TEST(PreviewQuery, ItsAddressMakesTheSameChoices) {
   for (const char* url :
        {"/",
         "/picture.png?kind=SalesSmallWidget",
-        "/?kind=A%26b%3D%22&screen=430x932&language=zh-Hans&appearance=dark&format=png&scale=3"
-        "&boxes=1&state=entry&entry=%7B%22date%22%3A%22%C3%A9%22%7D",
+        "/?kind=A%26b%3D%22&screen=430x932&language=zh-Hans&appearance=dark&format=png",
+        "/?scale=3&boxes=1&state=entry&entry=%7B%22date%22%3A%22%C3%A9%22%7D",
         "/?appearance=light&scale=1&state=placeholder",
         "/?state=snapshot"}) {
     const WebRequest request = requestOf(url);

@@ -55,7 +55,7 @@ class HomeScreenTest : public testing::Test {
     place.sin_family = AF_INET;
     place.sin_port = htons(static_cast<std::uint16_t>(std::stoi(host.substr(host.find(':') + 1))));
     place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place);
+    EXPECT_EQ(::connect(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
     const std::string request = line + " HTTP/1.1\r\nHost: " + host +
                                 "\r\nConnection: close\r\nContent-Length: 0\r\n" + headers + "\r\n";
     ::send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL);

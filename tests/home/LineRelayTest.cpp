@@ -14,10 +14,6 @@ namespace quillpad::home {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::AllOf;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 class LineRelayTest : public testing::Test {
  protected:
