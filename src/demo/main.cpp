@@ -93,7 +93,7 @@ std::expected<std::string, std::string> loadOrMakeToken(const std::filesystem::p
   if (const auto kept = readWholeFile(file, maxBytes); kept && kept->size() >= 32) {
     return *kept;
   }
-  const std::string token = randomHex(24);
+  std::string token = randomHex(24);
   if (const std::error_code error = writeWholeFile(file, token)) {
     return std::unexpected(
         file.string() + " cannot be written (" + error.message() + "): choose another --state.");
