@@ -122,6 +122,11 @@ export class World {
     return html.match(/name="page-token" content="(\w+)"/)[1];
   }
 
+  // Asks the home screen for a change, with the token of its page.
+  change(what, token) {
+    return fetch(`${this.address}${what}`, { method: "POST", headers: { "X-Page-Token": token } });
+  }
+
   // What the page would show: the markup of each card, by kind.
   async cards() {
     const changes = await (await fetch(`${this.address}/changes?since=0`)).json();
