@@ -15,6 +15,8 @@ target_compile_options(
                              $<$<CXX_COMPILER_ID:GNU>:-Wno-psabi>
                              # GCC 12 warns of its own std::string when a literal stands before one.
                              $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+# A program loads what it calls, not what its libraries might.
+target_link_options(quillpad_options INTERFACE -Wl,--as-needed)
 if(QUILLPAD_SANITIZE)
   target_compile_options(
     quillpad_options INTERFACE -fsanitize=${QUILLPAD_SANITIZE} -fno-omit-frame-pointer

@@ -2,6 +2,7 @@
 #include <sys/resource.h>
 
 #include "platform/foundation/Fatal.h"
+#include "platform/foundation/LateLibrary.h"
 
 namespace quillpad {
 namespace {
@@ -23,6 +24,11 @@ TEST(FatalDeathTest, NamesTheLineOfWhoForcesAnAbsentValue) {
       forcedMember<Number>(row, "total"),
       "^FatalTest line [0-9]+: total is of another kind than expected");
   EXPECT_EQ(forcedMember<std::string>(row, "total"), "12");
+}
+
+TEST(FatalDeathTest, ALibraryThatIsNotThereIsNamedAtItsFirstCall) {
+  const LateFunction<int()> function("libnowhere.so.1", "answer");
+  EXPECT_DEATH(function(), "^A shared library is missing, install it: libnowhere.so.1: ");
 }
 
 TEST(FatalDeathTest, AProcessThatForbidsCoreFilesDoesNotDump) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <microhttpd.h>
 #include <optional>
 #include <sys/socket.h>
 #include <system_error>
@@ -11,6 +10,7 @@
 
 #include "home/server/ConnectionTimers.h"
 #include "home/server/LoopbackListener.h"
+#include "home/server/Microhttpd.h"
 #include "home/server/RequestPolicy.h"
 #include "home/server/StreamReader.h"
 

@@ -4,8 +4,6 @@
 #include <array>
 #include <cstdlib>
 #include <memory>
-#include <openssl/err.h>
-#include <openssl/ssl.h>
 #include <string_view>
 #include <sys/socket.h>
 #include <utility>

@@ -5,11 +5,11 @@
 
 #include <chrono>
 #include <cstdint>
-#include <curl/curl.h>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "platform/net/Curl.h"
 #include "platform/net/TransportErrors.h"
 #include "platform/net/URLRequest.h"
 #include "platform/net/URLSession.h"

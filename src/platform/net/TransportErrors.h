@@ -2,8 +2,7 @@
 // the sentence that goes with it. Private to the session; functions of their arguments alone.
 #pragma once
 
-#include <curl/curl.h>
-
+#include "platform/net/Curl.h"
 #include "platform/net/URLSession.h"
 
 namespace quillpad {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <curl/curl.h>
 #include <deque>
 #include <mutex>
 #include <string>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "platform/foundation/BackgroundThread.h"
+#include "platform/net/Curl.h"
 #include "platform/net/SerialQueue.h"
 #include "platform/net/Transfer.h"
 
