@@ -58,6 +58,14 @@ function(quillpad_program name)
   quillpad_state_edges(${name} "${ARG_LINKS}" "")
 endfunction()
 
+# quillpad_hold_runtime(NAME): puts the C++ library into the program. Relocating the shared one takes as long as all else
+# that a short command does.
+function(quillpad_hold_runtime name)
+  if(NOT QUILLPAD_SANITIZE)
+    target_link_options(${name} PRIVATE -static-libstdc++ -static-libgcc)
+  endif()
+endfunction()
+
 # quillpad_test(NAME SOURCES ... LINKS ...): a GoogleTest program, each of its cases a test of CTest.
 function(quillpad_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})

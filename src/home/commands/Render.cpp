@@ -110,6 +110,7 @@ struct Render {
 
   std::expected<std::string, Failure> draw(
       ExtensionClient& extension, PictureFormat picture) const {
+    CardRenderer cards;  // first, so that its libraries are loaded while the extension starts
     const auto family = familyOf(extension);
     if (!family) {
       return std::unexpected(family.error());
@@ -122,7 +123,6 @@ struct Render {
     if (!tree) {
       return std::unexpected(tree.error());
     }
-    CardRenderer cards;
     const auto list = cards.compose(
         *tree,
         {.kind = view.kind,

@@ -33,6 +33,8 @@ class LateFunction {
 
 }  // namespace quillpad
 
-// Within a namespace, the function of that name of the global one, found there first.
-#define QUILLPAD_LATE_FUNCTION(library, name) \
+// Within a namespace, the function of that name of the global one, found there first. The name may
+// be a macro for the one in the library, as ICU's are.
+#define QUILLPAD_LATE_FUNCTION(library, name) QUILLPAD_LATE_FUNCTION_NAMED(library, name)
+#define QUILLPAD_LATE_FUNCTION_NAMED(library, name) \
   inline constinit const LateFunction<decltype(::name)> name { library, #name }

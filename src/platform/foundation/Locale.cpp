@@ -1,11 +1,12 @@
 #include "platform/foundation/Locale.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <string_view>
-#include <unicode/locid.h>
-#include <unicode/uloc.h>
 #include <utility>
+
+#include "platform/foundation/Icu.h"
 
 namespace quillpad {
 namespace {
@@ -49,6 +50,16 @@ std::string identifierOf(std::string_view value) {
   return name;
 }
 
+using PartGetter = int32_t(const char*, char*, int32_t, UErrorCode*);
+
+std::string partOf(const std::string& locale, PartGetter* part) {
+  std::array<char, ULOC_FULLNAME_CAPACITY> text{};
+  UErrorCode status = U_ZERO_ERROR;
+  const int32_t length = part(locale.c_str(), text.data(), text.size(), &status);
+  return U_FAILURE(status) != 0 ? std::string()
+                                : std::string(text.data(), static_cast<std::size_t>(length));
+}
+
 }  // namespace
 
 std::string currentLocale(LocaleCategory category) {
@@ -62,11 +73,10 @@ ScopedLocale::ScopedLocale(const std::string& locale)
 ScopedLocale::~ScopedLocale() { localeOfThread = std::move(before_); }
 
 std::vector<std::string> languagesOf(const std::string& locale) {
-  const icu::Locale parts(locale.c_str());
-  const std::string language = parts.getLanguage();
-  std::string script = parts.getScript();
+  const std::string language = partOf(locale, uloc_getLanguage);
+  std::string script = partOf(locale, uloc_getScript);
   if (language == "zh" && script.empty()) {
-    const std::string_view region = parts.getCountry();
+    const std::string region = partOf(locale, uloc_getCountry);
     script = region == "TW" || region == "HK" || region == "MO" ? "Hant" : "Hans";
   }
   if (script.empty()) {

@@ -1,10 +1,11 @@
 #include "platform/foundation/URL.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
-#include <unicode/idna.h>
 
 #include "platform/foundation/Hex.h"
+#include "platform/foundation/Icu.h"
 #include "platform/foundation/Utf8.h"
 
 namespace quillpad {
@@ -60,21 +61,29 @@ bool isScheme(std::string_view text) {
   });
 }
 
+struct CloseIdna {
+  void operator()(UIDNA* idna) const { uidna_close(idna); }
+};
+
 std::optional<std::string> internationalHost(std::string_view host) {
   UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<icu::IDNA> idna(
-      icu::IDNA::createUTS46Instance(UIDNA_NONTRANSITIONAL_TO_ASCII, status));
-  if (U_FAILURE(status)) {
+  const std::unique_ptr<UIDNA, CloseIdna> idna(
+      uidna_openUTS46(UIDNA_NONTRANSITIONAL_TO_ASCII, &status));
+  std::array<char, 256> text{};  // more than a host name may have
+  UIDNAInfo info = UIDNA_INFO_INITIALIZER;
+  const int32_t length = uidna_nameToASCII_UTF8(
+      idna.get(),
+      host.data(),
+      static_cast<int32_t>(host.size()),
+      text.data(),
+      text.size(),
+      &info,
+      &status);
+  if (U_FAILURE(status) != 0 || info.errors != 0) {
     return std::nullopt;
   }
-  std::string ascii;
-  icu::StringByteSink<std::string> sink(&ascii);
-  icu::IDNAInfo info;
-  idna->nameToASCII_UTF8({host.data(), static_cast<int32_t>(host.size())}, sink, info, status);
-  if (U_FAILURE(status) || info.hasErrors() || !isValid(ascii, hostSigns)) {
-    return std::nullopt;
-  }
-  return ascii;
+  const std::string ascii(text.data(), static_cast<std::size_t>(length));
+  return isValid(ascii, hostSigns) ? std::optional(ascii) : std::nullopt;
 }
 
 std::optional<std::string> hostOf(std::string_view text) {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <isa-l/crc.h>
-#include <isa-l/igzip_lib.h>
 #include <string_view>
+
+#include "platform/paint/Isal.h"
 
 namespace quillpad::drawing {
 

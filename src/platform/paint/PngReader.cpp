@@ -1,6 +1,6 @@
 #include "platform/paint/PngReader.h"
 
-#include <png.h>
+#include "platform/paint/Png.h"
 
 namespace quillpad::drawing {
 

@@ -1,17 +1,15 @@
 #include "platform/text/FontBook.h"
 
-#include <ft2build.h>
-#include FT_FREETYPE_H
 #include <algorithm>
 #include <array>
-#include <hb-ot.h>
-#include <hb.h>
-#include <unicode/uscript.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
 
+#include "platform/text/Freetype.h"
 #include "platform/text/Handle.h"
+#include "platform/text/Harfbuzz.h"
+#include "platform/text/Unicode.h"
 
 namespace quillpad::drawing {
 namespace {

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <fontconfig/fontconfig.h>
 #include <map>
 #include <tuple>
-#include <unicode/uloc.h>
-#include <unicode/uscript.h>
 #include <vector>
 
+#include "platform/text/Fontconfig.h"
 #include "platform/text/Handle.h"
+#include "platform/text/Unicode.h"
 
 namespace quillpad::drawing {
 namespace {

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <ft2build.h>
 #include <utility>
-#include FT_FREETYPE_H
-#include FT_OUTLINE_H
+
+#include "platform/text/Freetype.h"
 
 namespace quillpad::drawing {
 

@@ -1,8 +1,6 @@
 #include "platform/text/GlyphOutline.h"
 
-#include <ft2build.h>
-#include FT_FREETYPE_H
-#include FT_OUTLINE_H
+#include "platform/text/Freetype.h"
 
 namespace quillpad::drawing {
 

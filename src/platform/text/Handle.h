@@ -5,12 +5,12 @@
 
 namespace quillpad::drawing {
 
-template <auto Destroy>
+template <auto& Destroy>
 struct Destroyer {
   void operator()(auto* object) const { Destroy(object); }
 };
 
-template <class Object, auto Destroy>
+template <class Object, auto& Destroy>
 using Handle = std::unique_ptr<Object, Destroyer<Destroy>>;
 
 }  // namespace quillpad::drawing

@@ -1,15 +1,10 @@
 #include "platform/text/Itemizer.h"
 
 #include <algorithm>
-#include <unicode/ubidi.h>
-#include <unicode/ubrk.h>
-#include <unicode/uchar.h>
-#include <unicode/unistr.h>
-#include <unicode/uscript.h>
-#include <unicode/utext.h>
 
 #include "platform/foundation/Utf8.h"
 #include "platform/text/Handle.h"
+#include "platform/text/Unicode.h"
 
 namespace quillpad::drawing {
 namespace {
@@ -34,6 +29,17 @@ std::vector<std::size_t> boundaries(UBreakIterator* iterator, std::string_view t
   }
   utext_close(&utf8);
   return places;
+}
+
+std::u16string utf16Of(std::string_view text, UErrorCode& status) {
+  constexpr UChar32 replacement = 0xFFFD;
+  const auto size = static_cast<int32_t>(text.size());
+  std::u16string utf16(text.size(), u'\0');  // never longer than in UTF-8
+  int32_t length = 0;
+  u_strFromUTF8WithSub(
+      utf16.data(), size, &length, text.data(), size, replacement, nullptr, &status);
+  utf16.resize(static_cast<std::size_t>(length));
+  return utf16;
 }
 
 template <class Value>
@@ -256,11 +262,11 @@ Itemizer::Items Itemizer::itemize(
   if (rightToLeft) {
     paragraph = *rightToLeft ? 1 : 0;
   }
-  const auto utf16 =
-      icu::UnicodeString::fromUTF8({piece.data(), static_cast<int32_t>(piece.size())});
-  UBiDi* bidi = impl_->bidi.get();
   UErrorCode status = U_ZERO_ERROR;
-  ubidi_setPara(bidi, utf16.getBuffer(), utf16.length(), paragraph, nullptr, &status);
+  const std::u16string utf16 = utf16Of(piece, status);
+  UBiDi* bidi = impl_->bidi.get();
+  ubidi_setPara(
+      bidi, utf16.data(), static_cast<int32_t>(utf16.size()), paragraph, nullptr, &status);
   const std::vector<std::size_t> clusterEnds = boundaries(impl_->characters.get(), piece);
   if (U_FAILURE(status) != 0 || clusterEnds.empty()) {
     return {{{.begin = begin, .end = end, .font = FontBook::system(style.weight)}}, false};

@@ -1,11 +1,10 @@
 #include "platform/text/LazyText.h"
 
 #include <algorithm>
-#include <unicode/uchar.h>
-#include <unicode/uscript.h>
 #include <utility>
 
 #include "platform/foundation/Utf8.h"
+#include "platform/text/Unicode.h"
 
 namespace quillpad::drawing {
 namespace {

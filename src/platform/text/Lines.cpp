@@ -1,6 +1,6 @@
 #include "platform/text/Lines.h"
 
-#include <unicode/ubidi.h>
+#include "platform/text/Unicode.h"
 
 namespace quillpad::drawing {
 namespace {

@@ -1,8 +1,9 @@
 #include "platform/text/Shaper.h"
 
 #include <algorithm>
-#include <hb.h>
-#include <unicode/uscript.h>
+
+#include "platform/text/Harfbuzz.h"
+#include "platform/text/Unicode.h"
 
 namespace quillpad::drawing {
 
