@@ -186,26 +186,49 @@ TEST_F(ExtensionSessionTest, AFloodIsTakenInPortions) {
   EXPECT_GT(lines, 0U);
 }
 
+// Each prints the id of the process that is hardest to find.
 TEST_F(ExtensionSessionTest, LeavesNoProcessBehind) {
   const struct {
     const char* what;
     const char* commands;
   } cases[] = {
-      {"plain", "echo ready; exec sleep 60"},
-      {"with a child", "sleep 60 & echo ready; wait"},
+      {"plain", "echo $$; exec sleep 60"},
+      {"with a child", "sleep 60 & echo $!; wait"},
       {"outside of its group",
-       "exec perl -e 'setpgrp(0, getpgrp(getppid())) or die; $| = 1; print \"ready\\n\"; sleep "
-       "60'"},
+       "exec perl -e 'setpgrp(0, getpgrp(getppid())); $| = 1; print \"$$\\n\"; sleep 60'"},
+      {"a daemon", "(setsid sh -c 'echo $$; exec sleep 60' &) ; exec sleep 60"},
+      {"daemons of daemons",
+       "(setsid sh -c '(setsid sh -c \"echo \\$\\$; exec sleep 60\" &); exec sleep 60' &); exec "
+       "sleep 60"},
   };
   for (const auto& [what, commands] : cases) {
     start(commands);
+    printed_.clear();
     until<PrintedLine>();
-    const pid_t pid = session_->pid();
+    const pid_t hardest = std::stoi(printed_.at(0));
     session_.reset();
-    EXPECT_EQ(::kill(pid, 0), -1) << what;
+    EXPECT_EQ(::kill(hardest, 0), -1) << what;
     EXPECT_EQ(errno, ESRCH) << what;
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << what;
   }
+}
+
+// Children of the program that are no extension's, and other extensions, live on.
+TEST_F(ExtensionSessionTest, AnEndSparesWhatIsNotItsOwn) {
+  const ScriptedExtension other("echo ready; exec sleep 60");
+  const auto neighbour = ExtensionSession::start(other.path());
+  ASSERT_TRUE(neighbour);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::pause();
+  }
+  start("exit 0");
+  until<SessionEnd>();
+  EXPECT_EQ(::kill(neighbour->pid(), 0), 0);
+  EXPECT_EQ(::waitpid(child, nullptr, WNOHANG), 0);
+  ::kill(child, SIGKILL);
+  EXPECT_EQ(::waitpid(child, nullptr, 0), child);
+  EXPECT_EQ(::waitpid(neighbour->pid(), nullptr, WNOHANG), 0);
 }
 
 }  // namespace

@@ -1,19 +1,11 @@
 #include "home/extension/ExtensionProcess.h"
 
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
-
-// This header of glibc 2.36 forgets to say that it is C.
-extern "C" {
-#include <sys/pidfd.h>
-}
 
 namespace quillpad::home {
 namespace {
@@ -55,70 +47,6 @@ std::vector<std::string> childEnvironment() {
   return variables;
 }
 
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-  std::vector<char*> result;
-  result.reserve(texts.size() + 1);
-  for (std::string& text : texts) {
-    result.push_back(text.data());
-  }
-  result.push_back(nullptr);
-  return result;
-}
-
-// How the child is made: its standard descriptors, the channel, no inherited signal settings, and a
-// process group of its own, so that Ctrl-C at a terminal reaches the home screen alone.
-class SpawnPlan {
- public:
-  SpawnPlan(const FileDescriptor& channel, const Pipe& output, const Pipe& error) {
-    ::posix_spawn_file_actions_init(&actions_);
-    ::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    ::posix_spawn_file_actions_adddup2(&actions_, output.writeEnd.get(), STDOUT_FILENO);
-    ::posix_spawn_file_actions_adddup2(&actions_, error.writeEnd.get(), STDERR_FILENO);
-    ::posix_spawn_file_actions_adddup2(&actions_, channel.get(), childChannel);
-    ::posix_spawn_file_actions_addclosefrom_np(&actions_, childChannel + 1);
-
-    sigset_t none;
-    sigset_t all;
-    ::sigemptyset(&none);
-    ::sigfillset(&all);
-    ::posix_spawnattr_init(&attributes_);
-    ::posix_spawnattr_setsigmask(&attributes_, &none);
-    ::posix_spawnattr_setsigdefault(&attributes_, &all);
-    ::posix_spawnattr_setpgroup(&attributes_, 0);
-    ::posix_spawnattr_setflags(
-        &attributes_,
-        static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP));
-  }
-  ~SpawnPlan() {
-    ::posix_spawn_file_actions_destroy(&actions_);
-    ::posix_spawnattr_destroy(&attributes_);
-  }
-  SpawnPlan(const SpawnPlan&) = delete;
-  SpawnPlan& operator=(const SpawnPlan&) = delete;
-
-  // The child's id, or why there is none.
-  std::expected<pid_t, std::string> carryOut(const std::filesystem::path& program) const {
-    std::vector<std::string> arguments{program.string()};
-    std::vector<std::string> variables = childEnvironment();
-    pid_t child = 0;
-    const int error = ::posix_spawn(
-        &child,
-        program.c_str(),
-        &actions_,
-        &attributes_,
-        pointers(arguments).data(),
-        pointers(variables).data());
-    if (error != 0) {
-      return std::unexpected(std::strerror(error));
-    }
-    return child;
-  }
-
- private:
-  posix_spawn_file_actions_t actions_{};
-  posix_spawnattr_t attributes_{};
-};
-
 // More than a pipe or a socket holds: what an extension left at its end is taken at once.
 constexpr std::size_t maxBytesPerTurn = std::size_t{256} * 1024;
 
@@ -144,14 +72,6 @@ void readLines(FileDescriptor& descriptor, channel::LineReader& lines, Take take
 
 }  // namespace
 
-std::string ExtensionProcess::End::manner() const {
-  if (signal == 0) {
-    return "exit status " + std::to_string(exitStatus);
-  }
-  const char* name = ::sigdescr_np(signal);
-  return "signal " + std::to_string(signal) + (name == nullptr ? "" : std::string(", ") + name);
-}
-
 std::expected<ExtensionProcess, std::string> ExtensionProcess::start(
     const std::filesystem::path& program) {
   std::array<int, 2> ends{};
@@ -159,38 +79,26 @@ std::expected<ExtensionProcess, std::string> ExtensionProcess::start(
     return startFailure(program, systemError());
   }
   FileDescriptor ourEnd(ends[0]);
-  const FileDescriptor childEnd(ends[1]);
+  FileDescriptor childEnd(ends[1]);
   ::fcntl(ourEnd.get(), F_SETFL, O_NONBLOCK);
   auto output = makePipe();
   auto error = makePipe();
   if (!output || !error) {
     return startFailure(program, output ? error.error() : output.error());
   }
-  const auto child = SpawnPlan(childEnd, *output, *error).carryOut(program);
+  ChildPlan plan{.program = program, .environment = childEnvironment(), .descriptors = {}};
+  plan.descriptors.push_back(std::move(output->writeEnd));
+  plan.descriptors.push_back(std::move(error->writeEnd));
+  plan.descriptors.push_back(std::move(childEnd));
+  auto child = ChildProcess::start(std::move(plan));
   if (!child) {
     return startFailure(program, child.error());
   }
-
-  ExtensionProcess process;
-  process.pid_ = *child;
-  process.process_ = FileDescriptor(::pidfd_open(*child, 0));
+  ExtensionProcess process(std::move(*child));
   process.channel_ = std::move(ourEnd);
   process.output_ = std::move(output->readEnd);
   process.error_ = std::move(error->readEnd);
-  if (!process.process_) {
-    return startFailure(program, systemError());
-  }
   return process;
-}
-
-ExtensionProcess::~ExtensionProcess() {
-  if (process_) {
-    kill();
-    constexpr int maxWait = 2000;  // milliseconds
-    pollfd end{process_.get(), POLLIN, 0};
-    ::poll(&end, 1, maxWait);
-    reap();
-  }
 }
 
 void ExtensionProcess::send(std::string_view line) {
@@ -214,7 +122,7 @@ void ExtensionProcess::writePending() {
 std::array<pollfd, 4> ExtensionProcess::descriptors() const {
   const auto wanted = static_cast<short>(pending_.empty() ? POLLIN : POLLIN | POLLOUT);
   return {
-      pollfd{process_.get(), POLLIN, 0},
+      pollfd{child_.descriptor(), POLLIN, 0},
       pollfd{channel_.get(), wanted, 0},
       pollfd{output_.get(), POLLIN, 0},
       pollfd{error_.get(), POLLIN, 0}};
@@ -222,14 +130,13 @@ std::array<pollfd, 4> ExtensionProcess::descriptors() const {
 
 ExtensionProcess::Arrivals ExtensionProcess::take() {
   Arrivals arrivals;
-  if (!process_) {
+  if (child_.pid() == 0) {
     return arrivals;
   }
   // The end is looked for first and the streams are read afterwards, so that they are complete when
   // it is told. The channel is read before the printed lines, so that those before a message are
   // there with it.
-  pollfd end{process_.get(), POLLIN, 0};
-  const bool ended = ::poll(&end, 1, 0) > 0;
+  const bool ended = child_.hasEnded();
 
   writePending();
   readLines(channel_, messages_, [&](channel::Line line) {
@@ -245,13 +152,12 @@ ExtensionProcess::Arrivals ExtensionProcess::take() {
         arrivals.printed.push_back({stream, printableText(rest)});
       }
     }
-    kill();  // what it may have started itself
-    arrivals.end = reap();
+    arrivals.end = child_.reap();
     channel_.close();
     output_.close();
     error_.close();
   } else if (!channel_) {
-    kill();  // it hung up: nothing can be asked of it any more
+    child_.kill();  // it hung up: nothing can be asked of it any more
   }
   return arrivals;
 }
@@ -268,23 +174,6 @@ void ExtensionProcess::readPrinted(PrintedLine::Stream stream, std::vector<Print
           printed.push_back({stream, printableText(line.text)});
         }
       });
-}
-
-// The group first, for as long as the child is not waited for; then the child itself, which may
-// have left its group.
-void ExtensionProcess::kill() const {
-  if (process_) {
-    ::kill(-pid_, SIGKILL);
-    ::pidfd_send_signal(process_.get(), SIGKILL, nullptr, 0);
-  }
-}
-
-ExtensionProcess::End ExtensionProcess::reap() {
-  siginfo_t info{};
-  ::waitid(P_PIDFD, static_cast<id_t>(process_.get()), &info, WEXITED | WNOHANG);
-  process_.close();
-  return info.si_code == CLD_EXITED ? End{.exitStatus = info.si_status}
-                                    : End{.signal = info.si_status};
 }
 
 }  // namespace quillpad::home

@@ -12,8 +12,10 @@
 #include <string>
 #include <string_view>
 #include <sys/types.h>
+#include <utility>
 #include <vector>
 
+#include "home/extension/ChildProcess.h"
 #include "home/extension/PrintedLine.h"
 #include "platform/channel/LineReader.h"
 #include "platform/channel/Messages.h"
@@ -23,31 +25,18 @@ namespace quillpad::home {
 
 class ExtensionProcess {
  public:
-  struct End {
-    int exitStatus = 0;
-    int signal = 0;  // 0 where it ended by itself
-
-    // For a person: "exit status 1" or "signal 6, Aborted".
-    std::string manner() const;
-  };
-
   // What has come since the last time, each stream in order.
   struct Arrivals {
     std::vector<PrintedLine> printed;
-    std::vector<channel::Line> messages;  // those that were sent after the lines were printed
-    std::optional<End> end;               // nothing comes after it
+    std::vector<channel::Line> messages;   // those that were sent after the lines were printed
+    std::optional<ChildProcess::End> end;  // nothing comes after it
   };
 
   // Starts the program; on failure one sentence for a person.
   static std::expected<ExtensionProcess, std::string> start(const std::filesystem::path& program);
 
-  // Kills the extension if it still runs, and waits a moment for its end.
-  ~ExtensionProcess();
-  ExtensionProcess(ExtensionProcess&&) noexcept = default;
-  ExtensionProcess& operator=(ExtensionProcess&&) = delete;
-
   // Of the child; 0 once it has ended.
-  pid_t pid() const { return process_ ? pid_ : 0; }
+  pid_t pid() const { return child_.pid(); }
 
   // Sends the line, or as much of it as the extension takes now.
   void send(std::string_view line);
@@ -58,17 +47,15 @@ class ExtensionProcess {
   // Takes what has come, at most some megabytes at a time, and sends what could not be sent before.
   Arrivals take();
 
-  // Ends the extension at once, with what it may have started.
-  void kill() const;
+  // Ends the extension at once.
+  void kill() const { child_.kill(); }
 
  private:
-  ExtensionProcess() = default;
+  explicit ExtensionProcess(ChildProcess child) : child_(std::move(child)) {}
   void writePending();
   void readPrinted(PrintedLine::Stream stream, std::vector<PrintedLine>& printed);
-  End reap();
 
-  pid_t pid_ = 0;
-  FileDescriptor process_;  // readable once the child has ended; closed once that was seen
+  ChildProcess child_;
   FileDescriptor channel_;
   FileDescriptor output_;
   FileDescriptor error_;
