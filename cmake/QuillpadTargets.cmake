@@ -13,8 +13,10 @@ target_include_directories(quillpad_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(
   quillpad_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
                              $<$<CXX_COMPILER_ID:GNU>:-Wno-psabi>
-                             # GCC 12 warns of its own std::string when a literal stands before one.
-                             $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+                             # GCC 12 warns of its own std::string when a literal stands beside one.
+                             "$<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow>"
+                             # So that ccache takes note of the precompiled headers.
+                             $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 # A program loads what it calls, not what its libraries might.
 target_link_options(quillpad_options INTERFACE -Wl,--as-needed)
 if(QUILLPAD_SANITIZE)
@@ -23,6 +25,18 @@ if(QUILLPAD_SANITIZE)
                                -fno-sanitize-recover=all)
   target_link_options(quillpad_options INTERFACE -fsanitize=${QUILLPAD_SANITIZE})
 endif()
+
+# quillpad_precompile(NAME HEADERS...): a target whose headers are read once for all that reuse them.
+function(quillpad_precompile name)
+  file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/${name}.cpp CONTENT "")
+  add_library(${name} OBJECT ${CMAKE_BINARY_DIR}/${name}.cpp)
+  target_link_libraries(${name} PRIVATE quillpad_options)
+  target_precompile_headers(${name} PRIVATE ${ARGN})
+endfunction()
+
+set(standard_headers <algorithm> <array> <chrono> <expected> <filesystem> <functional> <map> <memory> <optional> <ranges>
+                     <span> <string> <string_view> <unordered_map> <variant> <vector>)
+quillpad_precompile(precompiled_standard ${standard_headers})
 
 # quillpad_state_edges(NAME SHOWN HIDDEN): notes what a target of src/ links, for tools/check-includes.
 function(quillpad_state_edges name shown hidden)
@@ -46,7 +60,21 @@ function(quillpad_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC quillpad_options ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
+  target_precompile_headers(${name} REUSE_FROM precompiled_standard)
   quillpad_state_edges(${name} "${ARG_LINKS}" "${ARG_PRIVATE_LINKS}")
+endfunction()
+
+# quillpad_embed(SOURCE HEADER NAMESPACE FOLDER NAMES...): writes the folder's files into a C++ source of the build folder,
+# as the constants that the header declares.
+function(quillpad_embed source header namespace folder)
+  set(folder ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
+  list(TRANSFORM ARGN PREPEND ${folder}/ OUTPUT_VARIABLE paths)
+  add_custom_command(
+    OUTPUT ${source}
+    COMMAND ${CMAKE_COMMAND} -DOUTPUT=${source} -DHEADER=${header} -DNAMESPACE=${namespace} -DFOLDER=${folder}
+            "-DNAMES=${ARGN}" -P ${PROJECT_SOURCE_DIR}/cmake/Embed.cmake
+    DEPENDS ${PROJECT_SOURCE_DIR}/cmake/Embed.cmake ${paths}
+    VERBATIM)
 endfunction()
 
 # quillpad_program(NAME SOURCES ... LINKS ...): a program in bin/; its own sources know the QUILLPAD_VERSION.
@@ -73,5 +101,6 @@ function(quillpad_test name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE quillpad_options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  target_precompile_headers(${name} REUSE_FROM precompiled_tests)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
 endfunction()

@@ -45,7 +45,7 @@ build() {
   echo "Building ($preset)"
   mkdir -p build
   if command -v ccache >/dev/null; then
-    export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_SLOPPINESS=pch_defines,time_macros
   fi
   if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"build/$preset.log" 2>&1; then
     tail -n 60 "build/$preset.log" >&2

@@ -9,8 +9,11 @@
 #include <system_error>
 #include <utility>
 
+#include "application/SettingsKeys.h"
+#include "application/SignedInAccount.h"
 #include "home/commands/Files.h"
 #include "home/commands/TextTable.h"
+#include "home/extension/StateFile.h"
 #include "platform/settings/SettingsWriter.h"
 #include "platform/settings/UserDefaults.h"
 
@@ -19,17 +22,30 @@ namespace {
 
 using namespace home;
 
-constexpr const char* appGroup = QUILLPAD_APP_GROUP;
-constexpr const char* businessIdKey = "businessId";
-constexpr const char* tokenKey = "token";
-constexpr const char* businessKey = "currentBusiness";
-constexpr const char* currencyKey = "currency";
 constexpr std::size_t maxTokenBytes = std::size_t{64} * 1024;
 
 Done change(const std::function<void(Dictionary& objects)>& edit) {
   const auto changed = changeSettings(appGroup, edit);
   if (!changed) {
     return failure(ExitStatus::notPossible, changed.error());
+  }
+  return {};
+}
+
+// What a home screen keeps of another business goes with the change, also while none runs.
+Done changeAccount(const std::function<void(Dictionary& objects)>& edit) {
+  if (Done changed = change(edit); !changed) {
+    return changed;
+  }
+  const auto file = stateFile();
+  const auto mark = signedInAccount().mark();
+  if (!file || !mark) {
+    return {};
+  }
+  if (const auto forgotten = forgetOtherAccounts(*file, *mark); !forgotten) {
+    return failure(
+        ExitStatus::notPossible,
+        "the account is changed, but figures of the former one may be kept: " + forgotten.error());
   }
   return {};
 }
@@ -131,7 +147,7 @@ struct SignIn {
     if (!token) {
       return std::unexpected(token.error());
     }
-    return change([&](Dictionary& objects) {
+    return changeAccount([&](Dictionary& objects) {
       objects.set(businessIdKey, businessId);
       objects.set(tokenKey, *token);
     });
@@ -170,7 +186,7 @@ struct SignOut {
   void declare(Options& /*options*/) {}
 
   Done run(const CommandContext& /*context*/) const {
-    return change([](Dictionary& objects) {
+    return changeAccount([](Dictionary& objects) {
       objects.set(businessIdKey, "");
       objects.set(tokenKey, "");
     });

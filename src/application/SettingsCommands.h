@@ -9,7 +9,4 @@ namespace quillpad::application {
 // `settings` with show, sign-in, currency and sign-out.
 home::Command settingsCommand();
 
-// What helps where the extension drops a request for a timeline.
-inline constexpr const char* signInHint = "Sign in with \"quillpad-home settings sign-in\".";
-
 }  // namespace quillpad::application

@@ -1,9 +1,11 @@
 // quillpad-home, the home screen: one command a run. Joins the home screen, which knows nothing of
 // the application, with the application's own commands.
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include "application/SettingsCommands.h"
+#include "application/SignedInAccount.h"
 #include "home/commands/CommandLine.h"
 #include "home/commands/Commands.h"
 
@@ -24,6 +26,7 @@ void openStandardDescriptors() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  ::prctl(PR_SET_DUMPABLE, 0);  // no other process reads the figures or the token out of this one
   openStandardDescriptors();
   const home::Program program{
       .name = "quillpad-home",
@@ -40,6 +43,6 @@ int main(int argc, char** argv) {
            home::compareCommand(),
            home::serveCommand(),
            application::settingsCommand()},
-      .droppedHint = application::signInHint};
+      .account = application::signedInAccount()};
   return home::runCommandLine(program, argc, argv);
 }

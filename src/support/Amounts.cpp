@@ -3,22 +3,32 @@
 #include <optional>
 
 #include "platform/foundation/Fatal.h"
+#include "platform/foundation/Locale.h"
 #include "platform/locale/NumberFormatter.h"
 #include "support/SharedSettings.h"
 
 namespace quillpad {
+namespace {
+
+std::string symbolOf(const std::string& currency) {
+  std::string symbol = currency.substr(0, currency.find('-'));
+  std::erase(symbol, ' ');
+  return symbol;
+}
+
+}  // namespace
 
 std::string currencySymbol() {
+  if (const std::string& chosen = scopedCurrency(); !chosen.empty()) {
+    return symbolOf(chosen);
+  }
   const std::optional<Value> business = readSharedObject("currentBusiness");
   const auto* members = business ? business->as<Dictionary>() : nullptr;
   const Value* currency = members != nullptr ? members->find("currency") : nullptr;
   if (currency == nullptr) {
     return "$";
   }
-  const auto& text = forcedAs<std::string>(*currency, "the current business's \"currency\"");
-  std::string symbol = text.substr(0, text.find('-'));
-  std::erase(symbol, ' ');
-  return symbol;
+  return symbolOf(forcedAs<std::string>(*currency, "the current business's \"currency\""));
 }
 
 std::string formattedAmount(double amount) {

@@ -9,7 +9,8 @@ namespace quillpad {
 
 // The currency symbol of the business that the host application shows: the part of its "currency"
 // before the first "-", without blanks ("€ - EUR" gives "€"), read from the shared settings at
-// every call; "$" where no currency is set. A currency that is not a text ends the process.
+// every call; "$" where no currency is set; that of the rendering where it has one. A currency that
+// is not a text ends the process.
 std::string currencySymbol();
 
 // The amount in the current locale, grouped, with at most two decimals and no symbol: 1234.567 is

@@ -86,8 +86,8 @@ TEST(MessagesTest, TheDocumentedRefusalsAreThoseThatAreSent) {
 TEST(MessagesTest, WhatAPersonWroteComesBackAsItWasSent) {
   const Request requests[] = {
       TimelineRequest{"with \"quotes\"\nand lines"},
-      RenderRequest{"A", entry, std::nullopt, ""},
-      RenderRequest{"A", entry, ui::WidgetFamily::accessoryInline, "zh_Hans_CN"},
+      RenderRequest{"A", entry, std::nullopt},
+      RenderRequest{"A", entry, ui::WidgetFamily::accessoryInline, "zh_Hans_CN", "€"},
   };
   for (const Request& request : requests) {
     const std::string line = encode(NumberedRequest{0, request});
@@ -109,7 +109,7 @@ TEST(MessagesTest, AReplyMayBeEmptyOrLackWhatCameLater) {
       {R"({"id":0,"result":[{"kind":"A","displayName":"","description":"","families":[]}]})",
        Method::catalogue,
        R"({"jsonrpc":"2.0","id":0,"result":[{"kind":"A","displayName":"","description":"",)"
-       R"("families":[],"languages":[]}]})"},
+       R"("families":[],"languages":[],"linkSchemes":[]}]})"},
       {R"({"id":0,"result":{"dropped":true}})",
        Method::snapshot,
        R"({"jsonrpc":"2.0","id":0,"result":{"dropped":true}})"},
@@ -133,28 +133,15 @@ TEST(MessagesTest, ABadRequestIsRefusedByItsNumberWhereThatCanBeRead) {
     const char* message;
   } cases[] = {
       {"", std::nullopt, parseError, "invalid JSON at line 1, column 1"},
-      {"{\"id\":1", std::nullopt, parseError, "invalid JSON"},
       {"\xFF\xFE", std::nullopt, parseError, "invalid JSON"},
       {"[]", std::nullopt, invalidRequest, "request: not an object"},
-      {"7", std::nullopt, invalidRequest, "request: not an object"},
       {R"({"method":"catalogue"})", std::nullopt, invalidRequest, R"(request: no "id")"},
       {R"({"id":-1,"method":"catalogue"})", std::nullopt, invalidRequest, "request.id: not from 0"},
-      {R"({"id":true,"method":"ping"})", std::nullopt, invalidRequest, "id: not a whole number"},
       {R"({"id":1.5,"method":"ping"})", std::nullopt, invalidRequest, "id: not a whole number"},
       {R"({"id":4})", 4, invalidRequest, R"(request: no "method")"},
-      {R"({"id":0,"method":4})", 0, invalidRequest, "request.method: not a string"},
       {R"({"id":4,"method":"launch"})", 4, methodNotFound, "launch"},
       {R"({"id":4,"method":"timeline"})", 4, invalidParams, R"(params: no "kind")"},
-      {R"({"id":4,"method":"timeline","params":["A"]})", 4, invalidParams, "params: not an object"},
-      {R"({"id":4,"method":"timeline","params":{"kind":4}})",
-       4,
-       invalidParams,
-       "kind: not a string"},
       {R"({"id":4,"method":"render","params":{"kind":"A"}})", 4, invalidParams, R"(no "entry")"},
-      {R"({"id":4,"method":"render","params":{"kind":"A","entry":0}})",
-       4,
-       invalidParams,
-       "params.entry: not an object"},
       {R"({"id":4,"method":"render","params":{"kind":"A","entry":{"date":"now","data":0}}})",
        4,
        invalidParams,
@@ -190,14 +177,8 @@ TEST(MessagesTest, WhatIsNoMessageOfTheExtensionIsToldInWords) {
       {R"({"result":{"dropped":true}})", Method::timeline, R"(no "id")"},
       {R"({"id":null,"result":{}})", Method::ping, "id: not a whole number"},
       {R"({"id":1,"error":{"code":1}})", Method::ping, R"(error: no "message")"},
-      {R"({"id":1,"result":7})", Method::snapshot, "result: not an object"},
       {R"({"id":1,"result":{}})", Method::catalogue, "result: not an array"},
-      {R"({"id":1,"result":[7]})", Method::catalogue, "result[0]: not an object"},
-      {R"({"id":1,"result":[]})", Method::timeline, "result: not an object"},
       {R"({"id":1,"result":{"entries":[]}})", Method::timeline, R"(result: no "policy")"},
-      {R"({"id":1,"result":{"entries":[],"policy":{"after":"soon"}}})",
-       Method::timeline,
-       "result.policy.after: not a date"},
       {R"({"id":1,"result":{"dropped":true}})", Method::placeholder, R"(result: no "date")"},
       {R"({"id":1,"result":{"view":{"what":1}}})", Method::render, R"(result.view: no "type")"},
   };

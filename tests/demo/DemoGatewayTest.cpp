@@ -36,14 +36,9 @@ Dictionary listBody() {
       {"type", "1"}};
 }
 
-Dictionary without(const Dictionary& dictionary, const std::string& key) {
-  Dictionary rest;
-  for (const auto& [name, value] : dictionary) {
-    if (name != key) {
-      rest.set(name, value);
-    }
-  }
-  return rest;
+Dictionary without(Dictionary dictionary, const std::string& key) {
+  dictionary.remove(key);
+  return dictionary;
 }
 
 Dictionary summaryBody(const std::string& currentTime) {

@@ -12,7 +12,6 @@
 #include <spawn.h>
 #include <string>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -106,19 +105,24 @@ struct Result {
   int error = 0;
 };
 
-Result fetch(const std::string& address, const std::string& token, const std::string& body) {
+Result fetch(
+    const std::string& address,
+    const std::string& token,
+    const std::string& body,
+    const std::string& webPage = "") {
   URLRequest request(URL::parse(address).value());
   request.httpMethod = body.empty() ? "GET" : "POST";
   request.httpBody = body;
   request.setValue("application/json", "Content-type");
   request.setValue(token, "Authorization");
+  if (!webPage.empty()) {
+    request.setValue(webPage, "Origin");
+  }
   std::promise<Result> result;
   URLSession::shared()
       .dataTask(
           std::move(request),
-          [&](std::optional<std::string> data,
-              std::optional<URLResponse> response,
-              std::optional<TransportError> error) {
+          [&](auto data, auto response, auto error) {
             result.set_value(
                 {std::move(data), response ? response->statusCode : 0, error ? error->code : 0});
           })
@@ -138,9 +142,8 @@ class DemoProgramTest : public testing::Test {
   ScopedVariable trust_{"SSL_CERT_FILE", (state() / "certificate.pem").string()};
 };
 
-int modeOf(const std::filesystem::path& file) {
-  struct stat status{};
-  return stat(file.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 0777U) : -1;
+unsigned modeOf(const std::filesystem::path& file) {
+  return static_cast<unsigned>(std::filesystem::status(file).permissions());
 }
 
 TEST_F(DemoProgramTest, ServesWithAnIdentityThatItKeeps) {
@@ -166,9 +169,9 @@ TEST_F(DemoProgramTest, ServesWithAnIdentityThatItKeeps) {
   EXPECT_GE(token.size(), 32U);
   EXPECT_EQ(contentsOf(state() / "token"), token);
   EXPECT_EQ(contentsOf(state() / "certificate.pem"), certificate);
-  EXPECT_EQ(modeOf(state()), 0700);
-  EXPECT_EQ(modeOf(state() / "token"), 0600);
-  EXPECT_EQ(modeOf(state() / "key.pem"), 0600);
+  EXPECT_EQ(modeOf(state()), 0700U);
+  EXPECT_EQ(modeOf(state() / "token"), 0600U);
+  EXPECT_EQ(modeOf(state() / "key.pem"), 0600U);
 }
 
 TEST_F(DemoProgramTest, MakesAnotherCertificateWhereTheKeptOneIsOfNoUse) {
@@ -242,15 +245,7 @@ TEST_F(DemoProgramTest, RefusesWebPagesAndLargeBodies) {
   const std::string origin = program.origin();
   const std::string token = contentsOf(state() / "token");
   EXPECT_EQ(fetch(origin + "/demo/fault", token, std::string(1 << 20, 'x')).status, 413);
-  URLRequest page(URL::parse(origin + "/demo/documents").value());
-  page.setValue(token, "Authorization");
-  page.setValue("https://page.test", "Origin");
-  std::promise<int> status;
-  URLSession::shared()
-      .dataTask(
-          page, [&](auto&&, auto response, auto&&) { status.set_value(response->statusCode); })
-      .resume();
-  EXPECT_EQ(status.get_future().get(), 403);
+  EXPECT_EQ(fetch(origin + "/demo/documents", token, "", "https://page.test").status, 403);
 }
 
 TEST_F(DemoProgramTest, EndsWithOneLineWhereItDoesNotServe) {

@@ -108,8 +108,7 @@ TEST(JsonReading, RefusesWhatIsNotStrictJson) {
       "\"\xED\xA0\x80\"",
       "\"\xF4\x90\x80\x80\"",
       "// a\n1",
-      "\xFE\xFF\0[\0]",
-  };
+      "\xFE\xFF\0[\0]"};
   for (const std::string_view text : cases) {
     const auto result = read(text);
     ASSERT_FALSE(result) << text;
@@ -140,16 +139,7 @@ TEST(JsonReading, StopsAt512ContainersWithinEachOther) {
   EXPECT_TRUE(read("[" + nested(511) + "," + nested(511) + "]"));
 }
 
-TEST(JsonReading, ReadsLongAnswers) {
-  std::string rows = "[";
-  for (int i = 0; i < 20'000; ++i) {
-    rows += R"({"no":")" + std::to_string(i) + R"(","clientName":"Preivon","total":23.89},)";
-  }
-  rows.back() = ']';
-  const auto list = read(rows);
-  ASSERT_TRUE(list);
-  EXPECT_EQ(list->as<Array>()->size(), 20'000U);
-
+TEST(JsonReading, ReadsLargeObjectsInReasonableTime) {
   std::string members = "{";
   for (int i = 0; i < 40'000; ++i) {
     members += "\"" + std::to_string(i % 30'000) + "\":" + std::to_string(i) + ",";
@@ -160,10 +150,6 @@ TEST(JsonReading, ReadsLongAnswers) {
   EXPECT_EQ(object->as<Dictionary>()->size(), 30'000U);
   EXPECT_EQ(*object->as<Dictionary>()->find("29999"), Value(29'999));
   EXPECT_EQ(*object->as<Dictionary>()->find("7"), Value(7));
-
-  const auto text = read("\"" + std::string(5'000'000, 'x') + "\"");
-  ASSERT_TRUE(text);
-  EXPECT_EQ(text->as<std::string>()->size(), 5'000'000U);
 }
 
 TEST(JsonWriting, LaysPrettyTextOutAsThePhoneDoes) {

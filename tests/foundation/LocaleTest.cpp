@@ -44,7 +44,7 @@ TEST(Locale, FollowsTheEnvironmentAsTheStandardToolsDo) {
 TEST(Locale, IsAnotherForAScopeOnItsThreadAlone) {
   const ScopedVariable all("LC_ALL", "de_DE.UTF-8");
   {
-    const ScopedLocale outer("ar_EG.UTF-8");
+    const ScopedLocale outer("ar_EG.UTF-8", "€");
     EXPECT_EQ(currentLocale(LocaleCategory::messages), "ar_EG");
     EXPECT_EQ(currentLocale(LocaleCategory::numbers), "ar_EG");
     {
@@ -54,8 +54,10 @@ TEST(Locale, IsAnotherForAScopeOnItsThreadAlone) {
       EXPECT_EQ(currentLocale(), "en_US_POSIX");
     }
     EXPECT_EQ(currentLocale(), "ar_EG");
-    std::jthread([] { EXPECT_EQ(currentLocale(), "de_DE"); });
+    EXPECT_EQ(scopedCurrency(), "€");
+    std::jthread([] { EXPECT_EQ(currentLocale() + scopedCurrency(), "de_DE"); });
   }
+  EXPECT_EQ(scopedCurrency(), "");
   EXPECT_EQ(currentLocale(), "de_DE");
 }
 

@@ -25,9 +25,7 @@ class WholeFileTest : public testing::Test {
     return std::distance(std::filesystem::directory_iterator(folder_.path()), {});
   }
   static mode_t modeOf(const std::filesystem::path& file) {
-    struct stat about{};
-    EXPECT_EQ(::stat(file.c_str(), &about), 0) << file;
-    return about.st_mode & 0777U;
+    return static_cast<mode_t>(std::filesystem::status(file).permissions());
   }
 
   fixtures::TemporaryFolder folder_;
@@ -100,6 +98,19 @@ TEST_F(WholeFileTest, AKilledWriterLeavesTheOldOrTheNewFileAndNoOther) {
   }
   // A name is in use only between a link and the rename that follows it at once.
   EXPECT_LE(filesInFolder(), 2);
+}
+
+TEST_F(WholeFileTest, WhatAKilledWriterLeftGoesWithTheNextPrivateFile) {
+  const pid_t ended = ::fork();
+  if (ended == 0) {
+    ::_exit(0);
+  }
+  ::waitpid(ended, nullptr, 0);
+  std::ofstream(file((".quillpad-" + std::to_string(ended) + "-1").c_str())) << "token";
+  std::ofstream(file((".quillpad-" + std::to_string(::getppid()) + "-1").c_str())) << "under way";
+  std::ofstream(file(".quillpad-x")) << "of another program";
+  EXPECT_FALSE(writeWholeFile(file("file"), "new"));
+  EXPECT_EQ(filesInFolder(), 3);
 }
 
 TEST_F(WholeFileTest, ReadsRegularFilesUpToTheirBound) {

@@ -15,7 +15,11 @@ static_assert(!std::constructible_from<Markup, std::string>, "text is escaped or
 static_assert(!std::convertible_to<const char*, Markup>);
 
 TEST(GalleryPage, ShowsEachWidgetInBothAppearancesWithItsTextsEscaped) {
-  const GalleryWidget widget{"A\"<", "Name <b>", "About & more", {338.4, 158}, "Sum, \"7\""};
+  const GalleryWidget widget{
+      .kind = "A\"<",
+      .displayName = "Name <b>",
+      .description = "About & more",
+      .pictures = {{"A\"<", "", {338.4, 158}, "Sum, \"7\""}}};
   EXPECT_THAT(
       galleryPage({&widget, 1}).html(),
       AllOf(
@@ -37,10 +41,14 @@ TEST(GalleryPage, ShowsOfAChangeThePicturesThatThereAre) {
           HasSubstr("a.png: 7 pixels &lt;differ&gt;"),
           HasSubstr("base64,b2xk\""),
           HasSubstr("base64,bmV3\""),
-          HasSubstr("base64,cmVk\"")));
+          HasSubstr("base64,cmVk\""),
+          HasSubstr("class=\"overlay\"")));
   EXPECT_THAT(
       changesPage("", {&changes[1], 1}).html(),
-      AllOf(HasSubstr("alt=\"expected\""), Not(HasSubstr("alt=\"actual\""))));
+      AllOf(
+          HasSubstr("alt=\"expected\""),
+          Not(HasSubstr("alt=\"actual\"")),
+          Not(HasSubstr("class=\"overlay\""))));
 }
 
 }  // namespace

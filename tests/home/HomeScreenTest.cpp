@@ -1,6 +1,7 @@
 // The whole home screen over HTTP, with an extension that is no invoice widget at all.
 #include <arpa/inet.h>
 #include <chrono>
+#include <filesystem>
 #include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@
 #include "fixtures/TemporaryHome.h"
 #include "home/page/HomeScreen.h"
 #include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/UserFolders.h"
 
 namespace quillpad::home {
 namespace {
@@ -25,8 +27,18 @@ using testing::HasSubstr;
 
 class HomeScreenTest : public testing::Test {
  protected:
-  // The answer to the request, while the home screen's loop runs.
+  std::string port() const { return part("http://127\\.0\\.0\\.1:(\\d+)/"); }
+  std::string key() const { return part("\\?key=([0-9a-f]{32})$"); }
+  std::string cookie(const std::string& key) const {
+    return "Cookie: other=1; quillpad-home-" + port() + "=" + key + "\r\n";
+  }
+
+  // The answer to the request of a browser that is known, while the home screen's loop runs.
   std::string ask(const std::string& line, const std::string& headers = "") {
+    return askAsAnybody(line, cookie(key()) + headers);
+  }
+
+  std::string askAsAnybody(const std::string& line, const std::string& headers = "") {
     auto answer = std::async(std::launch::async, [&] { return exchange(line, headers); });
     while (answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
       std::vector<pollfd> descriptors;
@@ -47,16 +59,20 @@ class HomeScreenTest : public testing::Test {
   }
 
  private:
-  std::string exchange(const std::string& line, const std::string& headers) const {
+  std::string part(const char* pattern) const {
+    std::smatch match;
     const std::string address = screen_->address();
-    const std::string host = address.substr(7, address.size() - 8);
+    return std::regex_search(address, match, std::regex(pattern)) ? match[1].str() : "";
+  }
+
+  std::string exchange(const std::string& line, const std::string& headers) const {
     const FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_in place{};
     place.sin_family = AF_INET;
-    place.sin_port = htons(static_cast<std::uint16_t>(std::stoi(host.substr(host.find(':') + 1))));
+    place.sin_port = htons(static_cast<std::uint16_t>(std::stoi(port())));
     place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     EXPECT_EQ(::connect(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
-    const std::string request = line + " HTTP/1.1\r\nHost: " + host +
+    const std::string request = line + " HTTP/1.1\r\nHost: 127.0.0.1:" + port() +
                                 "\r\nConnection: close\r\nContent-Length: 0\r\n" + headers + "\r\n";
     ::send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL);
     std::string answer;
@@ -70,7 +86,8 @@ class HomeScreenTest : public testing::Test {
   fixtures::TemporaryHome home_;
 
  protected:
-  std::unique_ptr<HomeScreen> screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, "Wind it.").value();
+  std::unique_ptr<HomeScreen> screen_ =
+      HomeScreen::start(CLOCK_EXTENSION, 0, {.hint = "Wind it."}).value();
 };
 
 TEST_F(HomeScreenTest, ShowsAnyExtensionsWidgetsLive) {
@@ -90,6 +107,50 @@ TEST_F(HomeScreenTest, ShowsAnyExtensionsWidgetsLive) {
   for (std::sregex_iterator each(both.begin(), both.end(), id), end; each != end; ++each) {
     EXPECT_TRUE(ids.insert((*each)[1]).second) << "twice in the page: " << (*each)[1];
   }
+}
+
+TEST_F(HomeScreenTest, AnswersNobodyWithoutTheKey) {
+  askUntil("GET /", R"(data-status="live")");
+  const std::string wrong(32, '0');
+  const std::string linked =
+      "Sec-Fetch-Site: cross-site\r\nSec-Fetch-Mode: navigate\r\nSec-Fetch-Dest: document\r\n";
+  const struct {
+    std::string line;
+    std::string headers;
+    int status;
+  } cases[] = {
+      {"GET /", "", 401},
+      {"GET /?key=", "", 401},
+      {"GET /?key=" + wrong, "", 401},
+      {"GET /", cookie(wrong), 401},
+      {"GET /", cookie(""), 401},
+      {"GET /changes", "", 401},
+      {"GET /events", "", 401},
+      {"GET /gallery", "", 401},
+      {"GET /picture.svg", "", 401},
+      {"POST /reload", "", 401},
+      {"GET /changes", cookie(key()), 200},
+      {"GET /picture.svg?key=" + key(), "", 200},
+      {"GET /?key=" + key(), cookie(wrong), 200},
+      {"GET /?key=" + key(), linked, 200},
+      {"GET /?view=engineer&key=" + key(), linked, 403},
+  };
+  for (const auto& [line, headers, status] : cases) {
+    const std::string answer = askAsAnybody(line, headers);
+    EXPECT_THAT(answer, testing::StartsWith("HTTP/1.1 " + std::to_string(status))) << line;
+    EXPECT_EQ(answer.contains(key()), status == 200 && line.starts_with("GET /?")) << line;
+  }
+}
+
+TEST_F(HomeScreenTest, TheKeyOutlivesTheRunAndIsItsOwnersAlone) {
+  const std::string kept = key();
+  screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, {}).value();
+  EXPECT_EQ(key(), kept);
+  const auto file = userStateFolder().value() / "page-key";
+  EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0600));
+  std::filesystem::resize_file(file, 5);
+  screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, {}).value();
+  EXPECT_THAT(key(), AllOf(testing::SizeIs(32), testing::Ne(kept)));
 }
 
 // Numbers of another run say nothing about this one, and those to come are not there yet.
@@ -119,7 +180,7 @@ TEST_F(HomeScreenTest, ChangesAreThoseSinceTheVersionOfThisRun) {
 
 TEST_F(HomeScreenTest, ADroppedRequestIsToldInTheExtensionsWordsAndTheHint) {
   const fixtures::ScopedVariable stopped("CLOCK_STOPPED", "yes");
-  screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, "Wind it.").value();
+  screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, {.hint = "Wind it."}).value();
   const std::string page = askUntil("GET /", "Wind it.");
   EXPECT_THAT(
       page, AllOf(HasSubstr("the clock has stopped Wind it."), HasSubstr("=\"placeholder\"")));
@@ -139,8 +200,12 @@ TEST_F(HomeScreenTest, ChangesNeedThePagesTokenAndSomethingToChange) {
       {"POST /reload", "", 403},
       {"POST /reload", "X-Page-Token: guessed\r\n", 403},
       {"POST /reload", token, 204},
+      {"POST /reload" + clock, token, 204},
+      {"POST /reload?kind=other", token, 404},
       {"POST /remove" + clock, token, 204},
       {"POST /place" + clock, token, 204},
+      {"POST /move" + clock, token, 204},
+      {"POST /move?kind=other", token, 404},
       {"POST /place?kind=other", token, 404},
       {"POST /remove", token, 404},
       {"POST /launch" + clock, token, 404},

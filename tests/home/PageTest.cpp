@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "home/extension/Links.h"
 #include "home/page/Page.h"
 #include "platform/foundation/Iso8601.h"
 
@@ -19,11 +20,16 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
       .displayName = "<img src=x onerror=name()> {{link}}",
       .description = "</p>&'\"",
       .families = {},
-      .languages = {}};
-  const DrawnCard drawing{.picture = trusted("PICTURE"), .link = "quillpad://a\"b"};
-  CardModel card{.about = &item, .drawing = &drawing, .status = {}, .updated = {}, .reload = {}};
-  card.status = {WidgetStatus::Level::stale, "Old <i>", "It said “</p><script>”."};
-  const std::string html = cardMarkup(card, noon).html();
+      .languages = {},
+      .linkSchemes = {"quillpad"}};
+  const DrawnCard drawing{.picture = trusted("PICTURE"), .link = "quillpad://a/<b"};
+  const CardModel card{
+      .about = &item,
+      .face = {
+          .drawing = &drawing,
+          .status = {WidgetStatus::Level::stale, "Old <i>", "It said “</p><script>”."}}};
+  const std::string html = cardMarkup(card, {}, noon).html();
+  EXPECT_THAT(html, HasSubstr("<a class=\"card\" lang=\"en\" href=\"quillpad://a/&lt;b\""));
   EXPECT_THAT(html, Not(HasSubstr("<script")));
   EXPECT_THAT(html, Not(HasSubstr("<img")));
   EXPECT_THAT(html, Not(HasSubstr("<i>")));
@@ -31,17 +37,20 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
   EXPECT_THAT(html, HasSubstr("{{link}}")) << "what is put in is not filled again";
   EXPECT_THAT(html, HasSubstr("PICTURE"));
 
-  const std::string offers = galleryMarkup({{.about = &item, .drawing = nullptr}}).html();
+  const std::string offers = galleryMarkup({{.about = &item, .drawing = nullptr}}, {}).html();
   EXPECT_THAT(offers, Not(HasSubstr("<script")));
   EXPECT_THAT(offers, Not(HasSubstr("<img")));
 }
 
 TEST(Page, OnlyLinksToApplicationsStandOnIt) {
+  channel::CatalogueItem widget;
+  widget.linkSchemes = {"quillpad", "MailTo", "javascript", "http", "file"};
   for (const char* link : {"quillpad://Report", "QuillPad://x", "mailto:someone"}) {
-    EXPECT_TRUE(leadsToApplication(link)) << link;
+    EXPECT_TRUE(leadsToApplication(widget, link)) << link;
   }
   for (const char* link :
-       {"javascript:alert(1)",
+       {"other://Report",
+        "javascript:alert(1)",
         "JavaScript:alert(1)",
         "data:text/html,x",
         "http://evil.example",
@@ -52,49 +61,78 @@ TEST(Page, OnlyLinksToApplicationsStandOnIt) {
         "",
         "//evil.example",
         " javascript:alert(1)"}) {
-    EXPECT_FALSE(leadsToApplication(link)) << link;
+    EXPECT_FALSE(leadsToApplication(widget, link)) << link;
   }
 }
 
-TEST(Page, TellsAgeAndReload) {
+// What a reader without styles and templates gets.
+std::string textOf(const Markup& markup) {
+  const std::string html = markup.html().substr(0, markup.html().find("<template"));
+  std::string text;
+  for (bool inTag = false; const char character : html) {
+    inTag = inTag || character == '<';
+    if (!inTag) {
+      text += character;
+    }
+    inTag = inTag && character != '>';
+  }
+  return text;
+}
+
+TEST(Page, TellsTimesAsTheyStandForReadersWithoutScripts) {
   using namespace std::chrono_literals;
-  const channel::CatalogueItem item{"A", "A", "", {}, {}};
+  const channel::CatalogueItem item{"A", "A", "", {}, {}, {}};
   const struct {
     std::chrono::milliseconds age;
     std::chrono::milliseconds left;
     const char* words;
   } cases[] = {
-      {0s, 5min, "just now · reloads in 5 min"},
-      {59s, 61s, "just now · reloads in 1 min"},
-      {60s, 20s, "1 min ago · reloads now"},
-      {59min, -1min, "59 min ago · reloads now"},
-      {59min, -61s, "59 min ago · reload overdue"},
-      {25h, 3h, "1 d ago · reloads in 3 h"},
-      {-10min, 5min, "just now · reloads in 5 min"},
+      {0s, 5min, "updated 12:00\u00a0· reloads 12:05"},
+      {59min, -1min, "updated 11:01\u00a0· reloads 11:59"},
+      {59min, -61s, "updated 11:01\u00a0· reload overdue"},
+      {25h, 13h, "updated 2026-03-06 11:00\u00a0· reloads 2026-03-08 01:00"},
   };
   for (const auto& [age, left, words] : cases) {
-    const CardModel card{
-        .about = &item,
-        .drawing = nullptr,
-        .status = {},
-        .updated = noon - age,
-        .reload = noon + left};
-    const std::string html = cardMarkup(card, noon).html();
-    std::string text;
-    for (bool inTag = false; const char character : html) {
-      inTag = inTag || character == '<';
-      if (!inTag) {
-        text += character;
-      }
-      inTag = inTag && character != '>';
-    }
-    EXPECT_THAT(text, HasSubstr(words));
+    CardModel card{.about = &item, .face = {.updated = noon - age}, .reload = noon + left};
+    EXPECT_THAT(textOf(cardMarkup(card, {}, noon)), HasSubstr(words));
+    card.slowSince = noon - 2s;
+    EXPECT_THAT(textOf(cardMarkup(card, {}, noon)), HasSubstr("\u00a0· asking since 11:59:58"));
   }
+}
+
+TEST(Page, KeptFiguresSaySinceWhenAndWhatThePhoneShowsWaitsInATemplate) {
+  using namespace std::chrono_literals;
+  const channel::CatalogueItem item{"A", "A", "", {}, {}, {}};
+  const DrawnCard good{.picture = trusted("GOOD"), .link = {}};
+  const DrawnCard zeros{.picture = trusted("ZEROS"), .link = {}};
+  CardModel card{
+      .about = &item,
+      .face =
+          {.drawing = &good,
+           .status = {WidgetStatus::Level::stale, "Kept", ""},
+           .updated = noon - 10min,
+           .failingSince = noon - 5min},
+      .onPhone = CardFace{
+          .drawing = &zeros,
+          .status = {WidgetStatus::Level::fallback, "Zeros", ""},
+          .updated = noon}};
+  EXPECT_THAT(
+      textOf(cardMarkup(card, {}, noon)),
+      HasSubstr("as of 11:50, gateway not reachable since 11:55"));
+  card.face.updated = noon - 24h;
+  const std::string html = cardMarkup(card, {}, noon).html();
+  const std::size_t phone = html.find("<template");
+  EXPECT_THAT(
+      html.substr(0, phone),
+      testing::AllOf(HasSubstr("\"stale\""), HasSubstr("GOOD"), HasSubstr("2026-03-06 12:00")));
+  EXPECT_THAT(
+      html.substr(phone),
+      testing::AllOf(HasSubstr("\"fallback\""), HasSubstr("ZEROS"), HasSubstr("updated 12:00")));
 }
 
 TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   using Cause = Problem::Cause;
-  const channel::CatalogueItem item{"A", "A", "", {}, {}};
+  const channel::CatalogueItem item{"A", "A", "", {}, {}, {}};
   const Picture live{.source = Picture::Source::timeline, .entry = {}, .received = noon};
   Picture placeholder = live;
   placeholder.source = Picture::Source::placeholder;
@@ -105,7 +143,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   const Problem dropped{Cause::dropped, "It has no hands.", "", noon};
   const Problem droppedSilently{Cause::dropped, "", "", noon};
   const Problem ended{Cause::ended, "signal 6, Aborted", "SalesData line 58: no JSON", noon};
-  const Problem late{Cause::late, "90 seconds", "", noon};
+  const Problem late{Cause::late, "90 s", "", noon};
   const Problem tooLarge{Cause::overMemory, "it used 41 MB, the limit is 30 MB", "", noon};
   const struct {
     const Picture* picture;
@@ -117,7 +155,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
       {&placeholder, nullptr, "placeholder", {"on their way"}},
       {&placeholder, &dropped, "placeholder", {"without an answer. It has no hands. Wind it."}},
       {&fallback, nullptr, "fallback", {"zeros or a sample", "Could not connect", "-1004"}},
-      {&fallback, &late, "fallback", {"Could not connect", "90 seconds"}},
+      {&fallback, &late, "fallback", {"Could not connect", "90 s"}},
       {&live, &ended, "stale", {"signal 6, Aborted", "SalesData line 58: no JSON"}},
       {&live, &droppedSilently, "stale", {"gave no reason"}},
       {&live, &tooLarge, "stale", {"used 41 MB, the limit is 30 MB"}},
@@ -136,6 +174,17 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   }
 }
 
+TEST(WidgetStatus, KeptFiguresAreStaleForWhateverReason) {
+  Picture zeros{.source = Picture::Source::timeline, .entry = {}, .received = noon};
+  zeros.failure = TransportError{-1004, "Could not connect to the server."};
+  const Problem late{Problem::Cause::late, "90 s", "", noon};
+  const WidgetStatus status = statusOfKept({.picture = &zeros, .problem = &late});
+  EXPECT_EQ(levelName(status.level), "stale");
+  EXPECT_THAT(
+      status.cause, HasSubstr("zeros or a sample. Could not connect to the server. (-1004)"));
+  EXPECT_THAT(status.cause, HasSubstr("90 s"));
+}
+
 TEST(WidgetStatus, WhatIsOverdueIsStaleAndAFailureStatusIsNoted) {
   Picture picture{.source = Picture::Source::timeline, .entry = {}, .received = noon};
   EXPECT_EQ(statusOf({.picture = &picture, .reload = {}}).level, WidgetStatus::Level::live);
@@ -149,7 +198,18 @@ TEST(WidgetStatus, WhatIsOverdueIsStaleAndAFailureStatusIsNoted) {
   }
 }
 
-TEST(Page, ATemplateWithoutItsValueEndsTheProcess) {
+TEST(Page, ScriptsAreGivenTheTextsThatTheyAskFor) {
+  const std::string_view script = R"(a = text("Done"); b(text("{1}: {2} of {3}", x)); say("Add"))";
+  EXPECT_EQ(
+      textsOf(script, Language::wished("de")).html(),
+      R"({"Done":"Fertig","{1}: {2} of {3}":"{1}: {2} von {3}"})");
+  EXPECT_EQ(textsOf(script, {}).html(), "{}");
+}
+
+TEST(Page, ATemplateIsFilledWithTextsAndValues) {
+  EXPECT_EQ(
+      filled("{{\"Widgets\"}} {{x}}", {{"x", escaped("<")}}, Language::wished("ar")).html(),
+      "الأدوات &lt;");
   EXPECT_DEATH(filled("a {{missing}} b", {{"other", {}}}), "no value for missing");
 }
 

@@ -33,7 +33,11 @@ SavedHome example() {
           .entry = {*dateFromIso8601("2026-03-07T09:05:03.250Z"), 23.89},
           .view = ui::VStack(ui::Text::verbatim("Åse <b>"), ui::Spacer()).padding(16),
           .received = *dateFromIso8601("2026-03-07T09:05:04.000Z"),
-          .failure = TransportError{-1004, "Could not connect to the server."}});
+          .failure = TransportError{-1004, "Could not connect to the server."},
+          .failingSince = *dateFromIso8601("2026-03-07T09:00:04.000Z")});
+  home.kept = home.pictures;
+  home.kept.at("A").entry.data = 42;
+  home.account = "a mark";
   return home;
 }
 
@@ -64,6 +68,23 @@ TEST(StateFile, ReadsBackWhatItWrote) {
   EXPECT_EQ(viewText(picture.view), viewText(original.pictures.at("A").view));
   EXPECT_EQ(picture.received, original.pictures.at("A").received);
   EXPECT_EQ(picture.failure->localizedDescription, "Could not connect to the server.");
+  EXPECT_EQ(picture.failingSince, original.pictures.at("A").failingSince);
+  EXPECT_EQ(home.kept.at("A").entry, original.kept.at("A").entry);
+  EXPECT_EQ(home.account, "a mark");
+}
+
+// Before figures were kept, a state held neither them nor an account.
+TEST(StateFile, ReadsTheStateOfAnEarlierProgram) {
+  const auto state = decodeState(
+      R"({"version":1,"catalogue":[],"placed":["A"],"pictures":{"A":{
+          "received":"2026-03-07T09:05:04.000Z",
+          "entry":{"date":"2026-03-07T09:05:03.250Z","data":1},
+          "view":{"type":"spacer"},
+          "failure":{"code":-1,"description":"away"}}}})");
+  ASSERT_TRUE(state) << state.error();
+  EXPECT_EQ(state->pictures.at("A").failingSince, state->pictures.at("A").received);
+  EXPECT_TRUE(state->kept.empty());
+  EXPECT_EQ(state->account, std::nullopt);
 }
 
 TEST(StateFile, NoFileIsAFreshStart) {

@@ -49,6 +49,12 @@ class SupervisorTest : public testing::Test {
         open.clear();
       } else if (std::holds_alternative<Supervisor::EndExtension>(action)) {
         words.emplace_back("end");
+      } else if (std::holds_alternative<channel::PingRequest>(
+                     std::get<Supervisor::Ask>(action).request)) {
+        lastPing = ++lastId;
+        if (answersPings) {
+          supervisor.replied(now(), {.id = lastPing, .reply = channel::Pong{}});
+        }
       } else {
         words.push_back(wordsOf(std::get<Supervisor::Ask>(action).request));
         open[words.back()] = ++lastId;
@@ -85,6 +91,16 @@ class SupervisorTest : public testing::Test {
     const std::uint64_t id = request->second;
     open.erase(request);
     supervisor.replied(now(), {.id = id, .reply = std::move(reply)});
+  }
+
+  // The answer after a transfer that failed.
+  void answerUnfetched(const std::string& words, const std::string& data) {
+    supervisor.transferred(
+        {{.activity = open.at(words),
+          .path = "/invoice",
+          .error = TransportError{-1004, "Could not connect to the server."}}});
+    answer(words, timelineOf(data));
+    answerAllButTimelines();
   }
 
   channel::Timeline timelineOf(const std::string& data) const {
@@ -162,6 +178,8 @@ class SupervisorTest : public testing::Test {
   Supervisor supervisor;
   std::map<std::string, std::uint64_t> open;
   std::uint64_t lastId = 0;
+  std::uint64_t lastPing = 0;
+  bool answersPings = true;
 };
 
 TEST_F(SupervisorTest, FirstRunPlacesTheWholeCatalogueAndShowsPlaceholdersMeanwhile) {
@@ -189,8 +207,11 @@ TEST_F(SupervisorTest, FirstRunPlacesTheWholeCatalogueAndShowsPlaceholdersMeanwh
 
 TEST_F(SupervisorTest, AsksAgainAtTheReloadTimeAndNotBefore) {
   bringUp();
-  ASSERT_EQ(supervisor.nextDeadline(), uptime + 5min);
-  pass(5min - 1ms);
+  ASSERT_EQ(supervisor.nextDeadline(), uptime + 1min) << "the ping";
+  pass(4min);
+  EXPECT_THAT(done(), IsEmpty());
+  ASSERT_EQ(supervisor.nextDeadline(), uptime + 1min) << "the reload";
+  pass(1min - 1ms);
   EXPECT_THAT(done(), IsEmpty());
   pass(1ms);
   EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
@@ -240,8 +261,10 @@ TEST_F(SupervisorTest, ShowsEachEntryOfATimelineWhenItsTimeComes) {
   answer("timeline B", timelineOf("b1"));
   answerAllButTimelines();
   EXPECT_EQ(shown("A"), "second");
-  EXPECT_EQ(supervisor.nextDeadline(), uptime + 2min);
-  pass(2min - 1ms);
+  pass(1min);
+  EXPECT_THAT(done(), IsEmpty());
+  EXPECT_EQ(supervisor.nextDeadline(), uptime + 1min);
+  pass(1min - 1ms);
   EXPECT_THAT(done(), IsEmpty());
   pass(1ms);
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("render A"));
@@ -282,19 +305,168 @@ TEST_F(SupervisorTest, KeepsThePictureThroughADropAndSaysItsReason) {
 TEST_F(SupervisorTest, KnowsOfZerosThatStandInForFiguresByTheFailedTransfer) {
   supervisor.timePassed(now());
   answerAllButTimelines();
-  supervisor.transferred({{
-      .activity = open.at("timeline B"),
-      .path = "/invoice",
-      .error = TransportError{-1004, "Could not connect to the server."},
-  }});
   supervisor.transferred(
       {{.activity = open.at("timeline A"), .path = "/invoice", .error = {}, .statusCode = 500}});
   answer("timeline A", timelineOf("a1"));
-  answer("timeline B", timelineOf("zeros"));
-  answerAllButTimelines();
+  answerUnfetched("timeline B", "zeros");
+  EXPECT_EQ(widget("B").kept, nullptr) << "there was none before";
   EXPECT_FALSE(picture("A").failure);
   EXPECT_EQ(picture("A").statusCode, 500);
   EXPECT_EQ(picture("B").failure.value().localizedDescription, "Could not connect to the server.");
+}
+
+TEST_F(SupervisorTest, WidgetsStandWhereAPersonPutThem) {
+  std::vector<std::string> kinds{"A", "B", "C", "D"};
+  supervisor.restore({.catalogue = catalogueOf(kinds).items, .placed = {"A", "B", "B", "C", "D"}});
+  const struct {
+    const char* kind;
+    const char* before;
+    bool known;
+    const char* order;
+  } moves[] = {
+      {"D", "B", true, "ADBC"},
+      {"A", "", true, "DBCA"},
+      {"D", "A", true, "BCDA"},
+      {"C", "C", true, "BCDA"},
+      {"C", "D", true, "BCDA"},
+      {"E", "A", false, "BCDA"},
+      {"A", "E", false, "BCDA"},
+      {"", "", false, "BCDA"},
+  };
+  const auto order = [&] {
+    std::string names;
+    for (const WidgetState& each : supervisor.widgets()) {
+      names += each.about->kind;
+    }
+    return names;
+  };
+  for (const auto& [kind, before, known, after] : moves) {
+    EXPECT_EQ(supervisor.move(kind, before), known);
+    EXPECT_EQ(order(), after) << kind << " before " << before;
+  }
+  supervisor.remove(now(), "C");
+  supervisor.place(now(), "C");
+  EXPECT_EQ(order(), "BCDA") << "before the first one that follows it in the catalogue";
+  EXPECT_EQ(supervisor.saved().placed, (std::vector<std::string>{"B", "C", "D", "A"}));
+}
+
+TEST_F(SupervisorTest, KeepsTheLastGoodPictureForAsLongAsTransfersFail) {
+  bringUp();
+  const Date good = date;
+  for (int round = 0; round < 3; ++round) {
+    pass(5min);
+    done();
+    answer("timeline B", timelineOf("b2"));
+    answerUnfetched("timeline A", "zeros");
+    EXPECT_EQ(shown("A"), "zeros");
+    EXPECT_EQ(picture("A").failingSince, good + 5min);
+    ASSERT_NE(widget("A").kept, nullptr);
+    EXPECT_EQ(*widget("A").kept->entry.data.as<std::string>(), "a1");
+    EXPECT_EQ(widget("A").kept->received, good);
+
+    Supervisor next;
+    next.restore(supervisor.saved());
+    supervisor = std::move(next);
+    supervisor.timePassed(now());
+    answerAllButTimelines();
+    answerUnfetched("timeline A", "zeros");
+    answer("timeline B", timelineOf("b2"));
+    answerAllButTimelines();
+  }
+  supervisor.reload(now());
+  done();
+  answer("timeline A", timelineOf("a2"));
+  answerAllButTimelines();
+  EXPECT_EQ(widget("A").kept, nullptr);
+  EXPECT_FALSE(supervisor.saved().kept.contains("A"));
+}
+
+TEST_F(SupervisorTest, NothingOfAnotherAccountIsKeptOrShown) {
+  supervisor.accountIs("one");
+  bringUp();
+  supervisor.accountIs("one");
+  EXPECT_EQ(shown("A"), "a1");
+  for (const char* mark : {"two", "", "two"}) {
+    pass(5min);
+    done();
+    answerUnfetched("timeline A", "zeros");
+    const std::uint64_t savedVersion = supervisor.savedVersion();
+    supervisor.accountIs(mark);
+    EXPECT_EQ(supervisor.isSignedOut(), *mark == '\0');
+    EXPECT_EQ(shown("A"), "empty");
+    EXPECT_EQ(shown("B"), "empty");
+    EXPECT_EQ(widget("A").kept, nullptr);
+    EXPECT_GT(supervisor.savedVersion(), savedVersion);
+    EXPECT_THAT(supervisor.saved().pictures, IsEmpty());
+    EXPECT_THAT(supervisor.saved().kept, IsEmpty());
+    EXPECT_EQ(supervisor.saved().account, mark);
+    EXPECT_TRUE(widget("A").awaited);
+
+    answer("timeline B", timelineOf("asked for the former one"));
+    EXPECT_THAT(
+        answerAllButTimelines(),
+        testing::IsSupersetOf({"placeholder A", "placeholder B", "timeline A", "timeline B"}));
+    EXPECT_EQ(shown("B"), "sample");
+    answer("timeline A", timelineOf("a2"));
+    answer("timeline B", timelineOf("b2"));
+    answerAllButTimelines();
+    EXPECT_EQ(shown("B"), "b2");
+  }
+}
+
+TEST_F(SupervisorTest, AnotherAccountIsAnotherTryForAnExtensionThatWasGivenUp) {
+  bringUp();
+  supervisor.reload(now());
+  for (int end = 0; end < 5; ++end) {
+    passThePause();
+    done();
+    endExtension();
+  }
+  ASSERT_EQ(supervisor.life(), Life::gaveUp);
+  supervisor.accountIs("one");
+  supervisor.timePassed(now());
+  EXPECT_THAT(done(), ElementsAre("start", "catalogue"));
+}
+
+TEST_F(SupervisorTest, SaysWhenAnAnswerIsSlowOrAPersonWaits) {
+  bringUp();
+  pass(5min);
+  done();
+  const Date asked = date;
+  answer("timeline B", timelineOf("b2"));
+  answerAllButTimelines();
+  pass(2s - 1ms);
+  EXPECT_FALSE(widget("A").awaited);
+  EXPECT_EQ(supervisor.nextDeadline(), uptime + 1ms);
+  pass(1ms);
+  EXPECT_TRUE(widget("A").awaited);
+  EXPECT_EQ(widget("A").slowSince, asked);
+  EXPECT_FALSE(widget("B").awaited);
+
+  EXPECT_TRUE(supervisor.reload(now(), "B"));
+  EXPECT_FALSE(supervisor.reload(now(), "C"));
+  EXPECT_THAT(done(), ElementsAre("timeline B"));
+  EXPECT_TRUE(widget("B").awaited);
+  EXPECT_EQ(widget("B").slowSince, std::nullopt);
+  answer("timeline A", channel::Dropped{"no"});
+  answer("timeline B", timelineOf("b3"));
+  answerAllButTimelines();
+  EXPECT_FALSE(widget("A").awaited);
+  EXPECT_FALSE(widget("B").awaited);
+}
+
+TEST_F(SupervisorTest, PromisesNoReloadBeforeThePauseIsOver) {
+  bringUp();
+  supervisor.reload(now(), "A");
+  for (const auto pause : {0s, 1s, 5s, 25s}) {
+    done();
+    endExtension();
+    EXPECT_EQ(supervisor.keepsEnding(), pause > 0s) << "one end alone is not told";
+    EXPECT_EQ(widget("A").reload, date + pause);
+    EXPECT_EQ(widget("B").reload, std::max(date + pause, picture("B").received + 5min));
+    passThePause();
+    EXPECT_EQ(supervisor.keepsEnding(), pause > 0s) << "what is told stays while it starts";
+  }
 }
 
 TEST_F(SupervisorTest, ALateAnswerIsAskedForAgainLaterAndNotTakenAnyMore) {
@@ -304,7 +476,7 @@ TEST_F(SupervisorTest, ALateAnswerIsAskedForAgainLaterAndNotTakenAnyMore) {
   const std::uint64_t late = open.at("timeline A");
   supervisor.answerIsLate(now(), {.id = late, .waited = 90s});
   EXPECT_EQ(problem("A").cause, Cause::late);
-  EXPECT_EQ(problem("A").detail, "90 seconds");
+  EXPECT_EQ(problem("A").detail, "90 s");
   supervisor.replied(now(), {late, timelineOf("late")});
   EXPECT_EQ(shown("A"), "a1");
   answer("timeline B", timelineOf("b2"));
@@ -341,7 +513,7 @@ TEST_F(SupervisorTest, AnEndForWhateverCauseIsFollowedByTheNextQuestion) {
   }
 }
 
-TEST_F(SupervisorTest, AnExtensionThatListsNothingIsStartedAgain) {
+TEST_F(SupervisorTest, AnExtensionThatListsNothingOrTooMuchIsStartedAgain) {
   supervisor.timePassed(now());
   done();
   answer("catalogue", channel::Catalogue{});
@@ -349,6 +521,10 @@ TEST_F(SupervisorTest, AnExtensionThatListsNothingIsStartedAgain) {
   answer("catalogue", channel::Refused{channel::internalError, "not now"});
   EXPECT_THAT(done(), ElementsAre("end"));
   EXPECT_EQ(supervisor.lastEnd()->cause, Cause::protocolError);
+  passThePause();
+  done();
+  answer("catalogue", channel::Catalogue{std::vector<channel::CatalogueItem>(1001)});
+  EXPECT_EQ(supervisor.lastEnd()->detail, "a list of more than 1000 widgets");
   passThePause();
   answerAllButTimelines();
   answer("timeline A", timelineOf("a1"));
@@ -432,6 +608,32 @@ TEST_F(SupervisorTest, AnEndWhileNothingIsAskedLeavesThePicturesFresh) {
   EXPECT_EQ(widget("A").reload, date + 4min);
   pass(4min);
   EXPECT_THAT(done(), ElementsAre("timeline A"));
+}
+
+TEST_F(SupervisorTest, AnIdleExtensionIsPingedAndStartedAgainWhereItIsStuck) {
+  answersPings = false;
+  bringUp();
+  pass(1min - 1ms);
+  done();
+  EXPECT_EQ(lastPing, 0U);
+  pass(1ms);
+  done();
+  EXPECT_EQ(lastPing, lastId);
+  pass(29s);
+  done();
+  EXPECT_EQ(lastPing, lastId) << "once";
+  supervisor.ended(now(), {.cause = SessionEnd::Cause::late, .detail = "", .lastWords = ""});
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue"));
+  EXPECT_EQ(widget("A").problem, nullptr);
+}
+
+TEST_F(SupervisorTest, AnOutdatedExtensionIsStartedAgainWhereItIsNotAtWork) {
+  bringUp();
+  supervisor.extensionIsOutdated(now());
+  EXPECT_THAT(answerAllButTimelines(), ElementsAre("end", "start", "catalogue"));
+  supervisor.reload(now());
+  supervisor.extensionIsOutdated(now());
+  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
 }
 
 TEST_F(SupervisorTest, OneWidgetThatEndsTheExtensionTakesNoOtherWithIt) {
@@ -544,7 +746,7 @@ TEST_F(SupervisorTest, AWidgetThatTheExtensionNoLongerOffersIsKeptInMind) {
   supervisor.restore(std::move(saved));
   bringUp();
   EXPECT_EQ(supervisor.widgets().size(), 2U);
-  EXPECT_EQ(supervisor.nextDeadline(), uptime + 5min);
+  EXPECT_EQ(supervisor.nextDeadline(), uptime + 1min);
   EXPECT_TRUE(supervisor.isPlaced("Former"));
 }
 
@@ -577,9 +779,73 @@ TEST_F(SupervisorTest, AnAnswerOfAnotherKindIsARefusal) {
   EXPECT_EQ(supervisor.life(), Life::running);
 }
 
+// What shows changes all at once, and the next timelines are the new program's.
+TEST_F(SupervisorTest, AnotherProgramTakesOverBetweenRequestsAndRendersAllAnew) {
+  bringUp();
+  supervisor.reload(now());
+  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
+  supervisor.programReplaced(now());
+  EXPECT_THAT(done(), IsEmpty()) << "something is under way";
+  answer("timeline A", timelineOf("a2"));
+  answer("timeline B", timelineOf("b2"));
+  EXPECT_THAT(done(), ElementsAre("end", "start", "catalogue"));
+  answer("catalogue", catalogueOf({"A", "B"}));
+  EXPECT_THAT(done(), UnorderedElementsAre("render A", "render B"));
+  answer("render A", channel::Rendering{ui::Text::verbatim("new")});
+  EXPECT_THAT(shown("A"), "a1") << "some of either program";
+  answer("render B", channel::Rendering{ui::Text::verbatim("new")});
+  EXPECT_THAT(shown("A") + shown("B"), "a2b2");
+  EXPECT_EQ(supervisor.programVersion(), 1U);
+  EXPECT_THAT(done(), UnorderedElementsAre("timeline A", "timeline B"));
+}
+
+TEST_F(SupervisorTest, AProgramThatIsReplacedIsNotWaitedForMoreThanASecond) {
+  bringUp();
+  supervisor.openGallery(now());
+  answerAllButTimelines();
+  supervisor.reload(now());
+  done();
+  supervisor.programReplaced(now());
+  pass(999ms);
+  EXPECT_THAT(done(), IsEmpty());
+  pass(1ms);
+  EXPECT_THAT(
+      answerAllButTimelines(),
+      testing::IsSupersetOf({"end", "start", "catalogue", "render A", "snapshot A", "timeline B"}));
+  EXPECT_EQ(widget("A").problem, nullptr);
+}
+
+TEST_F(SupervisorTest, AProgramThatDoesNotServeLeavesTheLastPicturesWithItsLastWords) {
+  bringUp();
+  supervisor.programReplaced(now());
+  done();
+  supervisor.failedToStart(now(), "no such file");
+  EXPECT_EQ(problem("A").detail + problem("B").detail, "no such fileno such file");
+  done();
+  answer("catalogue", catalogueOf({"A", "B"}));
+  done();
+  answer("render A", channel::Rendering{});
+  EXPECT_EQ(widget("A").problem, nullptr) << "one by one after an end";
+  done();
+  endExtension("signal 6, Aborted", "the entry has no rows");
+  EXPECT_EQ(problem("B").output, "the entry has no rows");
+  EXPECT_EQ(shown("B"), "b1");
+  for (int end = 0; supervisor.life() != Life::gaveUp && end < 9; ++end) {
+    passThePause();
+    endExtension();
+    done();
+  }
+  supervisor.programReplaced(now());
+  EXPECT_THAT(answerAllButTimelines(), testing::IsSupersetOf({"start", "render A", "timeline B"}));
+  answer("timeline B", timelineOf("b2"));
+  answerAllButTimelines();
+  EXPECT_EQ(shown("B"), "b2");
+  EXPECT_EQ(widget("B").problem, nullptr);
+}
+
 // Two hundred times, at random: some steps of a refresh, then an end. Whatever the step was, no
-// widget is ever blank again, nothing is asked twice or of an extension that is gone, and the fresh
-// pictures come in the end.
+// widget is ever blank again, nothing is asked twice or of an extension that is gone, and the
+// fresh pictures come in the end.
 TEST_F(SupervisorTest, SurvivesEndsAtEveryStepOfARefresh) {
   bringUp();
   std::mt19937 random(20260307);

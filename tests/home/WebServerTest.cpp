@@ -3,17 +3,21 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <netinet/in.h>
 #include <optional>
 #include <poll.h>
+#include <signal.h>
 #include <string>
 #include <sys/eventfd.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 #include "home/server/WebServer.h"
@@ -70,11 +74,12 @@ class RunningServer {
 // One connection. A read that nothing comes to for ten seconds is a failure.
 class Client {
  public:
-  explicit Client(const RunningServer& server)
-      : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  explicit Client(const RunningServer& server) : Client(server.port()) {}
+
+  explicit Client(std::uint16_t port) : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_port = htons(server.port());
+    address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     EXPECT_EQ(
         ::connect(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
@@ -256,6 +261,43 @@ TEST(WebServer, AllowsItselfADescriptorForEveryConnection) {
   ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &after), 0);
   EXPECT_GE(after.rlim_cur, std::min<rlim_t>(before.rlim_max, 2048));
   ::setrlimit(RLIMIT_NOFILE, &before);
+}
+
+// In a process of its own, which has few.
+TEST(WebServer, LeavesDescriptorsToItsProgramHoweverManyConnect) {
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  const FileDescriptor readEnd(ends[0]);
+  FileDescriptor writeEnd(ends[1]);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const rlimit few{100, 100};
+    ::setrlimit(RLIMIT_NOFILE, &few);
+    const RunningServer server([](const WebRequest&) -> WebReply {
+      std::vector<FileDescriptor> own;
+      while (own.size() < 20 && (own.empty() || own.back())) {
+        own.emplace_back(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+      }
+      return WebAnswer{.body = own.back() ? "there are enough" : "there are too few"};
+    });
+    const std::uint16_t port = server.port();
+    static_cast<void>(::write(writeEnd.get(), &port, sizeof port));
+    ::pause();
+  }
+  writeEnd.close();
+  std::uint16_t port = 0;
+  ASSERT_EQ(::read(readEnd.get(), &port, sizeof port), ssize_t{sizeof port});
+  std::vector<std::unique_ptr<Client>> idle;
+  for (int i = 0; i < 150; ++i) {
+    idle.push_back(std::make_unique<Client>(port));
+  }
+  Client client(port);
+  client.write(
+      "GET / HTTP/1.1\r\nConnection: close\r\nHost: 127.0.0.1:" + std::to_string(port) +
+      "\r\n\r\n");
+  EXPECT_THAT(client.readAll(), HasSubstr("there are enough"));
+  ::kill(child, SIGKILL);
+  ::waitpid(child, nullptr, 0);
 }
 
 TEST(WebServer, StreamsToEveryListenerAndEndsThemCleanly) {

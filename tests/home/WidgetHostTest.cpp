@@ -26,7 +26,8 @@ using testing::IsEmpty;
 class WidgetHostTest : public testing::Test {
  protected:
   void start(const std::filesystem::path& extension = CLOCK_EXTENSION) {
-    host_.emplace(extension, file_, [this](std::string_view line) { relayed_.emplace_back(line); });
+    host_.emplace(
+        extension, file_, account_, [this](std::string_view line) { relayed_.emplace_back(line); });
   }
 
   // Runs the loop, the time standing still, until the condition holds.
@@ -63,6 +64,7 @@ class WidgetHostTest : public testing::Test {
 
   fixtures::TemporaryFolder folder_;
   std::filesystem::path file_ = folder_.path() / "state" / "home.json";
+  Account account_;
   Moment now_{.date = currentDate(), .uptime = 1h};
   std::vector<std::string> relayed_;
   std::optional<WidgetHost> host_;
@@ -96,6 +98,40 @@ TEST_F(WidgetHostTest, TakesUpWhatTheLastRunLeft) {
   host_->run(now_);
   EXPECT_EQ(host_->supervisor().lastEnd()->cause, Problem::Cause::notStarted);
   EXPECT_EQ(host_->nextDeadline(), now_.uptime + 1s) << "to start it for the third time";
+}
+
+// The store and its folders may be still to come, and the state of a run may be of someone else.
+TEST_F(WidgetHostTest, ForgetsAnAccountAsSoonAsItsStoreSaysSo) {
+  const std::filesystem::path store = folder_.path() / "data" / "group" / "store";
+  std::string mark;
+  account_ = {.mark = [&] { return mark; }, .store = store};
+  const auto signIn = [&](const std::string& account) {
+    std::filesystem::create_directories(store.parent_path());
+    mark = account;
+    std::ofstream(store) << account;
+  };
+  start();
+  runUntilLive();
+  for (const std::string account : {"one", "two", ""}) {
+    signIn(account);
+    runUntil("the change is noticed", [&] { return clock().picture == nullptr; });
+    EXPECT_EQ(host_->supervisor().isSignedOut(), account.empty());
+    runUntilLive();
+    host_->stop(now_);
+    start();
+    EXPECT_TRUE(clock().picture->restored) << "it is the same account still";
+    runUntilLive();
+  }
+  host_->stop(now_);
+  mark = "three";
+  start("/no/such/program");
+  EXPECT_EQ(clock().picture, nullptr);
+  host_->run(now_);
+  pass(1s);
+  host_->stop(now_);
+  std::ifstream state(file_);
+  EXPECT_THAT(
+      std::string(std::istreambuf_iterator<char>(state), {}), HasSubstr(R"("pictures":{})"));
 }
 
 TEST_F(WidgetHostTest, StartsAnExtensionThatWasKilledAndRelaysWhatItPrints) {

@@ -59,6 +59,10 @@ TEST_F(LocalizedStringsTest, AreThoseOfTheLocalesLanguage) {
   EXPECT_EQ(
       strings.languages(),
       (std::vector<std::string>{"ar", "de", "es", "fr", "ja", "sr", "sr-Latn", "zh-Hans"}));
+
+  const LocalizedStrings none(folder_.path() / "none");
+  EXPECT_EQ(none.text("Sales", "de"), "Sales");
+  EXPECT_TRUE(none.languages().empty());
 }
 
 TEST_F(LocalizedStringsTest, AreKeptOnceRead) {
@@ -88,12 +92,6 @@ TEST_F(LocalizedStringsTest, ServeManyThreads) {
   };
   const std::jthread first(read);
   const std::jthread second(read);
-}
-
-TEST_F(LocalizedStringsTest, AreNoneWithoutAFolder) {
-  const LocalizedStrings strings(folder_.path() / "none");
-  EXPECT_EQ(strings.text("Sales", "de"), "Sales");
-  EXPECT_TRUE(strings.languages().empty());
 }
 
 }  // namespace

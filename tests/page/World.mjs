@@ -69,8 +69,8 @@ export class World {
     return child;
   }
 
-  async startGateway() {
-    const args = ["--port", String(this.gatewayPort), "--state", join(this.folder, "gateway")];
+  async startGateway(fault = "off") {
+    const args = ["--port", String(this.gatewayPort), "--state", join(this.folder, "gateway"), "--fault", fault];
     this.gateway = await this.start("quillpad-demo-gateway", args, /https:\/\/[^:\s]+:(\d+)/);
     this.gatewayPort = Number(this.gateway.ready[1]);
   }
@@ -92,8 +92,10 @@ export class World {
 
   async startHome() {
     const args = ["--extension", this.extension, "serve", "--port", String(this.port ?? 0)];
-    this.home = await this.start("quillpad-home", args, /(http:\/\/127\.0\.0\.1:\d+)\//);
+    this.home = await this.start("quillpad-home", args, /(http:\/\/127\.0\.0\.1:(\d+))\/\?key=(\w+)/);
+    this.entrance = this.home.ready[0]; // what a person opens
     this.address = this.home.ready[1];
+    this.cookie = { name: `quillpad-home-${this.home.ready[2]}`, value: this.home.ready[3] };
   }
 
   static async start(locale) {
@@ -117,25 +119,38 @@ export class World {
     return this.childProcesses()[0];
   }
 
+  // Asks the home screen as the page does.
+  fetch(path, options = {}) {
+    const headers = { Cookie: `${this.cookie.name}=${this.cookie.value}`, ...options.headers };
+    return fetch(this.address + path, { ...options, headers });
+  }
+
+  // A context of the browser that the home screen knows already.
+  async newContext(browser, options) {
+    const context = await browser.newContext(options);
+    await context.addCookies([{ ...this.cookie, url: this.address }]);
+    return context;
+  }
+
   async pageToken() {
-    const html = await (await fetch(this.address)).text();
+    const html = await (await this.fetch("/")).text();
     return html.match(/name="page-token" content="(\w+)"/)[1];
   }
 
   // Asks the home screen for a change, with the token of its page.
   change(what, token) {
-    return fetch(`${this.address}${what}`, { method: "POST", headers: { "X-Page-Token": token } });
+    return this.fetch(what, { method: "POST", headers: { "X-Page-Token": token } });
   }
 
   // What the page would show: the markup of each card, by kind.
   async cards() {
-    const changes = await (await fetch(`${this.address}/changes?since=0`)).json();
+    const changes = await (await this.fetch("/changes?since=0")).json();
     return changes.cards;
   }
 
-  async allLive() {
+  async allLive(count = 5) {
     const cards = Object.values(await this.cards());
-    return cards.length === 5 && cards.every((html) => html.includes('data-status="live"'));
+    return cards.length === count && cards.every((html) => html.includes('data-status="live"'));
   }
 
   async end() {

@@ -1,5 +1,5 @@
-// Makes docs/home-screen-light.jpg and docs/home-screen-dark.jpg: "node readme-pictures.mjs" in this
-// folder, after a release build.
+// Makes the pictures of the home screen and of the canvas in docs, light and dark: "node
+// readme-pictures.mjs" in this folder, after a release build.
 import { fileURLToPath } from "node:url";
 import { World, launchBrowser, until } from "./World.mjs";
 
@@ -9,13 +9,21 @@ const browser = await launchBrowser();
 try {
   await until("all widgets are live", () => world.allLive());
   for (const colorScheme of ["light", "dark"]) {
-    const page = await browser.newPage({
+    const page = await (await world.newContext(browser, {
       viewport: { width: 860, height: 620 },
       deviceScaleFactor: 2,
       colorScheme,
-    });
+    })).newPage();
     await page.goto(world.address);
     await page.screenshot({ path: `${docs}home-screen-${colorScheme}.jpg`, quality: 88 });
+    await page.setViewportSize({ width: 1270, height: 980 });
+    await page.goto(`${world.address}/?view=canvas&entry=timeline`);
+    await until("the canvas is drawn", () =>
+      page.locator(".cell img").evaluateAll((pictures) =>
+        pictures.filter((each) => each.getBoundingClientRect().top < innerHeight).every((each) => each.complete),
+      ),
+    );
+    await page.screenshot({ path: `${docs}canvas-${colorScheme}.jpg`, quality: 88 });
   }
 } finally {
   await browser.close();

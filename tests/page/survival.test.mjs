@@ -1,8 +1,9 @@
 // What the home screen survives, watched over its page.
 import assert from "node:assert/strict";
-import { spawn } from "node:child_process";
+import { spawn, spawnSync } from "node:child_process";
 import { existsSync } from "node:fs";
 import { connect } from "node:net";
+import { join } from "node:path";
 import { after, before, test } from "node:test";
 import { setTimeout as pause } from "node:timers/promises";
 import { World, programs, until } from "./World.mjs";
@@ -16,8 +17,7 @@ before(async () => {
 
 after(() => world?.end());
 
-const reload = async (token) =>
-  fetch(`${world.address}/reload`, { method: "POST", headers: { "X-Page-Token": token } });
+const reload = (token) => world.change("/reload", token);
 
 test("200 kills at any step of a refresh leave no blank, no process and no lasting harm", async () => {
   const token = await world.pageToken();
@@ -57,7 +57,7 @@ test("slow and hostile clients keep no one else waiting", async () => {
   huge.on("data", (data) => (refusal += data));
   await until("the huge body is refused", () => refusal.startsWith("HTTP/1.1 413"));
   for (let count = 0; count < 20; ++count) {
-    const page = await fetch(world.address, { signal: AbortSignal.timeout(5000) });
+    const page = await world.fetch("/", { signal: AbortSignal.timeout(5000) });
     assert.equal(page.status, 200);
     await page.text();
   }
@@ -79,15 +79,20 @@ test("the pictures of the last run are there before anything else", async () => 
   await until("all widgets are live", () => world.allLive());
 });
 
-test("a taken port is told", async () => {
-  const second = spawn(`${programs}/quillpad-home`, ["serve", "--port", new URL(world.address).port], {
-    env: world.environment,
-  });
-  let words = "";
-  second.stderr.on("data", (data) => (words += data));
-  const code = await new Promise((resolve) => second.on("close", resolve));
-  assert.equal(code, 1);
-  assert.match(words, /port \d+: another program uses it/);
+test("a second home screen and a taken port are told", async () => {
+  const port = new URL(world.address).port;
+  const elsewhere = join(world.folder, "elsewhere");
+  for (const [state, words] of [
+    [world.environment.XDG_STATE_HOME, `a home screen is running already, at http://127.0.0.1:${port}/`],
+    [elsewhere, `port ${port}: another program uses it`],
+  ]) {
+    const second = spawnSync(`${programs}/quillpad-home`, ["serve", "--port", port], {
+      env: { ...world.environment, XDG_STATE_HOME: state },
+      encoding: "utf8",
+    });
+    assert.equal(second.status, 1);
+    assert.ok(second.stderr.includes(words), second.stderr);
+  }
 });
 
 for (const signal of ["SIGINT", "SIGTERM", "SIGKILL"]) {

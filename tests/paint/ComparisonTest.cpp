@@ -39,9 +39,16 @@ TEST(Comparison, CountsWhatIsBeyondTheTolerance) {
 }
 
 TEST(Comparison, SizesMustBeEqual) {
-  const Comparison comparison = compare(grey(4, 4), grey(4, 5), {.channel = 255, .pixels = 3});
+  const Comparison comparison = compare(grey(4, 4), grey(3, 5), {.channel = 255, .pixels = 99});
   EXPECT_EQ(comparison.result, CompareResult::different);
-  EXPECT_EQ(comparison.differingPixels, 20);
+  EXPECT_EQ(comparison.differingPixels, 8);
+  const Bitmap& difference = comparison.difference;
+  EXPECT_EQ(difference.pixels.size(), 20U);
+  EXPECT_NE(difference.row(4)[0], difference.row(0)[0]);
+  EXPECT_EQ(difference.row(4)[0], difference.row(0)[3]);
+  const Bitmap wide = grey(1 << 20, 1);
+  const Bitmap high = grey(1, 1 << 20);
+  EXPECT_TRUE(compare(wide, high).difference.pixels.empty());
 }
 
 TEST(Comparison, UnseenPixelsHaveNoColour) {

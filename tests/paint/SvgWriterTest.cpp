@@ -158,13 +158,6 @@ TEST_F(SvgWriterTest, ColoursAreOfOneAppearanceOrFollowThePage) {
   }
 }
 
-TEST_F(SvgWriterTest, ImpossibleSizesAreRefused) {
-  EXPECT_FALSE(
-      writeSvg(card({0, 1}, 1, {}), ui::Appearance::light, fonts_, pictures_, "w").has_value());
-  EXPECT_FALSE(
-      writeSvg(card({10000, 10000}, 3, {}), std::nullopt, fonts_, pictures_, "w").has_value());
-}
-
 // Another program's drawing of the document against the PNG writer's: the same but for baselines,
 // which stand on whole pixels in both, and quarter-pixel places.
 TEST_F(SvgWriterTest, LooksLikeThePng) {

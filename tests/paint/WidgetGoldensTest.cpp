@@ -1,4 +1,4 @@
-// The five widgets in their states, as display lists.
+// The five widgets in their states, as display lists and as pictures.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
@@ -7,11 +7,14 @@
 
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
-#include "paint/TextGolden.h"
+#include "paint/Golden.h"
+#include "platform/foundation/Bundle.h"
 #include "platform/foundation/Value.h"
 #include "platform/locale/LocalizedStrings.h"
 #include "platform/paint/Card.h"
 #include "platform/paint/DisplayListJson.h"
+#include "platform/paint/Pictures.h"
+#include "platform/paint/PngWriter.h"
 #include "platform/text/FontBook.h"
 #include "platform/text/TextEngine.h"
 #include "platform/ui/ViewCodec.h"
@@ -45,15 +48,21 @@ Array rows(std::size_t count) {
   return list;
 }
 
-DisplayList composed(const ui::View& view, const CardRequest& request) {
-  static FontBook fonts;
-  static TextEngine texts(fonts);
-  return compose(view, request, [](const std::string&) { return Size{20, 20}; }, texts);
-}
-
 class WidgetGoldens : public ::testing::Test {
  protected:
-  static void expectGolden(
+  DisplayList composed(const ui::View& view, const CardRequest& request) {
+    const auto pictureSize = [this](const std::string& name) {
+      return pictures_.naturalSize(name);
+    };
+    return compose(view, request, pictureSize, texts_);
+  }
+
+  std::vector<std::uint8_t> draw(
+      const ui::View& view, const CardRequest& request, ui::Appearance appearance) {
+    return PngWriter(fonts_, pictures_).write(composed(view, request), appearance).value();
+  }
+
+  void expectText(
       const std::string& name,
       const ui::View& view,
       CardRequest request,
@@ -63,9 +72,20 @@ class WidgetGoldens : public ::testing::Test {
     EXPECT_TRUE(matchesGolden(name + ".json", toJson(composed(view, request), appearance)));
   }
 
- private:
+  void expectPictures(const std::string& name, const ui::View& view, const CardRequest& request) {
+    using enum ui::Appearance;
+    EXPECT_TRUE(showsGolden(name + "-light", draw(view, request, light)));
+    EXPECT_TRUE(showsGolden(name + "-dark", draw(view, request, dark)));
+  }
+
   fixtures::TemporaryHome home_;
+
+ private:
   fixtures::ScopedVariable locale_{"LC_ALL", "en_US.UTF-8"};
+  FontBook fonts_;
+  TextEngine texts_{fonts_};
+  Bundle bundle_{BUNDLE_FOLDER};
+  Pictures pictures_{bundle_};
 };
 
 TEST_F(WidgetGoldens, SmallFigures) {
@@ -73,36 +93,36 @@ TEST_F(WidgetGoldens, SmallFigures) {
       {"zero", "0"}, {"plain", "1234.5"}, {"negative", "-20"}, {"capped", "12000"}};
   for (const auto& [state, figure] : figures) {
     const quillpad::SalesMallView view{figure, "quillpad://Report"};
-    expectGolden("sales-" + state, view, {});
+    expectText("sales-" + state, view, {});
   }
-  expectGolden("unpaid-plain", quillpad::UnpaidSmallView{"3"}, {});
-  expectGolden("unpaid-empty", quillpad::UnpaidSmallView{""}, {});
-  expectGolden("pending-plain", quillpad::PendingSmallView{"12,5"}, {});
-  expectGolden("pending-long", quillpad::PendingSmallView{"98765432109876543210"}, {});
+  expectText("unpaid-plain", quillpad::UnpaidSmallView{"3"}, {});
+  expectText("unpaid-empty", quillpad::UnpaidSmallView{""}, {});
+  expectText("pending-plain", quillpad::PendingSmallView{"12,5"}, {});
+  expectText("pending-long", quillpad::PendingSmallView{"98765432109876543210"}, {});
 }
 
 TEST_F(WidgetGoldens, MediumRows) {
   for (const std::size_t count : {0, 1, 2, 3, 7}) {
     const quillpad::UnpaidMediumView view{rows(count)};
-    expectGolden("unpaid-rows-" + std::to_string(count), view, {.size = medium});
+    expectText("unpaid-rows-" + std::to_string(count), view, {.size = medium});
   }
-  expectGolden("pending-rows-2", quillpad::PendingMediumView{rows(2)}, {.size = medium});
+  expectText("pending-rows-2", quillpad::PendingMediumView{rows(2)}, {.size = medium});
 
   const quillpad::UnpaidMediumView odd{
       {row("A very long client name that cannot stand beside its sum", 1234567.891),
        row("", -3.5),
        row("Łódź 株式会社 👨‍👩‍👧‍👦", 0)}};
-  expectGolden("unpaid-rows-odd", odd, {.size = medium});
+  expectText("unpaid-rows-odd", odd, {.size = medium});
 }
 
 TEST_F(WidgetGoldens, DarkAppearanceAndOtherScreens) {
   const quillpad::SalesMallView sales{"1234.5", "quillpad://Report"};
-  expectGolden("sales-dark", sales, {}, ui::Appearance::dark);
-  expectGolden("sales-at-3", sales, {.scale = 3});
-  expectGolden("sales-smallest-screen", sales, {.size = {141, 141}});
+  expectText("sales-dark", sales, {}, ui::Appearance::dark);
+  expectText("sales-at-3", sales, {.scale = 3});
+  expectText("sales-smallest-screen", sales, {.size = {141, 141}});
 
   const quillpad::UnpaidMediumView unpaid{rows(3)};
-  expectGolden("unpaid-dark-at-3", unpaid, {.size = medium, .scale = 3}, ui::Appearance::dark);
+  expectText("unpaid-dark-at-3", unpaid, {.size = medium, .scale = 3}, ui::Appearance::dark);
 }
 
 TEST_F(WidgetGoldens, RightToLeftLanguage) {
@@ -111,14 +131,14 @@ TEST_F(WidgetGoldens, RightToLeftLanguage) {
     return ui::localized(view, [&](const std::string& key) { return strings.text(key, "ar"); });
   };
   const CardRequest request{.rightToLeft = true, .language = "ar"};
-  expectGolden(
+  expectText(
       "sales-arabic", arabic(quillpad::SalesMallView{"12000", "quillpad://Report"}), request);
 
   CardRequest list = request;
   list.size = medium;
   const quillpad::UnpaidMediumView unpaid{
       {row("شركة النور للتجارة", 1250.5), row("Acme Studio", 842.25)}};
-  expectGolden("unpaid-arabic", arabic(unpaid), list);
+  expectText("unpaid-arabic", arabic(unpaid), list);
 }
 
 // Why three rows come with an inset above the header: the list is higher than the card and stands
@@ -140,6 +160,62 @@ TEST_F(WidgetGoldens, TellADifference) {
   EXPECT_FALSE(result);
   EXPECT_THAT(
       result.message(), ::testing::HasSubstr("actual:     {\"type\":\"text\",\"text\":\"4\""));
+}
+
+TEST_F(WidgetGoldens, InBothAppearances) {
+  expectPictures("sales", quillpad::SalesMallView{"1234.5", "quillpad://Report"}, {});
+  expectPictures("unpaid-small", quillpad::UnpaidSmallView{"3"}, {});
+  expectPictures("pending-small", quillpad::PendingSmallView{"5"}, {});
+  expectPictures("unpaid-medium", quillpad::UnpaidMediumView{rows(3)}, {.size = medium});
+  expectPictures("pending-medium", quillpad::PendingMediumView{rows(3)}, {.size = medium});
+}
+
+// Nothing can be read of what was not fetched yet, by nobody.
+TEST_F(WidgetGoldens, Placeholder) {
+  constexpr Redaction redaction = Redaction::placeholder;
+  const quillpad::SalesMallView sales{"0", "quillpad://Report"};
+  const quillpad::UnpaidMediumView unpaid{rows(3)};
+  expectPictures("sales-placeholder", sales, {.redaction = redaction});
+  expectPictures("unpaid-placeholder", unpaid, {.size = medium, .redaction = redaction});
+  expectPictures(
+      "unpaid-placeholder-mirrored",
+      unpaid,
+      {.size = medium, .rightToLeft = true, .redaction = redaction});
+  for (const ui::View& view : {ui::View(sales), ui::View(unpaid)}) {
+    const DisplayList list = composed(view, {.kind = "Kind", .redaction = redaction});
+    EXPECT_EQ(accessibilityLabel(list), "Kind");
+    EXPECT_GT(list.items.size(), 4U);
+    for (const Item& item : list.items) {
+      EXPECT_TRUE(std::holds_alternative<Fill>(item.content));
+    }
+  }
+}
+
+TEST_F(WidgetGoldens, APlaceholderHasABarForEachLine) {
+  const ui::View text = ui::Text::verbatim("two lines of text").font({20, ui::Weight::regular});
+  const CardRequest request{.size = {100, 60}, .redaction = Redaction::placeholder};
+  const DisplayList list = composed(text, request);
+  ASSERT_EQ(list.items.size(), 3U);
+  const Rect first = std::get<Fill>(list.items[1].content).frame;
+  const Rect second = std::get<Fill>(list.items[2].content).frame;
+  EXPECT_EQ(first.width, second.width);
+  EXPECT_EQ(first.y + 24, second.y);
+  EXPECT_EQ(composed(ui::Text::verbatim(""), request).items.size(), 1U);
+}
+
+// A comparison that cannot fail would prove nothing above.
+TEST_F(WidgetGoldens, AnotherFigureIsAnotherPicture) {
+  const GoldenFolders folders{home_.path() / "goldens", home_.path() / "left"};
+  const auto sales = [&](const char* figure) {
+    return draw(quillpad::SalesMallView{figure, "quillpad://Report"}, {}, ui::Appearance::light);
+  };
+  EXPECT_FALSE(showsGolden("sales", sales("1234.5"), folders)) << "a missing golden is recorded";
+  EXPECT_TRUE(showsGolden("sales", sales("1234.5"), folders));
+  EXPECT_FALSE(showsGolden("sales", sales("1234.6"), folders));
+  for (const char* which : {"expected", "actual", "difference"}) {
+    EXPECT_TRUE(std::filesystem::exists(folders.left / (std::string("sales.") + which + ".png")))
+        << which;
+  }
 }
 
 }  // namespace

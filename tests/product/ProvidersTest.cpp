@@ -100,31 +100,30 @@ TEST_F(ProvidersTest, AnswerPlaceholderAndSnapshotAtOnceAndWithoutARequest) {
   EXPECT_TRUE(gateway.server().requests().empty());
 }
 
-TEST_F(ProvidersTest, MakeATimelineOfOneFetchedEntry) {
+TEST_F(ProvidersTest, MakeATimelineOfOneEntryFetchedOrAfterATransportErrorOfZerosOrTheSample) {
   const std::string sales =
       R"({"salesMonth":"1520.5","unpaidInvoices":"3","pendingEstimates":"0"})";
   const std::string rows = R"({"records":[{"no":"7"},{"no":"6"},{"no":"5"},{"no":"4"},true]})";
+  const std::string none = R"({"records":[]})";
+  const auto expectTimeline = [&](const WidgetConfiguration& widget, const std::string& data) {
+    const auto timeline = timelineOf(widget);
+    ASSERT_TRUE(timeline) << widget.kind;
+    ASSERT_EQ(timeline->entries.size(), 1U);
+    EXPECT_EQ(json(timeline->entries[0]), entryText(now, data));
+    EXPECT_EQ(iso8601(timeline->policy.after), fiveMinutesLater);
+  };
   for (const WidgetConfiguration& widget : catalogue) {
     gateway.answerWithDocument(
         isSmall(widget) ? R"({"salesMonth":1520.5,"unpaidInvoices":3,"pendingEstimates":0})"
                         : rows);
-    const auto timeline = timelineOf(widget);
-    ASSERT_TRUE(timeline) << widget.kind;
-    ASSERT_EQ(timeline->entries.size(), 1U);
-    EXPECT_EQ(json(timeline->entries[0]), entryText(now, isSmall(widget) ? sales : rows));
-    EXPECT_EQ(iso8601(timeline->policy.after), fiveMinutesLater);
+    expectTimeline(widget, isSmall(widget) ? sales : rows);
   }
   EXPECT_EQ(gateway.server().requests().size(), catalogue.size());
-}
-
-TEST_F(ProvidersTest, MakeATimelineOfZerosOrTheSampleAfterATransportError) {
+  gateway.answerWithDocument(none);
+  expectTimeline(catalogue[4], none);
   gateway.fail();
   for (const WidgetConfiguration& widget : catalogue) {
-    const auto timeline = timelineOf(widget);
-    ASSERT_TRUE(timeline) << widget.kind;
-    ASSERT_EQ(timeline->entries.size(), 1U);
-    EXPECT_EQ(json(timeline->entries[0]), entryText(now, expectedFallback(widget)));
-    EXPECT_EQ(iso8601(timeline->policy.after), fiveMinutesLater);
+    expectTimeline(widget, expectedFallback(widget));
   }
 }
 
@@ -144,13 +143,6 @@ TEST_F(ProvidersTest, DateTheEntryByTheRequestNotByTheAnswer) {
   ASSERT_TRUE(timeline);
   EXPECT_EQ(iso8601(timeline->entries.at(0).date), now);
   EXPECT_EQ(iso8601(timeline->policy.date()), fiveMinutesLater);
-}
-
-TEST_F(ProvidersTest, ShowAnEmptyListAsEmpty) {
-  gateway.answerWithDocument(R"({"records":[]})");
-  const auto timeline = timelineOf(catalogue[4]);
-  ASSERT_TRUE(timeline);
-  EXPECT_EQ(json(timeline->entries[0]), entryText(now, R"({"records":[]})"));
 }
 
 TEST_F(ProvidersTest, LetARefusedRequestGo) {

@@ -42,11 +42,7 @@ TEST_F(ResponsesTest, EndsTheProcessForABrokenSummary) {
     const char* words;
   };
   const std::vector<Case> cases{
-      {"", "SalesData line 58: the gateway's answer is not JSON"},
       {"<html>", "SalesData line 58: the gateway's answer is not JSON"},
-      {R"({"data":"{}")", "SalesData line 58: "},
-      {"null", "SalesData line [0-9]+: the gateway's answer is of another kind"},
-      {"12", "SalesData line [0-9]+: the gateway's answer is of another kind"},
       {"[]", "SalesData line [0-9]+: the gateway's answer is of another kind"},
       {"{}", "SalesData line [0-9]+: data is absent"},
       {R"({"data":{"salesMonth":1}})", "SalesData line [0-9]+: data is of another kind"},
@@ -80,7 +76,6 @@ TEST_F(ResponsesTest, EndsTheProcessForABrokenList) {
     const char* words;
   };
   const std::vector<Case> cases{
-      {"<html>", "UnpaidData line 82: the gateway's answer is not a JSON object or array"},
       {"12", "UnpaidData line 82: the gateway's answer is not a JSON object or array"},
       {"[]", "ResponsesTest line [0-9]+: the gateway's answer is of another kind"},
       {"{}", "ResponsesTest line [0-9]+: data is absent"},

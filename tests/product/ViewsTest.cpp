@@ -43,37 +43,29 @@ class ViewsTest : public ::testing::Test {
   ProductSettings settings;
 };
 
-TEST_F(ViewsTest, LookTitlesUpAndShowWhatIsReceivedAsItIs) {
+TEST_F(ViewsTest, LookTitlesUpShowWhatIsReceivedAsItIsAndLeadToTheirScreens) {
   const Dictionary row{{"clientName", "Sales "}, {"total", 1132.239}};
+  const Dictionary odd{{"clientName", 5}, {"total", "5"}};
+  const char* unpaid = "quillpad://invoiceUnpaidList";
+  const char* pending = "quillpad://EstimatesPendingList";
   const struct {
     ui::View view;
     Texts texts;
-  } cases[] = {
-      {SalesMallView{"1234.5", ""}, {"[Sales]", "[this month]", "$1,234.5"}},
-      {UnpaidSmallView{"12,5"}, {"[Unpaid]", "[invoices]", "12,5"}},
-      {PendingSmallView{"Sales"}, {"[Pending]", "[estimates]", "Sales"}},
-      {UnpaidMediumView{{row}}, {"[Unpaid Invoices]", "Sales ", "$1,132.24"}},
-      {PendingMediumView{{row}}, {"[Pending Estimates]", "Sales ", "$1,132.24"}},
-      {WidgetRowView{{}}, {"", "$0"}},
-      {WidgetRowView{{{"clientName", 5}, {"total", "5"}}}, {"", "$0"}},
-      {UnpaidMediumView{rows(7)}, {"[Unpaid Invoices]", "1", "$1", "2", "$1", "3", "$1"}}};
-  for (const auto& [view, texts] : cases) {
-    EXPECT_EQ(textsOf(view), texts);
-  }
-}
-
-TEST_F(ViewsTest, LeadToTheirScreens) {
-  const struct {
-    ui::View view;
     const char* link;
   } cases[] = {
-      {SalesMallView{"0", "quillpad://Report"}, "quillpad://Report"},
-      {SalesMallView{"0", "://"}, ""},
-      {UnpaidSmallView{""}, "quillpad://invoiceUnpaidList"},
-      {PendingSmallView{""}, "quillpad://EstimatesPendingList"},
-      {UnpaidMediumView{}, "quillpad://invoiceUnpaidList"},
-      {PendingMediumView{}, "quillpad://EstimatesPendingList"}};
-  for (const auto& [view, link] : cases) {
+      {SalesMallView{"1234.5", "quillpad://Report"},
+       {"[Sales]", "[this month]", "$1,234.5"},
+       "quillpad://Report"},
+      {SalesMallView{"0", "://"}, {"[Sales]", "[this month]", "$0"}, ""},
+      {UnpaidSmallView{"12,5"}, {"[Unpaid]", "[invoices]", "12,5"}, unpaid},
+      {PendingSmallView{"Sales"}, {"[Pending]", "[estimates]", "Sales"}, pending},
+      {UnpaidMediumView{{row, odd}},
+       {"[Unpaid Invoices]", "Sales ", "$1,132.24", "", "$0"},
+       unpaid},
+      {PendingMediumView{{row}}, {"[Pending Estimates]", "Sales ", "$1,132.24"}, pending},
+      {UnpaidMediumView{rows(7)}, {"[Unpaid Invoices]", "1", "$1", "2", "$1", "3", "$1"}, unpaid}};
+  for (const auto& [view, texts, link] : cases) {
+    EXPECT_EQ(textsOf(view), texts);
     EXPECT_EQ(linkOf(view), link);
   }
 }

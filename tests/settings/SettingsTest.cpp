@@ -1,10 +1,9 @@
-#include <atomic>
 #include <fstream>
+#include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 #include "fixtures/ScopedVariable.h"
@@ -36,9 +35,7 @@ std::expected<void, std::string> set(const std::string& key, const Value& value)
 }
 
 mode_t modeOf(const std::filesystem::path& file) {
-  struct stat status{};
-  EXPECT_EQ(stat(file.c_str(), &status), 0) << file;
-  return status.st_mode & 07777;
+  return static_cast<mode_t>(std::filesystem::status(file).permissions());
 }
 
 class SettingsTest : public testing::Test {
@@ -65,32 +62,16 @@ TEST_F(SettingsTest, LieBelowTheDataFolder) {
   EXPECT_EQ(pathWith("/data"), "/data" + tail);
 }
 
-TEST_F(SettingsTest, KeepEachObjectWithItsKind) {
-  put(
-      storeOf("<dict><key>token</key><string>abc</string><key>businessId</key><integer>7</integer>"
-              "</dict>"));
-  EXPECT_EQ(stored("token"), Value("abc"));
-  EXPECT_EQ(stored("businessId"), Value(7));
-  EXPECT_EQ(stored("currentBusiness"), std::nullopt);
-}
-
 TEST_F(SettingsTest, CannotBeOpenedWhenDamaged) {
-  const std::string whole = storeOf("<dict><key>a</key><string>b</string></dict>");
-  for (std::size_t length = 0; length < whole.size(); ++length) {
-    put(whole.substr(0, length));
-    ASSERT_FALSE(UserDefaults::open(suite)) << length;
-  }
   for (const std::string& bytes :
-       {storeOf("<array/>"),
-        storeOf("<string>a</string>"),
-        std::string("not XML"),
+       {std::string(),
+        storeOf("<array/>"),
+        storeOf("<dict><key>a</key><string>b"),
         std::string(R"({"token":"abc"})"),
         storeOf("<dict/><!--" + std::string(std::size_t{1} << 20, 'x') + "-->")}) {
     put(bytes);
     EXPECT_FALSE(UserDefaults::open(suite)) << bytes.substr(0, 80);
   }
-  put(whole);
-  EXPECT_TRUE(UserDefaults::open(suite));
 }
 
 TEST_F(SettingsTest, CannotBeOpenedWhenThereIsNoFileToRead) {
@@ -127,7 +108,8 @@ TEST_F(SettingsTest, KeepEntriesThatAChangeLeavesAlone) {
   put(
       storeOf("<dict><key>other</key><array><date>2026-03-07T09:05:03Z</date><real>0.1</real>"
               "</array><key>token</key><string>old</string></dict>"));
-  const std::optional<Value> other = stored("other");
+  const Value other = Array{Date(std::chrono::seconds(1'772'874'303)), 0.1};
+  EXPECT_EQ(stored("token"), Value("old"));
   ASSERT_TRUE(set("token", "new"));
   EXPECT_EQ(stored("token"), Value("new"));
   EXPECT_EQ(stored("other"), other);
@@ -160,38 +142,6 @@ TEST_F(SettingsTest, AreLeftAloneWhenTheyCannotBeChanged) {
   }
 }
 
-TEST_F(SettingsTest, LeaveNoTemporaryFileBehind) {
-  ASSERT_TRUE(set("a", 1));
-  ASSERT_FALSE(set("a", "\x1B"));
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(file_.parent_path())) {
-    names.push_back(entry.path().filename());
-  }
-  EXPECT_THAT(names, testing::UnorderedElementsAre("group.test.plist", "group.test.plist.lock"));
-
-  std::filesystem::remove(file_);
-  std::filesystem::create_directories(file_ / "occupied");
-  EXPECT_FALSE(set("a", 1));
-  EXPECT_TRUE(std::filesystem::exists(file_ / "occupied"));
-}
-
-TEST_F(SettingsTest, AreSeenBeforeOrAfterAChangeByWhoReadsMeanwhile) {
-  const std::string longText(50'000, 'x');
-  ASSERT_TRUE(set("token", longText));
-  std::atomic<bool> done = false;
-  const std::jthread writer([&] {
-    for (int i = 0; i < 100; ++i) {
-      EXPECT_TRUE(set("token", i % 2 == 0 ? "short" : longText));
-    }
-    done = true;
-  });
-  while (!done) {
-    const std::optional<Value> token = stored("token");
-    ASSERT_TRUE(token);
-    ASSERT_TRUE(*token == Value("short") || *token == Value(longText));
-  }
-}
-
 TEST_F(SettingsTest, LoseNothingToManyWritersAtOnce) {
   constexpr int changes = 25;
   const auto write = [](const std::string& writer) {
@@ -202,6 +152,7 @@ TEST_F(SettingsTest, LoseNothingToManyWritersAtOnce) {
     }
     return true;
   };
+  ASSERT_TRUE(set("a", 0));
   std::vector<pid_t> processes;
   for (const char* name : {"a", "b"}) {
     const pid_t process = fork();
@@ -210,10 +161,12 @@ TEST_F(SettingsTest, LoseNothingToManyWritersAtOnce) {
     }
     processes.push_back(process);
   }
-  {
-    const std::jthread one([&] { EXPECT_TRUE(write("c")); });
-    const std::jthread two([&] { EXPECT_TRUE(write("d")); });
+  auto one = std::async(std::launch::async, write, "c");
+  auto two = std::async(std::launch::async, write, "d");
+  while (two.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+    EXPECT_EQ(stored("a"), Value(0)) << "a reader meanwhile finds all that was written";
   }
+  EXPECT_TRUE(one.get() && two.get());
   for (const pid_t process : processes) {
     int status = 0;
     ASSERT_EQ(waitpid(process, &status, 0), process);

@@ -41,7 +41,8 @@ export class HostileGateway {
   goodAnswers = 0;
   damagedAnswers = 0;
   last = 1000; // number of the latest good answer
-  given = new Set(); // what cards write for the good answers
+  now = Date.now;
+  given = new Map(); // what cards write for the good answers, and when each was given
 
   constructor(folder, random) {
     this.random = random;
@@ -64,13 +65,13 @@ export class HostileGateway {
     }
     ++this.goodAnswers;
     const n = ++this.last;
-    for (const text of [`$${(n % 9000).toLocaleString("en")}`, `${n}`, `Client ${n}`]) this.given.add(text);
+    for (const text of [`$${(n % 9000).toLocaleString("en")}`, `${n}`, `Client ${n}`]) this.given.set(text, this.now());
     response.end(good);
   }
 
-  // Whether one of a card's texts is a figure that was really given away.
-  gave(texts) {
-    return texts.some((text) => this.given.has(text));
+  // Whether one of a card's texts is a figure that was really given away since then.
+  gave(texts, since = 0) {
+    return texts.some((text) => this.given.get(text) >= since);
   }
 
   async listen(port) {

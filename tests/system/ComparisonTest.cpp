@@ -40,10 +40,10 @@ TEST_F(ComparisonTest, TellsWhetherTwoPicturesLookTheSame) {
     std::string words;
   } cases[] = {
       {{light, light}, 0, "identical"},
-      {{light, dark}, 1, "of 99856 pixels differ"},
+      {{light, dark}, 5, "of 99856 pixels differ"},
       {{light, dark, "--tolerance", "255"}, 0, "0 of 99856 pixels differ"},
       {{light, dark, "--pixels", "99856"}, 0, "pixels differ"},
-      {{light, medium}, 1, "676 by 316 pixels large instead of 316 by 316"},
+      {{light, medium}, 5, "676 by 316 pixels large instead of 316 by 316"},
       {{light, file("missing.png")}, 1, "missing.png"},
       {{light, file("text.png")}, 1, "text.png"},
       {{light}, 2, "required"},
@@ -64,7 +64,7 @@ TEST_F(ComparisonTest, AGalleryIsCheckedAgainstARecordedOne) {
   ASSERT_EQ(gallery({"-o", recorded}).status, 0);
   const Outcome same = gallery({"--check", recorded});
   EXPECT_EQ(same.status, 0) << same.err;
-  EXPECT_EQ(same.out, "Nothing changed.\n");
+  EXPECT_EQ(same.out, "Nothing changed: 0 changed, 0 new, 0 gone, 10 unchanged.\n");
 
   std::filesystem::copy(
       recorded / "SalesSmallWidget-dark.png",
@@ -73,7 +73,7 @@ TEST_F(ComparisonTest, AGalleryIsCheckedAgainstARecordedOne) {
   std::filesystem::rename(
       recorded / "UnpaidMediumWidget-light.png", recorded / "FormerWidget-light.png");
   const Outcome changed = gallery({"--check", recorded, "-o", file("changes")});
-  EXPECT_EQ(changed.status, 1);
+  EXPECT_EQ(changed.status, 5);
   EXPECT_THAT(
       changed.out,
       AllOf(
@@ -81,11 +81,40 @@ TEST_F(ComparisonTest, AGalleryIsCheckedAgainstARecordedOne) {
           HasSubstr("UnpaidMediumWidget-light.png: it is new"),
           HasSubstr("FormerWidget-light.png: no widget has it any more"),
           Not(HasSubstr("SalesSmallWidget"))));
-  EXPECT_THAT(changed.err, HasSubstr("3 of 10 pictures changed"));
+  EXPECT_THAT(changed.err, HasSubstr("1 changed, 1 new, 1 gone, 8 unchanged"));
   const std::string page = contents(file("changes") / "index.html");
   for (const char* part : {"alt=\"expected\"", "alt=\"actual\"", "alt=\"difference\""}) {
     EXPECT_THAT(page, HasSubstr(part));
   }
+  EXPECT_EQ(gallery({"--check", recorded, "-o", recorded / "."}).status, 2);
+
+  EXPECT_EQ(gallery({"--check", recorded, "--accept", "SalesSmallWidget-dark"}).status, 2);
+  EXPECT_EQ(
+      gallery({"--check", recorded, "--accept", "PendingSmallWidget-dark"}).out,
+      "PendingSmallWidget-dark.png kept\n");
+  EXPECT_EQ(gallery({"--check", recorded}).status, 5);
+  EXPECT_EQ(gallery({"--check", recorded, "--accept"}).status, 0);
+  EXPECT_EQ(gallery({"--check", recorded}).status, 0);
+}
+
+// On whatever machine, with whatever settings.
+TEST_F(ComparisonTest, ARecordingFromSamplesHoldsStillAndKeepsItsFiles) {
+  const auto recorded = file("recorded");
+  const auto record = [&] { return run({"gallery", "--state", "samples", "-o", recorded}); };
+  const Outcome first = record();
+  ASSERT_EQ(first.status, 0) << first.err;
+  EXPECT_THAT(first.out, HasSubstr("80 new, 0 changed, 0 unchanged"));
+  signIn();
+  ASSERT_EQ(run({"settings", "currency", "€ - EUR"}).status, 0);
+  const fixtures::ScopedVariable german("LC_ALL", "de_DE.UTF-8");
+  EXPECT_EQ(run({"gallery", "--check", recorded}).status, 0);
+
+  const auto kept = recorded / "UnpaidMediumWidget-rows-seven-dark.png";
+  const auto changed = recorded / "SalesSmallWidget-figures-usual-light.png";
+  std::filesystem::copy_file(kept, changed, std::filesystem::copy_options::overwrite_existing);
+  const auto before = std::filesystem::last_write_time(kept);
+  EXPECT_THAT(record().out, HasSubstr("0 new, 1 changed, 79 unchanged"));
+  EXPECT_EQ(std::filesystem::last_write_time(kept), before);
 }
 
 TEST_F(ComparisonTest, ARecordedGalleryThatIsMissingOrDamagedIsTold) {

@@ -135,8 +135,14 @@ TEST_F(PicturesTest, WhatCannotBeDrawnLeavesTheOldFile) {
       {{"--family", "systemHuge"}, 2, "--family"},
       {{"--appearance", "sepia"}, 2, "--appearance"},
       {{"--entry", file("absent.json")}, 1, "absent.json"},
-      {{"--entry", file("no.json")}, 2, "no.json is not JSON"},
-      {{"--entry", file("part.json")}, 2, "part.json is not an entry: no \"data\""},
+      {{"--entry", file("no.json")}, 2, "no.json cannot be taken: line 1: it is not JSON"},
+      {{"--entry", file("part.json")}, 2, "it is not an entry: no \"data\""},
+      {{"--sample", "nobody"}, 2, "figures-usual"},
+      {{"--sample", "rows-two", "--samples", file("none")}, 2, "none cannot be read"},
+      {{"--sample", "no", "--samples", folder_.path()}, 2, "no.json, line 1"},
+      {{"--sample", "rows-two", "--entry", "x"}, 2, "exclude"},
+      {{"--sample", "rows-two"}, 4, "the extension ended"},
+      {{"--locale", "12"}, 2, "names no locale"},
       {{"--entry", file("shape.json")}, 4, "the extension ended"},
   };
   for (const auto& [options, status, message] : cases) {
@@ -224,11 +230,61 @@ TEST_F(PicturesTest, TheGalleryHasEveryWidgetInBothAppearancesAndAPage) {
       }
     }
   }
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 11);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 12);
   EXPECT_THAT(page, HasSubstr("alt=\"Sales, this month, $0\""));
 
   std::ofstream(file("plain")) << "";
   EXPECT_EQ(this->run({"gallery", "-o", file("plain"), "--state", "snapshot"}).status, 1);
+}
+
+TEST_F(PicturesTest, LanguageNumbersDirectionAndCurrencyAreTheOnesAskedFor) {
+  const Outcome run = this->run(
+      {"render",
+       "SalesSmallWidget",
+       "--sample",
+       "figures-usual",
+       "--locale",
+       "de_DE",
+       "--currency",
+       "€",
+       "-o",
+       "-",
+       "--format",
+       "json"});
+  EXPECT_THAT(run.out, AllOf(HasSubstr("\"Umsatz\""), HasSubstr("\"€1.234,5\""))) << run.err;
+  EXPECT_THAT(
+      this->run({"tree", "UnpaidMediumWidget", "--sample", "rows-one", "--locale", "ja"}).out,
+      HasSubstr("\"$23.89\""));
+}
+
+// Without a sign-in each timeline ends the extension or is dropped; what else there is still comes,
+// and looks as it does alone.
+TEST_F(PicturesTest, AWholeMatrixHasAllThatCanBeDrawnWhateverEndsTheExtension) {
+  const auto folder = file("all");
+  const Outcome run = this->run({"gallery", "--all", "-o", folder});
+  EXPECT_EQ(run.status, 4);
+  EXPECT_THAT(run.err, HasSubstr("350 of 1050 cards could not be drawn, first SalesSmallWidget"));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1402);
+  const auto alone = file("alone.png");
+  for (const char* state : {"placeholder", "snapshot"}) {
+    ASSERT_EQ(
+        this->run({"render",
+                   "UnpaidMediumWidget",
+                   "--state",
+                   state,
+                   "--locale",
+                   "ar",
+                   "--size",
+                   "292x141",
+                   "--appearance",
+                   "dark",
+                   "-o",
+                   alone})
+            .status,
+        0);
+    const std::string name = "UnpaidMediumWidget-" + std::string(state) + "-320x568-ar-dark.png";
+    EXPECT_TRUE(contents(folder / name) == contents(alone)) << name;
+  }
 }
 
 TEST_F(PicturesTest, AGalleryWithoutATimelineWritesNothing) {

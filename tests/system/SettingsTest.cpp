@@ -55,6 +55,31 @@ TEST_F(SettingsTest, StoreWhatTheExtensionReadsAndKeepWhatElseIsThere) {
   EXPECT_THAT(run({"settings", "show"}).out, HasSubstr("token        empty (signed out)\n"));
 }
 
+// No home screen runs here that would forget by itself.
+TEST_F(SettingsTest, TakeWhatIsKeptOfAnotherBusinessWithThem) {
+  const auto state = home_.path() / ".local/state/quillpad/home.json";
+  std::filesystem::create_directories(state.parent_path());
+  const auto keep = [&](const std::string& account) {
+    std::ofstream(state) << R"({"version":1,"catalogue":[],"placed":["A"],"pictures":{"A":{
+        "received":"2026-03-07T09:05:04.000Z","view":{"type":"spacer"},
+        "entry":{"date":"2026-03-07T09:05:03.250Z","data":"$1,234"}}},"account":")"
+                         << account << "\"}";
+  };
+  const auto kept = [&] { return contents(state).contains("1,234"); };
+  keep("former");
+  signIn();
+  EXPECT_FALSE(kept());
+  EXPECT_THAT(contents(state), Not(HasSubstr("b-7"))) << "the mark tells nothing of the business";
+  const std::string account =
+      contents(state).substr(contents(state).find("\"account\":\"") + 11, 64);
+  keep(account);
+  signIn();
+  EXPECT_TRUE(kept());
+  ASSERT_EQ(run({"settings", "sign-out"}).status, 0);
+  EXPECT_FALSE(kept());
+  EXPECT_THAT(contents(state), HasSubstr(R"("placed":["A"])"));
+}
+
 TEST_F(SettingsTest, ShowSaysWhatIsNotSet) {
   const Outcome shown = run({"settings", "show"});
   EXPECT_EQ(shown.status, 0);

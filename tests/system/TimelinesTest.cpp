@@ -174,7 +174,8 @@ TEST_F(TimelinesTest, AnEmptyIdentifierOrTokenDropsTheRequest) {
         run.err,
         AllOf(
             testing::StartsWith("没有获取到businessID\n"),
-            HasSubstr("no timeline: The business identifier is empty. Sign in with"),
+            HasSubstr(
+                "no timeline: The business identifier is empty. Nobody is signed in: sign in with"),
             HasSubstr("settings sign-in")));
   }
   EXPECT_TRUE(gateway.requests().empty());

@@ -97,7 +97,7 @@ class ServerTest : public testing::Test {
     homeDescriptor_ = ends[0];
     auto connection = std::make_shared<widgets::Connection>(FileDescriptor(ends[1]));
     thread_ = std::jthread(
-        [this, connection] { widgets::Server(noteWidgets(script_), connection).run(); });
+        [this, connection] { widgets::Server(noteWidgets(script_), {"note"}, connection).run(); });
   }
 
   ~ServerTest() override {
@@ -215,14 +215,21 @@ TEST_F(ServerTest, LivesOnAfterWhatItCannotTake) {
   }
 }
 
-TEST_F(ServerTest, RendersTheEntryThatTheHomeScreenSendsBackInTheLocaleOfTheRequest) {
+TEST_F(ServerTest, RendersTheEntryThatTheHomeScreenSendsBackInTheLocaleAndFamilyOfTheRequest) {
   ask(1, channel::SnapshotRequest{"Note"});
   EXPECT_EQ(noteIn(hear()), "");
-  const channel::Entry entry{{}, "by hand"};
-  const std::pair<const char*, const char*> cases[] = {
-      {"", "by hand in de_DE"}, {"ar_EG", "by hand in ar_EG"}, {"", "by hand in de_DE"}};
-  for (const auto& [locale, text] : cases) {
-    ask(2, channel::RenderRequest{"Note", entry, std::nullopt, locale});
+  using enum ui::WidgetFamily;
+  const struct {
+    std::optional<ui::WidgetFamily> family;
+    const char* locale;
+    const char* text;
+  } cases[] = {
+      {{}, "", "by hand in de_DE"},
+      {systemLarge, "ar_EG", "by hand in ar_EG"},
+      {accessoryInline, "", "by hand in de_DE"},
+  };
+  for (const auto& [family, locale, text] : cases) {
+    ask(2, channel::RenderRequest{"Note", {{}, "by hand"}, family, locale});
     const NumberedReply reply = hear();
     ASSERT_TRUE(std::holds_alternative<channel::Rendering>(reply.reply));
     const auto& view = std::get<channel::Rendering>(reply.reply).view;
@@ -230,30 +237,12 @@ TEST_F(ServerTest, RendersTheEntryThatTheHomeScreenSendsBackInTheLocaleOfTheRequ
   }
 }
 
-TEST_F(ServerTest, EndsWhenTheHomeScreenHangsUpWithTimelinesUnderWay) {
-  ask(1, channel::TimelineRequest{"Note"});
-  settle();
-  hangUp();
-  script_.held[0](timelineOf("too late"));
-}
-
-TEST_F(ServerTest, RendersTheSameContentInAnyFamily) {
-  for (const auto& [name, family] : ui::widgetFamilyNames) {
-    ask(1, channel::RenderRequest{"Note", {{}, "the note"}, family, ""});
-    const NumberedReply reply = hear();
-    ASSERT_TRUE(std::holds_alternative<channel::Rendering>(reply.reply)) << name;
-    EXPECT_EQ(
-        std::get<ui::Text>(std::get<channel::Rendering>(reply.reply).view.content).text,
-        "the note in de_DE");
-  }
-}
-
-TEST_F(ServerTest, AnswersAPingWithATimelineUnderWay) {
+TEST_F(ServerTest, AnswersAPingAndEndsAtAHangUpWithATimelineUnderWay) {
   ask(1, channel::TimelineRequest{"Note"});
   ask(2, channel::PingRequest{});
-  const NumberedReply reply = hear();
-  EXPECT_EQ(reply.id, 2U);
-  EXPECT_TRUE(std::holds_alternative<channel::Pong>(reply.reply));
+  EXPECT_TRUE(std::holds_alternative<channel::Pong>(hear().reply));
+  hangUp();
+  script_.held.at(0)(timelineOf("too late"));
 }
 
 TEST_F(ServerTest, ListsItsWidgetsWithTheLanguagesOfItsBundle) {
@@ -266,6 +255,7 @@ TEST_F(ServerTest, ListsItsWidgetsWithTheLanguagesOfItsBundle) {
   EXPECT_EQ(item.description, "Shows a note.");
   EXPECT_EQ(item.families, std::vector{ui::WidgetFamily::systemSmall});
   EXPECT_EQ(item.languages, LocalizedStrings::main().languages());
+  EXPECT_EQ(item.linkSchemes, std::vector<std::string>{"note"});
 }
 
 TEST(CompletionTest, EndsOnceWithTheAnswerOrWithNothing) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "home/commands/Options.h"
+#include "home/extension/Account.h"
 #include "home/extension/Failure.h"
 
 namespace quillpad::home {
@@ -15,7 +16,7 @@ namespace quillpad::home {
 // What the command line gives every command.
 struct CommandContext {
   std::filesystem::path extension;  // the program to start
-  std::string droppedHint{};        // see Program
+  Account account{};
 };
 
 struct Command {

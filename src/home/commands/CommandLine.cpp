@@ -11,6 +11,7 @@
 
 #include "home/commands/Files.h"
 #include "home/commands/TextTable.h"
+#include "platform/foundation/Locale.h"
 #include "platform/foundation/Utf8.h"
 
 namespace quillpad::home {
@@ -70,7 +71,7 @@ class Parser {
     } catch (const CLI::ParseError& error) {
       return outcome(error);
     }
-    return run_({.extension = extension_, .droppedHint = program_.droppedHint});
+    return run_({.extension = extension_, .account = program_.account});
   }
 
  private:
@@ -182,8 +183,30 @@ void Options::kind(std::string& value) {
       ->required();
 }
 
+void Options::locale(const std::string& name, std::string& value, const std::string& help) {
+  parser_.add_option(name, value, help)->type_name("LOCALE")->check([](const std::string& locale) {
+    return namesLocale(locale) ? std::string()
+                               : '"' + locale + "\" names no locale; give it as in de_DE";
+  });
+}
+
 void Options::flag(const std::string& name, bool& value, const std::string& help) {
   parser_.add_flag(name, value, help);
+}
+
+void Options::flagOrText(
+    const std::string& name,
+    bool& given,
+    std::string& value,
+    const std::string& help,
+    const std::string& type) {
+  const auto take = [&given, &value](const std::vector<std::string>& texts) {
+    given = true;
+    value = texts.empty() ? "" : texts.front();
+  };
+  parser_.add_option_function<std::vector<std::string>>(name, take, help)
+      ->type_name(type)
+      ->expected(0, 1);
 }
 
 void Options::addNumber(
@@ -218,8 +241,8 @@ int runCommandLine(const Program& program, int argc, const char* const* argv) {
     return 0;
   }
   std::string message = done.error().message;
-  if (done.error().status == ExitStatus::dropped && !program.droppedHint.empty()) {
-    message += " " + program.droppedHint;
+  if (done.error().status == ExitStatus::dropped && !program.account.hint.empty()) {
+    message += " " + program.account.hint;
   }
   std::fprintf(stderr, "%s: %s\n", program.name.c_str(), printable(message).c_str());
   return static_cast<int>(done.error().status);

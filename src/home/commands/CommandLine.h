@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "home/commands/Command.h"
+#include "home/extension/Account.h"
 
 namespace quillpad::home {
 
@@ -12,8 +13,7 @@ struct Program {
   std::string name;
   std::string description;
   std::vector<Command> commands;
-  // A sentence on what helps where the extension drops a request.
-  std::string droppedHint;
+  Account account{};
 };
 
 // Runs the command and returns the program's exit status. A failure is one line on standard error.

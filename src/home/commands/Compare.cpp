@@ -6,7 +6,6 @@
 namespace quillpad::home {
 namespace {
 
-// A difference is a failure.
 struct Compare {
   std::string expected{};
   std::string actual{};
@@ -37,7 +36,7 @@ struct Compare {
     }
     if (found.looksDifferent) {
       return failure(
-          ExitStatus::notPossible, actual + " differs from " + expected + ": " + found.description);
+          ExitStatus::different, actual + " differs from " + expected + ": " + found.description);
     }
     return print(found.description + "\n");
   }

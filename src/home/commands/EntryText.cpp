@@ -1,13 +1,11 @@
 #include "home/commands/EntryText.h"
 
 #include <algorithm>
-#include <array>
-#include <chrono>
-#include <ctime>
 #include <vector>
 
 #include "home/commands/TextTable.h"
 #include "platform/foundation/Json.h"
+#include "platform/foundation/LocalTime.h"
 
 namespace quillpad::home {
 namespace {
@@ -80,18 +78,9 @@ std::string describeData(const Value& data) {
   return fields.text(2) + tables;
 }
 
-}  // namespace
+std::string wallClock(Date date) { return localTimeText(date, "%Y-%m-%d %H:%M:%S"); }
 
-std::string localTime(Date date) {
-  const std::time_t seconds =
-      std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(date));
-  std::tm local{};
-  ::localtime_r(&seconds, &local);
-  std::array<char, 64> buffer{};
-  const std::size_t length =
-      std::strftime(buffer.data(), buffer.size(), "%Y-%m-%d %H:%M:%S", &local);
-  return {buffer.data(), length};
-}
+}  // namespace
 
 std::string describe(const channel::Catalogue& catalogue) {
   TextTable table;
@@ -107,7 +96,7 @@ std::string describe(const channel::Catalogue& catalogue) {
 }
 
 std::string describe(const channel::Entry& entry) {
-  return localTime(entry.date) + '\n' + describeData(entry.data);
+  return wallClock(entry.date) + '\n' + describeData(entry.data);
 }
 
 std::string describe(const channel::Timeline& timeline) {
@@ -115,7 +104,7 @@ std::string describe(const channel::Timeline& timeline) {
   for (const channel::Entry& entry : timeline.entries) {
     text += describe(entry);
   }
-  return text + "Reloads after " + localTime(timeline.policy.after) + '\n';
+  return text + "Reloads after " + wallClock(timeline.policy.after) + '\n';
 }
 
 }  // namespace quillpad::home

@@ -4,12 +4,8 @@
 #include <string>
 
 #include "platform/channel/Messages.h"
-#include "platform/foundation/Value.h"
 
 namespace quillpad::home {
-
-// "2026-03-07 09:05:03", in local time.
-std::string localTime(Date date);
 
 std::string describe(const channel::Catalogue& catalogue);
 std::string describe(const channel::Entry& entry);

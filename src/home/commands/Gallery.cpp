@@ -1,7 +1,9 @@
-// gallery: draws every widget of the catalogue in light and in dark appearance, and writes the
-// pictures or compares them with those of a gallery that was recorded before.
+// gallery: draws the widgets in light and in dark appearance, and writes the pictures or compares
+// them with those of a gallery that was recorded before.
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <mutex>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -9,260 +11,358 @@
 
 #include "home/commands/Commands.h"
 #include "home/commands/Files.h"
-#include "home/commands/PictureDifference.h"
+#include "home/commands/GalleryFolder.h"
+#include "home/commands/GalleryPlan.h"
+#include "home/commands/Progress.h"
 #include "home/commands/ViewChoice.h"
-#include "home/page/CardRenderer.h"
+#include "home/page/CardBatch.h"
 #include "home/page/GalleryPage.h"
-#include "home/page/WidgetSizes.h"
-#include "platform/foundation/Locale.h"
-#include "platform/foundation/WholeFile.h"
 
 namespace quillpad::home {
 namespace {
 
-constexpr std::size_t maxPictureBytes = std::size_t{256} * 1024 * 1024;
+using Fate = GalleryFolder::Fate;
 
-struct Card {
-  std::string fileName;
-  std::string title;   // of the widget, with the appearance
-  drawing::Size size;  // in points
-  std::string png;
-};
+constexpr std::array appearances{ui::Appearance::light, ui::Appearance::dark};
 
-struct Drawn {
-  std::vector<Card> cards;
-  std::vector<GalleryWidget> widgets;
-};
-
-std::unexpected<Failure> unreadable(const std::filesystem::path& file, const std::string& reason) {
-  return failure(ExitStatus::notPossible, file.string() + " cannot be read: " + reason);
+std::string_view nameOf(ui::Appearance appearance) {
+  return appearance == ui::Appearance::dark ? "dark" : "light";
 }
 
-std::expected<std::vector<std::filesystem::path>, std::error_code> filesIn(
-    const std::filesystem::path& folder) {
-  std::vector<std::filesystem::path> files;
-  std::error_code error;
-  for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-       entry.increment(error)) {
-    files.push_back(entry->path());
+std::string fileName(const GalleryPlan::Card& card, ui::Appearance appearance) {
+  return card.stem + "-" + std::string(nameOf(appearance)) + ".png";
+}
+
+// What became of the pictures of a run. Filled from several threads.
+class Tally {
+ public:
+  void add(Fate fate) {
+    const std::scoped_lock lock(mutex_);
+    ++counts_.at(static_cast<std::size_t>(fate));
   }
-  if (error) {
-    return std::unexpected(error);
+
+  void add(PictureChange change) {
+    const std::scoped_lock lock(mutex_);
+    changes_.push_back(std::move(change));
   }
-  std::ranges::sort(files);
-  return files;
+
+  void fail(Failure failure) {
+    const std::scoped_lock lock(mutex_);
+    failure_ = failure_ ? failure_ : std::optional(std::move(failure));
+  }
+
+  std::size_t count(Fate fate) const { return counts_.at(static_cast<std::size_t>(fate)); }
+  // The first failure, if there was one.
+  Done outcome() const { return failure_ ? Done(std::unexpected(*failure_)) : Done(); }
+
+  // In the order of their names.
+  std::vector<PictureChange> takeChanges() {
+    std::ranges::sort(changes_, {}, &PictureChange::fileName);
+    return std::move(changes_);
+  }
+
+ private:
+  std::mutex mutex_;
+  std::array<std::size_t, 3> counts_{};
+  std::vector<PictureChange> changes_;
+  std::optional<Failure> failure_;
+};
+
+Done outcomeOf(const GalleryPlan& plan) {
+  if (!plan.failure) {
+    return {};
+  }
+  return failure(
+      plan.failure->status,
+      std::to_string(plan.missing.size()) + " of " +
+          std::to_string(plan.missing.size() + plan.cards.size()) +
+          " cards could not be drawn, first " + plan.missing.front() + ": " +
+          plan.failure->message);
 }
 
 struct Gallery {
   std::string output{};
   std::string recorded{};
-  EntryState state = EntryState::timeline;
-  int scale = 2;
+  bool accepts = false;
+  std::string accepted{};  // empty: all
+  GallerySettings settings{};
   drawing::Tolerance tolerance{};
 
   void declare(Options& options) {
+    static constexpr std::array<Choice<std::optional<GalleryEntries>>, 4> entries{
+        {{"placeholder", GalleryEntries::placeholder},
+         {"snapshot", GalleryEntries::snapshot},
+         {"timeline", GalleryEntries::timeline},
+         {"samples", GalleryEntries::samples}}};
     options.text(
         "-o,--output", output, "Where to; with --check, where to show what changed", "FOLDER");
-    options.text("--check", recorded, "The gallery to compare with", "FOLDER");
-    declareState(options, state);
-    options.number("--scale", scale, "Device pixels per point", 1, 3);
+    options.choice<std::optional<GalleryEntries>>(
+        "--state", settings.entries, "The entries to draw, usually the timeline's", entries);
+    options.flag("--all", settings.all, "All states, on every screen and in every language");
+    declareSamples(options, settings.samples);
+    declareRegion(options, settings.locale, settings.currency);
+    options.number("--scale", settings.scale, "Device pixels per point", 1, 3);
+    options.text("--check", recorded, "The gallery to compare with, drawn as it was", "FOLDER");
+    options.flagOrText(
+        "--accept", accepts, accepted, "With --check: keep all changes, or one picture's", "NAME");
     declareTolerance(options, tolerance);
   }
 
-  Done run(const CommandContext& context) const {
+  Done run(const CommandContext& context) {
     if (output.empty() && recorded.empty()) {
       return failure(ExitStatus::wrongUsage, "gallery needs -o FOLDER or --check FOLDER");
     }
+    if (accepts && recorded.empty()) {
+      return failure(ExitStatus::wrongUsage, "--accept needs --check FOLDER");
+    }
+    if (recorded.empty()) {
+      return record(context);
+    }
     std::error_code error;
-    if (!recorded.empty() && !std::filesystem::is_directory(recorded, error)) {
+    if (!std::filesystem::is_directory(recorded, error)) {
       return failure(
           ExitStatus::notPossible,
-          "there is no gallery in " + recorded + "; \"quillpad-home gallery -o " + recorded +
-              "\" records one");
+          "there is no gallery in " + recorded + "; \"quillpad-home gallery --state samples -o " +
+              recorded + "\" records one");
     }
-    const auto drawn = draw(context);
-    if (!drawn) {
-      return std::unexpected(drawn.error());
+    if (!output.empty() && std::filesystem::equivalent(output, recorded, error)) {
+      return failure(
+          ExitStatus::wrongUsage,
+          "-o is the recorded gallery itself; name another folder for what changed, or use "
+          "--accept");
     }
-    return recorded.empty() ? write(*drawn) : check(*drawn);
+    const GalleryFolder folder(recorded);
+    const auto before = folder.settings();
+    if (!before) {
+      return std::unexpected(before.error());
+    }
+    if (const std::optional<GallerySettings>& kept = *before) {
+      const std::string samples = settings.samples;
+      settings = *kept;
+      settings.samples = samples;
+    }
+    return check(context, folder);
   }
 
  private:
-  std::expected<Drawn, Failure> draw(const CommandContext& context) const {
-    auto extension = ExtensionClient::start(context.extension);
-    if (!extension) {
-      return std::unexpected(extension.error());
+  // Draws the plan; each picture is compared with the one in the folder and handed on.
+  template <class Take>
+  static Done draw(
+      GalleryPlan& plan,
+      const GalleryFolder& folder,
+      const drawing::Tolerance& tolerance,
+      Tally& tally,
+      const Take& take) {
+    std::vector<BatchCard> cards;
+    cards.reserve(plan.cards.size());
+    for (const GalleryPlan::Card& card : plan.cards) {
+      cards.push_back(card.drawing);
     }
-    const auto catalogue = extension->ask<channel::Catalogue>(channel::CatalogueRequest{});
-    if (!catalogue) {
-      return std::unexpected(catalogue.error());
+    std::vector<std::string> labels(cards.size());
+    Progress progress(cards.size() * appearances.size());
+    drawAll(cards, appearances, drawingThreads(), [&](const BatchPicture& picture) {
+      progress.advance();
+      if (!picture.png) {
+        return tally.fail({ExitStatus::wrongUsage, picture.png.error()});
+      }
+      const GalleryPlan::Card& card = plan.cards[picture.card];
+      const std::string name = fileName(card, picture.appearance);
+      auto comparison = folder.compare(name, *picture.png, tolerance);
+      if (!comparison) {
+        return tally.fail(std::move(comparison.error()));
+      }
+      tally.add(comparison->fate);
+      if (picture.appearance == ui::Appearance::light) {
+        labels[picture.card] = picture.accessibilityLabel;
+      }
+      take(card, name, picture, *std::move(comparison));
+    });
+    for (std::size_t i = 0; i < cards.size(); ++i) {
+      const GalleryPlan::Card& card = plan.cards[i];
+      plan.widgets[card.widget].pictures.push_back(
+          {.stem = card.stem,
+           .title = card.title,
+           .size = card.drawing.request.size,
+           .accessibilityLabel = std::move(labels[i])});
     }
-    CardRenderer cards;
-    Drawn drawn;
-    for (const channel::CatalogueItem& item : catalogue->items) {
-      if (auto added = add(drawn, cards, *extension, item); !added) {
-        return std::unexpected(added.error());
+    return tally.outcome();
+  }
+
+  std::expected<GalleryPlan, Failure> plan(const CommandContext& context) const {
+    ExtensionBatch extension(context.extension);
+    return planGallery(extension, settings);
+  }
+
+  Done record(const CommandContext& context) const {
+    auto plan = this->plan(context);
+    if (!plan) {
+      return std::unexpected(plan.error());
+    }
+    const GalleryFolder folder(output);
+    Tally tally;
+    Done done = folder.create();
+    if (done) {
+      done = draw(
+          *plan,
+          folder,
+          {},
+          tally,
+          [&](const auto&, const std::string& name, const auto& picture, const auto& comparison) {
+            if (comparison.fate != Fate::unchanged) {
+              if (Done written = folder.write(name, *picture.png); !written) {
+                tally.fail(std::move(written.error()));
+              }
+            }
+          });
+    }
+    if (done) {
+      done = tally.outcome();
+    }
+    if (done) {
+      done = folder.write("index.html", galleryPage(plan->widgets).html());
+    }
+    if (done) {
+      done = folder.writeSettings(settings);
+    }
+    if (done) {
+      done = print(
+          std::to_string(tally.count(Fate::isNew)) + " new, " +
+          std::to_string(tally.count(Fate::changed)) + " changed, " +
+          std::to_string(tally.count(Fate::unchanged)) + " unchanged in " + output + "\n");
+    }
+    return done ? outcomeOf(*plan) : done;
+  }
+
+  Done check(const CommandContext& context, const GalleryFolder& folder) const {
+    auto plan = this->plan(context);
+    if (!plan) {
+      return std::unexpected(plan.error());
+    }
+    Tally tally;
+    const Done drawn = draw(
+        *plan,
+        folder,
+        tolerance,
+        tally,
+        [&](const auto& card, const std::string& name, const auto& picture, auto comparison) {
+          if (comparison.fate != Fate::unchanged) {
+            tally.add(
+                {.title = card.title + ", " + std::string(nameOf(picture.appearance)),
+                 .fileName = name,
+                 .change = comparison.fate == Fate::isNew ? "it is new"
+                                                          : comparison.difference.description,
+                 .size = card.drawing.request.size,
+                 .expected = std::move(comparison.before),
+                 .actual = *picture.png,
+                 .difference = std::move(comparison.difference.png)});
+          }
+        });
+    if (!drawn) {
+      return drawn;
+    }
+    const auto gone = findGone(*plan, folder, tally);
+    if (!gone) {
+      return std::unexpected(gone.error());
+    }
+    Done done = report(tally, *gone, folder);
+    if (done && accepts && accepted.empty()) {
+      done = folder.write("index.html", galleryPage(plan->widgets).html());
+    }
+    return done ? outcomeOf(*plan) : done;
+  }
+
+  // Adds the recorded pictures that nothing was drawn for; their number.
+  static std::expected<std::size_t, Failure> findGone(
+      const GalleryPlan& plan, const GalleryFolder& folder, Tally& tally) {
+    std::vector<std::string> known;
+    for (const ui::Appearance appearance : appearances) {
+      for (const GalleryPlan::Card& card : plan.cards) {
+        known.push_back(fileName(card, appearance));
+      }
+      for (const std::string& stem : plan.missing) {
+        known.push_back(fileName({.stem = stem, .title = "", .drawing = {}}, appearance));
       }
     }
-    return drawn;
-  }
-
-  Done add(
-      Drawn& drawn,
-      CardRenderer& cards,
-      ExtensionClient& extension,
-      const channel::CatalogueItem& item) const {
-    const ui::WidgetFamily family = familyOf(item);
-    const ViewChoice choice{.kind = item.kind, .state = state, .family = family};
-    const auto view = viewOf(extension, choice);
-    if (!view) {
-      return std::unexpected(view.error());
+    std::ranges::sort(known);
+    const auto names = folder.pictures();
+    if (!names) {
+      return std::unexpected(names.error());
     }
-    GalleryWidget widget{item.kind, item.displayName, item.description, widgetSize(family), {}};
-    const auto list = cards.compose(
-        *view,
-        {.kind = item.kind,
-         .family = std::string(ui::familyName(family)),
-         .size = widget.size,
-         .scale = scale,
-         .redaction = choice.redaction()},
-        currentLocale());
-    widget.accessibilityLabel = accessibilityLabel(list);
-    for (const auto& [appearance, name] :
-         {std::pair{ui::Appearance::light, "light"}, {ui::Appearance::dark, "dark"}}) {
-      auto png = cards.write(list, PictureFormat::png, appearance);
-      if (!png) {
-        return failure(ExitStatus::wrongUsage, png.error());
+    std::size_t count = 0;
+    for (const std::string& name : *names) {
+      if (std::ranges::binary_search(known, name)) {
+        continue;
       }
-      drawn.cards.push_back(
-          {.fileName = item.kind + "-" + name + ".png",
-           .title = item.displayName + ", " + name,
-           .size = widget.size,
-           .png = std::move(*png)});
-    }
-    drawn.widgets.push_back(std::move(widget));
-    return {};
-  }
-
-  Done makeOutputFolder() const {
-    std::error_code error;
-    std::filesystem::create_directories(output, error);
-    if (error) {
-      return failure(
-          ExitStatus::notPossible, "cannot make the folder " + output + ": " + error.message());
-    }
-    return {};
-  }
-
-  Done write(const Drawn& drawn) const {
-    Done written = makeOutputFolder();
-    for (const Card& card : drawn.cards) {
-      if (!written) {
-        return written;
+      ++count;
+      PictureChange change{.title = name, .fileName = name, .change = "no widget has it any more"};
+      auto bytes = folder.read(name);
+      if (const auto picture = pictureIn(bytes.value_or(""))) {
+        change.size = {picture->width / 2.0, picture->height / 2.0};
+        change.expected = *std::move(bytes);
       }
-      written = writeOutput(std::filesystem::path(output) / card.fileName, card.png);
+      tally.add(std::move(change));
     }
-    if (!written) {
-      return written;
-    }
-    return writeOutput(
-        std::filesystem::path(output) / "index.html", galleryPage(drawn.widgets).html());
+    return count;
   }
 
-  Done check(const Drawn& drawn) const {
-    const auto changes = changesOf(drawn);
-    if (!changes) {
-      return std::unexpected(changes.error());
-    }
-    const std::string summary = changes->empty()
-                                    ? "Nothing changed."
-                                    : std::to_string(changes->size()) + " of " +
-                                          std::to_string(drawn.cards.size()) + " pictures changed";
-    const std::filesystem::path page = std::filesystem::path(output) / "index.html";
+  Done report(Tally& tally, std::size_t gone, const GalleryFolder& folder) const {
+    const std::string counts = std::to_string(tally.count(Fate::changed)) + " changed, " +
+                               std::to_string(tally.count(Fate::isNew)) + " new, " +
+                               std::to_string(gone) + " gone, " +
+                               std::to_string(tally.count(Fate::unchanged)) + " unchanged";
+    const std::vector<PictureChange> changes = tally.takeChanges();
     if (!output.empty()) {
-      Done written = makeOutputFolder();
+      const GalleryFolder shown(output);
+      Done written = shown.create();
       if (written) {
-        written = writeOutput(page, changesPage(summary, *changes).html());
+        written = shown.write("index.html", changesPage(counts, changes).html());
       }
       if (!written) {
         return written;
       }
     }
-    if (changes->empty()) {
-      return print(summary + "\n");
+    if (accepts) {
+      return accept(changes, folder);
+    }
+    if (changes.empty()) {
+      return print("Nothing changed: " + counts + ".\n");
     }
     std::string lines;
-    for (const PictureChange& change : *changes) {
+    for (const PictureChange& change : changes) {
       lines += change.fileName + ": " + change.change + "\n";
     }
     if (auto printed = print(lines); !printed) {
       return printed;
     }
     return failure(
-        ExitStatus::notPossible,
-        summary + (output.empty() ? "; -o FOLDER shows how" : "; " + page.string() + " shows how"));
+        ExitStatus::different,
+        counts +
+            (output.empty()
+                 ? "; -o FOLDER shows how"
+                 : "; " + (std::filesystem::path(output) / "index.html").string() + " shows how") +
+            ", --accept keeps it");
   }
 
-  std::expected<std::vector<PictureChange>, Failure> changesOf(const Drawn& drawn) const {
-    std::vector<PictureChange> changes;
-    for (const Card& card : drawn.cards) {
-      auto change = changeOf(card);
-      if (!change) {
-        return std::unexpected(change.error());
+  Done accept(const std::vector<PictureChange>& changes, const GalleryFolder& folder) const {
+    std::string lines;
+    for (const PictureChange& change : changes) {
+      const std::string name = std::filesystem::path(change.fileName).stem();
+      if (!accepted.empty() && accepted != name && accepted != change.fileName) {
+        continue;
       }
-      if (std::optional<PictureChange>& found = *change) {
-        changes.push_back(*std::move(found));
+      const Done kept = change.actual.empty() ? folder.remove(change.fileName)
+                                              : folder.write(change.fileName, change.actual);
+      if (!kept) {
+        return kept;
       }
+      lines += change.fileName + (change.actual.empty() ? " removed\n" : " kept\n");
     }
-    const auto files = filesIn(recorded);
-    if (!files) {
-      return unreadable(recorded, files.error().message());
+    if (lines.empty() && !accepted.empty()) {
+      return failure(
+          ExitStatus::wrongUsage,
+          "no picture \"" + accepted + "\" changed; without --accept, gallery --check lists them");
     }
-    for (const std::filesystem::path& file : *files) {
-      const std::string name = file.filename();
-      if (file.extension() == ".png" &&
-          std::ranges::find(drawn.cards, name, &Card::fileName) == drawn.cards.end()) {
-        changes.push_back(removed(file));
-      }
-    }
-    return changes;
-  }
-
-  // What became of the card since it was recorded; nothing where it looks the same.
-  std::expected<std::optional<PictureChange>, Failure> changeOf(const Card& card) const {
-    const auto file = std::filesystem::path(recorded) / card.fileName;
-    PictureChange change{card.title, card.fileName, "it is new", card.size, {}, card.png, {}};
-    auto before = readWholeFile(file, maxPictureBytes);
-    if (!before) {
-      if (before.error() == std::errc::no_such_file_or_directory) {
-        return change;
-      }
-      return unreadable(file, before.error().message());
-    }
-    const auto expected = pictureIn(*before);
-    const auto actual = pictureIn(card.png);
-    if (!expected || !actual) {
-      return unreadable(file, expected ? actual.error() : expected.error());
-    }
-    PictureDifference found = difference(*expected, *actual, tolerance);
-    if (!found.looksDifferent) {
-      return std::nullopt;
-    }
-    change.change = std::move(found.description);
-    change.expected = std::move(*before);
-    change.difference = std::move(found.png);
-    return change;
-  }
-
-  static PictureChange removed(const std::filesystem::path& file) {
-    const std::string name = file.filename();
-    PictureChange change{name, name, "no widget has it any more", {}, {}, {}, {}};
-    auto bytes = readWholeFile(file, maxPictureBytes);
-    if (const auto picture = pictureIn(bytes.value_or(""))) {
-      change.size = {picture->width / 2.0, picture->height / 2.0};
-      change.expected = std::move(*bytes);
-    }
-    return change;
+    return print(lines.empty() ? "Nothing changed.\n" : lines);
   }
 };
 

@@ -42,7 +42,18 @@ class Options {
   // The required argument "kind", of one of the extension's widgets.
   void kind(std::string& value);
 
+  // A locale's identifier.
+  void locale(const std::string& name, std::string& value, const std::string& help);
+
   void flag(const std::string& name, bool& value, const std::string& help);
+
+  // An option whose text may be left out.
+  void flagOrText(
+      const std::string& name,
+      bool& given,
+      std::string& value,
+      const std::string& help,
+      const std::string& type);
 
   template <class Number>
   void number(

@@ -20,7 +20,7 @@ std::string description(
   if (comparison.result == CompareResult::identical) {
     return "identical";
   }
-  if (comparison.difference.pixels.empty()) {
+  if (expected.width != actual.width || expected.height != actual.height) {
     return "it is " + sizeText(actual) + " pixels large instead of " + sizeText(expected);
   }
   return std::to_string(comparison.differingPixels) + " of " +

@@ -130,7 +130,7 @@ struct Render {
          .size = points,
          .scale = scale,
          .redaction = view.redaction()},
-        currentLocale());
+        view.locale.empty() ? currentLocale() : view.locale);
     auto bytes = cards.write(list, picture, appearance);
     if (!bytes) {
       return failure(ExitStatus::wrongUsage, bytes.error());

@@ -1,4 +1,5 @@
 // The live home screen as a program: runs until it is told to stop, and leaves no process behind.
+#include <array>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -11,6 +12,9 @@
 
 #include "home/commands/Commands.h"
 #include "home/commands/Files.h"
+#include "home/commands/ViewChoice.h"
+#include "home/extension/Confinement.h"
+#include "home/extension/HomeLock.h"
 #include "home/page/HomeScreen.h"
 #include "platform/foundation/FileDescriptor.h"
 
@@ -44,9 +48,16 @@ FileDescriptor watchParent() {
 
 struct Serve {
   std::uint16_t port = 8480;
+  HomeView view = HomeView::desk;
+  std::string samples{};
 
   void declare(Options& options) {
     options.number<std::uint16_t>("--port", port, "The port of 127.0.0.1; 0: a free one", 0, 65535);
+    static constexpr std::array<Choice<HomeView>, 2> views{
+        {{"desk", HomeView::desk}, {"wall", HomeView::wall}}};
+    options.choice<HomeView>(
+        "--view", view, "Whose address to print: of the page, or of the cards alone", views);
+    declareSamples(options, samples);
   }
 
   Done run(const CommandContext& context) const {
@@ -55,12 +66,24 @@ struct Serve {
     const FileDescriptor parent = keepsRunning ? FileDescriptor() : watchParent();
     const FileDescriptor signals = catchStopSignals(keepsRunning);
 
-    auto screen = HomeScreen::start(context.extension, port, context.droppedHint);
+    const SampleFolder folder(samples);
+    if (const auto read = folder.read(); !read && !samples.empty()) {
+      return failure(ExitStatus::notPossible, read.error());
+    }
+    const auto lock = HomeLock::take();
+    if (!lock) {
+      return failure(ExitStatus::notPossible, lock.error());
+    }
+    auto screen = HomeScreen::start(context.extension, port, context.account, folder);
     if (!screen) {
       return failure(ExitStatus::notPossible, screen.error());
     }
-    if (Done printed = print((*screen)->address() + "\n"); !printed) {
+    lock->tell((*screen)->address());
+    if (Done printed = print((*screen)->address(view) + "\n"); !printed) {
       return printed;
+    }
+    if (const std::string gap = confinementGap(); !gap.empty()) {
+      std::fprintf(stderr, "quillpad-home: %s\n", gap.c_str());
     }
     if (::isatty(STDERR_FILENO) == 1) {
       std::fputs("Ctrl-C ends the home screen.\n", stderr);

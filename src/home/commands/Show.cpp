@@ -30,7 +30,7 @@ struct Show {
         break;
     }
     const auto timeline = extension->ask<channel::Timeline>(channel::TimelineRequest{kind});
-    reportFailedTransfers(*extension);
+    reportFailedTransfers(extension->transfers());
     return printAnswer(timeline, json);
   }
 };

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <optional>
@@ -9,6 +10,8 @@
 #include "home/commands/Commands.h"
 #include "home/commands/Files.h"
 #include "home/commands/ViewChoice.h"
+#include "home/extension/Links.h"
+#include "platform/foundation/Fatal.h"
 #include "platform/foundation/URL.h"
 
 namespace quillpad::home {
@@ -31,14 +34,28 @@ std::optional<std::string> linkOf(const ui::View& view) {
   return std::nullopt;
 }
 
-// The link is an argument of its own, so no shell reads it, and a parsed URL is never an option.
-Done openLink(const std::string& link) {
-  const auto url = URL::parse(link);
-  if (!url || url->scheme().empty()) {
-    return failure(ExitStatus::notPossible, "the widget's link is not a URL: " + link);
+// The widget as the extension lists it.
+std::expected<channel::CatalogueItem, Failure> itemOf(
+    ExtensionClient& extension, const std::string& kind) {
+  auto catalogue = extension.ask<channel::Catalogue>(channel::CatalogueRequest{});
+  if (!catalogue) {
+    return std::unexpected(std::move(catalogue.error()));
+  }
+  const auto item = std::ranges::find(catalogue->items, kind, &channel::CatalogueItem::kind);
+  return item == catalogue->items.end() ? channel::CatalogueItem{} : std::move(*item);
+}
+
+// The link is an argument of its own, so no shell reads it, and a URL with a scheme is never an
+// option.
+Done openLink(const channel::CatalogueItem& widget, const std::string& link) {
+  if (!leadsToApplication(widget, link)) {
+    return failure(
+        ExitStatus::notPossible,
+        "the widget's link leads to no application that its extension declares: " + link +
+            "; --print prints it");
   }
   std::string program = "xdg-open";
-  std::string address = url->absoluteString();
+  std::string address = forced(URL::parse(link), "the link").absoluteString();
   const std::array<char*, 3> arguments{program.data(), address.data(), nullptr};
   pid_t child = 0;
   if (::posix_spawnp(&child, program.c_str(), nullptr, nullptr, arguments.data(), environ) != 0) {
@@ -79,7 +96,11 @@ struct Tap {
     if (!link) {
       return failure(ExitStatus::notPossible, kind + " has no deep link");
     }
-    return printOnly ? print(*link + '\n') : openLink(*link);
+    if (printOnly) {
+      return print(*link + '\n');
+    }
+    const auto widget = itemOf(*extension, kind);
+    return widget ? openLink(*widget, *link) : std::unexpected(widget.error());
   }
 };
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "home/commands/Files.h"
-#include "platform/foundation/Json.h"
+#include "home/page/Samples.h"
 
 namespace quillpad::home {
 namespace {
@@ -16,15 +16,19 @@ std::expected<channel::Entry, Failure> entryInFile(const std::string& file) {
   if (!text) {
     return std::unexpected(text.error());
   }
-  const auto document = readJson(*text, JsonFragments::allowed);
-  if (!document) {
-    return failure(
-        ExitStatus::wrongUsage, inputName(file) + " is not JSON: " + document.error().reason);
-  }
-  const Decoder d(*document);
-  auto entry = d.result(channel::entryFrom(d));
+  auto entry = entryFromText(*text);
   if (!entry) {
-    return failure(ExitStatus::wrongUsage, inputName(file) + " is not an entry: " + entry.error());
+    return failure(
+        ExitStatus::wrongUsage, inputName(file) + " cannot be taken: " + describe(entry.error()));
+  }
+  return *std::move(entry);
+}
+
+std::expected<channel::Entry, Failure> entryOfSample(
+    const std::string& folder, const std::string& name) {
+  auto entry = SampleFolder(folder).entry(name);
+  if (!entry) {
+    return failure(ExitStatus::wrongUsage, entry.error());
   }
   return *std::move(entry);
 }
@@ -33,7 +37,7 @@ std::expected<channel::Entry, Failure> entryInState(
     ExtensionClient& extension, EntryState state, const std::string& kind) {
   if (state == EntryState::timeline) {
     auto timeline = extension.ask<channel::Timeline>(channel::TimelineRequest{kind});
-    reportFailedTransfers(extension);
+    reportFailedTransfers(extension.transfers());
     if (!timeline) {
       return std::unexpected(timeline.error());
     }
@@ -48,6 +52,18 @@ std::expected<channel::Entry, Failure> entryInState(
   return extension.ask<channel::Entry>(request);
 }
 
+std::expected<channel::Entry, Failure> entryOf(
+    ExtensionClient& extension, const ViewChoice& choice) {
+  if (!choice.entryFile.empty() && !choice.sample.empty()) {
+    return failure(ExitStatus::wrongUsage, "--entry and --sample exclude each other; give one");
+  }
+  if (!choice.entryFile.empty()) {
+    return entryInFile(choice.entryFile);
+  }
+  return choice.sample.empty() ? entryInState(extension, choice.state, choice.kind)
+                               : entryOfSample(choice.sampleFolder, choice.sample);
+}
+
 }  // namespace
 
 void declareState(Options& options, EntryState& state) {
@@ -58,9 +74,20 @@ void declareState(Options& options, EntryState& state) {
   options.choice<EntryState>("--state", state, "The entry to draw", states);
 }
 
+void declareRegion(Options& options, std::string& locale, std::string& currency) {
+  options.locale("--locale", locale, "Language, numbers and direction, for example de_DE");
+  options.text("--currency", currency, "The currency of amounts, for example €", "TEXT");
+}
+
+void declareSamples(Options& options, std::string& folder) {
+  options.text("--samples", folder, "The folder of sample entries, files NAME.json", "FOLDER");
+}
+
 void ViewChoice::declare(Options& options) {
   options.kind(kind);
   declareState(options, state);
+  options.text("--sample", sample, "A sample entry by its name", "NAME");
+  declareSamples(options, sampleFolder);
   options.text("--entry", entryFile, "An entry of your own, as snapshot --json prints it", "FILE");
   static constexpr auto families = [] {
     std::array<Choice<std::optional<ui::WidgetFamily>>, ui::widgetFamilyNames.size()> all{};
@@ -71,24 +98,24 @@ void ViewChoice::declare(Options& options) {
   }();
   options.choice<std::optional<ui::WidgetFamily>>(
       "--family", family, "The widget's size class; the content is the same in each", families);
+  declareRegion(options, locale, currency);
 }
 
 std::expected<ui::View, Failure> viewOf(ExtensionClient& extension, const ViewChoice& choice) {
-  const auto entry = choice.entryFile.empty() ? entryInState(extension, choice.state, choice.kind)
-                                              : entryInFile(choice.entryFile);
+  const auto entry = entryOf(extension, choice);
   if (!entry) {
     return std::unexpected(entry.error());
   }
   auto rendering = extension.ask<channel::Rendering>(
-      channel::RenderRequest{choice.kind, *entry, choice.family, {}});
+      channel::RenderRequest{choice.kind, *entry, choice.family, choice.locale, choice.currency});
   if (!rendering) {
     return std::unexpected(rendering.error());
   }
   return std::move(rendering->view);
 }
 
-void reportFailedTransfers(const ExtensionClient& extension) {
-  for (const TransferReport& transfer : extension.transfers()) {
+void reportFailedTransfers(std::span<const TransferReport> transfers) {
+  for (const TransferReport& transfer : transfers) {
     if (transfer.error) {
       std::fprintf(
           stderr,

@@ -4,6 +4,7 @@
 
 #include <expected>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "home/commands/Options.h"
@@ -20,24 +21,35 @@ enum class EntryState { placeholder, snapshot, timeline };
 // The option --state.
 void declareState(Options& options, EntryState& state);
 
+// The options --locale and --currency.
+void declareRegion(Options& options, std::string& locale, std::string& currency);
+
+// The option --samples.
+void declareSamples(Options& options, std::string& folder);
+
 struct ViewChoice {
   std::string kind{};
   EntryState state = EntryState::timeline;
   std::string entryFile{};                   // an entry of one's own in place of the state's
+  std::string sample{};                      // or one of the samples
+  std::string sampleFolder{};                // empty: those that come with the programs
   std::optional<ui::WidgetFamily> family{};  // absent: the kind's own
+  std::string locale{};                      // empty: that of this process
+  std::string currency{};                    // empty: that of the settings
 
   void declare(Options& options);
 
   // A placeholder shows no figures: nothing was fetched yet.
   drawing::Redaction redaction() const {
-    return entryFile.empty() && state == EntryState::placeholder ? drawing::Redaction::placeholder
-                                                                 : drawing::Redaction::none;
+    return entryFile.empty() && sample.empty() && state == EntryState::placeholder
+               ? drawing::Redaction::placeholder
+               : drawing::Redaction::none;
   }
 };
 
 std::expected<ui::View, Failure> viewOf(ExtensionClient& extension, const ViewChoice& choice);
 
 // A failed transfer shows in the answer as zeros or a sample; this reports it on standard error.
-void reportFailedTransfers(const ExtensionClient& extension);
+void reportFailedTransfers(std::span<const TransferReport> transfers);
 
 }  // namespace quillpad::home

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "home/extension/Confinement.h"
 #include "platform/foundation/FileDescriptor.h"
 
 namespace quillpad::home {
@@ -18,6 +19,7 @@ struct ChildPlan {
   std::vector<std::string> environment;  // "NAME=value"
   // What the child has open, by its numbers from 1 on; 0 is /dev/null.
   std::vector<FileDescriptor> descriptors;
+  const Confinement& confinement;
 };
 
 class ChildProcess {
@@ -30,7 +32,8 @@ class ChildProcess {
     std::string manner() const;
   };
 
-  // Starts the program in a session of its own, with no inherited signal settings or descriptors.
+  // Starts the program confined, in a session of its own, with no inherited signal settings or
+  // descriptors.
   static std::expected<ChildProcess, std::string> start(ChildPlan plan);
 
   // Ends the child and its descendants, and waits a moment for it.

@@ -1,13 +1,15 @@
 #include "home/extension/ExtensionClient.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
+#include <map>
 #include <poll.h>
 
 namespace quillpad::home {
 namespace {
 
-using Answer = std::expected<channel::Reply, Failure>;
+using Answer = ExtensionClient::Answer;
 
 // Waits until something has come or is due.
 void wait(const ExtensionSession& session) {
@@ -71,31 +73,39 @@ std::expected<ExtensionClient, Failure> ExtensionClient::start(
   return ExtensionClient(std::move(*session));
 }
 
-Answer ExtensionClient::answerTo(
-    const channel::Request& request, std::chrono::milliseconds allowed) {
-  session_.ask(presentMoment().uptime, request, allowed);
-  std::optional<Answer> answer;
-  while (!answer && !over_) {
+std::vector<std::optional<Answer>> ExtensionClient::answersTo(
+    std::span<const channel::Request> requests, std::optional<std::chrono::milliseconds> allowed) {
+  std::map<std::uint64_t, std::size_t> places;
+  std::chrono::milliseconds longest{};
+  for (const channel::Request& request : requests) {
+    const auto time = allowed.value_or(ExtensionSession::timeFor(request));
+    longest = std::max(longest, time);
+    places.emplace(session_.ask(presentMoment().uptime, request, time), places.size());
+  }
+  std::vector<std::optional<Answer>> answers(requests.size());
+  while (!places.empty() && !over_) {
     wait(session_);
     for (SessionEvent& event : session_.poll(presentMoment().uptime)) {
       if (auto* reply = std::get_if<channel::NumberedReply>(&event)) {
-        answer = meaningOf(std::move(reply->reply));
+        if (const auto place = places.extract(reply->id.value_or(0)); !place.empty()) {
+          answers[place.mapped()] = meaningOf(std::move(reply->reply));
+        }
       } else if (const auto* notice = std::get_if<channel::TransferNotice>(&event)) {
         transfers_.push_back(notice->report);
       } else if (auto* line = std::get_if<PrintedLine>(&event)) {
         relay(std::move(*line));
       } else if (const auto* end = std::get_if<SessionEnd>(&event)) {
-        over_ = meaningOf(*end, allowed);
-        if (!answer && !end->lastWords.empty()) {
+        over_ = meaningOf(*end, longest);
+        if (!places.empty() && !end->lastWords.empty()) {
           heldLine_.reset();
         }
       } else {
-        over_ = late(allowed);
+        over_ = late(longest);
       }
     }
   }
   relayHeldLine();
-  return answer ? std::move(*answer) : std::unexpected(*over_);
+  return answers;
 }
 
 void ExtensionClient::relay(PrintedLine line) {

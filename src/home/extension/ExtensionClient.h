@@ -7,6 +7,7 @@
 #include <expected>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <variant>
@@ -25,32 +26,51 @@ class ExtensionClient {
       const std::filesystem::path& program,
       std::size_t memoryLimit = ExtensionSession::defaultMemoryLimit);
 
-  // The answer to the request, of the type expected. After a failure nothing more can be asked.
-  template <class Answer>
-  std::expected<Answer, Failure> ask(
-      const channel::Request& request, std::chrono::milliseconds allowed) {
-    auto reply = answerTo(request, allowed);
-    if (!reply) {
-      return std::unexpected(std::move(reply.error()));
+  // A reply, a refusal and a drop being failures.
+  using Answer = std::expected<channel::Reply, Failure>;
+
+  // The answer, where it is of the type expected.
+  template <class Expected>
+  static std::expected<Expected, Failure> as(Answer answer) {
+    if (!answer) {
+      return std::unexpected(std::move(answer.error()));
     }
-    if (auto* answer = std::get_if<Answer>(&*reply)) {
-      return std::move(*answer);
+    if (auto* expected = std::get_if<Expected>(&*answer)) {
+      return std::move(*expected);
     }
     return failure(ExitStatus::notPossible, "the extension answered something else than was asked");
   }
 
-  template <class Answer>
-  std::expected<Answer, Failure> ask(const channel::Request& request) {
-    return ask<Answer>(request, ExtensionSession::timeFor(request));
+  // The answer to the request, of the type expected. After a failure nothing more can be asked.
+  template <class Expected>
+  std::expected<Expected, Failure> ask(
+      const channel::Request& request, std::chrono::milliseconds allowed) {
+    auto answer = std::move(answersTo({&request, 1}, allowed).front());
+    if (answer) {
+      return as<Expected>(*std::move(answer));
+    }
+    return std::unexpected(over_.value_or(Failure{}));
   }
+
+  template <class Expected>
+  std::expected<Expected, Failure> ask(const channel::Request& request) {
+    return ask<Expected>(request, ExtensionSession::timeFor(request));
+  }
+
+  // The answers to all of the requests, which are under way together; those that did not come until
+  // the extension ended are empty. Each may take the time allowed, or its usual one.
+  std::vector<std::optional<Answer>> answersTo(
+      std::span<const channel::Request> requests,
+      std::optional<std::chrono::milliseconds> allowed = std::nullopt);
+
+  // Why nothing more can be asked, once that is so.
+  const std::optional<Failure>& over() const { return over_; }
 
   // How the network transfers ended that the extension has told of so far.
   const std::vector<TransferReport>& transfers() const { return transfers_; }
 
  private:
   explicit ExtensionClient(ExtensionSession session) : session_(std::move(session)) {}
-  std::expected<channel::Reply, Failure> answerTo(
-      const channel::Request& request, std::chrono::milliseconds allowed);
   void relay(PrintedLine line);
   void relayHeldLine();
 

@@ -86,7 +86,12 @@ std::expected<ExtensionProcess, std::string> ExtensionProcess::start(
   if (!output || !error) {
     return startFailure(program, output ? error.error() : output.error());
   }
-  ChildPlan plan{.program = program, .environment = childEnvironment(), .descriptors = {}};
+  Confinement confinement(program);
+  ChildPlan plan{
+      .program = program,
+      .environment = childEnvironment(),
+      .descriptors = {},
+      .confinement = confinement};
   plan.descriptors.push_back(std::move(output->writeEnd));
   plan.descriptors.push_back(std::move(error->writeEnd));
   plan.descriptors.push_back(std::move(childEnd));
@@ -94,7 +99,7 @@ std::expected<ExtensionProcess, std::string> ExtensionProcess::start(
   if (!child) {
     return startFailure(program, child.error());
   }
-  ExtensionProcess process(std::move(*child));
+  ExtensionProcess process(std::move(*child), std::move(confinement));
   process.channel_ = std::move(ourEnd);
   process.output_ = std::move(output->readEnd);
   process.error_ = std::move(error->readEnd);

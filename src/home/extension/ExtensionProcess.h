@@ -47,15 +47,20 @@ class ExtensionProcess {
   // Takes what has come, at most some megabytes at a time, and sends what could not be sent before.
   Arrivals take();
 
+  // Whether there is something to read that only another run would see.
+  bool isOutdated() const { return confinement_.isOutdated(); }
+
   // Ends the extension at once.
   void kill() const { child_.kill(); }
 
  private:
-  explicit ExtensionProcess(ChildProcess child) : child_(std::move(child)) {}
+  ExtensionProcess(ChildProcess child, Confinement confinement)
+      : child_(std::move(child)), confinement_(std::move(confinement)) {}
   void writePending();
   void readPrinted(PrintedLine::Stream stream, std::vector<PrintedLine>& printed);
 
   ChildProcess child_;
+  Confinement confinement_;
   FileDescriptor channel_;
   FileDescriptor output_;
   FileDescriptor error_;

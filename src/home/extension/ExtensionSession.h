@@ -76,6 +76,9 @@ class ExtensionSession {
   // Of the extension; 0 once it has ended.
   pid_t pid() const { return process_.pid(); }
 
+  // Whether there is something to read that only another run would see.
+  bool isOutdated() const { return process_.isOutdated(); }
+
  private:
   struct OpenRequest {
     channel::Method method{};

@@ -13,6 +13,7 @@ enum class ExitStatus {
   wrongUsage = 2,      // an unknown kind, option or value
   dropped = 3,         // the extension let the request go without an answer
   extensionEnded = 4,  // with its last words in the message
+  different = 5,       // pictures that were to look the same do not
 };
 
 struct Failure {

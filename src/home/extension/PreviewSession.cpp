@@ -58,6 +58,9 @@ void PreviewSession::beginNext(const Moment& now) {
       jobs_.pop_front();
       continue;
     }
+    if (std::exchange(replaced_, false)) {
+      session_.reset();
+    }
     if (!session_) {
       auto started = ExtensionSession::start(program_);
       if (!started) {
@@ -114,7 +117,8 @@ void PreviewSession::askForRendering(const Moment& now) {
   }
   const Job& job = jobs_.front().job;
   asked_ = session_->ask(
-      now.uptime, channel::RenderRequest{job.kind, job.entry, std::nullopt, job.locale});
+      now.uptime,
+      channel::RenderRequest{job.kind, job.entry, std::nullopt, job.locale, job.currency});
 }
 
 void PreviewSession::finish(const Moment& now, std::expected<Result, std::string> outcome) {

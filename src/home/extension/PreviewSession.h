@@ -28,8 +28,9 @@ class PreviewSession {
   struct Job {
     std::string kind;
     Source source = Source::placeholder;
-    channel::Entry entry;  // where it is given
-    std::string locale;    // empty: the extension's own
+    channel::Entry entry;    // where it is given
+    std::string locale;      // empty: the extension's own
+    std::string currency{};  // empty: that of the settings
   };
 
   struct Result {
@@ -52,6 +53,9 @@ class PreviewSession {
   // Takes what has come; returns whether a job was done. To be called after each poll.
   bool run(const Moment& now);
 
+  // The program is another one now: it does the jobs after the one under way.
+  void programReplaced() { replaced_ = true; }
+
   // Ends the extension; jobs under way stay undone.
   void stop() { session_.reset(); }
 
@@ -73,6 +77,7 @@ class PreviewSession {
   std::optional<std::uint64_t> asked_;
   Uptime idleUntil_{};  // when the extension without work is ended
   bool done_ = false;
+  bool replaced_ = false;
 };
 
 }  // namespace quillpad::home

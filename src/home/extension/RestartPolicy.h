@@ -17,7 +17,8 @@ class RestartPolicy {
     return endsInARow_ < pauses.size() ? std::optional(pauses.at(endsInARow_++)) : std::nullopt;
   }
 
-  // Whether it has ended since the last reset.
+  // How often it has ended since the last reset; it is counted no further once it is given up.
+  std::size_t endsInARow() const { return endsInARow_; }
   bool hasEnded() const { return endsInARow_ > 0; }
 
   // Everything was answered again, or a person asks for another try.

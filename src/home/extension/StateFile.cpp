@@ -26,7 +26,8 @@ Value encodePicture(const Picture& picture) {
         "failure",
         Dictionary{
             {"code", picture.failure->code},
-            {"description", picture.failure->localizedDescription}});
+            {"description", picture.failure->localizedDescription},
+            {"since", iso8601(picture.failingSince)}});
   }
   return encoded;
 }
@@ -39,8 +40,26 @@ Picture decodePicture(const Decoder& d) {
       .received = d["received"].date()};
   if (const auto failure = d.find("failure")) {
     picture.failure = {(*failure)["code"].whole<int>(), (*failure)["description"].text()};
+    const auto since = failure->find("since");
+    picture.failingSince = since ? since->date() : picture.received;
   }
   return picture;
+}
+
+Dictionary encodePictures(const std::map<std::string, Picture>& pictures) {
+  Dictionary encoded;
+  for (const auto& [kind, picture] : pictures) {
+    encoded.set(kind, encodePicture(picture));
+  }
+  return encoded;
+}
+
+std::map<std::string, Picture> decodePictures(const Decoder& d) {
+  std::map<std::string, Picture> pictures;
+  for (const auto& [kind, picture] : d.members()) {
+    pictures.emplace(kind, decodePicture(picture));
+  }
+  return pictures;
 }
 
 }  // namespace
@@ -82,20 +101,36 @@ std::expected<void, std::string> writeState(
   return {};
 }
 
+std::expected<void, std::string> forgetOtherAccounts(
+    const std::filesystem::path& file, const std::string& mark) {
+  auto state = readState(file);
+  if (!state) {
+    return std::unexpected(state.error());
+  }
+  std::optional<SavedHome>& home = *state;
+  if (!home || home->account == mark) {
+    return {};
+  }
+  home->pictures.clear();
+  home->kept.clear();
+  home->account = mark;
+  return writeState(file, *home);
+}
+
 std::expected<std::string, std::string> encodeState(const SavedHome& state) {
   Array placed;
   for (const std::string& kind : state.placed) {
     placed.emplace_back(kind);
   }
-  Dictionary pictures;
-  for (const auto& [kind, picture] : state.pictures) {
-    pictures.set(kind, encodePicture(picture));
-  }
-  const Dictionary document{
+  Dictionary document{
       {"version", formatVersion},
       {"catalogue", channel::toValue(channel::Catalogue{state.catalogue})},
       {"placed", std::move(placed)},
-      {"pictures", std::move(pictures)}};
+      {"pictures", encodePictures(state.pictures)},
+      {"kept", encodePictures(state.kept)}};
+  if (state.account) {
+    document.set("account", *state.account);
+  }
   auto text = writeJson(document, JsonLayout::compact);
   if (!text) {
     return std::unexpected(text.error().reason);
@@ -116,8 +151,12 @@ std::expected<SavedHome, std::string> decodeState(std::string_view text) {
   for (const Decoder& kind : d["placed"].elements()) {
     state.placed.push_back(kind.text());
   }
-  for (const auto& [kind, picture] : d["pictures"].members()) {
-    state.pictures.emplace(kind, decodePicture(picture));
+  state.pictures = decodePictures(d["pictures"]);
+  if (const auto kept = d.find("kept")) {  // not in the files of earlier programs, as the account
+    state.kept = decodePictures(*kept);
+  }
+  if (const auto account = d.find("account")) {
+    state.account = account->text();
   }
   return d.result(std::move(state));
 }

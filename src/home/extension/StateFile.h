@@ -25,6 +25,11 @@ std::expected<std::optional<SavedHome>, std::string> readState(const std::filesy
 std::expected<void, std::string> writeState(
     const std::filesystem::path& file, const SavedHome& state);
 
+// Takes the pictures of any other account than the one with the mark (see Account) out of the file.
+// For who changes the account while no home screen may run; one that runs forgets them by itself.
+std::expected<void, std::string> forgetOtherAccounts(
+    const std::filesystem::path& file, const std::string& mark);
+
 // The file's text and back. Encoding fails for entries that JSON cannot hold.
 std::expected<std::string, std::string> encodeState(const SavedHome& state);
 std::expected<SavedHome, std::string> decodeState(std::string_view text);

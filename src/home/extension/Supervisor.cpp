@@ -1,6 +1,7 @@
 #include "home/extension/Supervisor.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <utility>
 
@@ -9,13 +10,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A timeline is asked for again neither in a rush nor never, whatever reload time it names.
-constexpr std::chrono::milliseconds minWait = 1s;
-constexpr std::chrono::milliseconds maxWait = 24h;
-constexpr std::chrono::milliseconds pauseAfterFailure = 5min;
+// An extension that is asked nothing else is asked whether it is still there.
+constexpr std::chrono::milliseconds pingPause = 1min;
 
-// How long after its reload time a picture still counts as the newest.
-constexpr std::chrono::milliseconds maxOverdue = 1min;
+constexpr std::size_t maxKinds = 1000;
+
+// How long an extension whose program was replaced may take for what is under way.
+constexpr std::chrono::milliseconds lastRequests = 1s;
 
 template <class T>
 const T* addressOf(const std::optional<T>& value) {
@@ -26,11 +27,19 @@ const T* addressOf(const std::optional<T>& value) {
 
 void Supervisor::restore(SavedHome saved) {
   catalogue_ = std::move(saved.catalogue);
-  placed_ = {saved.placed.begin(), saved.placed.end()};
+  for (std::string& kind : saved.placed) {
+    if (!isPlaced(kind)) {
+      placed_.push_back(std::move(kind));
+    }
+  }
   everPlaced_ = true;
+  account_ = std::move(saved.account);
   for (auto& [kind, picture] : saved.pictures) {
     picture.restored = true;
     widgets_[kind].picture = std::move(picture);
+  }
+  for (auto& [kind, picture] : saved.kept) {
+    widgets_[kind].kept = std::move(picture);
   }
   for (const std::string& kind : placed_) {
     markChanged(widgets_[kind]);
@@ -43,20 +52,25 @@ void Supervisor::timePassed(const Moment& now) { advance(now); }
 
 void Supervisor::replied(const Moment& now, const channel::NumberedReply& reply) {
   if (const auto request = takePending(reply.id.value_or(0))) {
-    take(now, *request, reply.reply);
+    pingAt_ = now.uptime + pingPause;
+    if (!request->outdated) {
+      take(now, *request, reply.reply);
+    }
     advance(now);
   }
 }
 
 void Supervisor::answerIsLate(const Moment& now, const LateAnswer& late) {
   if (const auto request = takePending(late.id)) {
-    requestFailed(
-        now,
-        *request,
-        {.cause = Problem::Cause::late,
-         .detail = std::to_string(late.waited.count()) + " seconds",
-         .output = "",
-         .since = now.date});
+    if (!request->outdated) {
+      requestFailed(
+          now,
+          *request,
+          {.cause = Problem::Cause::late,
+           .detail = std::to_string(late.waited.count()) + " s",
+           .output = "",
+           .since = now.date});
+    }
     advance(now);
   }
 }
@@ -81,16 +95,62 @@ void Supervisor::failedToStart(const Moment& now, std::string why) {
        .since = now.date});
 }
 
+void Supervisor::extensionIsOutdated(const Moment& now) {
+  if (life_ == Life::running && pending_.empty()) {
+    actions_.emplace_back(EndExtension{});
+    life_ = Life::stopped;
+    advance(now);
+  }
+}
+
+void Supervisor::accountIs(const std::string& mark) {
+  if (account_ == mark) {
+    return;
+  }
+  account_ = mark;
+  for (auto& [id, request] : pending_) {
+    request.outdated = request.purpose != Purpose::catalogue;
+  }
+  for (auto& [kind, widget] : widgets_) {
+    widget.forgetAccount();
+    markChanged(widget);
+  }
+  restartAtOnce();
+  if (everPlaced_) {
+    ++savedVersion_;
+  }
+}
+
+void Supervisor::programReplaced(const Moment& now) {
+  restartAtOnce();
+  replaceBy_ = replaceBy_.value_or(now.uptime + lastRequests);
+  advance(now);
+}
+
 bool Supervisor::offers(std::string_view kind) const {
   return std::ranges::find(catalogue_, kind, &channel::CatalogueItem::kind) != catalogue_.end();
+}
+
+bool Supervisor::isPlaced(std::string_view kind) const {
+  return std::ranges::find(placed_, kind) != placed_.end();
+}
+
+// Before the first one that follows it in the catalogue.
+std::vector<std::string>::iterator Supervisor::placeInCatalogueOrder(std::string_view kind) {
+  const auto rank = [&](std::string_view each) {
+    return std::ranges::find(catalogue_, each, &channel::CatalogueItem::kind);
+  };
+  return std::ranges::find_if(
+      placed_, [&](const std::string& each) { return rank(each) > rank(kind); });
 }
 
 bool Supervisor::place(const Moment& now, std::string_view kind) {
   if (!offers(kind)) {
     return false;
   }
-  if (placed_.emplace(kind).second) {
-    Widget& widget = widgets_[std::string(kind)];
+  if (!isPlaced(kind)) {
+    placed_.emplace(placeInCatalogueOrder(kind), kind);
+    WidgetRecord& widget = widgets_[std::string(kind)];
     widget.due = now.uptime;
     markChanged(widget);
     ++savedVersion_;
@@ -100,17 +160,13 @@ bool Supervisor::place(const Moment& now, std::string_view kind) {
 }
 
 bool Supervisor::remove(const Moment& now, std::string_view kind) {
-  const auto found = placed_.find(kind);
+  const auto found = std::ranges::find(placed_, kind);
   if (found == placed_.end()) {
     return offers(kind);
   }
   placed_.erase(found);
   if (const auto widget = widgets_.find(kind); widget != widgets_.end()) {
-    const bool busy = widget->second.busy;
-    std::optional<Picture> snapshot = std::move(widget->second.snapshot);
-    widget->second = Widget{};
-    widget->second.busy = busy;
-    widget->second.snapshot = std::move(snapshot);
+    widget->second.leave();
   }
   ++version_;
   ++savedVersion_;
@@ -118,16 +174,49 @@ bool Supervisor::remove(const Moment& now, std::string_view kind) {
   return true;
 }
 
+bool Supervisor::move(std::string_view kind, std::string_view before) {
+  const auto moved = std::ranges::find(placed_, kind);
+  const auto next = std::ranges::find(placed_, before);
+  if (moved == placed_.end() || (next == placed_.end() && !before.empty())) {
+    return false;
+  }
+  if (next <= moved) {
+    std::rotate(next, moved, std::next(moved));
+  } else {
+    std::rotate(moved, std::next(moved), next);
+  }
+  ++version_;
+  ++savedVersion_;
+  return true;
+}
+
+bool Supervisor::reload(const Moment& now, std::string_view kind) {
+  const auto found = widgets_.find(kind);
+  if (!isPlaced(kind) || found == widgets_.end()) {
+    return false;
+  }
+  found->second.want(now);
+  markChanged(found->second);
+  restartAtOnce();
+  advance(now);
+  return true;
+}
+
 void Supervisor::reload(const Moment& now) {
+  for (const std::string& kind : placed_) {
+    WidgetRecord& widget = widgets_[kind];
+    widget.want(now);
+    markChanged(widget);
+  }
+  restartAtOnce();
+  advance(now);
+}
+
+void Supervisor::restartAtOnce() {
   restarts_.reset();
   if (life_ == Life::gaveUp || life_ == Life::backingOff) {
     life_ = Life::stopped;
   }
-  for (const std::string& kind : placed_) {
-    widgets_[kind].due = now.uptime;
-    markChanged(widgets_[kind]);
-  }
-  advance(now);
 }
 
 void Supervisor::openGallery(const Moment& now) {
@@ -138,27 +227,33 @@ void Supervisor::openGallery(const Moment& now) {
 // The state machine
 
 void Supervisor::advance(const Moment& now) {
-  if (life_ == Life::backingOff && now.uptime >= startAt_) {
+  if (life_ == Life::backingOff && now.uptime >= startAt_.uptime) {
     life_ = Life::stopped;
+  }
+  if (replaceBy_ && (pending_.empty() || now.uptime >= *replaceBy_)) {
+    replaceExtension(now);
   }
   if (life_ == Life::stopped && isWanted()) {
     startExtension(now);
   }
-  if (life_ == Life::running) {
+  if (life_ == Life::running && !replaceBy_) {
     askWhatIsDue(now);
+    if (pending_.empty() && now.uptime >= pingAt_) {
+      ask(now, "", Purpose::ping);
+    }
+    showRenewed();
     if (answeredInThisRun_ && pending_.empty()) {
       restarts_.reset();
       lastEnd_.reset();
     }
   }
-  noticeOverdue(now);
+  noticeTheTime(now);
 }
 
-void Supervisor::noticeOverdue(const Moment& now) {
+void Supervisor::noticeTheTime(const Moment& now) {
   for (const std::string& kind : placed_) {
-    Widget& widget = widgets_[kind];
-    const bool overdue = life_ == Life::gaveUp || now.uptime >= widget.freshUntil;
-    if (std::exchange(widget.overdue, overdue) != overdue) {
+    WidgetRecord& widget = widgets_[kind];
+    if (widget.noticeTheTime(now, life_ == Life::gaveUp)) {
       markChanged(widget);
     }
   }
@@ -173,30 +268,49 @@ void Supervisor::startExtension(const Moment& now) {
   ++version_;
 }
 
+// What was under way is asked again of the new program, and so is all that is shown.
+void Supervisor::replaceExtension(const Moment& now) {
+  replaceBy_.reset();
+  replaced_ = true;
+  lastEnd_.reset();
+  if (life_ == Life::starting || life_ == Life::running) {
+    actions_.emplace_back(EndExtension{});
+  }
+  life_ = Life::stopped;
+  releasePending();
+  for (auto& [kind, widget] : widgets_) {
+    widget.outdate(now);
+  }
+  ++version_;
+}
+
+void Supervisor::releasePending() {
+  for (const auto& [id, request] : std::exchange(pending_, {})) {
+    if (!request.kind.empty()) {
+      widgets_[request.kind].busy = false;
+    }
+  }
+  std::erase_if(actions_, [](const Action& action) { return std::holds_alternative<Ask>(action); });
+}
+
+// Pictures of the program before give way all at once, so that nobody sees some of either; after an
+// end, one by one as they come.
+void Supervisor::showRenewed() {
+  const auto isAwaited = [&](const auto& each) {
+    return each.second.awaitsRenewal() && isPlaced(each.first) && offers(each.first);
+  };
+  if (!restarts_.hasEnded() && std::ranges::any_of(widgets_, isAwaited)) {
+    return;
+  }
+  for (auto& [kind, widget] : widgets_) {
+    if (widget.showRenewed()) {
+      markChanged(widget);
+    }
+  }
+}
+
 // The extension is kept running for as long as there is anything that it will be asked.
 bool Supervisor::isWanted() const { return !everPlaced_ || !placed_.empty() || galleryOpened_; }
-
-std::optional<Supervisor::Purpose> Supervisor::nextFor(
-    const std::string& kind, const Widget& widget, const Moment& now) const {
-  if (widget.busy) {
-    return std::nullopt;
-  }
-  if (widget.unrendered) {
-    return Purpose::rendering;
-  }
-  if (placed_.contains(kind)) {
-    if (!widget.picture && !widget.placeholderFailed) {
-      return Purpose::placeholder;
-    }
-    if (now.uptime >= widget.due) {
-      return Purpose::timeline;
-    }
-  }
-  if (galleryOpened_ && !widget.snapshot && !widget.snapshotFailed) {
-    return Purpose::snapshot;
-  }
-  return std::nullopt;
-}
 
 // After an end the widgets are asked one after the other, the longest unasked first and what is
 // half done before all: one whose answer ends the extension each time then takes none of the others
@@ -209,9 +323,9 @@ void Supervisor::askWhatIsDue(const Moment& now) {
   };
   std::vector<Question> questions;
   for (const channel::CatalogueItem& item : catalogue_) {
-    Widget& widget = widgets_[item.kind];
-    showNextEntry(now, widget);
-    if (const auto purpose = nextFor(item.kind, widget, now)) {
+    WidgetRecord& widget = widgets_[item.kind];
+    widget.showNextEntry(now);
+    if (const auto purpose = widget.next(now, isPlaced(item.kind), galleryOpened_)) {
       questions.push_back({&item.kind, *purpose, widget.unrendered ? Uptime::min() : widget.asked});
     }
   }
@@ -224,23 +338,16 @@ void Supervisor::askWhatIsDue(const Moment& now) {
   }
 }
 
-// Takes the entry of the timeline whose time has come.
-void Supervisor::showNextEntry(const Moment& now, Widget& widget) {
-  if (!widget.busy && !widget.unrendered && widget.picture && !widget.later.empty() &&
-      now.uptime >= widget.later.front().due) {
-    widget.unrendered = widget.picture;
-    widget.unrendered->entry = std::move(widget.later.front().entry);
-    widget.later.erase(widget.later.begin());
-  }
-}
-
 void Supervisor::ask(const Moment& now, const std::string& kind, Purpose purpose) {
   channel::Request request = channel::CatalogueRequest{};
-  if (purpose != Purpose::catalogue) {
-    Widget& widget = widgets_[kind];
+  if (purpose == Purpose::ping) {
+    request = channel::PingRequest{};
+  } else if (purpose != Purpose::catalogue) {
+    WidgetRecord& widget = widgets_[kind];
     widget.busy = true;
     switch (purpose) {
       case Purpose::catalogue:
+      case Purpose::ping:
         break;
       case Purpose::placeholder:
         request = channel::PlaceholderRequest{kind};
@@ -254,12 +361,22 @@ void Supervisor::ask(const Moment& now, const std::string& kind, Purpose purpose
         break;
       case Purpose::rendering:
         if (widget.unrendered) {
-          request = channel::RenderRequest{kind, widget.unrendered->entry, std::nullopt, ""};
+          request = channel::RenderRequest{kind, widget.unrendered->entry, std::nullopt};
+        }
+        break;
+      case Purpose::keptRendering:
+        if (widget.kept) {
+          request = channel::RenderRequest{kind, widget.kept->entry, std::nullopt};
         }
         break;
     }
   }
-  pending_.emplace(++lastId_, Pending{.kind = kind, .purpose = purpose});
+  Pending pending{.kind = kind, .purpose = purpose};
+  if (!kind.empty() && purpose != Purpose::keptRendering &&
+      widgets_[kind].target(purpose) != Picture::Source::snapshot) {
+    widgets_[kind].asking = widgets_[kind].asking.value_or(now);
+  }
+  pending_.emplace(++lastId_, std::move(pending));
   actions_.emplace_back(Ask{std::move(request)});
 }
 
@@ -283,6 +400,9 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
         {.cause = cause, .detail = std::move(detail), .output = "", .since = now.date});
   };
   answeredInThisRun_ = answeredInThisRun_ || request.purpose == Purpose::timeline;
+  if (request.purpose == Purpose::ping) {
+    return;
+  }
   if (request.purpose == Purpose::catalogue) {
     takeCatalogue(now, reply);
   } else if (const auto* dropped = std::get_if<channel::Dropped>(&reply)) {
@@ -291,38 +411,51 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
     fail(Problem::Cause::refused, refused->message);
   } else if (const auto* timeline = std::get_if<channel::Timeline>(&reply);
              timeline != nullptr && request.purpose == Purpose::timeline) {
-    takeTimeline(now, request, *timeline);
+    WidgetRecord& widget = widgets_[request.kind];
+    widget.takeTimeline(now, *timeline, request.failure, request.statusCode);
+    if (!widget.unrendered) {
+      markChanged(widget);
+    }
   } else if (const auto* rendering = std::get_if<channel::Rendering>(&reply);
              rendering != nullptr && request.purpose == Purpose::rendering) {
     takeRendering(request.kind, *rendering);
+  } else if (rendering != nullptr && request.purpose == Purpose::keptRendering) {
+    widgets_[request.kind].renewedKept = rendering->view;
   } else if (const auto* entry = std::get_if<channel::Entry>(&reply);
              entry != nullptr &&
              (request.purpose == Purpose::placeholder || request.purpose == Purpose::snapshot)) {
-    widgets_[request.kind].unrendered =
-        Picture{.source = target(request), .entry = *entry, .received = now.date};
+    WidgetRecord& widget = widgets_[request.kind];
+    widget.unrendered =
+        Picture{.source = widget.target(request.purpose), .entry = *entry, .received = now.date};
   } else {
     fail(Problem::Cause::refused, "it answered something else than was asked");
   }
 }
 
-// An extension without a single widget is of no use: what it listed before stays.
+// An extension without a single widget is of no use, one with more than any page shows is not in
+// order: what it listed before stays.
 void Supervisor::takeCatalogue(const Moment& now, const channel::Reply& reply) {
   const auto* catalogue = std::get_if<channel::Catalogue>(&reply);
-  if (catalogue == nullptr || catalogue->items.empty()) {
+  const std::size_t count = catalogue == nullptr ? 0 : catalogue->items.size();
+  if (count == 0 || count > maxKinds) {
     actions_.emplace_back(EndExtension{});
     return loseExtension(
         now,
         {.cause = Problem::Cause::protocolError,
-         .detail = "no list of its widgets",
+         .detail = count == 0 ? "no list of its widgets"
+                              : "a list of more than " + std::to_string(maxKinds) + " widgets",
          .output = "",
          .since = now.date});
   }
   life_ = Life::running;
   catalogue_ = catalogue->items;
+  programVersion_ += std::exchange(replaced_, false) ? 1 : 0;
   if (!everPlaced_) {
     everPlaced_ = true;
     for (const channel::CatalogueItem& item : catalogue_) {
-      placed_.insert(item.kind);
+      if (!isPlaced(item.kind)) {
+        placed_.push_back(item.kind);
+      }
       widgets_[item.kind].due = now.uptime;
     }
   }
@@ -330,41 +463,8 @@ void Supervisor::takeCatalogue(const Moment& now, const channel::Reply& reply) {
   ++savedVersion_;
 }
 
-void Supervisor::takeTimeline(
-    const Moment& now, const Pending& request, const channel::Timeline& timeline) {
-  Widget& widget = widgets_[request.kind];
-  const auto wait =
-      std::clamp<std::chrono::milliseconds>(timeline.policy.after - now.date, minWait, maxWait);
-  widget.due = now.uptime + wait;
-  widget.freshUntil = widget.due + maxOverdue;
-  widget.reload = now.date + wait;
-  widget.problem.reset();
-
-  widget.later.clear();
-  for (const channel::Entry& entry : timeline.entries) {
-    widget.later.push_back({.due = now.uptime + (entry.date - now.date), .entry = entry});
-  }
-  std::ranges::stable_sort(widget.later, {}, &LaterEntry::due);
-  if (widget.later.empty()) {
-    markChanged(widget);
-    return;
-  }
-  // The last one whose time has come, or the first one where all are still to come.
-  auto next = std::ranges::upper_bound(widget.later, now.uptime, {}, &LaterEntry::due);
-  if (next == widget.later.begin()) {
-    ++next;
-  }
-  widget.unrendered = Picture{
-      .source = Picture::Source::timeline,
-      .entry = std::prev(next)->entry,
-      .received = now.date,
-      .failure = request.failure,
-      .statusCode = request.statusCode};
-  widget.later.erase(widget.later.begin(), next);
-}
-
 void Supervisor::takeRendering(const std::string& kind, const channel::Rendering& rendering) {
-  Widget& widget = widgets_[kind];
+  WidgetRecord& widget = widgets_[kind];
   auto awaited = std::exchange(widget.unrendered, std::nullopt);
   if (!awaited) {
     return;
@@ -373,61 +473,39 @@ void Supervisor::takeRendering(const std::string& kind, const channel::Rendering
   picture.view = rendering.view;
   if (picture.source == Picture::Source::snapshot) {
     widget.snapshot = std::move(picture);
+    widget.snapshotOutdated = false;
+    ++snapshotVersion_;
     ++version_;
     return;
   }
-  if (!placed_.contains(kind)) {
+  if (!isPlaced(kind)) {
     return;
   }
-  const bool isTimeline = picture.source == Picture::Source::timeline;
-  widget.picture = std::move(picture);
-  markChanged(widget);
-  if (isTimeline) {
+  if (picture.source == Picture::Source::timeline) {
+    widget.endWait();
     ++savedVersion_;
   }
-}
-
-// What the request is to lead to.
-Picture::Source Supervisor::target(const Pending& request) const {
-  switch (request.purpose) {
-    case Purpose::placeholder:
-      return Picture::Source::placeholder;
-    case Purpose::snapshot:
-      return Picture::Source::snapshot;
-    case Purpose::rendering:
-      if (const auto found = widgets_.find(request.kind); found != widgets_.end()) {
-        const Picture* awaited = addressOf(found->second.unrendered);
-        return awaited == nullptr ? Picture::Source::timeline : awaited->source;
-      }
-      break;
-    case Purpose::timeline:
-    case Purpose::catalogue:
-      break;
+  if (widget.outdated) {
+    widget.renewed = std::move(picture);
+    return;
   }
-  return Picture::Source::timeline;
+  widget.takeOver(std::move(picture));
+  markChanged(widget);
 }
 
-// The widget keeps its picture and is asked again later.
 void Supervisor::requestFailed(const Moment& now, const Pending& request, Problem problem) {
   if (request.purpose == Purpose::catalogue) {
     return takeCatalogue(now, channel::Dropped{});
   }
-  Widget& widget = widgets_[request.kind];
-  switch (target(request)) {
-    case Picture::Source::placeholder:
-      widget.placeholderFailed = true;
-      widget.problem = std::move(problem);
-      break;
-    case Picture::Source::snapshot:
-      widget.snapshotFailed = true;
-      break;
-    case Picture::Source::timeline:
-      widget.due = now.uptime + pauseAfterFailure;
-      widget.reload = now.date + pauseAfterFailure;
-      widget.problem = std::move(problem);
-      break;
+  if (request.purpose == Purpose::ping) {
+    return;
   }
-  widget.unrendered.reset();
+  WidgetRecord& widget = widgets_[request.kind];
+  if (request.purpose == Purpose::keptRendering) {
+    widget.keptOutdated = false;  // it stays as it was
+    return;
+  }
+  widget.fail(now, widget.target(request.purpose), std::move(problem));
   markChanged(widget);
 }
 
@@ -435,23 +513,30 @@ void Supervisor::requestFailed(const Moment& now, const Pending& request, Proble
 void Supervisor::loseExtension(const Moment& now, Problem problem) {
   const auto pause = restarts_.pauseAfterEnd();
   life_ = pause ? Life::backingOff : Life::gaveUp;
-  startAt_ = now.uptime + pause.value_or(Uptime{});
+  const Uptime wait = pause.value_or(Uptime{});
+  startAt_ = {.date = now.date + wait, .uptime = now.uptime + wait};
   for (const auto& [id, request] : std::exchange(pending_, {})) {
-    if (request.purpose == Purpose::catalogue) {
+    if (request.purpose == Purpose::catalogue || request.purpose == Purpose::ping) {
       continue;
     }
-    Widget& widget = widgets_[request.kind];
-    if (target(request) == Picture::Source::timeline) {
+    WidgetRecord& widget = widgets_[request.kind];
+    if (widget.target(request.purpose) == Picture::Source::timeline) {
       widget.due = now.uptime;
-      widget.reload = now.date + (startAt_ - now.uptime);
+      widget.reload = now.date;
       widget.problem = problem;
     }
     widget.busy = false;
     widget.unrendered.reset();
   }
   for (auto& [kind, widget] : widgets_) {
+    widget.wanted = widget.wanted && life_ != Life::gaveUp;
+    widget.asking.reset();
+    if (widget.outdated && !widget.renewed) {
+      widget.problem = problem;
+    }
     markChanged(widget);
   }
+  showRenewed();
   std::erase_if(actions_, [](const Action& action) { return std::holds_alternative<Ask>(action); });
   lastEnd_ = std::move(problem);
   advance(now);
@@ -461,23 +546,41 @@ void Supervisor::loseExtension(const Moment& now, Problem problem) {
 
 std::vector<Supervisor::Action> Supervisor::takeActions() { return std::exchange(actions_, {}); }
 
+std::vector<std::string> Supervisor::underWay() const {
+  static constexpr std::array<std::string_view, 7> names{
+      "catalogue", "placeholder", "snapshot", "timeline", "rendering", "rendering", "ping"};
+  std::vector<std::string> words;
+  for (const auto& [id, request] : pending_) {
+    const std::string name(names.at(static_cast<std::size_t>(request.purpose)));
+    words.push_back(request.kind.empty() ? name : name + " of " + request.kind);
+  }
+  return words;
+}
+
 std::optional<Uptime> Supervisor::nextDeadline() const {
   std::optional<Uptime> earliest;
   const auto consider = [&](Uptime moment) {
     earliest = earliest ? std::min(*earliest, moment) : moment;
   };
   if (life_ == Life::backingOff) {
-    consider(startAt_);
+    consider(startAt_.uptime);
   }
-  const bool asks = life_ == Life::running && (!restarts_.hasEnded() || pending_.empty());
+  if (life_ == Life::running && pending_.empty()) {
+    consider(pingAt_);
+  }
+  if (replaceBy_) {
+    consider(*replaceBy_);
+  }
+  const bool asks =
+      life_ == Life::running && !replaceBy_ && (!restarts_.hasEnded() || pending_.empty());
   for (const std::string& kind : placed_) {
     const auto found = widgets_.find(kind);
     if (found == widgets_.end() || !offers(kind)) {
       continue;
     }
-    const Widget& widget = found->second;
-    if (!widget.overdue) {
-      consider(widget.freshUntil);
+    const WidgetRecord& widget = found->second;
+    if (const auto notice = widget.nextNotice()) {
+      consider(*notice);
     }
     if (asks && !widget.busy) {
       consider(widget.due);
@@ -491,21 +594,34 @@ std::optional<Uptime> Supervisor::nextDeadline() const {
 
 std::vector<WidgetState> Supervisor::widgets() const {
   std::vector<WidgetState> states;
-  for (const channel::CatalogueItem& item : catalogue_) {
-    const auto found = widgets_.find(item.kind);
-    if (!placed_.contains(item.kind) || found == widgets_.end()) {
+  for (const std::string& kind : placed_) {
+    const auto item = std::ranges::find(catalogue_, kind, &channel::CatalogueItem::kind);
+    const auto found = widgets_.find(kind);
+    if (item == catalogue_.end() || found == widgets_.end()) {
       continue;
     }
-    const Widget& widget = found->second;
+    const WidgetRecord& widget = found->second;
     states.push_back(
-        {.about = &item,
+        {.about = &*item,
          .picture = addressOf(widget.picture),
+         .kept = addressOf(widget.kept),
          .problem = addressOf(widget.problem),
-         .reload = life_ == Life::gaveUp ? std::nullopt : widget.reload,
+         .reload = nextReload(widget),
          .overdue = widget.overdue,
+         .awaited = widget.wanted || widget.slow,
+         .slowSince =
+             widget.slow && widget.asking ? std::optional(widget.asking->date) : std::nullopt,
          .version = widget.version});
   }
   return states;
+}
+
+// During a pause nothing is asked.
+std::optional<Date> Supervisor::nextReload(const WidgetRecord& widget) const {
+  if (life_ == Life::gaveUp || !widget.reload) {
+    return std::nullopt;
+  }
+  return life_ == Life::backingOff ? std::max(*widget.reload, startAt_.date) : *widget.reload;
 }
 
 const Picture* Supervisor::snapshot(std::string_view kind) const {
@@ -515,17 +631,24 @@ const Picture* Supervisor::snapshot(std::string_view kind) const {
 
 SavedHome Supervisor::saved() const {
   SavedHome saved{
-      .catalogue = catalogue_, .placed = {placed_.begin(), placed_.end()}, .pictures = {}};
+      .catalogue = catalogue_, .placed = placed_, .pictures = {}, .kept = {}, .account = account_};
   for (const std::string& kind : placed_) {
     const auto found = widgets_.find(kind);
-    const Picture* picture = found == widgets_.end() ? nullptr : addressOf(found->second.picture);
-    if (picture != nullptr && picture->source == Picture::Source::timeline) {
+    if (found == widgets_.end()) {
+      continue;
+    }
+    const WidgetRecord& widget = found->second;
+    if (const auto& picture = widget.picture;
+        picture && picture->source == Picture::Source::timeline) {
       saved.pictures.emplace(kind, *picture);
+    }
+    if (widget.kept) {
+      saved.kept.emplace(kind, *widget.kept);
     }
   }
   return saved;
 }
 
-void Supervisor::markChanged(Widget& widget) { widget.version = ++version_; }
+void Supervisor::markChanged(WidgetRecord& widget) { widget.version = ++version_; }
 
 }  // namespace quillpad::home

@@ -8,13 +8,13 @@
 //      |                               +---------- ended --------+
 //      +--(pause over)-- backingOff <-------------- | -----------+--(fifth in a row)--> gaveUp
 //   gaveUp --(a person's reload)--> stopped
+//   any --(another program, and nothing is under way)--> stopped
 #pragma once
 
 #include <chrono>
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -23,6 +23,7 @@
 #include "home/extension/ExtensionSession.h"
 #include "home/extension/Moment.h"
 #include "home/extension/RestartPolicy.h"
+#include "home/extension/WidgetRecord.h"
 #include "home/extension/WidgetState.h"
 #include "platform/channel/Messages.h"
 
@@ -51,10 +52,22 @@ class Supervisor {
   void transferred(const channel::TransferNotice& notice);
   void ended(const Moment& now, const SessionEnd& end);
   void failedToStart(const Moment& now, std::string why);
+  // There is something to read that only another run of the extension would see.
+  void extensionIsOutdated(const Moment& now);
+  // The extension's program is another one now: it is started anew when nothing is under way, or
+  // after a while, and what the widgets show is asked of the new one and changes all at once.
+  void programReplaced(const Moment& now);
 
-  // What a person wants. The first two return false for a kind that the catalogue lacks.
+  // Who is signed in, as a mark, "" where nobody is. Of anyone else nothing is kept: every widget
+  // is asked afresh at the next event.
+  void accountIs(const std::string& mark);
+
+  // What a person wants. Those with a kind return false for one that is not there.
   bool place(const Moment& now, std::string_view kind);
   bool remove(const Moment& now, std::string_view kind);
+  bool reload(const Moment& now, std::string_view kind);
+  // Puts a placed widget before another one; behind all where that is empty.
+  bool move(std::string_view kind, std::string_view before);
   void reload(const Moment& now);
   void openGallery(const Moment& now);
 
@@ -68,13 +81,21 @@ class Supervisor {
   // What the extension's last end was like; nothing after a round of answers.
   const std::optional<Problem>& lastEnd() const { return lastEnd_; }
   bool awaitsAnswers() const { return !pending_.empty(); }
+  // The requests under way in words, for example "timeline of A".
+  std::vector<std::string> underWay() const;
+  // It ended twice in a row at least: by itself it may not come back.
+  bool keepsEnding() const { return restarts_.endsInARow() > 1; }
+  bool isSignedOut() const { return account_ == ""; }
 
-  // In the catalogue's order.
+  // The placed ones in their order.
   std::vector<WidgetState> widgets() const;
   const std::vector<channel::CatalogueItem>& catalogue() const { return catalogue_; }
-  bool isPlaced(std::string_view kind) const { return placed_.contains(kind); }
-  // The picture for the gallery, once there is one.
+  bool isPlaced(std::string_view kind) const;
+  // The picture for the gallery, once there is one; the version grows with each that comes.
   const Picture* snapshot(std::string_view kind) const;
+  std::uint64_t snapshotVersion() const { return snapshotVersion_; }
+  // Grows when another program has listed its widgets.
+  std::uint64_t programVersion() const { return programVersion_; }
 
   // Grows with every change of what is shown; savedVersion with every change of what is saved.
   std::uint64_t version() const { return version_; }
@@ -82,57 +103,34 @@ class Supervisor {
   SavedHome saved() const;
 
  private:
-  enum class Purpose { catalogue, placeholder, snapshot, timeline, rendering };
-
   struct Pending {
     std::string kind;
     Purpose purpose = Purpose::catalogue;
     std::optional<TransportError> failure{};
-    int statusCode = 0;  // of the latest transfer
-  };
-
-  struct LaterEntry {
-    Uptime due{};
-    channel::Entry entry;
-  };
-
-  struct Widget {
-    std::optional<Picture> picture;
-    std::optional<Picture> snapshot;
-    std::optional<Picture> unrendered;  // an entry whose view is still to come
-    std::vector<LaterEntry> later;      // of the timeline, the earliest first
-    std::optional<Problem> problem;
-    Uptime due{};                  // of the next timeline
-    std::optional<Date> reload{};  // the same for people
-    Uptime asked{};                // when a timeline was last asked for
-    bool busy = false;             // an answer is awaited
-    Uptime freshUntil{};           // how long the latest timeline counts as the newest
-    bool overdue = false;
-    bool placeholderFailed = false;
-    bool snapshotFailed = false;
-    std::uint64_t version = 0;
+    int statusCode = 0;     // of the latest transfer
+    bool outdated = false;  // asked on behalf of who is signed in no more
   };
 
   bool offers(std::string_view kind) const;
+  std::vector<std::string>::iterator placeInCatalogueOrder(std::string_view kind);
   void advance(const Moment& now);
   void startExtension(const Moment& now);
+  void replaceExtension(const Moment& now);
+  void releasePending();
+  void showRenewed();
   void askWhatIsDue(const Moment& now);
-  void noticeOverdue(const Moment& now);
-  void showNextEntry(const Moment& now, Widget& widget);
+  void noticeTheTime(const Moment& now);
   void ask(const Moment& now, const std::string& kind, Purpose purpose);
   void take(const Moment& now, const Pending& request, const channel::Reply& reply);
   void takeCatalogue(const Moment& now, const channel::Reply& reply);
-  void takeTimeline(const Moment& now, const Pending& request, const channel::Timeline& timeline);
   void takeRendering(const std::string& kind, const channel::Rendering& rendering);
   std::optional<Pending> takePending(std::uint64_t id);
   void requestFailed(const Moment& now, const Pending& request, Problem problem);
-  Picture::Source target(const Pending& request) const;
   void loseExtension(const Moment& now, Problem problem);
-  // What to ask the widget now; nothing while there is nothing, or an answer is awaited.
-  std::optional<Purpose> nextFor(
-      const std::string& kind, const Widget& widget, const Moment& now) const;
+  void restartAtOnce();
   bool isWanted() const;
-  void markChanged(Widget& widget);
+  std::optional<Date> nextReload(const WidgetRecord& widget) const;
+  void markChanged(WidgetRecord& widget);
 
   Life life_ = Life::stopped;
   std::vector<Action> actions_;
@@ -140,18 +138,24 @@ class Supervisor {
   std::uint64_t lastId_ = 0;
 
   std::vector<channel::CatalogueItem> catalogue_;
-  std::set<std::string, std::less<>> placed_;
-  bool everPlaced_ = false;  // false: on first sight of the catalogue, place all of it
+  std::vector<std::string> placed_;  // in the order in which they stand
+  bool everPlaced_ = false;          // false: on first sight of the catalogue, place all of it
   bool galleryOpened_ = false;
-  std::map<std::string, Widget, std::less<>> widgets_;
+  std::map<std::string, WidgetRecord, std::less<>> widgets_;
 
   RestartPolicy restarts_;
-  bool answeredInThisRun_ = false;  // a timeline was
-  Uptime startAt_{};                // where it backs off
+  bool answeredInThisRun_ = false;   // a timeline was
+  Moment startAt_{};                 // where it backs off
+  Uptime pingAt_{};                  // where it runs and nothing is awaited
+  std::optional<Uptime> replaceBy_;  // the program is another one: when the old one is ended
+  bool replaced_ = false;            // the new one has not listed its widgets yet
   std::optional<Problem> lastEnd_;
+  std::optional<std::string> account_;  // nothing: nobody said
 
   std::uint64_t version_ = 1;
   std::uint64_t savedVersion_ = 0;
+  std::uint64_t snapshotVersion_ = 0;
+  std::uint64_t programVersion_ = 0;
 };
 
 }  // namespace quillpad::home

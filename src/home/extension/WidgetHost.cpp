@@ -4,13 +4,19 @@
 #include <string>
 #include <utility>
 
+#include "home/extension/MemoryUse.h"
+#include "home/extension/WidgetStatus.h"
+
 namespace quillpad::home {
 
 WidgetHost::WidgetHost(
     std::filesystem::path extension,
     std::optional<std::filesystem::path> stateFile,
+    Account account,
     std::function<void(std::string_view)> relay)
     : program_(std::move(extension)),
+      account_(std::move(account)),
+      accountStore_(account_.store),
       relay_(std::move(relay)),
       state_(std::move(stateFile), [this](std::string_view problem) {
         relay_("quillpad-home: " + std::string(problem));
@@ -18,9 +24,11 @@ WidgetHost::WidgetHost(
   if (auto saved = state_.load()) {
     supervisor_.restore(std::move(*saved));
   }
+  noticeAccount();
 }
 
 void WidgetHost::addDescriptors(std::vector<pollfd>& descriptors) const {
+  descriptors.push_back({accountStore_.descriptor(), POLLIN, 0});
   if (session_) {
     const auto theirs = session_->descriptors();
     descriptors.insert(descriptors.end(), theirs.begin(), theirs.end());
@@ -39,10 +47,15 @@ std::optional<Uptime> WidgetHost::nextDeadline() const {
 }
 
 void WidgetHost::run(const Moment& now) {
-  if (session_) {
-    for (SessionEvent& event : session_->poll(now.uptime)) {
-      take(now, event);
-    }
+  auto events = session_ ? session_->poll(now.uptime) : std::vector<SessionEvent>{};
+  if (accountStore_.takeChange() || !events.empty()) {
+    noticeAccount();
+  }
+  for (SessionEvent& event : events) {
+    take(now, event);
+  }
+  if (session_ && !supervisor_.awaitsAnswers() && session_->isOutdated()) {
+    supervisor_.extensionIsOutdated(now);
   }
   supervisor_.timePassed(now);
   for (auto actions = supervisor_.takeActions(); !actions.empty();
@@ -54,23 +67,37 @@ void WidgetHost::run(const Moment& now) {
   state_.run(now, supervisor_);
 }
 
+std::optional<std::size_t> WidgetHost::privateMemory() const {
+  return session_ ? std::optional(home::privateMemory(session_->pid())) : std::nullopt;
+}
+
 void WidgetHost::stop(const Moment& now) {
   session_.reset();
   state_.saveNow(now, supervisor_);
+}
+
+void WidgetHost::noticeAccount() {
+  if (const auto mark = account_.mark ? account_.mark() : std::nullopt) {
+    supervisor_.accountIs(*mark);
+  }
 }
 
 void WidgetHost::take(const Moment& now, SessionEvent& event) {
   if (const auto* reply = std::get_if<channel::NumberedReply>(&event)) {
     supervisor_.replied(now, *reply);
   } else if (const auto* transfer = std::get_if<channel::TransferNotice>(&event)) {
+    log_.noteTransfer(now.date, transfer->report);
     supervisor_.transferred(*transfer);
   } else if (const auto* late = std::get_if<LateAnswer>(&event)) {
     supervisor_.answerIsLate(now, *late);
   } else if (const auto* line = std::get_if<PrintedLine>(&event)) {
+    log_.notePrinted(now.date, line->text);
     relay_(line->text);
   } else {
     session_.reset();
-    supervisor_.ended(now, std::get<SessionEnd>(event));
+    const auto& end = std::get<SessionEnd>(event);
+    log_.noteRun(now.date, inPlainWords(problemOf(end, now.date)));
+    supervisor_.ended(now, end);
   }
 }
 
@@ -81,12 +108,16 @@ void WidgetHost::carryOut(const Moment& now, const Supervisor::Action& action) {
     auto started = ExtensionSession::start(program_);
     if (started) {
       session_.emplace(std::move(*started));
+      log_.noteRun(now.date, "It was started as process " + std::to_string(session_->pid()) + ".");
     } else {
+      log_.noteRun(now.date, "It could not be started: " + started.error());
       supervisor_.failedToStart(now, started.error());
     }
   } else if (const auto* ask = std::get_if<Supervisor::Ask>(&action); ask == nullptr) {
+    log_.noteRun(now.date, "The home screen ended it, to start it anew.");
     session_.reset();
   } else if (session_) {
+    log_.noteRequest(now.date, ask->request);
     session_->ask(now.uptime, ask->request);
   }
 }

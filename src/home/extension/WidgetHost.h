@@ -4,6 +4,7 @@
 // extension.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -11,8 +12,11 @@
 #include <string_view>
 #include <vector>
 
+#include "home/extension/Account.h"
 #include "home/extension/ExtensionSession.h"
+#include "home/extension/FileWatch.h"
 #include "home/extension/Moment.h"
+#include "home/extension/ProcessLog.h"
 #include "home/extension/StateKeeper.h"
 #include "home/extension/Supervisor.h"
 
@@ -20,11 +24,12 @@ namespace quillpad::home {
 
 class WidgetHost {
  public:
-  // Takes up what the last run left in the file. `relay` gets each line that the extension prints,
-  // and each that the home screen has to say.
+  // Takes up what the last run left in the file, where that is of the same account. `relay` gets
+  // each line that the extension prints, and each that the home screen has to say.
   WidgetHost(
       std::filesystem::path extension,
       std::optional<std::filesystem::path> stateFile,
+      Account account,
       std::function<void(std::string_view)> relay);
   WidgetHost(const WidgetHost&) = delete;
   WidgetHost& operator=(const WidgetHost&) = delete;
@@ -32,6 +37,10 @@ class WidgetHost {
   // What a person wants goes to the supervisor; it is carried out by the next run.
   Supervisor& supervisor() { return supervisor_; }
   const Supervisor& supervisor() const { return supervisor_; }
+
+  // What the extension went through; and its memory now, nothing where it does not run.
+  const ProcessLog& log() const { return log_; }
+  std::optional<std::size_t> privateMemory() const;
 
   // What to wait for before the next run.
   void addDescriptors(std::vector<pollfd>& descriptors) const;
@@ -44,14 +53,18 @@ class WidgetHost {
   void stop(const Moment& now);
 
  private:
+  void noticeAccount();
   void take(const Moment& now, SessionEvent& event);
   void carryOut(const Moment& now, const Supervisor::Action& action);
 
   std::filesystem::path program_;
+  Account account_;
+  FileWatch accountStore_;
   std::function<void(std::string_view)> relay_;
   Supervisor supervisor_;
   StateKeeper state_;
   std::optional<ExtensionSession> session_;
+  ProcessLog log_;
 };
 
 }  // namespace quillpad::home

@@ -25,6 +25,7 @@ struct Picture {
   Date received;
   // The transfer behind the entry failed: what it shows stands in for real data.
   std::optional<TransportError> failure{};
+  Date failingSince{};    // where it failed: since when every one has
   int statusCode = 0;     // of the response behind the entry; 0 where there is none
   bool restored = false;  // from an earlier run of the home screen
 };
@@ -52,9 +53,13 @@ Problem problemOf(const SessionEnd& end, Date now);
 struct WidgetState {
   const channel::CatalogueItem* about = nullptr;
   const Picture* picture = nullptr;  // nullptr until there is a first one
+  const Picture* kept =
+      nullptr;  // the last one from a transfer that went well, where this one's failed
   const Problem* problem = nullptr;  // nullptr: none
   std::optional<Date> reload{};      // when it is asked for next, if that is known
   bool overdue = false;              // it was to be renewed a while ago, or never will be
+  bool awaited = false;              // a person waits for a newer one, or it is slow
+  std::optional<Date> slowSince{};   // when it was asked for, where that is a while ago
   std::uint64_t version = 0;         // grows whenever any of this changes
 };
 
@@ -63,6 +68,8 @@ struct SavedHome {
   std::vector<channel::CatalogueItem> catalogue{};
   std::vector<std::string> placed{};
   std::map<std::string, Picture> pictures{};  // by kind; of timelines alone
+  std::map<std::string, Picture> kept{};      // by kind; see WidgetState
+  std::optional<std::string> account{};       // whose they are; see Account
 };
 
 }  // namespace quillpad::home

@@ -7,11 +7,15 @@
 namespace quillpad::home {
 namespace {
 
-std::string quoted(const std::string& line) { return "\u201c" + line + "\u201d"; }
+// The sentence is one of the platform's, which the catalogues know.
+std::string inWords(const TransportError& failure, const Language& language) {
+  return language.text(failure.localizedDescription) + " (" + std::to_string(failure.code) + ")";
+}
 
-std::string fallbackWords(const TransportError& failure) {
-  return "The figures could not be fetched, so zeros or a sample stand in for them. " +
-         failure.localizedDescription + " (" + std::to_string(failure.code) + ")";
+std::string inWords(
+    const Problem& problem, const std::string& droppedHint, const Language& language) {
+  const bool helps = problem.cause == Problem::Cause::dropped && !droppedHint.empty();
+  return inPlainWords(problem, language) + (helps ? " " + droppedHint : "");
 }
 
 }  // namespace
@@ -29,59 +33,92 @@ Problem problemOf(const SessionEnd& end, Date now) {
       .since = now};
 }
 
-std::string inPlainWords(const Problem& problem) {
+std::string inPlainWords(const Problem& problem, const Language& language) {
+  const std::string& detail = problem.detail;
   switch (problem.cause) {
     case Problem::Cause::dropped:
-      return "The extension let the request go without an answer. " +
-             (problem.detail.empty() ? "It gave no reason." : problem.detail);
+      return language.text("The extension let the request go without an answer.") + " " +
+             (detail.empty() ? language.text("It gave no reason.") : detail);
     case Problem::Cause::refused:
-      return "The extension could not take the request: " + problem.detail + ".";
+      return language.text("The extension could not take the request: {1}.", {detail});
     case Problem::Cause::late:
-      return "No answer came within " + problem.detail + ".";
+      return language.text("No answer came within {1}.", {detail});
     case Problem::Cause::protocolError:
-      return "The home screen ended the extension, which sent " + problem.detail + ".";
+      return language.text("The home screen ended the extension, which sent {1}.", {detail});
     case Problem::Cause::overMemory:
-      return "The home screen ended the extension: " + problem.detail + ".";
+      return language.text("The home screen ended the extension: {1}.", {detail});
     case Problem::Cause::notStarted:
-      return "The extension cannot be started: " + problem.detail;
+      return language.text("The extension cannot be started: {1}", {detail});
     case Problem::Cause::ended:
       break;
   }
-  return "The extension ended (" + problem.detail + ")." +
-         (problem.output.empty() ? "" : " Its last words: " + quoted(problem.output) + ".");
+  std::string words = language.text("The extension ended ({1}).", {detail});
+  if (!problem.output.empty()) {
+    words += " " + language.text("Its last words: “{1}”.", {problem.output});
+  }
+  return words;
 }
 
-WidgetStatus statusOf(const WidgetState& widget, const std::string& droppedHint) {
+WidgetStatus statusOf(
+    const WidgetState& widget, const std::string& droppedHint, const Language& language) {
   using Level = WidgetStatus::Level;
   WidgetStatus status;
   const Picture* picture = widget.picture;
+  const auto become = [&](Level level, std::string badge, std::string cause) {
+    status = {.level = level, .badge = std::move(badge), .cause = std::move(cause)};
+  };
   if (picture == nullptr) {
-    status = {Level::empty, "No picture yet", "The extension has not sent a picture yet."};
+    become(
+        Level::empty,
+        language.text("No picture yet"),
+        language.text("The extension has not sent a picture yet."));
   } else if (picture->failure) {
-    status = {Level::fallback, "Stand-in data", fallbackWords(*picture->failure)};
+    become(
+        Level::fallback,
+        language.text("Stand-in data"),
+        language.text("The figures could not be fetched, so zeros or a sample stand in for them.") +
+            " " + inWords(*picture->failure, language));
   } else if (picture->source == Picture::Source::placeholder) {
-    status = {Level::placeholder, "Placeholder", "The first figures are still on their way."};
+    become(
+        Level::placeholder,
+        language.text("Placeholder"),
+        language.text("The first figures are still on their way."));
   } else if (widget.problem != nullptr) {
-    status = {Level::stale, "Old picture", "A newer picture did not come."};
+    become(
+        Level::stale, language.text("Old picture"), language.text("A newer picture did not come."));
   } else if (picture->restored) {
-    status = {
+    become(
         Level::stale,
-        "Old picture",
-        "This is from before the home screen was started. Fresh figures "
-        "are on their way."};
+        language.text("Old picture"),
+        language.text("This is from before the home screen was started. Fresh figures are on their "
+                      "way."));
   } else if (widget.overdue) {
-    status = {Level::stale, "Old picture", "A newer picture is overdue."};
+    become(
+        Level::stale, language.text("Old picture"), language.text("A newer picture is overdue."));
   }
   if (widget.problem != nullptr) {
-    std::string words = inPlainWords(*widget.problem);
-    if (widget.problem->cause == Problem::Cause::dropped && !droppedHint.empty()) {
-      words += " " + droppedHint;
-    }
+    const std::string words = inWords(*widget.problem, droppedHint, language);
     const bool replaces = status.level == Level::placeholder || status.level == Level::empty;
     status.cause = replaces ? words : status.cause + " " + words;
   }
   if (picture != nullptr && picture->statusCode >= 400) {
-    status.note = "answered with status " + std::to_string(picture->statusCode);
+    status.note = language.text("answered with status {1}", {std::to_string(picture->statusCode)});
+  }
+  return status;
+}
+
+WidgetStatus statusOfKept(
+    const WidgetState& widget, const std::string& droppedHint, const Language& language) {
+  WidgetStatus status{
+      WidgetStatus::Level::stale,
+      language.text("Kept figures"),
+      language.text("These figures are the last that could be fetched. The phone would show zeros "
+                    "or a sample.")};
+  if (widget.picture != nullptr && widget.picture->failure) {
+    status.cause += " " + inWords(*widget.picture->failure, language);
+  }
+  if (widget.problem != nullptr) {
+    status.cause += " " + inWords(*widget.problem, droppedHint, language);
   }
   return status;
 }
@@ -92,19 +129,21 @@ std::string_view levelName(WidgetStatus::Level level) {
   return names.at(static_cast<std::size_t>(level));
 }
 
-std::string noticeOf(Supervisor::Life life, const std::optional<Problem>& lastEnd) {
-  if (!lastEnd) {
+// One end alone is mended before anyone could read of it.
+std::string noticeOf(
+    const Supervisor& supervisor, const std::string& signInHint, const Language& language) {
+  if (supervisor.isSignedOut()) {
+    return signInHint;
+  }
+  const std::optional<Problem>& lastEnd = supervisor.lastEnd();
+  if (!lastEnd || !supervisor.keepsEnding()) {
     return "";
   }
-  switch (life) {
-    case Supervisor::Life::gaveUp:
-      return inPlainWords(*lastEnd) +
-             " It failed five times in a row, so it is not started again until you reload.";
-    case Supervisor::Life::backingOff:
-      return inPlainWords(*lastEnd) + " It is started again shortly.";
-    default:
-      return "";
-  }
+  const bool gaveUp = supervisor.life() == Supervisor::Life::gaveUp;
+  return inPlainWords(*lastEnd, language) + " " +
+         (gaveUp ? language.text("It failed five times in a row, so it is not started again until "
+                                 "you reload.")
+                 : language.text("It is started again shortly."));
 }
 
 }  // namespace quillpad::home

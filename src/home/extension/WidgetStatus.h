@@ -1,12 +1,12 @@
-// How far what a widget shows is live, in plain words. Pure.
+// How far what a widget shows is live, in plain words of a language. Pure.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
 #include "home/extension/Supervisor.h"
 #include "home/extension/WidgetState.h"
+#include "home/language/Language.h"
 
 namespace quillpad::home {
 
@@ -25,16 +25,24 @@ struct WidgetStatus {
   std::string note{};  // some words in passing; empty where there is nothing to add
 };
 
-// The hint is said where the extension dropped a request: why that may be and what helps.
-WidgetStatus statusOf(const WidgetState& widget, const std::string& droppedHint = "");
+// Of what the phone would show. The hint is said where the extension dropped a request: why that
+// may be and what helps.
+WidgetStatus statusOf(
+    const WidgetState& widget, const std::string& droppedHint = "", const Language& language = {});
+
+// Of the picture that is kept where the transfer behind the phone's failed.
+WidgetStatus statusOfKept(
+    const WidgetState& widget, const std::string& droppedHint = "", const Language& language = {});
 
 // "live", "placeholder", "fallback", "stale" or "empty".
 std::string_view levelName(WidgetStatus::Level level);
 
 // The problem in one or two sentences.
-std::string inPlainWords(const Problem& problem);
+std::string inPlainWords(const Problem& problem, const Language& language = {});
 
-// What the whole home screen has to tell, or nothing while all is well.
-std::string noticeOf(Supervisor::Life life, const std::optional<Problem>& lastEnd);
+// What the whole home screen has to tell, or nothing while all is well. The hint is said where
+// nobody is signed in.
+std::string noticeOf(
+    const Supervisor& supervisor, const std::string& signInHint, const Language& language = {});
 
 }  // namespace quillpad::home

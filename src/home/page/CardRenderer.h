@@ -43,6 +43,9 @@ class CardRenderer {
       ui::Appearance appearance,
       std::string_view idPrefix = "card");
 
+  // Reads the pictures anew when they are next needed.
+  void forgetPictures() { pictures_.forget(); }
+
   // The list as an SVG document that follows the appearance of the page around it.
   std::expected<std::string, std::string> writeForPage(
       const drawing::DisplayList& list, std::string_view idPrefix);

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "home/page/PageFiles.h"
+#include "home/page/Select.h"
 #include "home/page/WidgetSizes.h"
 #include "platform/foundation/Base64.h"
 #include "platform/foundation/Value.h"
@@ -13,27 +14,6 @@ namespace {
 
 using Appearances = PreviewQuery::Appearances;
 using Format = PreviewQuery::Format;
-
-// One field of the form: its options, the chosen one selected.
-class Select {
- public:
-  explicit Select(std::string_view chosen) : chosen_(chosen) {}
-
-  Select& add(std::string_view value, std::string_view label) {
-    markup_ += filled(
-        page::optionHtml,
-        {{"value", escaped(value)},
-         {"selected", escaped(value == chosen_ ? " selected" : "")},
-         {"label", escaped(label)}});
-    return *this;
-  }
-
-  const Markup& markup() const { return markup_; }
-
- private:
-  std::string_view chosen_;
-  Markup markup_;
-};
 
 std::string lengthText(double points) {
   return Number(std::round(points * 100) / 100).stringValue();
@@ -45,18 +25,18 @@ std::string sizeText(drawing::Size size) {
   return lengthText(size.width) + " × " + lengthText(size.height);
 }
 
-std::string_view titleOf(PreviewState state) {
+std::string titleOf(PreviewState state, const Language& language) {
   switch (state) {
     case PreviewState::timeline:
-      return "Timeline";
+      return language.text("Timeline");
     case PreviewState::placeholder:
-      return "Placeholder";
+      return language.text("Placeholder");
     case PreviewState::snapshot:
-      return "Snapshot";
+      return language.text("Snapshot");
     case PreviewState::entry:
       break;
   }
-  return "Your entry";
+  return language.text("Your entry");
 }
 
 Select kindSelect(const EngineerModel& model) {
@@ -76,23 +56,32 @@ Select screenSelect(const EngineerModel& model) {
   return select;
 }
 
-Select languageSelect(const EngineerModel& model) {
+Select languageSelect(const EngineerModel& model, const Language& language) {
   Select select(model.query.language);
-  select.add("", "As the home screen");
-  for (const std::string& language : model.languages) {
-    select.add(language, language);
+  select.add("", language.text("As the home screen"));
+  for (const std::string& each : model.languages) {
+    select.add(each, each);
   }
   return select;
 }
 
-Select stateSelect(PreviewState chosen) {
+Select stateSelect(PreviewState chosen, const Language& language) {
   Select select(stateName(chosen));
   for (const auto state :
        {PreviewState::timeline,
         PreviewState::placeholder,
         PreviewState::snapshot,
         PreviewState::entry}) {
-    select.add(stateName(state), titleOf(state));
+    select.add(stateName(state), titleOf(state, language));
+  }
+  return select;
+}
+
+Select startSelect(const EngineerModel& model, const Language& language) {
+  Select select(model.query.start);
+  select.add("", language.text("Nothing")).add(startFromLive, language.text("What is live"));
+  for (const std::string& sample : model.samples) {
+    select.add(std::string(startFromSample) + sample, sample);
   }
   return select;
 }
@@ -137,6 +126,7 @@ Markup card(
 }
 
 Markup figure(
+    const Language& language,
     const PreviewQuery& query,
     PreviewState state,
     const PreviewColumn::Picture& picture,
@@ -146,32 +136,40 @@ Markup figure(
       .kind = query.kind,
       .screen = query.screen,
       .language = query.language,
+      .currency = query.currency,
       .appearances = dark ? Appearances::dark : Appearances::light,
       .scale = query.scale,
       .state = state,
+      .start = state == PreviewState::entry ? query.start : "",
       .entry = state == PreviewState::entry ? query.entry : ""};
   return filled(
       page::engineerPictureHtml,
       {{"picture", card(picture, list, query.format)},
        {"boxes", query.boxes ? overlay(list) : Markup()},
-       {"appearance", escaped(dark ? "Dark" : "Light")},
-       {"size", escaped(sizeText(list.size) + " at " + std::to_string(query.scale) + "x")},
+       {"class", escaped(dark ? "Dark" : "Light")},
+       {"caption",
+        escaped(language.text(
+            "{1}, {2} at {3}x",
+            {language.text(dark ? "Dark" : "Light"),
+             sizeText(list.size),
+             std::to_string(query.scale)}))},
        {"svg", escaped(file.toUrl("/picture.svg"))},
        {"png", escaped(file.toUrl("/picture.png"))}});
 }
 
-Markup columnMarkup(const PreviewQuery& query, const PreviewColumn& column) {
+Markup columnMarkup(
+    const Language& language, const PreviewQuery& query, const PreviewColumn& column) {
   Markup content;
   if (!column.list) {
     content = problem(column.reason);
   } else {
     for (const PreviewColumn::Picture& picture : column.pictures) {
-      content += figure(query, column.state, picture, *column.list);
+      content += figure(language, query, column.state, picture, *column.list);
     }
   }
   return filled(
       page::engineerColumnHtml,
-      {{"title", escaped(titleOf(column.state))},
+      {{"title", escaped(titleOf(column.state, language))},
        {"date", escaped(column.date)},
        {"content", content}});
 }
@@ -180,44 +178,63 @@ Markup columnMarkup(const PreviewQuery& query, const PreviewColumn& column) {
 
 Markup engineerPage(const EngineerModel& model, const PageFrame& frame) {
   const PreviewQuery& query = model.query;
+  const Language& language = frame.language;
   Markup columns;
   for (const PreviewColumn& column : model.columns) {
-    columns += columnMarkup(query, column);
+    columns += columnMarkup(language, query, column);
   }
   Markup details;
   if (!model.viewTree.empty()) {
     details = filled(
         page::engineerDetailsHtml,
-        {{"tree", escaped(model.viewTree)}, {"list", escaped(model.displayList)}});
+        {{"tree", escaped(model.viewTree)}, {"list", escaped(model.displayList)}},
+        language);
   }
   constexpr std::array<std::string_view, 3> appearances{"both", "light", "dark"};
   Select appearance(appearances.at(static_cast<std::size_t>(query.appearances)));
-  appearance.add("both", "Light and dark").add("light", "Light").add("dark", "Dark");
+  appearance.add("both", language.text("Light and dark"))
+      .add("light", language.text("Light"))
+      .add("dark", language.text("Dark"));
   Select format(query.format == Format::png ? "png" : "svg");
   format.add("svg", "SVG").add("png", "PNG");
   const std::string chosenScale = std::to_string(query.scale);
   Select scale(chosenScale);
   scale.add("2", "2x").add("1", "1x").add("3", "3x");
+  std::string script(page::textsJs);
+  script.append(page::eventsJs).append(page::engineerJs);
   return filled(
       page::engineerHtml,
-      {{"name", escaped(query.kind)},
+      {{"language", escaped(language.tag())},
+       {"direction", escaped(language.isRightToLeft() ? "rtl" : "ltr")},
+       {"title", escaped(language.text("Quillpad · {1}, engineer’s view", {query.kind}))},
+       {"instance", escaped(frame.instance)},
+       {"version", escaped(std::to_string(frame.version))},
        {"nonce", escaped(frame.nonce)},
        {"style", trusted(std::string(page::styleCss))},
        {"engineerStyle", trusted(std::string(page::engineerCss))},
        {"appearanceScript", trusted(std::string(page::appearanceJs))},
+       {"home", escaped(addressOf("", frame))},
+       {"canvas", escaped(addressOf("canvas", frame))},
+       {"wish",
+        frame.wish.empty() ? Markup() : filled(page::wishHtml, {{"wish", escaped(frame.wish)}})},
        {"kinds", kindSelect(model).markup()},
        {"screens", screenSelect(model).markup()},
-       {"languages", languageSelect(model).markup()},
+       {"languages", languageSelect(model, language).markup()},
+       {"currency", escaped(query.currency)},
        {"appearances", appearance.markup()},
        {"formats", format.markup()},
        {"scales", scale.markup()},
-       {"states", stateSelect(query.state).markup()},
+       {"states", stateSelect(query.state, language).markup()},
        {"boxesChecked", escaped(query.boxes ? " checked" : "")},
        {"sample", escaped(model.sampleEntry)},
-       {"entry", escaped(query.entry)},
+       {"starts", startSelect(model, language).markup()},
+       {"entry", escaped(model.entryText)},
+       {"wrongLine", escaped(std::to_string(model.wrongLine))},
        {"columns", columns},
        {"details", details},
-       {"script", trusted(std::string(page::engineerJs))}});
+       {"texts", textsOf(script, language)},
+       {"script", trusted(script)}},
+      language);
 }
 
 }  // namespace quillpad::home

@@ -1,6 +1,7 @@
 // The page of the engineer's view as HTML, made from what it shows. Pure.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,6 +37,9 @@ struct EngineerModel {
   std::vector<std::string> languages{};
   std::vector<PreviewColumn> columns{};
   std::string sampleEntry{};  // for the empty field of one's own entry
+  std::vector<std::string> samples{};
+  std::string entryText{};    // that is being worked on
+  std::size_t wrongLine = 0;  // of it; 0: none
   // Of the state that the query names, as JSON; empty where there is nothing to show.
   std::string viewTree{};
   std::string displayList{};

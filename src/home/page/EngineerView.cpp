@@ -25,20 +25,16 @@ ui::Appearance appearanceOf(const PreviewQuery& query) {
 
 std::string fileName(const PreviewQuery& query, PictureFormat format) {
   const bool dark = appearanceOf(query) == ui::Appearance::dark;
+  const bool isSample = query.entry.empty() && query.start.starts_with(startFromSample);
   std::string name =
-      query.kind + "-" + std::string(stateName(query.state)) + (dark ? "-dark" : "-light") +
+      query.kind + "-" +
+      (isSample ? query.start.substr(startFromSample.size())
+                : std::string(stateName(query.state))) +
+      "-" + (query.screen.empty() ? std::string(screens().front()) : query.screen) +
+      (query.language.empty() ? "" : "-" + query.language) + (dark ? "-dark" : "-light") +
       (format == PictureFormat::png ? "@" + std::to_string(query.scale) + "x.png" : ".svg");
-  std::erase_if(name, [](char c) { return c == '"' || c == '\\' || c < ' '; });
+  std::erase_if(name, [](char c) { return c == '"' || c == '\\' || c == '/' || c < ' '; });
   return name;
-}
-
-LaterAnswer nothingToShow() {
-  return [] {
-    return WebAnswer{
-        .status = 404,
-        .body =
-            "There is no widget of this kind, or the extension has not listed its widgets yet.\n"};
-  };
 }
 
 }  // namespace
@@ -58,20 +54,27 @@ const channel::CatalogueItem* EngineerView::choose(PreviewQuery& query) const {
   return &*widget;
 }
 
-LaterAnswer EngineerView::page(
-    const Moment& now, const WebRequest& request, const PageFrame& frame) {
+WebReply EngineerView::page(const Moment& now, const WebRequest& request, const PageFrame& frame) {
   PreviewQuery query = PreviewQuery::parse(request);
   const channel::CatalogueItem* widget = choose(query);
   if (widget == nullptr) {
-    return nothingToShow();
+    return WebAnswer{
+        .status = 404,
+        .contentType = "text/html; charset=utf-8",
+        .body = problemPage(
+                    frame.language.text("There is no widget of this kind, or the extension has not "
+                                        "listed its widgets yet."),
+                    frame)
+                    .html(),
+        .headers = pageHeaders(frame)};
   }
   std::vector<Column> columns;
   for (const auto state :
        {PreviewState::placeholder, PreviewState::snapshot, PreviewState::timeline}) {
-    columns.push_back(column(now, query, state));
+    columns.push_back(column(now, query, state, frame.language));
   }
-  if (!query.entry.empty() || query.state == PreviewState::entry) {
-    columns.push_back(column(now, query, PreviewState::entry));
+  if (!query.entry.empty() || !query.start.empty() || query.state == PreviewState::entry) {
+    columns.push_back(column(now, query, PreviewState::entry, frame.language));
   }
   return [this, query, widget = *widget, columns, frame]() -> std::optional<WebAnswer> {
     if (!std::ranges::all_of(columns, &Column::isDone)) {
@@ -80,18 +83,17 @@ LaterAnswer EngineerView::page(
     return WebAnswer{
         .contentType = "text/html; charset=utf-8",
         .body = engineerPage(modelOf(query, widget, columns), frame).html(),
-        .headers = {{"Content-Security-Policy", contentPolicy(frame.nonce)}}};
+        .headers = pageHeaders(frame)};
   };
 }
 
-LaterAnswer EngineerView::picture(
-    const Moment& now, const WebRequest& request, PictureFormat format) {
+WebReply EngineerView::picture(const Moment& now, const WebRequest& request, PictureFormat format) {
   PreviewQuery query = PreviewQuery::parse(request);
   const channel::CatalogueItem* widget = choose(query);
   if (widget == nullptr) {
-    return nothingToShow();
+    return WebAnswer{.status = 404, .body = "There is no widget of this kind.\n"};
   }
-  return [this, query, widget = *widget, format, column = column(now, query, query.state)]()
+  return [this, query, widget = *widget, format, column = column(now, query, query.state, {})]()
              -> std::optional<WebAnswer> {
     if (!column.isDone()) {
       return std::nullopt;
@@ -114,47 +116,83 @@ LaterAnswer EngineerView::picture(
 }
 
 EngineerView::Column EngineerView::column(
-    const Moment& now, const PreviewQuery& query, PreviewState state) {
+    const Moment& now, const PreviewQuery& query, PreviewState state, const Language& language) {
   PreviewSession::Job job{
       .kind = query.kind,
       .source = PreviewSession::Source::given,
       .entry = {},
-      .locale = query.language};
+      .locale = query.language,
+      .currency = query.currency};
   if (state == PreviewState::placeholder) {
     job.source = PreviewSession::Source::placeholder;
   } else if (state == PreviewState::snapshot) {
     job.source = PreviewSession::Source::snapshot;
-  } else if (auto entry = entryOf(query, state)) {
+  } else if (auto entry = entryOf(query, state, language)) {
     job.entry = std::move(*entry);
   } else {
-    return {state, std::make_shared<const PreviewSession::Outcome>(std::unexpected(entry.error()))};
+    const auto& [reason, line] = entry.error();
+    return {state, std::make_shared<const PreviewSession::Outcome>(std::unexpected(reason)), line};
   }
   return {state, previews_.submit(now, std::move(job))};
 }
 
-std::expected<channel::Entry, std::string> EngineerView::entryOf(
-    const PreviewQuery& query, PreviewState state) const {
+std::expected<channel::Entry, EntryProblem> EngineerView::entryOf(
+    const PreviewQuery& query, PreviewState state, const Language& language) const {
   if (state == PreviewState::entry) {
-    const auto document = readJson(query.entry, JsonFragments::refused);
-    if (!document) {
+    const auto text = editedText(query, language);
+    if (!text) {
+      return std::unexpected(EntryProblem{.reason = text.error()});
+    }
+    if (text->empty()) {
       return std::unexpected(
-          query.entry.empty() ? "Type an entry to see it here."
-                              : "This is not JSON: " + document.error().reason + ".");
+          EntryProblem{.reason = language.text("Type an entry to see it here.")});
     }
-    const Decoder d(*document);
-    auto entry = d.result(channel::entryFrom(d));
+    auto entry = entryFromText(*text);
     if (!entry) {
-      return std::unexpected("This is not an entry: " + entry.error() + ".");
+      entry.error().reason = language.text("This cannot be shown: {1}.", {entry.error().reason});
     }
-    return *std::move(entry);
+    return entry;
   }
+  auto live = liveEntry(query.kind, language);
+  if (!live) {
+    return std::unexpected(EntryProblem{.reason = live.error()});
+  }
+  return *std::move(live);
+}
+
+std::expected<channel::Entry, std::string> EngineerView::liveEntry(
+    const std::string& kind, const Language& language) const {
   for (const WidgetState& card : supervisor_.widgets()) {
-    if (card.about->kind == query.kind && card.picture != nullptr &&
+    if (card.about->kind == kind && card.picture != nullptr &&
         card.picture->source == Picture::Source::timeline) {
       return card.picture->entry;
     }
   }
-  return std::unexpected("No timeline has come for this widget yet. Is it on the home screen?");
+  return std::unexpected(
+      language.text("No timeline has come for this widget yet. Is it on the home screen?"));
+}
+
+std::expected<std::string, std::string> EngineerView::editedText(
+    const PreviewQuery& query, const Language& language) const {
+  if (!query.entry.empty() || query.start.empty()) {
+    return query.entry;
+  }
+  if (query.start == startFromLive) {
+    const auto live = liveEntry(query.kind, language);
+    return live ? std::expected<std::string, std::string>(textOf(*live))
+                : std::unexpected(live.error());
+  }
+  const auto samples = samples_.read();
+  if (!samples) {
+    return std::unexpected(samples.error());
+  }
+  for (const SampleFolder::Sample& sample : *samples) {
+    if (query.start == std::string(startFromSample) + sample.name) {
+      return sample.text;
+    }
+  }
+  return std::unexpected(
+      language.text("There is no such sample in {1}.", {samples_.folder().string()}));
 }
 
 drawing::DisplayList EngineerView::compose(
@@ -182,9 +220,18 @@ EngineerModel EngineerView::modelOf(
   for (const channel::CatalogueItem& item : supervisor_.catalogue()) {
     model.kinds.push_back(item.kind);
   }
+  for (const SampleFolder::Sample& sample :
+       samples_.read().value_or(std::vector<SampleFolder::Sample>())) {
+    model.samples.push_back(sample.name);
+  }
+  model.entryText = editedText(query, {}).value_or("");
   for (const Column& column : columns) {
     model.columns.push_back(shown(query, widget, column));
     const auto& outcome = column.outcome();
+    if (!outcome && column.state == PreviewState::entry) {
+      model.wrongLine =
+          column.wrongLine != 0 ? column.wrongLine : lineNamedIn(outcome.error(), model.entryText);
+    }
     if (outcome && column.state == PreviewState::snapshot) {
       model.sampleEntry =
           writeJson(channel::toValue(outcome->entry), JsonLayout::compact).value_or("");

@@ -13,6 +13,7 @@
 #include "home/page/EngineerPage.h"
 #include "home/page/Page.h"
 #include "home/page/PreviewQuery.h"
+#include "home/page/Samples.h"
 #include "home/server/WebServer.h"
 #include "platform/paint/DisplayList.h"
 
@@ -25,20 +26,26 @@ class EngineerView {
       const Supervisor& supervisor,
       PreviewSession& previews,
       CardRenderer& cards,
+      SampleFolder samples,
       std::string locale)
-      : supervisor_(supervisor), previews_(previews), cards_(cards), locale_(std::move(locale)) {}
+      : supervisor_(supervisor),
+        previews_(previews),
+        cards_(cards),
+        samples_(std::move(samples)),
+        locale_(std::move(locale)) {}
 
-  // The page that the request's choices make.
-  LaterAnswer page(const Moment& now, const WebRequest& request, const PageFrame& frame);
+  // The page that the request's choices make, or one that leads back from a widget that is not.
+  WebReply page(const Moment& now, const WebRequest& request, const PageFrame& frame);
 
   // One picture of it as a file to keep.
-  LaterAnswer picture(const Moment& now, const WebRequest& request, PictureFormat format);
+  WebReply picture(const Moment& now, const WebRequest& request, PictureFormat format);
 
  private:
   // A state of the widget: what there is to show, or why there is nothing, once it has come.
   struct Column {
     PreviewState state = PreviewState::timeline;
     PreviewSession::PendingResult pending;
+    std::size_t wrongLine = 0;  // of the entry of one's own, where that is wrong
 
     bool isDone() const { return pending->has_value(); }
     // Of a column that is done.
@@ -50,9 +57,15 @@ class EngineerView {
   // The widget that the query names, whose kind and languages the query then has; nullptr where
   // there is none.
   const channel::CatalogueItem* choose(PreviewQuery& query) const;
-  Column column(const Moment& now, const PreviewQuery& query, PreviewState state);
-  std::expected<channel::Entry, std::string> entryOf(
-      const PreviewQuery& query, PreviewState state) const;
+  Column column(
+      const Moment& now, const PreviewQuery& query, PreviewState state, const Language& language);
+  std::expected<channel::Entry, std::string> liveEntry(
+      const std::string& kind, const Language& language) const;
+  // What the editor holds: what was typed, or what it starts from.
+  std::expected<std::string, std::string> editedText(
+      const PreviewQuery& query, const Language& language) const;
+  std::expected<channel::Entry, EntryProblem> entryOf(
+      const PreviewQuery& query, PreviewState state, const Language& language) const;
   drawing::DisplayList compose(
       const PreviewQuery& query,
       const channel::CatalogueItem& widget,
@@ -68,6 +81,7 @@ class EngineerView {
   const Supervisor& supervisor_;
   PreviewSession& previews_;
   CardRenderer& cards_;
+  SampleFolder samples_;
   std::string locale_;
 };
 

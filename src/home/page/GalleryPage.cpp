@@ -1,12 +1,17 @@
 #include "home/page/GalleryPage.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 #include "home/page/PageFiles.h"
 #include "platform/foundation/Base64.h"
 
 namespace quillpad::home {
 namespace {
+
+// Each holds its pictures, some 30 KB.
+constexpr std::size_t maxShown = 500;
 
 Markup wholePoints(double points) { return escaped(std::to_string(std::lround(points))); }
 
@@ -27,24 +32,37 @@ Markup picture(const std::string& png, drawing::Size size, std::string_view capt
 Markup galleryPage(std::span<const GalleryWidget> widgets) {
   Markup sections;
   for (const GalleryWidget& widget : widgets) {
+    Markup pictures;
+    for (const GalleryWidget::Picture& each : widget.pictures) {
+      pictures += filled(
+          page::galleryPairHtml,
+          {{"stem", escaped(each.stem)},
+           {"title", escaped(widget.pictures.size() == 1 ? "" : each.title)},
+           {"width", wholePoints(each.size.width)},
+           {"height", wholePoints(each.size.height)},
+           {"label", escaped(each.accessibilityLabel)}});
+    }
     sections += filled(
         page::galleryWidgetHtml,
         {{"kind", escaped(widget.kind)},
          {"name", escaped(widget.displayName)},
          {"description", escaped(widget.description)},
-         {"width", wholePoints(widget.size.width)},
-         {"height", wholePoints(widget.size.height)},
-         {"label", escaped(widget.accessibilityLabel)}});
+         {"pictures", pictures}});
   }
   return filled(page::galleryHtml, {{"widgets", sections}});
 }
 
 Markup changesPage(const std::string& summary, std::span<const PictureChange> changes) {
   Markup items;
-  for (const PictureChange& change : changes) {
+  for (const PictureChange& change : changes.first(std::min(changes.size(), maxShown))) {
     Markup pictures = picture(change.expected, change.size, "expected");
     pictures += picture(change.actual, change.size, "actual");
     pictures += picture(change.difference, change.size, "difference");
+    if (!change.expected.empty() && !change.actual.empty()) {
+      Markup both = picture(change.expected, change.size, "");
+      both += picture(change.actual, change.size, "");
+      pictures += filled(page::changesOverlayHtml, {{"both", both}});
+    }
     items += filled(
         page::changesItemHtml,
         {{"title", escaped(change.title)},

@@ -3,19 +3,26 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 #include "home/page/Markup.h"
 #include "platform/text/Geometry.h"
 
 namespace quillpad::home {
 
-// Its pictures are <kind>-light.png and <kind>-dark.png beside the page.
 struct GalleryWidget {
+  // Its files are <stem>-light.png and <stem>-dark.png beside the page.
+  struct Picture {
+    std::string stem;
+    std::string title;
+    drawing::Size size;  // in points
+    std::string accessibilityLabel;
+  };
+
   std::string kind;
   std::string displayName;
   std::string description;
-  drawing::Size size;  // in points
-  std::string accessibilityLabel;
+  std::vector<Picture> pictures;
 };
 
 Markup galleryPage(std::span<const GalleryWidget> widgets);
@@ -24,14 +31,15 @@ Markup galleryPage(std::span<const GalleryWidget> widgets);
 struct PictureChange {
   std::string title;
   std::string fileName;
-  std::string change;  // in words
-  drawing::Size size;  // in points
-  std::string expected;
-  std::string actual;
-  std::string difference;
+  std::string change;    // in words
+  drawing::Size size{};  // in points
+  std::string expected{};
+  std::string actual{};
+  std::string difference{};
 };
 
-// Shows the expected picture, the actual one and their difference side by side.
+// Shows the expected picture, the actual one and their difference side by side, and the first two
+// over each other, by a slider and in turns. Of very many changes it shows the first ones.
 Markup changesPage(const std::string& summary, std::span<const PictureChange> changes);
 
 }  // namespace quillpad::home

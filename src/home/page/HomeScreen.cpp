@@ -6,13 +6,17 @@
 #include <unistd.h>
 #include <utility>
 
+#include "home/extension/PrintedLine.h"
 #include "home/extension/StateFile.h"
 #include "home/extension/WidgetStatus.h"
+#include "home/page/ProcessPage.h"
 #include "home/page/WidgetSizes.h"
+#include "platform/foundation/Bundle.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Locale.h"
 #include "platform/foundation/Random.h"
+#include "platform/foundation/UserFolders.h"
 
 namespace quillpad::home {
 namespace {
@@ -25,17 +29,14 @@ constexpr std::size_t maxKeptChanges = 100;
 // 128 bits that nobody can guess.
 std::string secret() { return randomHex(16); }
 
-// An id that may stand in SVG, whatever the kind is made of.
-std::string idPrefixOf(std::string_view kind, std::string_view use) {
-  std::string prefix(use);
-  for (const char character : kind) {
-    const bool plain = (character >= 'a' && character <= 'z') ||
-                       (character >= 'A' && character <= 'Z') ||
-                       (character >= '0' && character <= '9');
-    prefix += plain ? std::string(1, character)
-                    : "-" + std::to_string(static_cast<unsigned char>(character)) + "-";
-  }
-  return prefix + "-";
+// What the extension looks up, what this program draws, and the samples.
+std::vector<std::filesystem::path> resourcesOf(
+    const std::filesystem::path& extension, const SampleFolder& samples) {
+  std::error_code error;
+  return {
+      Bundle::ofProgram(std::filesystem::canonical(extension, error)).folder(),
+      Bundle::main().folder(),
+      samples.folder()};
 }
 
 WebAnswer html(std::string body) {
@@ -45,8 +46,11 @@ WebAnswer html(std::string body) {
 }  // namespace
 
 std::expected<std::unique_ptr<HomeScreen>, std::string> HomeScreen::start(
-    const std::filesystem::path& extension, std::uint16_t port, std::string droppedHint) {
-  std::unique_ptr<HomeScreen> screen(new HomeScreen(extension, std::move(droppedHint)));
+    const std::filesystem::path& extension,
+    std::uint16_t port,
+    const Account& account,
+    const SampleFolder& samples) {
+  std::unique_ptr<HomeScreen> screen(new HomeScreen(extension, account, samples));
   auto server = WebServer::start(
       port, {}, [self = screen.get()](const WebRequest& request) { return self->answer(request); });
   if (!server) {
@@ -57,21 +61,27 @@ std::expected<std::unique_ptr<HomeScreen>, std::string> HomeScreen::start(
   return screen;
 }
 
-HomeScreen::HomeScreen(const std::filesystem::path& extension, std::string droppedHint)
-    : token_(secret()),
+HomeScreen::HomeScreen(
+    const std::filesystem::path& extension, const Account& account, const SampleFolder& samples)
+    : access_(userStateFolder()),
+      token_(secret()),
       instance_(secret()),
       locale_(currentLocale()),
-      droppedHint_(std::move(droppedHint)),
+      signInHint_(account.hint),
       relay_(STDERR_FILENO),
+      program_(extension, resourcesOf(extension, samples)),
       widgets_(
           extension,
           stateFile(),
+          account,
           [this](std::string_view line) { relay_.add(presentMoment().uptime, line); }),
       previews_(extension),
-      engineer_(widgets_.supervisor(), previews_, cards_, locale_) {}
+      engineer_(widgets_.supervisor(), previews_, cards_, samples, locale_),
+      canvas_(widgets_.supervisor(), previews_, samples) {}
 
-std::string HomeScreen::address() const {
-  return "http://127.0.0.1:" + std::to_string(server_->port()) + "/";
+std::string HomeScreen::address(HomeView view) const {
+  return "http://127.0.0.1:" + std::to_string(server_->port()) + "/?" +
+         (view == HomeView::wall ? "view=wall&" : "") + "key=" + access_.key();
 }
 
 // The poll loop's part
@@ -79,6 +89,7 @@ std::string HomeScreen::address() const {
 void HomeScreen::addDescriptors(std::vector<pollfd>& descriptors) const {
   descriptors.push_back({server_->descriptor(), POLLIN, 0});
   descriptors.push_back(relay_.descriptor());
+  descriptors.push_back(program_.descriptor());
   widgets_.addDescriptors(descriptors);
   previews_.addDescriptors(descriptors);
 }
@@ -86,7 +97,8 @@ void HomeScreen::addDescriptors(std::vector<pollfd>& descriptors) const {
 int HomeScreen::pollTimeout() const {
   std::chrono::milliseconds timeout = server_->pollTimeout();
   const Uptime now = presentMoment().uptime;
-  for (const auto deadline : {widgets_.nextDeadline(), previews_.nextDeadline()}) {
+  for (const auto deadline :
+       {program_.nextDeadline(), widgets_.nextDeadline(), previews_.nextDeadline()}) {
     if (deadline) {
       timeout = std::min(timeout, *deadline - now);
     }
@@ -98,12 +110,22 @@ void HomeScreen::run() {
   const Moment now = presentMoment();
   server_->run();
   relay_.run();
+  if (program_.run(now.uptime)) {
+    takeUpProgram(now);
+  }
   widgets_.run(now);
   const bool previewed = previews_.run(now);
   if (previewed || supervisor().version() != shownVersion_) {
     shownVersion_ = supervisor().version();
     server_->wake();
   }
+}
+
+void HomeScreen::takeUpProgram(const Moment& now) {
+  relay_.add(now.uptime, "quillpad-home: the extension or its resources changed; starting it anew");
+  cards_.forgetPictures();
+  previews_.programReplaced();
+  widgets_.supervisor().programReplaced(now);
 }
 
 void HomeScreen::stop() {
@@ -114,14 +136,32 @@ void HomeScreen::stop() {
 // The page's part
 
 WebReply HomeScreen::answer(const WebRequest& request) {
+  if (!access_.admits(request, server_->port())) {
+    return WebAnswer{
+        .status = 401,
+        .body =
+            "The home screen is its owner's alone. Open it at the address that it printed when "
+            "it started; the key is part of it.\n"};
+  }
+  return answerToOwner(request);
+}
+
+WebReply HomeScreen::answerToOwner(const WebRequest& request) {
   if (request.method == "POST") {
     return change(request);
   }
   if (request.path == "/") {
-    if (request.parameter("view") == "engineer") {
-      return engineer_.page(presentMoment(), request, newFrame());
+    const std::string_view view = request.parameter("view");
+    if (view == "engineer") {
+      return engineer_.page(presentMoment(), request, newFrame(request));
     }
-    return homeAnswer();
+    if (view == "canvas") {
+      return canvas_.page(presentMoment(), request, newFrame(request));
+    }
+    if (view == "process") {
+      return processAnswer(newFrame(request));
+    }
+    return homeAnswer(request, view == "wall" ? HomeView::wall : HomeView::desk);
   }
   if (request.path == "/picture.svg" || request.path == "/picture.png") {
     return engineer_.picture(
@@ -131,15 +171,17 @@ WebReply HomeScreen::answer(const WebRequest& request) {
   }
   if (request.path == "/gallery") {
     supervisor().openGallery(presentMoment());
-    return galleryAnswer();
+    return galleryAnswer(newFrame(request));
   }
   if (request.path == "/events" || request.path == "/changes") {
     const std::uint64_t version = seenVersion(request);
     if (request.path == "/events") {
-      return eventsSince(version);
+      return eventsSince(version, newFrame(request));
     }
-    return WebAnswer{
-        .contentType = "application/json; charset=utf-8", .body = *changesSince(version)};
+    auto changes = changesSince(version, newFrame(request));
+    return changes
+               ? WebAnswer{.contentType = "application/json; charset=utf-8", .body = std::move(*changes)}
+               : WebAnswer{.status = 500, .body = "The changes cannot be written.\n"};
   }
   return WebAnswer{.status = 404, .body = "There is nothing here. The home screen is at /.\n"};
 }
@@ -162,11 +204,17 @@ WebReply HomeScreen::change(const WebRequest& request) {
   const std::string_view kind = request.parameter("kind");
   bool known = true;
   if (request.path == "/reload") {
-    supervisor().reload(now);
+    if (kind.empty()) {
+      supervisor().reload(now);
+    } else {
+      known = supervisor().reload(now, kind);
+    }
   } else if (request.path == "/place") {
     known = supervisor().place(now, kind);
   } else if (request.path == "/remove") {
     known = supervisor().remove(now, kind);
+  } else if (request.path == "/move") {
+    known = supervisor().move(kind, request.parameter("before"));
   } else {
     known = false;
   }
@@ -174,33 +222,59 @@ WebReply HomeScreen::change(const WebRequest& request) {
                : WebAnswer{.status = 404, .body = "There is no such widget or change.\n"};
 }
 
-PageFrame HomeScreen::newFrame() const {
+PageFrame HomeScreen::newFrame(const WebRequest& request) const {
+  const std::string wish(request.parameter("lang"));
+  const Language language = Language::wished(wish + "," + request.acceptLanguage);
   return {
       .token = token_,
       .instance = instance_,
+      .version = supervisor().version(),
       .nonce = secret(),
-      .rightToLeft = isMirrored(locale_)};
+      .cookie = access_.cookie(server_->port()),
+      .language = language,
+      .wish = wish.empty() ? "" : std::string(language.tag()),
+      .cardLanguage = Bundle::main().localization(locale_).value_or("en")};
 }
 
-WebAnswer HomeScreen::homeAnswer() {
-  const PageFrame frame = newFrame();
+WebAnswer HomeScreen::homeAnswer(const WebRequest& request, HomeView view) {
+  const PageFrame frame = newFrame(request);
   HomeModel model{
+      .view = view,
       .cards = {},
-      .notice = noticeOf(supervisor().life(), supervisor().lastEnd()),
-      .empty = emptyText(),
-      .version = supervisor().version()};
+      .notice = noticeOf(supervisor(), signInHint_, frame.language),
+      .empty = emptyText(frame.language)};
   for (const WidgetState& card : supervisor().widgets()) {
-    model.cards.push_back(modelOf(card));
+    model.cards.push_back(modelOf(card, frame.language));
   }
   WebAnswer answer = html(homePage(model, frame, currentDate()).html());
-  answer.headers.emplace_back("Content-Security-Policy", contentPolicy(frame.nonce));
+  answer.headers = pageHeaders(frame);
+  return answer;
+}
+
+WebAnswer HomeScreen::processAnswer(const PageFrame& frame) const {
+  const auto memory = widgets_.privateMemory();
+  ProcessModel model{
+      .runs = memory.has_value(),
+      .privateBytes = memory.value_or(0),
+      .limitBytes = ExtensionSession::defaultMemoryLimit,
+      .underWay = supervisor().underWay(),
+      .log = widgets_.log()};
+  for (const auto& [kind, timelines] : widgets_.log().timelinesOfTheDay(currentDate())) {
+    model.budgets.push_back({kind, timelines});
+  }
+  WebAnswer answer = html(processPage(model, frame).html());
+  answer.headers = pageHeaders(frame);
   return answer;
 }
 
 // Waits for the snapshots that are still missing, as long as they may still come.
-LaterAnswer HomeScreen::galleryAnswer() {
+LaterAnswer HomeScreen::galleryAnswer(const PageFrame& frame) {
   const Uptime deadline = presentMoment().uptime + galleryPatience;
-  return [this, deadline]() -> std::optional<WebAnswer> {
+  return [this, deadline, frame]() -> std::optional<WebAnswer> {
+    if (offersVersion_ != supervisor().snapshotVersion()) {
+      offersVersion_ = supervisor().snapshotVersion();
+      offers_.clear();
+    }
     std::vector<OfferModel> offers;
     for (const channel::CatalogueItem& item : supervisor().catalogue()) {
       const Picture* snapshot = supervisor().snapshot(item.kind);
@@ -210,7 +284,7 @@ LaterAnswer HomeScreen::galleryAnswer() {
       }
       auto drawing = offers_.find(item.kind);
       if (snapshot != nullptr && drawing == offers_.end()) {
-        if (auto drawn = draw(item, *snapshot, idPrefixOf(item.kind, "offer-"))) {
+        if (auto drawn = draw(item, *snapshot, idPrefix("o", item.kind))) {
           drawing = offers_.emplace(item.kind, std::move(*drawn)).first;
         }
       }
@@ -219,12 +293,12 @@ LaterAnswer HomeScreen::galleryAnswer() {
            .drawing = drawing == offers_.end() ? nullptr : &drawing->second,
            .placed = supervisor().isPlaced(item.kind)});
     }
-    return html(galleryMarkup(offers).html());
+    return html(galleryMarkup(offers, frame).html());
   };
 }
 
-EventStream HomeScreen::eventsSince(std::uint64_t version) {
-  return [this, version]() mutable -> std::shared_ptr<const std::string> {
+EventStream HomeScreen::eventsSince(std::uint64_t version, const PageFrame& frame) {
+  return [this, version, frame]() mutable -> std::shared_ptr<const std::string> {
     if (version == supervisor().version()) {
       return nullptr;
     }
@@ -232,57 +306,89 @@ EventStream HomeScreen::eventsSince(std::uint64_t version) {
       changesVersion_ = supervisor().version();
       changes_.clear();
     }
-    auto& event = changes_[version];
+    auto& event = changes_[{version, std::string(frame.language.tag())}];
     if (!event) {
-      event = std::make_shared<const std::string>("data: " + *changesSince(version) + "\n\n");
+      if (const auto changes = changesSince(version, frame)) {
+        event = std::make_shared<const std::string>("data: " + *changes + "\n\n");
+      }
     }
     version = supervisor().version();
     return event;
   };
 }
 
-std::shared_ptr<const std::string> HomeScreen::changesSince(std::uint64_t version) {
+std::optional<std::string> HomeScreen::changesSince(std::uint64_t version, const PageFrame& frame) {
   Array order;
   Dictionary cards;
   for (const WidgetState& card : supervisor().widgets()) {
     order.emplace_back(card.about->kind);
     if (card.version > version) {
-      cards.set(card.about->kind, cardMarkup(modelOf(card), currentDate()).html());
+      cards.set(
+          card.about->kind, cardMarkup(modelOf(card, frame.language), frame, currentDate()).html());
     }
   }
   const Dictionary changes{
       {"instance", instance_},
       {"version", supervisor().version()},
-      {"notice", noticeOf(supervisor().life(), supervisor().lastEnd())},
-      {"empty", emptyText()},
+      {"program", supervisor().programVersion()},
+      {"notice", noticeOf(supervisor(), signInHint_, frame.language)},
+      {"empty", emptyText(frame.language)},
       {"order", std::move(order)},
       {"cards", std::move(cards)}};
-  return std::make_shared<const std::string>(
-      writeJson(changes, JsonLayout::compact).value_or("{}"));
+  auto text = writeJson(changes, JsonLayout::compact);
+  if (!text) {
+    say("the page's changes cannot be written: " + text.error().reason);
+    return std::nullopt;
+  }
+  return std::move(*text);
 }
 
-CardModel HomeScreen::modelOf(const WidgetState& card) {
+void HomeScreen::say(const std::string& line) {
+  relay_.add(presentMoment().uptime, "quillpad-home: " + line);
+}
+
+CardModel HomeScreen::modelOf(const WidgetState& widget, const Language& language) {
+  const Drawn& drawn = this->drawn(widget);
   CardModel model{
-      .about = card.about,
-      .drawing = drawnCard(card),
-      .status = statusOf(card, droppedHint_),
-      .updated = std::nullopt,
-      .reload = card.reload};
-  if (card.picture != nullptr && card.picture->source == Picture::Source::timeline) {
-    model.updated = card.picture->received;
+      .about = widget.about,
+      .face =
+          {.drawing = drawn.card ? &*drawn.card : nullptr,
+           .status = statusOf(widget, signInHint_, language)},
+      .reload = widget.reload,
+      .awaited = widget.awaited,
+      .slowSince = widget.slowSince};
+  const Picture* picture = widget.picture;
+  if (picture != nullptr && picture->source == Picture::Source::timeline) {
+    model.face.updated = picture->received;
+  }
+  if (widget.kept != nullptr && drawn.kept && picture != nullptr && picture->failure) {
+    model.onPhone = std::exchange(
+        model.face,
+        {.drawing = &*drawn.kept,
+         .status = statusOfKept(widget, signInHint_, language),
+         .updated = widget.kept->received,
+         .failingSince = picture->failingSince});
   }
   return model;
 }
 
-const DrawnCard* HomeScreen::drawnCard(const WidgetState& card) {
-  Drawn& drawn = drawings_[card.about->kind];
-  if (drawn.version != card.version) {
-    drawn.version = card.version;
-    drawn.card = card.picture == nullptr
-                     ? std::nullopt
-                     : draw(*card.about, *card.picture, idPrefixOf(card.about->kind, "card-"));
+const HomeScreen::Drawn& HomeScreen::drawn(const WidgetState& widget) {
+  Drawn& drawn = drawings_[widget.about->kind];
+  if (drawn.version != widget.version) {
+    drawn.version = widget.version;
+    const auto drawnFrom = [&](const Picture* picture, std::string_view use) {
+      return picture == nullptr ? std::nullopt
+                                : draw(*widget.about, *picture, idPrefix(use, widget.about->kind));
+    };
+    drawn.card = drawnFrom(widget.picture, "c");
+    drawn.kept = drawnFrom(widget.kept, "k");
   }
-  return drawn.card ? &*drawn.card : nullptr;
+  return drawn;
+}
+
+std::string HomeScreen::idPrefix(std::string_view use, const std::string& kind) {
+  const std::size_t number = numbers_.try_emplace(kind, numbers_.size()).first->second;
+  return std::string(use) + std::to_string(number) + "-";
 }
 
 std::optional<DrawnCard> HomeScreen::draw(
@@ -298,17 +404,19 @@ std::optional<DrawnCard> HomeScreen::draw(
       locale_);
   auto document = cards_.writeForPage(list, idPrefix);
   if (!document) {
+    say("the picture of " + printableText(about.kind) + " is not shown: " + document.error());
     return std::nullopt;
   }
   return DrawnCard{.picture = trusted(std::move(*document)), .link = list.link};
 }
 
-std::string HomeScreen::emptyText() const {
+std::string HomeScreen::emptyText(const Language& language) const {
   if (!supervisor().widgets().empty()) {
     return "";
   }
-  return supervisor().catalogue().empty() ? "The extension is starting…"
-                                          : "No widget is placed. Add some with “Widgets”.";
+  return supervisor().catalogue().empty()
+             ? language.text("The extension is starting…")
+             : language.text("No widget is placed. Add some with “Widgets”.");
 }
 
 }  // namespace quillpad::home

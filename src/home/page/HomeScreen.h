@@ -12,16 +12,21 @@
 #include <poll.h>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "home/extension/Account.h"
 #include "home/extension/LineRelay.h"
 #include "home/extension/Moment.h"
 #include "home/extension/PreviewSession.h"
+#include "home/extension/ProgramWatch.h"
 #include "home/extension/WidgetHost.h"
 #include "home/extension/WidgetState.h"
+#include "home/page/CanvasView.h"
 #include "home/page/CardRenderer.h"
 #include "home/page/EngineerView.h"
 #include "home/page/Page.h"
+#include "home/page/PageAccess.h"
 #include "home/server/WebServer.h"
 
 namespace quillpad::home {
@@ -29,12 +34,14 @@ namespace quillpad::home {
 class HomeScreen {
  public:
   // Takes up the state of the last run and listens at the port; on failure one line that tells why.
-  // The hint is said where the extension drops a request: why that may be and what helps.
   static std::expected<std::unique_ptr<HomeScreen>, std::string> start(
-      const std::filesystem::path& extension, std::uint16_t port, std::string droppedHint);
+      const std::filesystem::path& extension,
+      std::uint16_t port,
+      const Account& account,
+      const SampleFolder& samples = SampleFolder({}));
 
-  // Of the page.
-  std::string address() const;
+  // Of the page, with the key that it needs.
+  std::string address(HomeView view = HomeView::desk) const;
 
   // What to poll for, and for how many milliseconds at most.
   void addDescriptors(std::vector<pollfd>& descriptors) const;
@@ -50,48 +57,61 @@ class HomeScreen {
   HomeScreen& operator=(const HomeScreen&) = delete;
 
  private:
-  // A widget's drawing, as of a version of its card.
+  // A widget's drawings, as of a version of its card.
   struct Drawn {
     std::uint64_t version = 0;
     std::optional<DrawnCard> card;
+    std::optional<DrawnCard> kept;
   };
 
-  HomeScreen(const std::filesystem::path& extension, std::string droppedHint);
+  HomeScreen(
+      const std::filesystem::path& extension, const Account& account, const SampleFolder& samples);
   Supervisor& supervisor() { return widgets_.supervisor(); }
   const Supervisor& supervisor() const { return widgets_.supervisor(); }
   WebReply answer(const WebRequest& request);
+  WebReply answerToOwner(const WebRequest& request);
   WebReply change(const WebRequest& request);
-  WebAnswer homeAnswer();
-  PageFrame newFrame() const;
-  LaterAnswer galleryAnswer();
+  WebAnswer homeAnswer(const WebRequest& request, HomeView view);
+  WebAnswer processAnswer(const PageFrame& frame) const;
+  PageFrame newFrame(const WebRequest& request) const;
+  LaterAnswer galleryAnswer(const PageFrame& frame);
   std::uint64_t seenVersion(const WebRequest& request) const;
-  EventStream eventsSince(std::uint64_t version);
-  std::shared_ptr<const std::string> changesSince(std::uint64_t version);
+  void takeUpProgram(const Moment& now);
+  EventStream eventsSince(std::uint64_t version, const PageFrame& frame);
+  // Nothing where they cannot be written, which is said.
+  std::optional<std::string> changesSince(std::uint64_t version, const PageFrame& frame);
+  void say(const std::string& line);
 
-  CardModel modelOf(const WidgetState& widget);
-  const DrawnCard* drawnCard(const WidgetState& widget);
+  CardModel modelOf(const WidgetState& widget, const Language& language);
+  std::string idPrefix(std::string_view use, const std::string& kind);
+  const Drawn& drawn(const WidgetState& widget);
   std::optional<DrawnCard> draw(
       const channel::CatalogueItem& about, const Picture& picture, const std::string& idPrefix);
-  std::string emptyText() const;
+  std::string emptyText(const Language& language) const;
 
+  PageAccess access_;
   std::string token_;
   std::string instance_;
   std::string locale_;
-  std::string droppedHint_;
+  std::string signInHint_;
 
   LineRelay relay_;
+  ProgramWatch program_;
   WidgetHost widgets_;
   PreviewSession previews_;
   CardRenderer cards_;
   EngineerView engineer_;
+  CanvasView canvas_;
+  std::map<std::string, std::size_t> numbers_;  // by kind, for ids that are short
   std::map<std::string, Drawn, std::less<>> drawings_;
+  std::uint64_t offersVersion_ = 0;  // of the snapshots that are drawn in offers_
   std::map<std::string, DrawnCard, std::less<>> offers_;
   std::unique_ptr<WebServer> server_;
 
   std::uint64_t shownVersion_ = 0;
-  // The events that lead to a version, by the version that a tab has seen before.
+  // The events that lead to a version, by the version that a tab has seen before and its language.
   std::uint64_t changesVersion_ = 0;
-  std::map<std::uint64_t, std::shared_ptr<const std::string>> changes_;
+  std::map<std::pair<std::uint64_t, std::string>, std::shared_ptr<const std::string>> changes_;
 };
 
 }  // namespace quillpad::home

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "home/language/Language.h"
+
 namespace quillpad::home {
 
 class Markup {
@@ -38,8 +40,15 @@ struct Slot {
   Markup value;
 };
 
-// The template with each {{name}} replaced by the slot's value. A name without a slot ends the
-// process: it is a fault of this program.
-Markup filled(std::string_view page, std::initializer_list<Slot> slots);
+// The template with each {{name}} replaced by the slot's value, and each {{"text"}} by the text in
+// the language. A name without a slot ends the process: it is a fault of this program.
+Markup filled(
+    std::string_view page, std::initializer_list<Slot> slots, const Language& language = {});
+
+// The text with {1}, {2} and so on replaced by markup.
+Markup filledIn(std::string_view text, std::initializer_list<Markup> values);
+
+// What text() in the script can be asked for, as JSON that may stand in a script element.
+Markup textsOf(std::string_view script, const Language& language);
 
 }  // namespace quillpad::home

@@ -1,32 +1,18 @@
 #include "home/page/Page.h"
 
-#include <algorithm>
-#include <array>
 #include <chrono>
 
+#include "home/extension/Links.h"
 #include "home/page/PageFiles.h"
 #include "home/page/WidgetSizes.h"
 #include "platform/foundation/Iso8601.h"
-#include "platform/foundation/URL.h"
+#include "platform/foundation/LocalTime.h"
+#include "platform/foundation/Locale.h"
 
 namespace quillpad::home {
 namespace {
 
 using namespace std::chrono_literals;
-
-// "4 min", "2 h", "3 d"; nothing below a minute.
-std::string inWords(std::chrono::milliseconds time) {
-  if (time >= 24h) {
-    return std::to_string(time / 24h) + " d";
-  }
-  if (time >= 1h) {
-    return std::to_string(time / 1h) + " h";
-  }
-  if (time >= 1min) {
-    return std::to_string(time / 1min) + " min";
-  }
-  return "";
-}
 
 Markup timeMarkup(std::string_view says, Date date, const std::string& words) {
   return filled(
@@ -34,132 +20,219 @@ Markup timeMarkup(std::string_view says, Date date, const std::string& words) {
       {{"says", escaped(says)}, {"date", escaped(iso8601(date))}, {"words", escaped(words)}});
 }
 
-Markup timesMarkup(const CardModel& card, Date now) {
+// The time of day, with the date where that is another day. The page's script says it as people of
+// its language do.
+std::string clockText(Date date, Date now) {
+  const char* day = "%Y-%m-%d";
+  const bool isToday = localTimeText(date, day) == localTimeText(now, day);
+  return localTimeText(date, isToday ? "%H:%M" : "%Y-%m-%d %H:%M");
+}
+
+Markup ageMarkup(const CardFace& face, const Language& language, Date now) {
+  if (!face.updated) {
+    return {};
+  }
+  const std::string clock = clockText(*face.updated, now);
+  if (!face.failingSince) {
+    return timeMarkup("updated", *face.updated, language.text("updated {1}", {clock}));
+  }
+  return filledIn(
+      language.text("as of {1}, gateway not reachable since {2}"),
+      {timeMarkup("clock", *face.updated, clock),
+       timeMarkup("clock", *face.failingSince, clockText(*face.failingSince, now))});
+}
+
+Markup reloadMarkup(Date reload, const Language& language, Date now) {
+  return timeMarkup(
+      "reloads",
+      reload,
+      now - reload > 1min ? language.text("reload overdue")
+                          : language.text("reloads {1}", {clockText(reload, now)}));
+}
+
+Markup timesMarkup(
+    const CardModel& card, const CardFace& face, const Language& language, Date now) {
   Markup times;
-  if (card.updated) {
-    const std::string age = inWords(now - *card.updated);
-    times = timeMarkup("updated", *card.updated, age.empty() ? "just now" : age + " ago");
+  const auto add = [&times](std::string_view name, const Markup& part) {
+    if (!part.empty()) {
+      times += filled(
+          page::timesPartHtml,
+          {{"name", escaped(name)},
+           {"separator", escaped(times.empty() ? "" : "\u00a0· ")},
+           {"part", part}});
+    }
+  };
+  add("age", ageMarkup(face, language, now));
+  if (card.slowSince) {
+    const std::string clock = localTimeText(*card.slowSince, "%H:%M:%S");
+    add("next",
+        filledIn(
+            language.text("asking since {1}"), {timeMarkup("second", *card.slowSince, clock)}));
+  } else if (card.reload) {
+    add("next", reloadMarkup(*card.reload, language, now));
   }
-  if (card.reload) {
-    const std::string left = inWords(*card.reload - now + 30s);
-    times += escaped(times.empty() ? "" : " · ");
-    times += timeMarkup(
-        "reloads",
-        *card.reload,
-        now - *card.reload > 1min ? "reload overdue"
-        : left.empty()            ? "reloads now"
-                                  : "reloads in " + left);
-  }
-  if (!card.status.note.empty()) {
-    times += escaped(times.empty() ? "" : " · ");
-    times += escaped(card.status.note);
-  }
+  add("note", escaped(face.status.note));
   return times;
 }
 
-Markup pictureOf(const DrawnCard* drawing) {
-  return drawing == nullptr ? Markup{} : drawing->picture;
+Markup directionOf(std::string_view language) {
+  return escaped(isRightToLeft(std::string(language)) ? "rtl" : "ltr");
 }
 
-}  // namespace
+std::string sizeName(const channel::CatalogueItem& about, const Language& language) {
+  const bool small = familyOf(about) == ui::WidgetFamily::systemSmall;
+  return language.text(small ? "Small" : "Medium");
+}
 
-Markup cardMarkup(const CardModel& card, Date now) {
-  const Markup name = escaped(card.about->displayName);
-  const bool linked =
-      card.drawing != nullptr && card.drawing->link && leadsToApplication(*card.drawing->link);
+Markup faceMarkup(
+    const CardModel& card,
+    const CardFace& face,
+    const Markup& onPhone,
+    const PageFrame& frame,
+    Date now) {
+  const Language& language = frame.language;
+  const std::string& name = card.about->displayName;
+  const std::string size = sizeName(*card.about, language);
+  const bool linked = face.drawing != nullptr && face.drawing->link &&
+                      leadsToApplication(*card.about, *face.drawing->link);
   Markup badge;
-  if (!card.status.badge.empty()) {
+  if (!face.status.badge.empty()) {
     badge = filled(
         page::badgeHtml,
-        {{"badge", escaped(card.status.badge)},
-         {"name", name},
-         {"cause", escaped(card.status.cause)}});
+        {{"badge", escaped(face.status.badge)},
+         {"name", escaped(name)},
+         {"cause", escaped(face.status.cause)}});
   }
   return filled(
       page::cardHtml,
       {{"family", escaped(ui::familyName(familyOf(*card.about)))},
+       {"kept", escaped(face.failingSince ? " kept" : "")},
+       {"awaited", escaped(card.awaited ? " awaited" : "")},
        {"kind", escaped(card.about->kind)},
-       {"status", escaped(levelName(card.status.level))},
+       {"status", escaped(levelName(face.status.level))},
+       {"reload", escaped(card.reload ? iso8601(*card.reload) : "")},
        {"element", escaped(linked ? "a" : "div")},
        {"link",
-        linked ? filled(page::linkHtml, {{"link", escaped(*card.drawing->link)}}) : Markup{}},
-       {"picture", pictureOf(card.drawing)},
+        linked ? filled(page::linkHtml, {{"link", escaped(*face.drawing->link)}}) : Markup{}},
+       {"picture", face.drawing == nullptr ? Markup{} : face.drawing->picture},
        {"badge", badge},
-       {"name", name},
-       {"times", timesMarkup(card, now)}});
+       {"name", escaped(name)},
+       {"language", escaped(frame.cardLanguage)},
+       {"direction", directionOf(frame.cardLanguage)},
+       {"again", escaped(language.text("Reload {1}, {2}", {name, size}))},
+       {"move", escaped(language.text("Move {1}, {2}", {name, size}))},
+       {"times", timesMarkup(card, face, language, now)},
+       {"onPhone", onPhone}},
+      language);
+}
+
+}  // namespace
+
+Markup cardMarkup(const CardModel& card, const PageFrame& frame, Date now) {
+  Markup onPhone;
+  if (card.onPhone) {
+    onPhone = filled(
+        page::onPhoneHtml, {{"card", faceMarkup(card, *card.onPhone, Markup{}, frame, now)}});
+  }
+  return faceMarkup(card, card.face, onPhone, frame, now);
 }
 
 Markup homePage(const HomeModel& model, const PageFrame& frame, Date now) {
   Markup cards;
   for (const CardModel& card : model.cards) {
-    cards += cardMarkup(card, now);
+    cards += cardMarkup(card, frame, now);
+  }
+  const bool wall = model.view == HomeView::wall;
+  std::string script(page::textsJs);
+  for (const std::string_view part :
+       {page::eventsJs,
+        page::homeJs,
+        page::stateJs,
+        page::tapJs,
+        wall ? page::wallJs : page::orderJs}) {
+    script += part;
   }
   return filled(
       page::homeHtml,
-      {{"direction", escaped(frame.rightToLeft ? "rtl" : "ltr")},
+      {{"language", escaped(frame.language.tag())},
+       {"direction", directionOf(frame.language.tag())},
+       {"view", escaped(wall ? "wall" : "desk")},
        {"token", escaped(frame.token)},
        {"instance", escaped(frame.instance)},
-       {"version", escaped(std::to_string(model.version))},
+       {"version", escaped(std::to_string(frame.version))},
        {"nonce", escaped(frame.nonce)},
        {"style", trusted(std::string(page::styleCss))},
+       {"viewStyle", trusted(std::string(wall ? page::wallCss : ""))},
        {"appearanceScript", trusted(std::string(page::appearanceJs))},
        {"notice", escaped(model.notice)},
        {"cards", cards},
        {"empty", escaped(model.empty)},
-       {"script", trusted(std::string(page::homeJs))}});
+       {"engineer", escaped(addressOf("engineer", frame))},
+       {"canvas", escaped(addressOf("canvas", frame))},
+       {"texts", textsOf(script, frame.language)},
+       {"script", trusted(script)}},
+      frame.language);
 }
 
-Markup galleryMarkup(const std::vector<OfferModel>& offers) {
+Markup galleryMarkup(const std::vector<OfferModel>& offers, const PageFrame& frame) {
+  const Language& language = frame.language;
   Markup markup;
   for (const OfferModel& offer : offers) {
     const std::string& name = offer.about->displayName;
-    const bool small = familyOf(*offer.about) == ui::WidgetFamily::systemSmall;
-    const std::string word = offer.placed ? "Remove" : "Add";
-    std::string label = word;
-    label.append(" ").append(name).append(small ? ", small" : ", medium");
+    const std::string size = sizeName(*offer.about, language);
     markup += filled(
         page::galleryItemHtml,
-        {{"picture", pictureOf(offer.drawing)},
+        {{"picture",
+          offer.drawing == nullptr ? escaped(language.text("No picture yet"))
+                                   : offer.drawing->picture},
          {"name", escaped(name)},
-         {"size", escaped(small ? "Small" : "Medium")},
+         {"size", escaped(size)},
          {"description", escaped(offer.about->description)},
+         {"language", escaped(frame.cardLanguage)},
+         {"direction", directionOf(frame.cardLanguage)},
          {"action", escaped(offer.placed ? "remove" : "place")},
          {"kind", escaped(offer.about->kind)},
-         {"label", escaped(label)},
-         {"word", escaped(word)}});
+         {"label",
+          escaped(language.text(offer.placed ? "Remove {1}, {2}" : "Add {1}, {2}", {name, size}))},
+         {"word", escaped(language.text(offer.placed ? "Remove" : "Add"))}});
   }
   return markup;
 }
 
-std::string contentPolicy(const std::string& nonce) {
-  return "default-src 'none'; style-src 'nonce-" + nonce + "'; script-src 'nonce-" + nonce +
-         "'; img-src 'self' data:; connect-src 'self'; form-action 'self'; base-uri 'none'; "
-         "frame-ancestors 'none'";
+Markup problemPage(const std::string& problem, const PageFrame& frame) {
+  return filled(
+      page::problemHtml,
+      {{"language", escaped(frame.language.tag())},
+       {"direction", directionOf(frame.language.tag())},
+       {"nonce", escaped(frame.nonce)},
+       {"style", trusted(std::string(page::styleCss))},
+       {"appearanceScript", trusted(std::string(page::appearanceJs))},
+       {"problem", escaped(problem)},
+       {"engineer", escaped(addressOf("engineer", frame))},
+       {"home", escaped(addressOf("", frame))}},
+      frame.language);
 }
 
-bool leadsToApplication(std::string_view link) {
-  static constexpr std::array<std::string_view, 12> browsers{
-      "about",
-      "blob",
-      "chrome",
-      "data",
-      "file",
-      "filesystem",
-      "ftp",
-      "http",
-      "https",
-      "javascript",
-      "vbscript",
-      "view-source"};
-  const auto url = URL::parse(link);
-  if (!url || url->scheme().empty()) {
-    return false;
+std::string addressOf(std::string_view view, const PageFrame& frame) {
+  std::string address = "/";
+  for (const auto& [name, value] :
+       {std::pair<std::string_view, std::string_view>{"view", view}, {"lang", frame.wish}}) {
+    if (!value.empty()) {
+      address += address.size() == 1 ? '?' : '&';
+      address.append(name).append("=").append(value);
+    }
   }
-  std::string scheme = url->scheme();
-  std::ranges::transform(scheme, scheme.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return std::ranges::find(browsers, scheme) == browsers.end();
+  return address;
+}
+
+std::vector<std::pair<std::string, std::string>> pageHeaders(const PageFrame& frame) {
+  return {
+      {"Content-Security-Policy",
+       "default-src 'none'; style-src 'nonce-" + frame.nonce + "'; script-src 'nonce-" +
+           frame.nonce +
+           "'; img-src 'self' data:; connect-src 'self'; form-action 'self'; base-uri 'none'; "
+           "frame-ancestors 'none'"},
+      {"Set-Cookie", frame.cookie}};
 }
 
 }  // namespace quillpad::home

@@ -1,9 +1,11 @@
 // The home screen's page as HTML, made from what it shows. Pure.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "home/extension/WidgetStatus.h"
@@ -18,29 +20,45 @@ struct DrawnCard {
   std::optional<std::string> link;
 };
 
+// What a card shows.
+struct CardFace {
+  const DrawnCard* drawing = nullptr;  // nullptr: none yet
+  WidgetStatus status{};
+  std::optional<Date> updated{};
+  std::optional<Date> failingSince{};  // where these are kept figures
+};
+
 struct CardModel {
   const channel::CatalogueItem* about = nullptr;
-  const DrawnCard* drawing = nullptr;  // nullptr: none yet
-  WidgetStatus status;
-  std::optional<Date> updated;
-  std::optional<Date> reload;
+  CardFace face{};
+  std::optional<CardFace> onPhone{};  // where the phone would show something else
+  std::optional<Date> reload{};
+  bool awaited = false;
+  std::optional<Date> slowSince{};
 };
 
 // What a page needs besides its content.
 struct PageFrame {
-  std::string token{};     // that changes have to bring along
-  std::string instance{};  // of the running home screen
-  std::string nonce{};     // of this answer, for its style and scripts
-  bool rightToLeft = false;
+  std::string token{};        // that changes have to bring along
+  std::string instance{};     // of the running home screen
+  std::uint64_t version = 0;  // of what is shown
+  std::string nonce{};        // of this answer, for its style and scripts
+  std::string cookie{};       // by which the browser is known from now on
+  Language language{};
+  std::string wish{};               // the language that the address asks for; links keep it
+  std::string cardLanguage = "en";  // of the extension's names and pictures
 };
 
-Markup cardMarkup(const CardModel& card, Date now);
+Markup cardMarkup(const CardModel& card, const PageFrame& frame, Date now);
+
+// For a desk, with all that there is to read and to do; for a wall, the cards alone.
+enum class HomeView { desk, wall };
 
 struct HomeModel {
+  HomeView view = HomeView::desk;
   std::vector<CardModel> cards;
   std::string notice;
   std::string empty;  // said where there is no card
-  std::uint64_t version = 0;
 };
 Markup homePage(const HomeModel& model, const PageFrame& frame, Date now);
 
@@ -49,13 +67,15 @@ struct OfferModel {
   const DrawnCard* drawing = nullptr;  // nullptr: the extension gave none
   bool placed = false;
 };
-Markup galleryMarkup(const std::vector<OfferModel>& offers);
+Markup galleryMarkup(const std::vector<OfferModel>& offers, const PageFrame& frame);
 
-// The headers of a page whose style and scripts carry the nonce.
-std::string contentPolicy(const std::string& nonce);
+// Says why there is nothing to see at an address, and leads back.
+Markup problemPage(const std::string& problem, const PageFrame& frame);
 
-// Whether a link leads to an application, and so may stand on a page: a link into the browser, a
-// file or a script does not.
-bool leadsToApplication(std::string_view link);
+// The page's own address, or that of its view, in the language that was asked for.
+std::string addressOf(std::string_view view, const PageFrame& frame);
+
+// The headers that a page goes out with.
+std::vector<std::pair<std::string, std::string>> pageHeaders(const PageFrame& frame);
 
 }  // namespace quillpad::home

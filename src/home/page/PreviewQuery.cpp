@@ -67,11 +67,13 @@ PreviewQuery PreviewQuery::parse(const WebRequest& request) {
       .kind = std::string(request.parameter("kind")),
       .screen = isScreen(screen) ? std::string(screen) : "",
       .language = std::string(request.parameter("language")),
+      .currency = std::string(request.parameter("currency")),
       .appearances = valueOf(appearanceNames, request.parameter("appearance")),
       .format = valueOf(formatNames, request.parameter("format")),
       .scale = valueOf(scaleNames, request.parameter("scale")),
       .boxes = request.parameter("boxes") == "1",
       .state = valueOf(stateNames, request.parameter("state")),
+      .start = std::string(request.parameter("start")),
       .entry = std::string(request.parameter("entry"))};
 }
 
@@ -86,11 +88,13 @@ std::string PreviewQuery::toUrl(std::string_view path) const {
   add("kind", kind, "");
   add("screen", screen, "");
   add("language", language, "");
+  add("currency", currency, "");
   add("appearance", nameOf(appearanceNames, appearances), appearanceNames.front().first);
   add("format", nameOf(formatNames, format), formatNames.front().first);
   add("scale", nameOf(scaleNames, scale), scaleNames.front().first);
   add("boxes", boxes ? "1" : "", "");
   add("state", stateName(state), stateNames.front().first);
+  add("start", start, "");
   add("entry", entry, "");
   return url;
 }

@@ -12,6 +12,10 @@ namespace quillpad::home {
 
 enum class PreviewState { timeline, placeholder, snapshot, entry };
 
+// What an entry of one's own can start from, as it stands in an address.
+inline constexpr std::string_view startFromLive = "live";
+inline constexpr std::string_view startFromSample = "sample/";  // and its name
+
 struct PreviewQuery {
   enum class Appearances { both, light, dark };
   enum class Format { svg, png };
@@ -19,12 +23,14 @@ struct PreviewQuery {
   std::string kind{};      // empty: the catalogue's first
   std::string screen{};    // empty: the default
   std::string language{};  // a locale's identifier; empty: that of the home screen
+  std::string currency{};  // empty: that of the settings
   Appearances appearances = Appearances::both;
   Format format = Format::svg;
   int scale = 2;
   bool boxes = false;
   PreviewState state = PreviewState::timeline;  // whose details are shown
-  std::string entry{};                          // as it was typed
+  std::string start{};                          // what the entry starts from, as above
+  std::string entry{};                          // as it was typed; empty: as it starts
 
   static PreviewQuery parse(const WebRequest& request);
 

@@ -27,12 +27,13 @@ std::expected<LoopbackListener, std::error_code> LoopbackListener::open(std::uin
   return LoopbackListener{std::move(socket), ntohs(address.sin_port)};
 }
 
-void allowDescriptors(std::uint64_t count) {
+std::uint64_t allowDescriptors(std::uint64_t count) {
   rlimit limit{};
   if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < count) {
     limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, count);
     ::setrlimit(RLIMIT_NOFILE, &limit);
   }
+  return limit.rlim_cur;
 }
 
 }  // namespace quillpad::home

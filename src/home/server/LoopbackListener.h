@@ -17,7 +17,8 @@ struct LoopbackListener {
   static std::expected<LoopbackListener, std::error_code> open(std::uint16_t port);
 };
 
-// Raises this process's limit of open descriptors to so many, as far as the system allows it.
-void allowDescriptors(std::uint64_t count);
+// Raises this process's limit of open descriptors to so many, as far as the system allows it, and
+// returns the limit.
+std::uint64_t allowDescriptors(std::uint64_t count);
 
 }  // namespace quillpad::home

@@ -17,7 +17,7 @@ namespace quillpad::home {
 struct RequestHead {
   std::string_view method{};
   std::string_view path{};
-  bool hasQuery = false;
+  bool hasQuery = false;  // of more than the key
   std::string_view host{};
   std::string_view origin{};
   std::string_view fetchSite{};  // Sec-Fetch-Site

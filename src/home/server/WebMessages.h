@@ -17,7 +17,9 @@ struct WebRequest {
   std::string method;
   std::string path;
   std::map<std::string, std::string, std::less<>> parameters{};  // of the query, decoded
-  std::string pageToken{};                                       // the header X-Page-Token
+  std::map<std::string, std::string, std::less<>> cookies{};
+  std::string pageToken{};       // the header X-Page-Token
+  std::string acceptLanguage{};  // the header Accept-Language
 
   // Empty where there is no such parameter.
   std::string_view parameter(std::string_view name) const {

@@ -21,8 +21,9 @@ using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
 constexpr unsigned maxConnections = 2048;
-constexpr unsigned otherDescriptors = 256;  // of the server and of its program
-constexpr unsigned stallSeconds = 15;       // a peer that takes nothing for so long is gone
+constexpr unsigned otherDescriptors =
+    256;                               // of the server and of its program, where there are many
+constexpr unsigned stallSeconds = 15;  // a peer that takes nothing for so long is gone
 constexpr std::size_t maxHeadBytes = std::size_t{48} * 1024;
 constexpr std::size_t streamBlock = std::size_t{16} * 1024;
 
@@ -36,7 +37,9 @@ RequestHead headOf(MHD_Connection* connection, const char* path, const char* met
       .method = method,
       .path = path,
       .hasQuery =
-          MHD_get_connection_values(connection, MHD_GET_ARGUMENT_KIND, nullptr, nullptr) > 0,
+          MHD_get_connection_values(connection, MHD_GET_ARGUMENT_KIND, nullptr, nullptr) >
+          (MHD_lookup_connection_value(connection, MHD_GET_ARGUMENT_KIND, "key") != nullptr ? 1
+                                                                                            : 0),
       .host = header(connection, MHD_HTTP_HEADER_HOST),
       .origin = header(connection, "Origin"),
       .fetchSite = header(connection, "Sec-Fetch-Site"),
@@ -48,16 +51,23 @@ RequestHead headOf(MHD_Connection* connection, const char* path, const char* met
 
 WebRequest requestOf(MHD_Connection* connection, const char* path, const char* method) {
   WebRequest request{
-      .method = method, .path = path, .pageToken = std::string(header(connection, "X-Page-Token"))};
-  MHD_get_connection_values(
-      connection,
-      MHD_GET_ARGUMENT_KIND,
-      [](void* parameters, MHD_ValueKind, const char* name, const char* value) {
-        static_cast<decltype(request.parameters)*>(parameters)
-            ->emplace(name, value == nullptr ? "" : value);
-        return MHD_YES;
-      },
-      &request.parameters);
+      .method = method,
+      .path = path,
+      .pageToken = std::string(header(connection, "X-Page-Token")),
+      .acceptLanguage = std::string(header(connection, MHD_HTTP_HEADER_ACCEPT_LANGUAGE))};
+  const auto take = [&](MHD_ValueKind what, decltype(request.parameters)& values) {
+    MHD_get_connection_values(
+        connection,
+        what,
+        [](void* into, MHD_ValueKind, const char* name, const char* value) {
+          static_cast<decltype(request.parameters)*>(into)->emplace(
+              name, value == nullptr ? "" : value);
+          return MHD_YES;
+        },
+        &values);
+  };
+  take(MHD_GET_ARGUMENT_KIND, request.parameters);
+  take(MHD_COOKIE_KIND, request.cookies);
   return request;
 }
 
@@ -104,7 +114,7 @@ MHD_Result send(MHD_Connection* connection, const WebAnswer& answer) {
 // Joins libmicrohttpd, which calls back for each connection and request, with the rest.
 class WebServer::Engine {
  public:
-  Engine(LoopbackListener listener, Limits limits, Handler handler)
+  Engine(LoopbackListener listener, unsigned connections, Limits limits, Handler handler)
       : limits_(limits),
         handler_(std::move(handler)),
         listener_(std::move(listener)),
@@ -119,7 +129,7 @@ class WebServer::Engine {
         MHD_OPTION_LISTEN_SOCKET,
         listener_.socket.get(),
         MHD_OPTION_CONNECTION_LIMIT,
-        maxConnections,
+        connections,
         MHD_OPTION_CONNECTION_TIMEOUT,
         stallSeconds,
         MHD_OPTION_CONNECTION_MEMORY_LIMIT,
@@ -364,12 +374,18 @@ std::expected<WebServer, std::string> WebServer::start(
              ? "another program uses it; choose another one with --port"
              : error.message()));
   };
-  allowDescriptors(maxConnections + otherDescriptors);
+  const std::uint64_t descriptors = allowDescriptors(maxConnections + otherDescriptors);
+  const std::uint64_t reserve = std::min<std::uint64_t>(otherDescriptors, descriptors / 2);
+  const auto connections =
+      static_cast<unsigned>(std::min<std::uint64_t>(maxConnections, descriptors - reserve));
+  limits.streams = std::min<std::size_t>(limits.streams, connections / 4);
+  limits.otherConnections = std::min<std::size_t>(limits.otherConnections, connections / 4);
   auto listener = LoopbackListener::open(port);
   if (!listener) {
     return failed(listener.error());
   }
-  auto engine = std::make_unique<Engine>(std::move(*listener), limits, std::move(handler));
+  auto engine =
+      std::make_unique<Engine>(std::move(*listener), connections, limits, std::move(handler));
   if (!engine->started()) {
     return failed({errno, std::generic_category()});
   }

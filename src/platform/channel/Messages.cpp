@@ -53,7 +53,8 @@ constexpr std::tuple fieldsOf<channel::RenderRequest>{
     Field{"kind", &channel::RenderRequest::kind},
     Field{"entry", &channel::RenderRequest::entry},
     Field{"family", &channel::RenderRequest::family},
-    Field{"locale", &channel::RenderRequest::locale, Presence::optional}};
+    Field{"locale", &channel::RenderRequest::locale, Presence::optional},
+    Field{"currency", &channel::RenderRequest::currency, Presence::optional}};
 
 template <>
 constexpr std::tuple<> fieldsOf<channel::PingRequest>{};
@@ -66,7 +67,8 @@ constexpr std::tuple fieldsOf<channel::CatalogueItem>{
     Field{"displayName", &channel::CatalogueItem::displayName},
     Field{"description", &channel::CatalogueItem::description},
     Field{"families", &channel::CatalogueItem::families},
-    Field{"languages", &channel::CatalogueItem::languages, Presence::defaulted}};
+    Field{"languages", &channel::CatalogueItem::languages, Presence::defaulted},
+    Field{"linkSchemes", &channel::CatalogueItem::linkSchemes, Presence::defaulted}};
 
 template <>
 constexpr auto fieldsOf<channel::Catalogue> = &channel::Catalogue::items;

@@ -55,7 +55,8 @@ struct RenderRequest {
   std::string kind;
   Entry entry;
   std::optional<ui::WidgetFamily> family;  // absent: the kind's first
-  std::string locale;                      // empty: the extension's own
+  std::string locale{};                    // empty: the extension's own
+  std::string currency{};                  // for example "€"; empty: that of the settings
 };
 struct PingRequest {};
 using Request = std::variant<
@@ -80,7 +81,8 @@ struct CatalogueItem {
   std::string displayName;
   std::string description;
   std::vector<ui::WidgetFamily> families;
-  std::vector<std::string> languages;  // that its texts are translated into: "de", "zh-Hans"
+  std::vector<std::string> languages;      // that its texts are translated into: "de", "zh-Hans"
+  std::vector<std::string> linkSchemes{};  // of the links that its views may have: "quillpad"
 };
 struct Catalogue {
   std::vector<CatalogueItem> items;

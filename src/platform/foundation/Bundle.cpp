@@ -5,16 +5,20 @@
 namespace quillpad {
 namespace {
 
-std::filesystem::path folderOfProgram() {
+std::filesystem::path thisProgram() {
   std::error_code error;
-  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
 }  // namespace
 
 const Bundle& Bundle::main() {
-  static const Bundle mainBundle(folderOfProgram().parent_path() / "share" / "quillpad-widgets");
+  static const Bundle mainBundle = ofProgram(thisProgram());
   return mainBundle;
+}
+
+Bundle Bundle::ofProgram(const std::filesystem::path& program) {
+  return Bundle(program.parent_path().parent_path() / "share" / "quillpad-widgets");
 }
 
 std::optional<std::string> Bundle::localization(const std::string& locale) const {

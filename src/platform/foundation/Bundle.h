@@ -15,6 +15,9 @@ class Bundle {
   // lies in.
   static const Bundle& main();
 
+  // The same of another program.
+  static Bundle ofProgram(const std::filesystem::path& program);
+
   explicit Bundle(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
   const std::filesystem::path& folder() const { return folder_; }

@@ -1,6 +1,7 @@
 // Reading and writing JSON. Functions of their arguments alone, callable from any thread.
 #pragma once
 
+#include <cstddef>
 #include <expected>
 #include <string>
 #include <string_view>
@@ -15,6 +16,7 @@ struct JsonError {
   // What the phone shows a person; where in the text, and why, stands in `reason`.
   std::string localizedDescription;
   std::string reason;
+  std::size_t line = 0;  // of the text, from 1; 0 where it is not at one place
 };
 
 // Parses one JSON document in UTF-8: strict syntax, at most 512 containers deep, of two members

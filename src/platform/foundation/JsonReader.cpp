@@ -105,15 +105,18 @@ class ValueBuilder {
 };
 
 // Without any of the text itself, which may be private.
-std::string reasonAt(std::string_view text, std::size_t position) {
+std::unexpected<JsonError> refusedAt(std::string_view text, std::size_t position) {
   const std::string_view before = text.substr(0, position);
-  const auto line = 1 + std::ranges::count(before, '\n');
+  const auto line = static_cast<std::size_t>(1 + std::ranges::count(before, '\n'));
   const std::size_t column = std::max<std::size_t>(1, before.size() - (before.rfind('\n') + 1));
-  return "invalid JSON at line " + std::to_string(line) + ", column " + std::to_string(column);
+  return std::unexpected(JsonError{
+      unreadable,
+      "invalid JSON at line " + std::to_string(line) + ", column " + std::to_string(column),
+      line});
 }
 
 std::unexpected<JsonError> refused(std::string reason) {
-  return std::unexpected(JsonError{unreadable, std::move(reason)});
+  return std::unexpected(JsonError{unreadable, std::move(reason), 0});
 }
 
 }  // namespace
@@ -122,7 +125,7 @@ std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fr
   // The parser takes a zero byte for the end of the text.
   const std::size_t zero = text.find('\0');
   if (zero != std::string_view::npos) {
-    return refused(reasonAt(text, zero + 1));
+    return refusedAt(text, zero + 1);
   }
 
   ValueBuilder builder;
@@ -130,7 +133,7 @@ std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fr
     if (builder.tooDeep()) {
       return refused("more than 512 arrays and objects inside one another");
     }
-    return refused(reasonAt(text, builder.errorPosition()));
+    return refusedAt(text, builder.errorPosition());
   }
   Value document = builder.takeDocument();
   const bool isContainer = document.as<Array>() != nullptr || document.as<Dictionary>() != nullptr;

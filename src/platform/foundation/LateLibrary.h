@@ -37,4 +37,4 @@ class LateFunction {
 // be a macro for the one in the library, as ICU's are.
 #define QUILLPAD_LATE_FUNCTION(library, name) QUILLPAD_LATE_FUNCTION_NAMED(library, name)
 #define QUILLPAD_LATE_FUNCTION_NAMED(library, name) \
-  inline constinit const LateFunction<decltype(::name)> name { library, #name }
+  inline constinit const LateFunction<decltype(::name)> name { library, #name }  // NOLINT: not ours

@@ -6,7 +6,7 @@ namespace quillpad {
 
 std::tm localTime(Date date) {
   const std::time_t seconds =
-      std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(date));
+      std::chrono::floor<std::chrono::seconds>(date).time_since_epoch().count();
   std::tm fields{};
   tzset();  // localtime_r alone need not notice that TZ changed
   localtime_r(&seconds, &fields);

@@ -13,6 +13,7 @@ namespace {
 
 // The locale of the calls of this thread; empty: the environment's.
 thread_local std::string localeOfThread;
+thread_local std::string currencyOfThread;  // empty: none of its own
 
 std::string_view environmentLocale(LocaleCategory category) {
   const char* own = category == LocaleCategory::numbers ? "LC_NUMERIC" : "LC_MESSAGES";
@@ -27,7 +28,7 @@ std::string_view environmentLocale(LocaleCategory category) {
 
 bool isAsciiLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
-bool namesLocale(std::string_view name) {
+bool isIdentifier(std::string_view name) {
   constexpr std::size_t maxLength = 64;
   return !name.empty() && name.size() <= maxLength && isAsciiLetter(name.front()) &&
          std::ranges::all_of(
@@ -38,7 +39,7 @@ bool namesLocale(std::string_view name) {
 std::string identifierOf(std::string_view value) {
   std::string name(value.substr(0, value.find_first_of(".@")));
   std::ranges::replace(name, '-', '_');
-  if (name == "C" || name == "POSIX" || !namesLocale(name)) {
+  if (name == "C" || name == "POSIX" || !isIdentifier(name)) {
     return "en_US_POSIX";
   }
   const std::size_t languageEnd = std::min(name.find('_'), name.size());
@@ -66,11 +67,22 @@ std::string currentLocale(LocaleCategory category) {
   return localeOfThread.empty() ? identifierOf(environmentLocale(category)) : localeOfThread;
 }
 
-ScopedLocale::ScopedLocale(const std::string& locale)
-    : before_(
-          std::exchange(localeOfThread, locale.empty() ? localeOfThread : identifierOf(locale))) {}
+const std::string& scopedCurrency() { return currencyOfThread; }
 
-ScopedLocale::~ScopedLocale() { localeOfThread = std::move(before_); }
+ScopedLocale::ScopedLocale(const std::string& locale, const std::string& currency)
+    : localeBefore_(
+          std::exchange(localeOfThread, locale.empty() ? localeOfThread : identifierOf(locale))),
+      currencyBefore_(
+          std::exchange(currencyOfThread, currency.empty() ? currencyOfThread : currency)) {}
+
+ScopedLocale::~ScopedLocale() {
+  localeOfThread = std::move(localeBefore_);
+  currencyOfThread = std::move(currencyBefore_);
+}
+
+bool namesLocale(std::string_view text) {
+  return text == "C" || text == "POSIX" || identifierOf(text) != identifierOf("C");
+}
 
 std::vector<std::string> languagesOf(const std::string& locale) {
   const std::string language = partOf(locale, uloc_getLanguage);

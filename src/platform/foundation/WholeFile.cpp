@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstdint>
 #include <fcntl.h>
 #include <sys/random.h>
@@ -30,13 +32,31 @@ std::error_code writeInPlace(const std::filesystem::path& file, std::string_view
   return descriptor ? writeAll(descriptor.get(), bytes) : lastError();
 }
 
-// A name that no other process can have foreseen.
-std::string unguessableName() {
+constexpr std::string_view temporaryPrefix = ".quillpad-";
+
+// A name that tells whose it is and that no other process can have foreseen.
+std::string temporaryName() {
   std::uint64_t number = 0;
   if (getrandom(&number, sizeof number, 0) != sizeof number) {
     fatal("WholeFile.cpp: the system has no random numbers");
   }
-  return ".quillpad-" + std::to_string(number);
+  return std::string(temporaryPrefix) + std::to_string(getpid()) + "-" + std::to_string(number);
+}
+
+// Removes what processes that were ended while they wrote have left there: it may hold what was to
+// be private.
+void removeLeftovers(const std::filesystem::path& folder) {
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    const std::string name = entry.path().filename();
+    pid_t writer = 0;
+    if (name.starts_with(temporaryPrefix)) {
+      std::from_chars(name.data() + temporaryPrefix.size(), name.data() + name.size(), writer);
+    }
+    if (writer > 0 && kill(writer, 0) != 0 && errno == ESRCH) {
+      unlink(entry.path().c_str());
+    }
+  }
 }
 
 // A file on the way to its place in a folder.
@@ -45,7 +65,7 @@ class NewFile {
   NewFile(std::filesystem::path place, mode_t mode)
       : place_(std::move(place)),
         folder_(place_.has_parent_path() ? place_.parent_path() : "."),
-        temporary_(folder_ / unguessableName()),
+        temporary_(folder_ / temporaryName()),
         descriptor_(open(folder_.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, mode)) {
     if (!descriptor_) {  // a file system without nameless files, or no such folder
       descriptor_ =
@@ -71,15 +91,16 @@ class NewFile {
   }
 
   // Writes the bytes and puts the file in its place.
-  std::error_code fill(std::string_view bytes) {
+  std::error_code fill(std::string_view bytes, Durability durability) {
+    const bool syncs = durability == Durability::synced;
     if (!error_) {
       error_ = writeAll(descriptor_.get(), bytes);
     }
-    check(error_ ? 0 : fsync(descriptor_.get()));
+    check(error_ || !syncs ? 0 : fsync(descriptor_.get()));
     if (!error_) {
       moveToPlace();
     }
-    return error_ ? error_ : syncFolder(folder_);
+    return error_ || !syncs ? error_ : syncFolder(folder_);
   }
 
  private:
@@ -177,7 +198,11 @@ std::error_code writeWholeFile(
   if (exists && options.access == FileAccess::asBefore) {
     created.setMode(old.st_mode & 0777U);
   }
-  return created.fill(bytes);
+  const std::error_code error = created.fill(bytes, options.durability);
+  if (options.access == FileAccess::ownerOnly) {
+    removeLeftovers((unresolved ? file : target).parent_path());
+  }
+  return error;
 }
 
 }  // namespace quillpad

@@ -27,17 +27,22 @@ enum class FileAccess {
   asBefore,   // the mode of the file that is replaced; a new file's follows the umask
 };
 
+// What a loss of power may take.
+enum class Durability { synced, unsynced };
+
 struct WriteOptions {
   FileAccess access = FileAccess::ownerOnly;
+  Durability durability = Durability::synced;
 };
 
-// Puts the bytes in the file's place, durably: who opens the file finds what was there before or
-// all of the new. On failure the old file stands. A symbolic link stays and its target is replaced;
-// a device or a pipe is written to.
+// Puts the bytes in the file's place, durably unless said otherwise: who opens the file finds what
+// was there before or all of the new. On failure the old file stands. A symbolic link stays and its
+// target is replaced; a device or a pipe is written to.
 //
 // The bytes are collected in a file without a name where the file system has such files, so a
 // process that is killed leaves nothing behind, but for the instant in which a file that replaces
-// another one needs a name of its own.
+// another one needs a name of its own: such a leftover goes when the next private file is written
+// into its folder.
 std::error_code writeWholeFile(
     const std::filesystem::path& file, std::string_view bytes, WriteOptions options = {});
 

@@ -1,6 +1,7 @@
 #include "platform/paint/Comparison.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 
 namespace quillpad::drawing {
@@ -26,18 +27,41 @@ ui::Rgba faint(ui::Rgba color) {
   return {component(color.red), component(color.green), component(color.blue)};
 }
 
+constexpr ui::Rgba red{224, 0, 48};
+
+// What only one of them has differs. The difference is as large as both together, where such a
+// picture can be drawn.
+Comparison compareSizes(const Bitmap& expected, const Bitmap& actual, Tolerance tolerance) {
+  Comparison comparison{
+      .result = CompareResult::different, .largestDifference = 255, .difference = {}};
+  Bitmap& difference = comparison.difference;
+  const int width = std::max(expected.width, actual.width);
+  const int height = std::max(expected.height, actual.height);
+  if (std::int64_t{width} * height > maximumPixels) {
+    comparison.differingPixels = std::int64_t{width} * height;
+    return comparison;
+  }
+  difference.width = width;
+  difference.height = height;
+  for (int y = 0; y < difference.height; ++y) {
+    for (int x = 0; x < difference.width; ++x) {
+      const bool isCommon =
+          x < expected.width && x < actual.width && y < expected.height && y < actual.height;
+      const bool isSame =
+          isCommon && distance(expected.row(y)[x], actual.row(y)[x]) <= tolerance.channel;
+      comparison.differingPixels += isSame ? 0 : 1;
+      difference.pixels.push_back(isSame ? faint(expected.row(y)[x]) : red);
+    }
+  }
+  return comparison;
+}
+
 }  // namespace
 
 Comparison compare(const Bitmap& expected, const Bitmap& actual, Tolerance tolerance) {
   if (expected.width != actual.width || expected.height != actual.height) {
-    const std::size_t pixels = std::max(expected.pixels.size(), actual.pixels.size());
-    return {
-        .result = CompareResult::different,
-        .differingPixels = static_cast<std::int64_t>(pixels),
-        .largestDifference = 255,
-        .difference = {}};
+    return compareSizes(expected, actual, tolerance);
   }
-  constexpr ui::Rgba red{224, 0, 48};
   Comparison comparison;
   comparison.difference = {
       .width = expected.width,

@@ -18,12 +18,11 @@ struct Comparison {
   CompareResult result = CompareResult::identical;
   std::int64_t differingPixels = 0;  // beyond the tolerated distance
   int largestDifference = 0;         // of any component
-  Bitmap difference;                 // the expected picture, faint, with differing pixels in red;
-                                     // empty when the sizes differ
+  Bitmap difference;                 // the expected picture, faint, with differing pixels in red
 };
 
-// Pictures of different sizes are different, in every pixel of the larger one. A pixel that cannot
-// be seen has no colour.
+// Pictures of different sizes are different, whatever is tolerated; they are compared from their
+// top left corners. A pixel that cannot be seen has no colour.
 Comparison compare(const Bitmap& expected, const Bitmap& actual, Tolerance tolerance = {});
 
 }  // namespace quillpad::drawing

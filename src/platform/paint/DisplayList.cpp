@@ -4,8 +4,41 @@
 
 #include "platform/foundation/Hex.h"
 #include "platform/text/Bitmap.h"
+#include "platform/text/GlyphMasks.h"
 
 namespace quillpad::drawing {
+
+namespace {
+
+constexpr double maximumWork = 1 << 28;  // about a second
+constexpr double pixelsPerItem = 1 << 14;
+
+// What of it lies on the card.
+double pixelsOf(const Fill& fill, const DisplayList& list) {
+  const auto visible = [](double from, double length, double end) {
+    return std::fmax(std::fmin(from + length, end) - std::fmax(from, 0), 0);
+  };
+  return visible(fill.frame.x, fill.frame.width, list.size.width) *
+         visible(fill.frame.y, fill.frame.height, list.size.height) * list.scale * list.scale;
+}
+
+// Glyphs are made before they are put on the card.
+double pixelsOf(const TextItem& text, const DisplayList& list) {
+  double pixels = 0;
+  for (const GlyphRun& run : text.runs) {
+    const double side = std::fmin(run.size * list.scale, maximumGlyphSize);
+    pixels += side * side * static_cast<double>(run.glyphs.size());
+  }
+  return pixels;
+}
+
+// Pictures are scaled as a whole; larger ones than any canvas are left out.
+double pixelsOf(const ImageItem& image, const DisplayList& list) {
+  const double pixels = image.frame.width * image.frame.height * list.scale * list.scale;
+  return pixels > static_cast<double>(maximumPixels) ? 0 : std::fmax(pixels, 0);
+}
+
+}  // namespace
 
 std::string accessibilityLabel(const DisplayList& list) {
   std::string label;
@@ -29,6 +62,25 @@ std::optional<std::string> sizeError(Size size, int scale) {
   }
   if (width * height > static_cast<double>(maximumPixels)) {
     return "a card of more than 32 million pixels cannot be drawn: use a smaller size or scale";
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> drawingError(const DisplayList& list) {
+  if (auto error = sizeError(list.size, list.scale)) {
+    return error;
+  }
+  double pixels = 0;
+  for (const Item& item : list.items) {
+    const double steps = 1 + static_cast<double>(item.clips.size());
+    pixels +=
+        steps *
+        (pixelsPerItem +
+         std::visit([&](const auto& content) { return pixelsOf(content, list); }, item.content));
+  }
+  if (!(pixels <= maximumWork)) {
+    return "the card has too much to draw: its " + std::to_string(list.items.size()) +
+           " items cover 256 million pixels or more";
   }
   return std::nullopt;
 }

@@ -65,6 +65,10 @@ std::string accessibilityLabel(const DisplayList& list);
 // the size must be at least one device pixel and at most maximumPixels, the scale 1, 2 or 3.
 std::optional<std::string> sizeError(Size size, int scale);
 
+// One line that tells why the list cannot be drawn: its size, or more work than any card is worth,
+// by the pixels of its items, their clips and glyphs.
+std::optional<std::string> drawingError(const DisplayList& list);
+
 // "#11B826"; with the alpha behind, where the colour is not opaque.
 std::string hexName(ui::Rgba color);
 

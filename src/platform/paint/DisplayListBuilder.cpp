@@ -53,8 +53,8 @@ bool contains(const Clip& clip, const Rect& frame) {
 // The colour of the bars in place of a text.
 ui::Color faint(ui::Color color) {
   constexpr int part = 5;
-  color.light.alpha /= part;
-  color.dark.alpha /= part;
+  color.light.alpha = static_cast<std::uint8_t>(color.light.alpha / part);
+  color.dark.alpha = static_cast<std::uint8_t>(color.dark.alpha / part);
   return color;
 }
 

@@ -25,6 +25,9 @@ class Pictures {
   // The size of the picture in points; zero where it is missing or cannot be read.
   Size naturalSize(const std::string& name);
 
+  // Lets go of what was read, and so of what find() gave: the files may have changed.
+  void forget() { read_.clear(); }
+
  private:
   const Bitmap* read(const std::string& name, int scale);
 

@@ -56,7 +56,7 @@ PngWriter::~PngWriter() = default;
 
 std::expected<std::vector<std::uint8_t>, std::string> PngWriter::write(
     const DisplayList& list, ui::Appearance appearance) {
-  if (auto error = sizeError(list.size, list.scale)) {
+  if (auto error = drawingError(list)) {
     return std::unexpected(*std::move(error));
   }
   return impl_->draw(list, appearance);

@@ -28,7 +28,7 @@ class PngWriter {
   PngWriter& operator=(const PngWriter&) = delete;
 
   // The PNG file of the list at its scale, or one line that tells why it cannot be drawn: an empty
-  // size, or more than maximumPixels.
+  // size, more than maximumPixels, or too much work.
   std::expected<std::vector<std::uint8_t>, std::string> write(
       const DisplayList& list, ui::Appearance appearance);
 

@@ -23,6 +23,7 @@ namespace quillpad::drawing {
 namespace {
 
 constexpr int pictureScale = 3;
+constexpr std::size_t maxBytes = std::size_t{8} << 20;
 
 // Three decimals at most, none where they are zeros.
 std::string number(double value) {
@@ -87,7 +88,8 @@ class SvgDocument {
       std::string_view idPrefix)
       : appearance_(appearance), fonts_(fonts), pictures_(pictures), prefix_(idPrefix) {}
 
-  void paint(const DisplayList& list) {
+  // False where it would become too large.
+  bool paint(const DisplayList& list) {
     const Background background = backgroundOf(list);
     if (background.items > 0) {
       paint(Fill{
@@ -101,7 +103,11 @@ class SvgDocument {
       for (std::size_t i = 0; i < item.clips.size(); ++i) {
         body_ += "</g>\n";
       }
+      if (body_.size() + definitions_.size() > maxBytes) {
+        return false;
+      }
     }
+    return true;
   }
 
   std::string finished(const DisplayList& list) const {
@@ -131,16 +137,41 @@ class SvgDocument {
   void paint(const TextItem& text) {
     body_ += "<g" + filledWith(text.color) + ">\n";
     for (const GlyphRun& run : text.runs) {
-      const bool inColor = fonts_.hasColorBitmaps(run.font);
-      for (const Glyph& glyph : run.glyphs) {
-        const Definition& shape = inColor ? colorGlyph(run, glyph.id) : outline(run.font, glyph.id);
-        if (shape.id.empty()) {
-          continue;
+      if (fonts_.hasColorBitmaps(run.font)) {
+        paintPictures(run);
+      } else {
+        paintOutlines(run);
+      }
+    }
+    body_ += "</g>\n";
+  }
+
+  void paintPictures(const GlyphRun& run) {
+    for (const Glyph& glyph : run.glyphs) {
+      if (const Definition& shape = colorGlyph(run, glyph.id); !shape.id.empty()) {
+        const double scale = run.size / shape.unitsPerSize;
+        body_ += "<use" + attribute("href", "#" + shape.id) +
+                 attribute("transform", placed(glyph.origin, scale, scale)) + "/>\n";
+      }
+    }
+  }
+
+  // In the font's units, which are a hundredth of a point or less, from the run's first glyph on.
+  void paintOutlines(const GlyphRun& run) {
+    if (run.glyphs.empty()) {
+      return;
+    }
+    const Point start = run.glyphs.front().origin;
+    const double scale = run.size / fonts_.unitsPerEm(run.font);
+    const auto units = [&](double length) { return std::to_string(std::lround(length / scale)); };
+    body_ += "<g" + attribute("transform", placed(start, scale, -scale)) + ">\n";
+    for (const Glyph& glyph : run.glyphs) {
+      if (const std::string& id = outline(run.font, glyph.id); !id.empty()) {
+        body_ += "<use" + attribute("href", "#" + id);
+        body_ += attribute("x", units(glyph.origin.x - start.x));
+        if (glyph.origin.y != start.y) {
+          body_ += attribute("y", units(start.y - glyph.origin.y));
         }
-        body_ += "<use";
-        body_ += attribute("href", "#" + shape.id);
-        body_ +=
-            attribute("transform", placed(glyph.origin, run.size / shape.unitsPerSize, inColor));
         body_ += "/>\n";
       }
     }
@@ -162,19 +193,18 @@ class SvgDocument {
     double unitsPerSize = 1;
   };
 
-  const Definition& outline(FontId font, std::uint32_t glyph) {
+  // Empty where there is nothing to draw.
+  const std::string& outline(FontId font, std::uint32_t glyph) {
     const auto [entry, isNew] = glyphs_.try_emplace({font, glyph});
     Definition& shape = entry->second;
     if (!isNew) {
-      return shape;
+      return shape.id;
     }
-    const std::string path = glyphPath(fonts_, font, glyph);
-    if (path.empty()) {
-      return shape;
+    if (const std::string path = glyphPath(fonts_, font, glyph); !path.empty()) {
+      shape.id = newId();
+      definitions_ += "<path" + attribute("id", shape.id) + attribute("d", path) + "/>\n";
     }
-    shape = {.id = newId(), .unitsPerSize = fonts_.unitsPerEm(font)};
-    definitions_ += "<path" + attribute("id", shape.id) + attribute("d", path) + "/>\n";
-    return shape;
+    return shape.id;
   }
 
   const Definition& colorGlyph(const GlyphRun& run, std::uint32_t glyph) {
@@ -220,13 +250,11 @@ class SvgDocument {
 
   // Glyphs are defined around their origins; outlines point upwards, pictures down as the page
   // does.
-  static std::string placed(Point origin, double scale, bool pointsDown) {
-    const std::string factor = significant(scale);
-    std::string matrix = "matrix(" + factor;
-    matrix += pointsDown ? " 0 0 " : " 0 0 -";
-    matrix += factor + " ";
-    matrix += number(origin.x) + " ";
-    matrix += number(origin.y) + ")";
+  static std::string placed(Point origin, double scaleX, double scaleY) {
+    std::string matrix = "matrix(" + significant(scaleX);
+    matrix += " 0 0 " + significant(scaleY);
+    matrix += " " + number(origin.x);
+    matrix += " " + number(origin.y) + ")";
     return matrix;
   }
 
@@ -259,11 +287,13 @@ std::expected<std::string, std::string> writeSvg(
     FontBook& fonts,
     Pictures& pictures,
     std::string_view idPrefix) {
-  if (auto error = sizeError(list.size, list.scale)) {
+  if (auto error = drawingError(list)) {
     return std::unexpected(*std::move(error));
   }
   SvgDocument document(appearance, fonts, pictures, idPrefix);
-  document.paint(list);
+  if (!document.paint(list)) {
+    return std::unexpected("the card has too much to draw: more than 8 MB of SVG");
+  }
   return document.finished(list);
 }
 

@@ -14,7 +14,7 @@
 namespace quillpad::drawing {
 
 // The document, without an XML declaration, so that it can stand in a page; or one line that tells
-// why the size cannot be drawn. Without an appearance its colours are CSS light-dark() pairs, which
+// why it cannot be drawn. Without an appearance its colours are CSS light-dark() pairs, which
 // follow the color scheme of the page around it. Every id in it begins with the prefix (letters,
 // digits, hyphens, a letter first): documents of different prefixes may share a page.
 std::expected<std::string, std::string> writeSvg(

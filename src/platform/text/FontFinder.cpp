@@ -10,6 +10,14 @@
 #include "platform/text/Handle.h"
 #include "platform/text/Unicode.h"
 
+#ifdef __SANITIZE_THREAD__
+// What these libraries share between threads they guard by atomic operations, which the thread
+// sanitizer does not see in libraries that were not built for it.
+extern "C" const char* __tsan_default_suppressions() {
+  return "race:libfontconfig.so\nrace:libharfbuzz.so\nrace:libicuuc.so\n";
+}
+#endif
+
 namespace quillpad::drawing {
 namespace {
 

@@ -12,10 +12,11 @@ namespace quillpad::drawing {
 namespace {
 
 constexpr std::size_t maxBytesKept = std::size_t{4} << 20;
-constexpr double maxSize = 4096;  // device pixels; what is larger is drawn at this size
 
 // Sizes in 64ths of a pixel, as FreeType counts.
-long sixtyFourths(double size) { return std::max(1L, std::lround(std::min(size, maxSize) * 64)); }
+long sixtyFourths(double size) {
+  return std::max(1L, std::lround(std::min(size, maximumGlyphSize) * 64));
+}
 
 std::uint64_t keyOf(FontId font, std::uint32_t glyph, long size, GlyphPhase phase) {
   return std::uint64_t{glyph} << 40 | static_cast<std::uint64_t>(size) << 20 |
@@ -132,7 +133,7 @@ const ColorGlyph& GlyphMasks::findColor(FontId font, std::uint32_t glyph, double
   }
   ColorGlyph result;
   if (const StrikeGlyph strike = strikeGlyph(fonts_, font, glyph); strike.size > 0) {
-    const double scale = std::min(size, maxSize) / strike.size;
+    const double scale = std::min(size, maximumGlyphSize) / strike.size;
     const auto pixels = [&](int length) { return static_cast<int>(std::lround(length * scale)); };
     result = {
         .left = pixels(strike.left),

@@ -38,8 +38,13 @@ Completion<Answer> replying(const std::shared_ptr<Connection>& connection, std::
 
 }  // namespace
 
-Server::Server(std::vector<WidgetConfiguration> widgets, std::shared_ptr<Connection> connection)
-    : widgets_(std::move(widgets)), connection_(std::move(connection)) {}
+Server::Server(
+    std::vector<WidgetConfiguration> widgets,
+    std::vector<std::string> linkSchemes,
+    std::shared_ptr<Connection> connection)
+    : widgets_(std::move(widgets)),
+      linkSchemes_(std::move(linkSchemes)),
+      connection_(std::move(connection)) {}
 
 void Server::run() {
   while (const auto line = connection_->receive()) {
@@ -85,7 +90,8 @@ Reply Server::handle(const channel::CatalogueRequest& /*request*/) const {
          .displayName = lookUp(widget.displayNameKey),
          .description = lookUp(widget.descriptionKey),
          .families = widget.families,
-         .languages = LocalizedStrings::main().languages()});
+         .languages = LocalizedStrings::main().languages(),
+         .linkSchemes = linkSchemes_});
   }
   return catalogue;
 }
@@ -121,7 +127,7 @@ std::optional<Reply> Server::handle(
     const WidgetConfiguration& widget,
     const channel::RenderRequest& request) {
   const ui::WidgetFamily family = request.family.value_or(widget.families.front());
-  const ScopedLocale locale(request.locale);
+  const ScopedLocale locale(request.locale, request.currency);
   return channel::Rendering{ui::localized(widget.render({family}, request.entry), lookUp)};
 }
 

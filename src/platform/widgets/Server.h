@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -15,7 +16,10 @@ namespace quillpad::widgets {
 
 class Server {
  public:
-  Server(std::vector<WidgetConfiguration> widgets, std::shared_ptr<Connection> connection);
+  Server(
+      std::vector<WidgetConfiguration> widgets,
+      std::vector<std::string> linkSchemes,
+      std::shared_ptr<Connection> connection);
 
   // Answers every line until the home screen closes the channel.
   void run();
@@ -44,6 +48,7 @@ class Server {
   void watchTransfers();
 
   std::vector<WidgetConfiguration> widgets_;
+  std::vector<std::string> linkSchemes_;
   // Shared with the completions, which may outlive the server.
   std::shared_ptr<Connection> connection_;
   bool watching_ = false;

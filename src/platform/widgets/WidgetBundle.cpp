@@ -16,6 +16,7 @@
 #include "platform/channel/Messages.h"
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/FileDescriptor.h"
+#include "platform/widgets/Sandbox.h"
 #include "platform/widgets/Server.h"
 
 namespace quillpad::widgets {
@@ -46,7 +47,7 @@ std::optional<FileDescriptor> inheritedChannel() {
 
 }  // namespace
 
-int serve(std::vector<WidgetConfiguration> widgets) {
+int serve(std::vector<WidgetConfiguration> widgets, Entitlements entitlements) {
   auto socket = inheritedChannel();
   if (!socket) {
     std::fputs(
@@ -60,7 +61,13 @@ int serve(std::vector<WidgetConfiguration> widgets) {
   std::signal(SIGPIPE, SIG_IGN);
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 
-  Server(std::move(widgets), std::make_shared<Connection>(std::move(*socket))).run();
+  enterSandbox(entitlements.origins);
+
+  Server(
+      std::move(widgets),
+      std::move(entitlements.linkSchemes),
+      std::make_shared<Connection>(std::move(*socket)))
+      .run();
   return 0;
 }
 

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <concepts>
+#include <utility>
 #include <vector>
 
+#include "platform/widgets/Entitlements.h"
 #include "platform/widgets/StaticConfiguration.h"
 
 namespace quillpad::widgets {
@@ -17,16 +19,16 @@ concept WidgetBundle = requires(const T& bundle) {
 };
 
 // Serves the widgets on the channel whose descriptor the environment names, until the home screen
-// closes it. Without a channel one line on standard error says how the program is started. Returns
-// the process's exit status.
-int serve(std::vector<WidgetConfiguration> widgets);
+// closes it, with no more of the machine at hand than the entitlements name. Without a channel one
+// line on standard error says how the program is started. Returns the process's exit status.
+int serve(std::vector<WidgetConfiguration> widgets, Entitlements entitlements);
 
 // Ends the process without waiting for transfers that are under way.
 [[noreturn]] void leave(int status);
 
 template <WidgetBundle Bundle>
-int main(const Bundle& bundle) {
-  leave(serve(bundle.body()));
+int main(const Bundle& bundle, Entitlements entitlements = {}) {
+  leave(serve(bundle.body(), std::move(entitlements)));
 }
 
 }  // namespace quillpad::widgets

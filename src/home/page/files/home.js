@@ -1,34 +1,57 @@
-const meta = (name) => document.querySelector(`meta[name="${name}"]`).content;
+const root = document.documentElement;
 const home = document.getElementById("home");
 const gallery = document.getElementById("gallery");
-const instance = meta("instance");
-let version = Number(meta("version"));
 
 // How long ago, and how soon.
 
 const minute = 60_000;
-const spans = [[24 * 60 * minute, "d"], [60 * minute, "h"], [minute, "min"]];
+const spans = [[24 * 60 * minute, "day"], [60 * minute, "hour"], [minute, "minute"]];
+const relative = new Intl.RelativeTimeFormat(language, { style: "short" });
+const format = (options) => {
+  const { format } = new Intl.DateTimeFormat(language, options);
+  return format;
+};
+const clock = format({ timeStyle: "short" });
+const full = format({ dateStyle: "medium", timeStyle: "short" });
+const exact = format({ timeStyle: "medium" });
 
-function inWords(time) {
+// "in 4 min.", "2 hr. ago"; nothing below a minute.
+function fromNow(time) {
   for (const [length, unit] of spans) {
-    if (time >= length) return `${Math.floor(time / length)} ${unit}`;
+    if (Math.abs(time) >= length) return relative.format(Math.trunc(time / length), unit);
   }
   return "";
 }
 
-function tellTimes() {
+const says = {
+  updated: (date, now) => fromNow(Math.min(date - now, 0)) || text("just now"),
+  reloads(date, now) {
+    const left = date - now;
+    if (left < -minute) return text("reload overdue");
+    if (left <= 0) return text("reloads now");
+    return text("reloads {1}", fromNow(left + minute / 2) || text("in under 1 min"));
+  },
+  clock: (date, now) => (date.toDateString() === now.toDateString() ? clock : full)(date),
+  second: (date) => exact(date),
+};
+// On paper nothing is ever renewed.
+const saysInPrint = {
+  updated: (date) => text("updated {1}", full(date)),
+  reloads: () => "",
+  clock: full,
+  second: full,
+};
+
+function tellTimes(inPrint = false) {
+  const words = inPrint ? saysInPrint : says;
+  const now = new Date();
   for (const time of document.querySelectorAll("time[data-says]")) {
-    const distance = Date.parse(time.dateTime) - Date.now();
-    const words = inWords(Math.abs(distance) + (distance > 0 ? minute / 2 : 0));
-    if (time.dataset.says === "updated") {
-      time.textContent = words ? `${words} ago` : "just now";
-    } else {
-      const overdue = distance < -minute;
-      time.textContent = overdue ? "reload overdue" : distance > 0 && words ? `reloads in ${words}` : "reloads now";
-      const card = time.closest(".widget");
-      if (overdue && card.dataset.status === "live") card.dataset.status = "stale";
-    }
-    time.title = new Date(time.dateTime).toLocaleString();
+    const date = new Date(time.dateTime);
+    time.textContent = words[time.dataset.says](date, now);
+    time.title = full(date);
+  }
+  for (const { dataset } of home.children) {
+    if (dataset.status === "live" && now - Date.parse(dataset.reload) > minute) dataset.status = "stale";
   }
 }
 
@@ -40,7 +63,25 @@ function nodeFrom(html) {
   return template.content.firstElementChild;
 }
 
+// A card whose figures are kept holds what the phone would show instead.
+const asPhone = document.getElementById("as-phone");
+const cardOf = new WeakMap();
+
+function faceOf(card) {
+  const onPhone = asPhone.checked && card.querySelector(".on-phone");
+  if (!onPhone) return card;
+  const face = onPhone.content.firstElementChild.cloneNode(true);
+  cardOf.set(face, card);
+  return face;
+}
+
+function chooseFaces() {
+  for (const face of [...home.children]) replaceCard(face, faceOf(cardOf.get(face) ?? face));
+  tellTimes();
+}
+
 function replaceCard(old, fresh) {
+  if (old === fresh) return;
   const focused = old.contains(document.activeElement) && document.activeElement.localName;
   if (old.querySelector("details[open]")) fresh.querySelector("details")?.setAttribute("open", "");
   if (old.querySelector(".card").innerHTML !== fresh.querySelector(".card").innerHTML) fresh.classList.add("fresh");
@@ -49,12 +90,9 @@ function replaceCard(old, fresh) {
 }
 
 function apply(changes) {
-  if (changes.instance !== instance) return location.reload();
-  if (changes.version <= version) return;
-  version = changes.version;
   const cards = new Map([...home.children].map((card) => [card.dataset.kind, card]));
   for (const [kind, html] of Object.entries(changes.cards)) {
-    const fresh = nodeFrom(html);
+    const fresh = faceOf(nodeFrom(html));
     if (cards.has(kind)) replaceCard(cards.get(kind), fresh);
     cards.set(kind, fresh);
   }
@@ -68,70 +106,101 @@ function apply(changes) {
     if (element.textContent !== text) element.textContent = text;
   }
   tellTimes();
+  noticeReloaded();
   if (gallery.open) fillGallery();
 }
 
-// One tab listens for all: browsers allow a handful of connections to one place, whatever the
-// number of tabs. The tab that holds the lock hears the home screen and tells the others.
-
 const connection = document.getElementById("connection");
-const channel = new BroadcastChannel("quillpad-home");
-channel.onmessage = ({ data }) => hear(data);
 
-function hear({ changes, lost }) {
-  connection.textContent = lost ? "The home screen does not answer. Trying again…" : "";
+const noAnswer = text("The home screen does not answer. Trying again…");
+
+function hear({ changes, lost = false }) {
+  connection.textContent = lost ? noAnswer : "";
+  root.toggleAttribute("data-lost", lost);
   if (changes) apply(changes);
 }
 
-function listen() {
-  const events = new EventSource(`/events?since=${version}&instance=${instance}`);
-  const tell = (message) => {
-    channel.postMessage(message);
-    hear(message);
-  };
-  events.onopen = () => tell({});
-  events.onmessage = ({ data }) => tell({ changes: JSON.parse(data) });
-  events.onerror = () => {
-    tell({ lost: true });
-    if (events.readyState === EventSource.CLOSED) setTimeout(listen, 2000);
-  };
-}
+const catchUp = listen(hear);
 
-async function catchUp() {
-  try {
-    const answer = await fetch(`/changes?since=${version}`);
-    if (answer.ok) hear({ changes: await answer.json() });
-  } catch {}
-}
+// What a person does. It is done as soon as the home screen answers, and after a restart by the
+// page that takes the place of this one.
 
-navigator.locks.request("quillpad-home", () => {
-  listen();
-  return new Promise(() => {});
-});
-addEventListener("pageshow", ({ persisted }) => persisted && catchUp());
-document.addEventListener("visibilitychange", () => document.hidden || catchUp());
-catchUp();
+const unfinished = {
+  keep(what) {
+    try {
+      sessionStorage.setItem("change", what);
+    } catch {}
+  },
+  take() {
+    try {
+      const what = sessionStorage.getItem("change");
+      sessionStorage.removeItem("change");
+      return what;
+    } catch {}
+  },
+};
 
-// What a person does.
-
-async function change(what) {
-  try {
-    const answer = await fetch(what, { method: "POST", headers: { "X-Page-Token": meta("page-token") } });
-    if (answer.status === 403) return location.reload();
-  } catch {
-    return hear({ lost: true });
+async function change(what, isRepeated = false) {
+  for (;;) {
+    try {
+      const answer = await fetch(what, { method: "POST", headers: { "X-Page-Token": meta("page-token") } });
+      if (answer.status !== 403) break;
+      if (isRepeated) return;
+      unfinished.keep(what);
+      return location.reload();
+    } catch {
+      unfinished.keep(what);
+      hear({ lost: true });
+      await new Promise((resolve) => setTimeout(resolve, 2000));
+    }
   }
+  unfinished.take();
   await catchUp();
 }
 
-document.getElementById("reload").onclick = () => change("/reload");
+const reload = document.getElementById("reload");
+let reloadIsAsked = false;
+
+function tellReload(state) {
+  reload.dataset.progress = state;
+  document.getElementById("reload-state").textContent = { working: text("Reloading…"), done: text("Reloaded") }[state] ?? "";
+}
+
+function noticeReloaded() {
+  if (!reloadIsAsked || home.querySelector(".awaited")) return;
+  reloadIsAsked = false;
+  tellReload("done");
+  setTimeout(() => reload.dataset.progress === "done" && tellReload(""), 2000);
+}
+
+reload.onclick = async () => {
+  tellReload("working");
+  await change("/reload");
+  reloadIsAsked = true;
+  noticeReloaded();
+};
+home.onclick = ({ target }) => {
+  if (target.matches(".again")) change(`/reload?kind=${encodeURIComponent(target.closest(".widget").dataset.kind)}`);
+};
+
+const galleryState = document.getElementById("gallery-state");
+let nextFilling = 0;
 
 async function fillGallery() {
   const focused = document.activeElement?.dataset.kind;
-  const answer = await fetch("/gallery").catch(() => null);
-  if (!answer?.ok) return;
-  document.getElementById("gallery-items").innerHTML = await answer.text();
-  if (focused) gallery.querySelector(`button[data-kind="${CSS.escape(focused)}"]`)?.focus();
+  const items = document.getElementById("gallery-items");
+  clearTimeout(nextFilling);
+  if (!items.firstElementChild) galleryState.textContent = text("Asking for the widgets…");
+  try {
+    const answer = await fetch(`/gallery?lang=${language}`, { signal: AbortSignal.timeout(10_000) });
+    if (!answer.ok) return;
+    items.innerHTML = await answer.text();
+    galleryState.textContent = items.firstElementChild ? "" : text("The extension has not listed its widgets yet.");
+    if (focused) gallery.querySelector(`button[data-kind="${CSS.escape(focused)}"]`)?.focus();
+  } catch {
+    galleryState.textContent = noAnswer;
+    if (gallery.open) nextFilling = setTimeout(fillGallery, 2000);
+  }
 }
 
 document.getElementById("open-gallery").onclick = () => {
@@ -158,7 +227,6 @@ document.addEventListener("keydown", ({ key }) => {
   }
 });
 
-const root = document.documentElement;
 for (const choice of document.querySelectorAll(".appearance input")) {
   choice.checked = choice.value === (root.dataset.appearance ?? "auto");
   choice.onchange = () => {
@@ -170,5 +238,20 @@ for (const choice of document.querySelectorAll(".appearance input")) {
   };
 }
 
-tellTimes();
-setInterval(tellTimes, 10_000);
+asPhone.onchange = () => {
+  chooseFaces();
+  try {
+    localStorage.setItem("as-phone", asPhone.checked);
+  } catch {}
+};
+try {
+  asPhone.checked = localStorage.getItem("as-phone") === "true";
+} catch {}
+
+chooseFaces();
+setInterval(() => tellTimes(), 10_000);
+addEventListener("beforeprint", () => tellTimes(true));
+addEventListener("afterprint", () => tellTimes());
+const what = unfinished.take();
+if (what) change(what, true);
+else catchUp();

@@ -1,0 +1,23 @@
+# Writes files into a C++ source, each as a constant of the namespace that the header declares: style.css becomes
+# styleCss. Of scripts and styles the indentation and the lines of comment alone stay behind.
+#   cmake -DOUTPUT=FILE -DHEADER=FILE -DNAMESPACE=NAME -DFOLDER=FOLDER -DNAMES="home.html;style.css" -P Embed.cmake
+set(source "#include \"${HEADER}\"\n\nnamespace ${NAMESPACE} {\n\n")
+foreach(name IN LISTS NAMES)
+  file(READ ${FOLDER}/${name} content)
+  if(name MATCHES "\\.(css|js)$")
+    string(REGEX REPLACE "\n +" "\n" content "\n${content}")
+    string(REGEX REPLACE "\n(//[^\n]*|/\\*[^\n]*\\*/)" "" content "${content}")
+    string(REGEX REPLACE "\n\n+" "\n" content "${content}")
+  endif()
+  string(REGEX REPLACE "[.-]" ";" words ${name})
+  list(POP_FRONT words constant)
+  foreach(word IN LISTS words)
+    string(SUBSTRING ${word} 0 1 initial)
+    string(SUBSTRING ${word} 1 -1 rest)
+    string(TOUPPER ${initial} initial)
+    string(APPEND constant ${initial}${rest})
+  endforeach()
+  string(APPEND source "const std::string_view ${constant} = R\"file(${content})file\";\n\n")
+endforeach()
+string(APPEND source "}  // namespace ${NAMESPACE}\n")
+file(WRITE ${OUTPUT} "${source}")

@@ -1,0 +1,155 @@
+#include "home/extension/Confinement.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <linux/seccomp.h>
+#include <ranges>
+#include <string_view>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <utility>
+
+#include "platform/foundation/Bundle.h"
+#include "platform/foundation/UserFolders.h"
+
+namespace quillpad::home {
+namespace {
+
+using Path = std::filesystem::path;
+
+// Programs and libraries, zones, certificates, how names are looked up. Of /etc only this: there
+// are keys in it.
+constexpr std::array systemPlaces{"/usr",           "/bin",
+                                  "/sbin",          "/lib",
+                                  "/lib64",         "/etc/ld.so.cache",
+                                  "/etc/localtime", "/etc/timezone",
+                                  "/etc/ssl/certs", "/etc/ssl/openssl.cnf",
+                                  "/etc/gai.conf",  "/etc/host.conf",
+                                  "/etc/hosts",     "/etc/nsswitch.conf",
+                                  "/etc/protocols", "/etc/resolv.conf",
+                                  "/etc/services",  "/run/systemd/resolve",
+                                  "/dev/null",      "/dev/random",
+                                  "/dev/urandom",   "/dev/zero"};
+
+// Each names a file or a folder, or several with colons between.
+constexpr std::array placeVariables{
+    "SSL_CERT_FILE", "SSL_CERT_DIR", "TZDIR", "LD_LIBRARY_PATH", "LD_PRELOAD"};
+
+bool holds(const Path& folder, const std::optional<Path>& place) {
+  std::error_code error;
+  const Path inside = place ? std::filesystem::weakly_canonical(*place, error) : Path();
+  return std::ranges::mismatch(folder, inside).in1 == folder.end();
+}
+
+std::vector<Path> readablePlaces(const Path& program) {
+  std::vector<Path> places(systemPlaces.begin(), systemPlaces.end());
+  for (const char* variable : placeVariables) {
+    const char* value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe)
+    for (const auto place :
+         std::string_view(value == nullptr ? "" : value) | std::views::split(':')) {
+      places.emplace_back(place.begin(), place.end());
+    }
+  }
+  const std::optional<Path> data = userDataFolder();
+  if (data) {
+    places.push_back(*data);
+  }
+  std::error_code error;
+  const Path file = std::filesystem::canonical(program, error);
+  const Path folder = file.parent_path();
+  places.push_back(Bundle::ofProgram(file).folder());
+  // One that lies among all that the user has is not shown what lies there.
+  places.push_back(holds(folder, data) || holds(folder, userStateFolder()) ? file : folder);
+  return places;
+}
+
+std::pair<dev_t, ino_t> identityOf(const Path& place) {
+  struct stat about{};
+  return ::stat(place.c_str(), &about) == 0 ? std::pair{about.st_dev, about.st_ino}
+                                            : std::pair{dev_t{0}, ino_t{0}};
+}
+
+// Of all users; its own are not counted apart without reading every one.
+rlim_t processesNow() {
+  std::ifstream file("/proc/loadavg");
+  std::string load;
+  rlim_t running = 0;
+  char slash = 0;
+  rlim_t all = 0;
+  file >> load >> load >> load >> running >> slash >> all;
+  return all;
+}
+
+bool limit(__rlimit_resource resource, rlim_t most) {
+  rlimit limits{};
+  ::getrlimit(resource, &limits);
+  limits.rlim_max = std::min(limits.rlim_max, most);
+  limits.rlim_cur = std::min(limits.rlim_cur, limits.rlim_max);
+  return ::setrlimit(resource, &limits) == 0;
+}
+
+bool limitMemory() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  return true;
+#else
+  return limit(RLIMIT_AS, Confinement::maxAddressSpace) && limit(RLIMIT_DATA, Confinement::maxData);
+#endif
+}
+
+bool kernelHasSystemCallFilters() {
+  const std::uint32_t action = SECCOMP_RET_ERRNO;
+  return ::syscall(SYS_seccomp, SECCOMP_GET_ACTION_AVAIL, 0, &action) == 0;
+}
+
+}  // namespace
+
+Confinement::Confinement(const std::filesystem::path& program)
+    : files_(LandlockRuleset::ofFiles()), maxProcesses_(processesNow() + maxMoreProcesses) {
+  files_.allowWriting("/dev/null");
+  for (Path& path : readablePlaces(program)) {
+    const auto [device, file] = identityOf(path);
+    files_.allowReading(path.c_str());
+    places_.push_back({.path = std::move(path), .device = device, .file = file});
+  }
+}
+
+bool Confinement::enter() const {
+  files_.allowReading("/proc/self");
+  constexpr rlim_t coreBytes = 1;  // unlike none, also holds where cores are handed to a program
+  return limitMemory() && limit(RLIMIT_NOFILE, maxDescriptors) &&
+         limit(RLIMIT_NPROC, maxProcesses_) && limit(RLIMIT_CORE, coreBytes) && files_.enter();
+}
+
+bool Confinement::isOutdated() const {
+  return std::ranges::any_of(places_, [](const Place& place) {
+    return identityOf(place.path) != std::pair{place.device, place.file};
+  });
+}
+
+std::string confinementGap() {
+  const int landlock = LandlockRuleset::kernelVersion();
+  std::vector<std::string> open;
+  if (landlock == 0) {
+    open.emplace_back("the files of its user");
+  }
+  if (landlock < 4) {
+    open.emplace_back("any port");
+  }
+  if (!kernelHasSystemCallFilters()) {
+    open.emplace_back("other programs");
+  }
+  if (open.empty()) {
+    return "";
+  }
+  std::string list;
+  for (const std::string& each : open) {
+    list += (list.empty() ? "" : ", ") + each;
+  }
+  return "on this kernel the extension is not kept from " + list + "; a newer one keeps it";
+}
+
+}  // namespace quillpad::home

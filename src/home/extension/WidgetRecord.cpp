@@ -1,0 +1,240 @@
+#include "home/extension/WidgetRecord.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+
+// A timeline is asked for again neither in a rush nor never, whatever reload time it names.
+constexpr std::chrono::milliseconds minWait = 1s;
+constexpr std::chrono::milliseconds maxWait = 24h;
+constexpr std::chrono::milliseconds pauseAfterFailure = 5min;
+
+// How long after its reload time a picture still counts as the newest.
+constexpr std::chrono::milliseconds maxOverdue = 1min;
+
+// From when on an answer is slow.
+constexpr std::chrono::milliseconds patience = 2s;
+
+// Whether another program may do better.
+bool isOfProgram(Problem::Cause cause) {
+  return cause != Problem::Cause::dropped && cause != Problem::Cause::refused;
+}
+
+}  // namespace
+
+std::optional<Purpose> WidgetRecord::next(const Moment& now, bool placed, bool inGallery) const {
+  if (busy) {
+    return std::nullopt;
+  }
+  if (unrendered) {
+    return Purpose::rendering;
+  }
+  if (placed && keptOutdated && !renewedKept) {
+    return Purpose::keptRendering;
+  }
+  if (inGallery && snapshotOutdated && !snapshotFailed) {
+    return Purpose::snapshot;
+  }
+  if (placed) {
+    if (!picture && !placeholderFailed) {
+      return Purpose::placeholder;
+    }
+    if (now.uptime >= due) {
+      return Purpose::timeline;
+    }
+  }
+  if (inGallery && !snapshot && !snapshotFailed) {
+    return Purpose::snapshot;
+  }
+  return std::nullopt;
+}
+
+Picture::Source WidgetRecord::target(Purpose purpose) const {
+  switch (purpose) {
+    case Purpose::placeholder:
+      return Picture::Source::placeholder;
+    case Purpose::snapshot:
+      return Picture::Source::snapshot;
+    case Purpose::rendering:
+      return unrendered ? unrendered->source : Picture::Source::timeline;
+    case Purpose::timeline:
+    case Purpose::keptRendering:
+    case Purpose::catalogue:
+    case Purpose::ping:
+      break;
+  }
+  return Picture::Source::timeline;
+}
+
+std::optional<Uptime> WidgetRecord::nextNotice() const {
+  std::optional<Uptime> notice;
+  if (!overdue) {
+    notice = freshUntil;
+  }
+  if (asking && !slow) {
+    const Uptime becomesSlow = asking->uptime + patience;
+    notice = notice ? std::min(*notice, becomesSlow) : becomesSlow;
+  }
+  return notice;
+}
+
+bool WidgetRecord::awaitsRenewal() const {
+  return (outdated && !renewed) || (keptOutdated && !renewedKept);
+}
+
+void WidgetRecord::want(const Moment& now) {
+  due = now.uptime;
+  reload = now.date;
+  wanted = true;
+}
+
+void WidgetRecord::endWait() {
+  wanted = false;
+  asking.reset();
+  slow = false;
+}
+
+bool WidgetRecord::noticeTheTime(const Moment& now, bool nothingComes) {
+  const bool wasOverdue = std::exchange(overdue, nothingComes || now.uptime >= freshUntil);
+  const bool wasSlow = std::exchange(slow, asking && now.uptime - asking->uptime >= patience);
+  return overdue != wasOverdue || slow != wasSlow;
+}
+
+void WidgetRecord::showNextEntry(const Moment& now) {
+  if (!busy && !unrendered && picture && !later.empty() && now.uptime >= later.front().due) {
+    unrendered = picture;
+    unrendered->entry = std::move(later.front().entry);
+    later.erase(later.begin());
+  }
+}
+
+void WidgetRecord::takeTimeline(
+    const Moment& now,
+    const channel::Timeline& timeline,
+    const std::optional<TransportError>& failure,
+    int statusCode) {
+  const auto wait =
+      std::clamp<std::chrono::milliseconds>(timeline.policy.after - now.date, minWait, maxWait);
+  due = now.uptime + wait;
+  freshUntil = due + maxOverdue;
+  reload = now.date + wait;
+  problem.reset();
+
+  later.clear();
+  for (const channel::Entry& entry : timeline.entries) {
+    later.push_back({.due = now.uptime + (entry.date - now.date), .entry = entry});
+  }
+  std::ranges::stable_sort(later, {}, &LaterEntry::due);
+  if (later.empty()) {
+    endWait();
+    return;
+  }
+  // The last one whose time has come, or the first one where all are still to come.
+  auto next = std::ranges::upper_bound(later, now.uptime, {}, &LaterEntry::due);
+  if (next == later.begin()) {
+    ++next;
+  }
+  unrendered = Picture{
+      .source = Picture::Source::timeline,
+      .entry = std::prev(next)->entry,
+      .received = now.date,
+      .failure = failure,
+      .failingSince = now.date,
+      .statusCode = statusCode};
+  later.erase(later.begin(), next);
+}
+
+void WidgetRecord::takeOver(Picture next) {
+  if (!next.failure) {
+    kept.reset();
+  } else if (picture && picture->failure) {
+    next.failingSince = picture->failingSince;
+  } else if (picture && picture->source == Picture::Source::timeline) {
+    kept = picture;
+  }
+  picture = std::move(next);
+}
+
+void WidgetRecord::fail(const Moment& now, Picture::Source target, Problem cause) {
+  switch (target) {
+    case Picture::Source::placeholder:
+      placeholderFailed = true;
+      problem = std::move(cause);
+      break;
+    case Picture::Source::snapshot:
+      snapshotFailed = true;
+      break;
+    case Picture::Source::timeline:
+      due = now.uptime + pauseAfterFailure;
+      reload = now.date + pauseAfterFailure;
+      problem = std::move(cause);
+      break;
+  }
+  unrendered.reset();
+  if (target != Picture::Source::snapshot) {
+    endWait();
+  }
+  outdated = renewed.has_value();
+}
+
+void WidgetRecord::outdate(const Moment& now) {
+  due = now.uptime;
+  renewed.reset();
+  outdated = picture.has_value();
+  renewedKept.reset();
+  keptOutdated = kept.has_value();
+  if (picture && !unrendered) {
+    unrendered = picture;
+  }
+  placeholderFailed = false;
+  snapshotFailed = false;
+  snapshotOutdated = snapshot.has_value();
+}
+
+bool WidgetRecord::showRenewed() {
+  bool changed = false;
+  if (auto view = std::exchange(renewedKept, std::nullopt); view && kept) {
+    kept->view = *std::move(view);
+    keptOutdated = false;
+    changed = true;
+  }
+  if (auto next = std::exchange(renewed, std::nullopt)) {
+    const bool hadKept = kept.has_value();
+    takeOver(*std::move(next));
+    outdated = false;
+    keptOutdated = kept && (keptOutdated || !hadKept);
+    if (problem && isOfProgram(problem->cause)) {
+      problem.reset();
+    }
+    changed = true;
+  }
+  return changed;
+}
+
+void WidgetRecord::leave() {
+  WidgetRecord left;
+  left.busy = busy;
+  left.snapshot = std::move(snapshot);
+  left.snapshotOutdated = snapshotOutdated;
+  *this = std::move(left);
+}
+
+void WidgetRecord::forgetAccount() {
+  WidgetRecord fresh;
+  fresh.snapshot = std::move(snapshot);
+  fresh.snapshotOutdated = snapshotOutdated;
+  fresh.busy = busy;
+  fresh.wanted = true;
+  if (picture && picture->source == Picture::Source::placeholder) {
+    fresh.outdated = outdated;
+    fresh.picture = std::move(picture);
+  }
+  *this = std::move(fresh);
+}
+
+}  // namespace quillpad::home

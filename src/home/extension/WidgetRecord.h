@@ -1,0 +1,93 @@
+// One widget as the supervisor knows it: what it shows, what is to take the place of that, and what
+// the extension is to be asked for it and when. Like the supervisor it changes by what it is told
+// alone. A plain value.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "home/extension/Moment.h"
+#include "home/extension/WidgetState.h"
+#include "platform/channel/Messages.h"
+
+namespace quillpad::home {
+
+// What a request of the extension is for; the first two are about no widget.
+enum class Purpose { catalogue, ping, placeholder, snapshot, timeline, rendering, keptRendering };
+
+struct WidgetRecord {
+  struct LaterEntry {
+    Uptime due{};
+    channel::Entry entry;
+  };
+
+  std::optional<Picture> picture;
+  std::optional<Picture> kept;  // see WidgetState
+  std::optional<Picture> snapshot;
+  std::optional<Picture> unrendered;  // an entry whose view is still to come
+  std::vector<LaterEntry> later;      // of the timeline, the earliest first
+  std::optional<Problem> problem;
+
+  // Where the pictures are from the program before: what replaces them, together with all others.
+  bool outdated = false;
+  std::optional<Picture> renewed;
+  bool keptOutdated = false;
+  std::optional<ui::View> renewedKept;
+  bool snapshotOutdated = false;
+
+  Uptime due{};                  // of the next timeline
+  std::optional<Date> reload{};  // the same for people
+  Uptime asked{};                // when a timeline was last asked for
+  Uptime freshUntil{};           // how long the latest timeline counts as the newest
+  bool overdue = false;          // that is over
+
+  bool busy = false;             // an answer is awaited
+  bool wanted = false;           // by a person, until it is answered
+  std::optional<Moment> asking;  // since when its picture is asked for
+  bool slow = false;             // that is a while ago
+  bool placeholderFailed = false;
+  bool snapshotFailed = false;
+
+  std::uint64_t version = 0;  // grows with every change of what is shown
+
+  // What to ask now; nothing while there is nothing, or an answer is awaited.
+  std::optional<Purpose> next(const Moment& now, bool placed, bool inGallery) const;
+  // What the answer is to lead to.
+  Picture::Source target(Purpose purpose) const;
+  // When the passing of time alone makes what is shown slow or overdue.
+  std::optional<Uptime> nextNotice() const;
+  // Whether another picture, or another view of the kept one, is still to come from a new program.
+  bool awaitsRenewal() const;
+
+  // A person waits for a newer picture, and does no more.
+  void want(const Moment& now);
+  void endWait();
+
+  // Whether it became overdue or slow, or is no longer.
+  bool noticeTheTime(const Moment& now, bool nothingComes);
+  // Takes the entry of the timeline whose time has come, to be rendered.
+  void showNextEntry(const Moment& now);
+  // What came of the transfer is noted with the entry that is to be rendered, if there is one.
+  void takeTimeline(
+      const Moment& now,
+      const channel::Timeline& timeline,
+      const std::optional<TransportError>& failure,
+      int statusCode);
+  // While transfers fail, the last picture from one that went well is kept.
+  void takeOver(Picture next);
+  // The widget keeps its picture and is asked again later.
+  void fail(const Moment& now, Picture::Source target, Problem cause);
+
+  // The program is another one: all that is shown is asked of it anew.
+  void outdate(const Moment& now);
+  // What the new program made takes the place of the old; false where there is nothing.
+  bool showRenewed();
+
+  // It stands on the home screen no more; what the gallery shows of it stays.
+  void leave();
+  // Another account: of the figures nothing stays.
+  void forgetAccount();
+};
+
+}  // namespace quillpad::home

@@ -1,0 +1,61 @@
+// The canvas: every variant of every widget on one page, each a picture that the browser asks for
+// when it comes into sight, and a link into the engineer's view. Pure.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "home/page/Markup.h"
+#include "home/page/Page.h"
+#include "home/page/PreviewQuery.h"
+#include "home/server/WebMessages.h"
+#include "platform/text/Geometry.h"
+#include "platform/ui/Environment.h"
+
+namespace quillpad::home {
+
+// Which variants the canvas shows. A plain value; what an address lacks has its usual value.
+struct CanvasQuery {
+  static constexpr const char* everything = "all";
+
+  std::string kind{};    // empty: all
+  std::string entry{};   // a state's or a sample's name; empty: all
+  std::string screen{};  // empty: the default one
+  std::string language{};
+  std::string appearance{};  // "light" or "dark"; empty: both
+  std::string currency{};
+
+  static CanvasQuery parse(const WebRequest& request);
+};
+
+struct CanvasModel {
+  struct Widget {
+    std::string kind;
+    std::string displayName;
+    ui::WidgetFamily family = ui::WidgetFamily::systemSmall;
+    std::vector<std::string> languages;
+    std::vector<std::string> samples;  // those that are made for it
+  };
+
+  CanvasQuery query{};
+  std::vector<Widget> widgets{};
+  std::string problem{};  // why there are no samples; empty where there are
+};
+
+// One variant, and how it is called.
+struct CanvasCell {
+  PreviewQuery query;
+  drawing::Size size;
+  std::string caption;
+};
+
+// The variants of a widget's entry that the query chooses, under the entry's name.
+struct CanvasRow {
+  std::string entry;
+  std::vector<CanvasCell> cells;
+};
+std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::Widget& widget);
+
+Markup canvasPage(const CanvasModel& model, const PageFrame& frame);
+
+}  // namespace quillpad::home

@@ -1,0 +1,120 @@
+#include "home/page/Samples.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "platform/foundation/Bundle.h"
+#include "platform/foundation/Json.h"
+#include "platform/foundation/WholeFile.h"
+
+namespace quillpad::home {
+namespace {
+
+constexpr std::size_t maxSamples = 200;
+constexpr std::size_t maxSampleBytes = std::size_t{1} << 20;
+
+std::size_t lineAt(std::string_view text, std::size_t position) {
+  return position == std::string_view::npos
+             ? 0
+             : static_cast<std::size_t>(1 + std::ranges::count(text.substr(0, position), '\n'));
+}
+
+std::vector<std::string_view> namesOf(const Value& data) {
+  std::vector<std::string_view> names;
+  if (const auto* members = data.as<Dictionary>()) {
+    for (const auto& [key, value] : *members) {
+      names.push_back(key);
+    }
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+}  // namespace
+
+std::expected<channel::Entry, EntryProblem> entryFromText(std::string_view text) {
+  const auto document = readJson(text, JsonFragments::allowed);
+  if (!document) {
+    return std::unexpected(
+        EntryProblem{"it is not JSON: " + document.error().reason, document.error().line});
+  }
+  const Decoder d(*document);
+  channel::Entry entry = channel::entryFrom(d);
+  if (const std::string& error = d.error(); !error.empty()) {
+    const std::string member = "\"" + error.substr(0, error.find(':')) + "\"";
+    return std::unexpected(EntryProblem{"it is not an entry: " + error, lineNamedIn(member, text)});
+  }
+  return entry;
+}
+
+std::string describe(const EntryProblem& problem) {
+  return (problem.line == 0 ? "" : "line " + std::to_string(problem.line) + ": ") + problem.reason;
+}
+
+std::string textOf(const channel::Entry& entry) {
+  return writeJson(channel::toValue(entry), JsonLayout::pretty).value_or("");
+}
+
+std::size_t lineNamedIn(std::string_view error, std::string_view text) {
+  const std::size_t begin = error.find('"');
+  const std::size_t end = begin == std::string_view::npos ? begin : error.find('"', begin + 1);
+  return end == std::string_view::npos
+             ? 0
+             : lineAt(text, text.find(error.substr(begin, end - begin + 1)));
+}
+
+bool suits(const channel::Entry& sample, const Value& data) {
+  return namesOf(sample.data) == namesOf(data);
+}
+
+SampleFolder::SampleFolder(const std::filesystem::path& folder)
+    : folder_(folder.empty() ? Bundle::main().folder() / "samples" : folder) {}
+
+std::expected<std::vector<SampleFolder::Sample>, std::string> SampleFolder::read() const {
+  std::vector<Sample> samples;
+  std::error_code error;
+  for (std::filesystem::directory_iterator file(folder_, error), end; !error && file != end;
+       file.increment(error)) {
+    if (file->path().extension() != ".json" || samples.size() == maxSamples) {
+      continue;
+    }
+    auto text = readWholeFile(file->path(), maxSampleBytes);
+    if (!text) {
+      return std::unexpected(
+          "the sample " + file->path().string() + " cannot be read: " + text.error().message());
+    }
+    samples.push_back({file->path().stem(), std::move(*text)});
+  }
+  if (error) {
+    return std::unexpected(
+        "the samples in " + folder_.string() + " cannot be read: " + error.message() +
+        "; --samples names the folder of files NAME.json");
+  }
+  std::ranges::sort(samples, {}, &Sample::name);
+  return samples;
+}
+
+std::expected<channel::Entry, std::string> SampleFolder::entry(const std::string& name) const {
+  const auto samples = read();
+  if (!samples) {
+    return std::unexpected(samples.error());
+  }
+  std::string names;
+  for (const Sample& sample : *samples) {
+    if (sample.name != name) {
+      names += (names.empty() ? "" : ", ") + sample.name;
+      continue;
+    }
+    auto entry = entryFromText(sample.text);
+    if (entry) {
+      return *std::move(entry);
+    }
+    return std::unexpected(
+        "the sample " + (folder_ / (name + ".json")).string() + ", " + describe(entry.error()));
+  }
+  return std::unexpected(
+      "there is no sample \"" + name + "\" in " + folder_.string() +
+      (names.empty() ? ", which holds none" : "; there are " + names));
+}
+
+}  // namespace quillpad::home

@@ -1,0 +1,31 @@
+// A field of a form with options to choose from: the chosen one is selected.
+#pragma once
+
+#include <string_view>
+
+#include "home/page/Markup.h"
+#include "home/page/PageFiles.h"
+
+namespace quillpad::home {
+
+class Select {
+ public:
+  explicit Select(std::string_view chosen) : chosen_(chosen) {}
+
+  Select& add(std::string_view value, std::string_view label) {
+    markup_ += filled(
+        page::optionHtml,
+        {{"value", escaped(value)},
+         {"selected", escaped(value == chosen_ ? " selected" : "")},
+         {"label", escaped(label)}});
+    return *this;
+  }
+
+  const Markup& markup() const { return markup_; }
+
+ private:
+  std::string_view chosen_;
+  Markup markup_;
+};
+
+}  // namespace quillpad::home

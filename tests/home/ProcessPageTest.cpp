@@ -1,0 +1,58 @@
+#include <chrono>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "home/page/ProcessPage.h"
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::Pair;
+
+const Date now{1'800'000'000s};
+
+TEST(ProcessLog, KeepsTheLatestLinesAndCountsTheTimelinesOfADay) {
+  ProcessLog log;
+  for (int i = 0; i < 60; ++i) {
+    log.notePrinted(now, std::to_string(i));
+  }
+  EXPECT_EQ(log.printed().size(), 50U);
+  EXPECT_EQ(log.printed().front().text, "59");
+  log.noteRequest(now - 25h, channel::TimelineRequest{"A"});
+  log.noteRequest(now - 23h, channel::TimelineRequest{"A"});
+  log.noteRequest(now, channel::TimelineRequest{"A"});
+  log.noteRequest(now, channel::SnapshotRequest{"B"});
+  EXPECT_THAT(log.timelinesOfTheDay(now), ElementsAre(Pair("A", 2)));
+  EXPECT_THAT(log.timelinesOfTheDay(now + 2h), ElementsAre(Pair("A", 1)));
+}
+
+TEST(ProcessPage, ShowsMemoryTransfersAndWhoAsksMoreThanAPhoneGrants) {
+  ProcessModel model{
+      .runs = true,
+      .privateBytes = 3'600'000,
+      .limitBytes = std::size_t{30} * 1024 * 1024,
+      .underWay = {"timeline of <A>"},
+      .budgets = {{"A", 70}, {"B", 288}}};
+  model.log.noteTransfer(
+      now,
+      {.path = "/list", .error = {}, .statusCode = 200, .duration = 4500us, .receivedBytes = 101});
+  model.log.noteTransfer(now, {.path = "/list", .error = TransportError{-1004, "No <way>."}});
+  EXPECT_THAT(
+      processPage(model, {}).html(),
+      AllOf(
+          HasSubstr("3.4 of 30.0 MB"),
+          HasSubstr("timeline of &lt;A&gt;"),
+          HasSubstr("/list: status 200, 4 ms, 0 bytes sent, 101 received"),
+          HasSubstr("/list: No &lt;way&gt;. (-1004)"),
+          HasSubstr("70 of the 40 to 70"),
+          HasSubstr("<tr class=\"warning\"><th scope=\"row\">B</th><td>288, more than"),
+          Not(HasSubstr("<way>"))));
+}
+
+}  // namespace
+}  // namespace quillpad::home

@@ -1,0 +1,121 @@
+// Which writing of a program counts as its replacement: the rule alone, and on real files.
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <string>
+#include <vector>
+
+#include "fixtures/TemporaryHome.h"
+#include "home/extension/ProgramWatch.h"
+
+namespace quillpad::home {
+namespace {
+
+using namespace std::chrono_literals;
+using enum FileEvent;
+
+TEST(ReplacementRuleTest, CountsOnceNobodyWritesAndAMomentHasPassed) {
+  struct Step {
+    std::chrono::milliseconds at;
+    std::string file;
+    FileEvent event;
+  };
+  struct Case {
+    const char* what;
+    std::vector<Step> steps;
+    std::chrono::milliseconds replacedAt;  // 0: never
+  };
+  const Case cases[] = {
+      {"a rename", {{10ms, "a", done}}, 30ms},
+      {"a linker",
+       {{1ms, "a", gone}, {2ms, "a", begun}, {50ms, "a", done}, {51ms, "a", touched}},
+       71ms},
+      {"half a file", {{1ms, "a", begun}, {5ms, "a", begun}}, 0ms},
+      {"half a build", {{1ms, "a", begun}, {2ms, "b", done}}, 0ms},
+      {"a whole build", {{1ms, "a", begun}, {2ms, "b", done}, {30ms, "a", done}}, 50ms},
+      {"one after the other", {{1ms, "a", done}, {15ms, "b", done}}, 35ms},
+      {"taken away", {{1ms, "a", gone}}, 0ms},
+  };
+  for (const auto& [what, steps, replacedAt] : cases) {
+    ReplacementRule rule;
+    for (const Step& step : steps) {
+      EXPECT_FALSE(rule.takeReplaced(step.at)) << what;
+      rule.happened(step.at, step.file, step.event);
+    }
+    EXPECT_EQ(rule.due().value_or(0ms), replacedAt) << what;
+    EXPECT_EQ(rule.takeReplaced(1min), replacedAt != 0ms) << what;
+    EXPECT_FALSE(rule.takeReplaced(2min)) << what << ", once";
+  }
+}
+
+class ProgramWatchTest : public testing::Test {
+ protected:
+  // Whether the watch tells of a replacement soon.
+  bool isReplaced(ProgramWatch& watch) {
+    for (int turn = 0; turn < 20; ++turn) {
+      pollfd descriptor = watch.descriptor();
+      ::poll(&descriptor, 1, 1);
+      now_ += 30ms;
+      if (watch.run(now_)) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+  void write(const std::filesystem::path& file, const std::string& text) {
+    std::ofstream(file) << text;
+  }
+
+  fixtures::TemporaryFolder folder_;
+  std::filesystem::path program_ = folder_.path() / "bin" / "program";
+  std::filesystem::path resources_ = folder_.path() / "share";
+  Uptime now_ = 1h;
+};
+
+TEST_F(ProgramWatchTest, TellsOfAWholeProgramAndOfResourcesAndOfNothingElse) {
+  std::filesystem::create_directories(program_.parent_path());
+  std::filesystem::create_directories(resources_ / "de.lproj");
+  write(program_, "one");
+  ProgramWatch watch(program_, {resources_});
+  EXPECT_FALSE(isReplaced(watch));
+
+  write(folder_.path() / "bin" / "other", "text");
+  EXPECT_FALSE(isReplaced(watch)) << "another file";
+  std::ofstream half(program_);
+  half << "tw" << std::flush;
+  EXPECT_FALSE(isReplaced(watch)) << "half of it";
+  half << "o";
+  half.close();
+  EXPECT_TRUE(isReplaced(watch)) << "the whole";
+  write(folder_.path() / "bin" / "next", "three");
+  std::filesystem::rename(folder_.path() / "bin" / "next", program_);
+  EXPECT_TRUE(isReplaced(watch)) << "a rename";
+  std::filesystem::remove(program_);
+  EXPECT_FALSE(isReplaced(watch)) << "gone";
+  std::filesystem::create_hard_link(folder_.path() / "bin" / "other", program_);
+  EXPECT_TRUE(isReplaced(watch)) << "a link";
+
+  write(resources_ / "de.lproj" / "texts", "texts");
+  EXPECT_TRUE(isReplaced(watch)) << "a translation";
+  std::filesystem::create_directory(resources_ / "fr.lproj");
+  EXPECT_FALSE(isReplaced(watch)) << "an empty folder";
+  write(resources_ / "fr.lproj" / "texts", "textes");
+  EXPECT_TRUE(isReplaced(watch)) << "a translation in a new folder";
+}
+
+TEST_F(ProgramWatchTest, FollowsALinkToTheProgram) {
+  std::filesystem::create_directories(program_.parent_path());
+  std::filesystem::create_directories(resources_);
+  write(resources_ / "real", "one");
+  std::filesystem::create_symlink(resources_ / "real", program_);
+  ProgramWatch watch(program_, {});
+  write(resources_ / "real", "two!");
+  EXPECT_TRUE(isReplaced(watch));
+}
+
+}  // namespace
+}  // namespace quillpad::home

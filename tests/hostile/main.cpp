@@ -1,0 +1,209 @@
+// An extension that tries what none may, and some of what each must be able to. Its snapshot is the
+// list of its attempts that succeeded. HOSTILE_PORT names a port that something listens at,
+// HOSTILE_GATEWAY an origin that it is entitled to, HOSTILE_KEY a file of its user.
+#include <arpa/inet.h>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <functional>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <signal.h>
+#include <spawn.h>
+#include <string>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/Fatal.h"
+#include "platform/foundation/FileDescriptor.h"
+#include "platform/widgets/WidgetBundle.h"
+
+namespace {
+
+using namespace quillpad;
+
+std::string variable(const char* name) {
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
+  return value == nullptr ? "" : value;
+}
+
+bool opens(const std::string& path, int flags) {
+  return bool(FileDescriptor(::open(path.c_str(), flags, 0600)));
+}
+
+bool endsWell(pid_t child) { return child > 0 && ::waitpid(child, nullptr, 0) == child; }
+
+bool forks() {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::_exit(0);
+  }
+  return endsWell(child);
+}
+
+bool starts(const char* program) {
+  pid_t child = 0;
+  std::string name = program;
+  char* arguments[] = {name.data(), nullptr};
+  return ::posix_spawn(&child, program, nullptr, nullptr, arguments, environ) == 0 &&
+         endsWell(child);
+}
+
+bool execs() {
+  ::execl("/no/such/program", "program", nullptr);
+  return errno == ENOENT;  // looked for it
+}
+
+bool maps(int sharing) {
+  constexpr std::size_t gigabyte = std::size_t{1} << 30;
+  return ::mmap(nullptr, gigabyte, PROT_READ | PROT_WRITE, sharing | MAP_ANONYMOUS, -1, 0) !=
+         MAP_FAILED;
+}
+
+bool connects(const std::string& port) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(std::stoi(port)));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  const FileDescriptor socket(::socket(AF_INET, SOCK_STREAM, 0));
+  return ::connect(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+}
+
+bool listens() {
+  const FileDescriptor socket(::socket(AF_INET, SOCK_STREAM, 0));
+  return ::listen(socket.get(), 1) == 0;
+}
+
+bool findsLocalhost() {
+  addrinfo* found = nullptr;
+  const bool well = ::getaddrinfo("localhost", nullptr, nullptr, &found) == 0;
+  if (well) {
+    ::freeaddrinfo(found);
+  }
+  return well;
+}
+
+bool runsAThread() {
+  bool ran = false;
+  std::thread([&] { ran = true; }).join();
+  return ran;
+}
+
+// The first bytes of a file's folder, which the extension may read in.
+std::string ownFolder() {
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+}
+
+struct Attempt {
+  const char* what;
+  std::function<bool()> succeeds;
+};
+
+const std::vector<Attempt>& attempts() {
+  static const std::string home = variable("HOME");
+  static const std::string parent = std::to_string(::getppid());
+  static const std::vector<Attempt> all{
+      {"read a key", [] { return opens(variable("HOSTILE_KEY"), O_RDONLY); }},
+      {"list the home folder", [] { return opens(home, O_RDONLY | O_DIRECTORY); }},
+      {"read /etc/shadow", [] { return opens("/etc/shadow", O_RDONLY); }},
+      {"read the parent's memory", [] { return opens("/proc/" + parent + "/mem", O_RDONLY); }},
+      {"read the parent's variables",
+       [] { return opens("/proc/" + parent + "/environ", O_RDONLY); }},
+      {"write into the home folder", [] { return opens(home + "/new", O_WRONLY | O_CREAT); }},
+      {"write into /tmp", [] { return opens("/tmp", O_WRONLY | O_TMPFILE); }},
+      {"write beside itself", [] { return opens(ownFolder() + "/new", O_WRONLY | O_CREAT); }},
+      {"remove a key", [] { return ::unlink(variable("HOSTILE_KEY").c_str()) == 0; }},
+      {"show a key to others", [] { return ::chmod(variable("HOSTILE_KEY").c_str(), 0644) == 0; }},
+      {"outlive its parent",
+       [] { return ::syscall(SYS_prctl, 1UL << 32 | PR_SET_PDEATHSIG, 0) == 0; }},
+      {"connect to another port", [] { return connects(variable("HOSTILE_PORT")); }},
+      {"listen", listens},
+      {"talk to a local service",
+       [] { return bool(FileDescriptor(::socket(AF_UNIX, SOCK_STREAM, 0))); }},
+      {"send raw packets", [] { return bool(FileDescriptor(::socket(AF_PACKET, SOCK_RAW, 0))); }},
+      {"fork", forks},
+      {"start a program", [] { return starts("/usr/bin/true"); }},
+      {"become a program", execs},
+      {"signal its parent", [] { return ::kill(::getppid(), 0) == 0; }},
+      {"limit its parent",
+       [] {
+         constexpr rlimit oneByte{1, 1};
+         return ::prlimit(::getppid(), RLIMIT_CORE, &oneByte, nullptr) == 0;
+       }},
+      {"trace its parent",
+       [] { return ::ptrace(PTRACE_SEIZE, ::getppid(), nullptr, nullptr) == 0; }},
+      {"map 1 GB", [] { return maps(MAP_PRIVATE); }},
+      {"map 1 GB to share", [] { return maps(MAP_SHARED); }},
+      // What each must be able to.
+      {"read a zone", [] { return opens("/usr/share/zoneinfo/UTC", O_RDONLY); }},
+      {"read beside itself", [] { return opens(ownFolder(), O_RDONLY | O_DIRECTORY); }},
+      {"connect to its gateway",
+       [] {
+         const std::string origin = variable("HOSTILE_GATEWAY");
+         return connects(origin.substr(origin.rfind(':') + 1));
+       }},
+      {"look a name up", findsLocalhost},
+      {"run a thread", runsAThread}};
+  return all;
+}
+
+struct Successes {
+  Array names;
+
+  Value toValue() const { return names; }
+  static Successes fromValue(const Value& value) {
+    return {forcedAs<Array>(value, "the successes")};
+  }
+};
+
+struct Attack {
+  Date date;
+  Successes data;
+};
+
+struct Attacker {
+  using Entry = Attack;
+  using Context = widgets::TimelineProviderContext;
+
+  Entry placeholder(const Context& /*context*/) const { return {currentDate(), {}}; }
+
+  void getSnapshot(const Context& /*context*/, widgets::Completion<Entry> completion) const {
+    Successes successes;
+    for (const auto& [what, succeeds] : attempts()) {
+      if (succeeds()) {
+        successes.names.emplace_back(what);
+      }
+    }
+    completion({currentDate(), std::move(successes)});
+  }
+
+  void getTimeline(
+      const Context& /*context*/, widgets::Completion<widgets::Timeline<Entry>> completion) const {
+    completion({{}, widgets::TimelineReloadPolicy::after(currentDate())});
+  }
+};
+
+struct Attackers {
+  std::vector<widgets::WidgetConfiguration> body() const {
+    const auto content = [](const ui::Environment&, const Attack&) { return ui::Spacer(); };
+    return {widgets::StaticConfiguration("attack", Attacker(), content)
+                .supportedFamilies({ui::WidgetFamily::systemSmall})};
+  }
+};
+
+}  // namespace
+
+int main() {
+  return widgets::main(Attackers(), {.origins = {variable("HOSTILE_GATEWAY")}, .linkSchemes = {}});
+}

@@ -1,0 +1,123 @@
+// The extension's program and its resources replaced while pages look on.
+import assert from "node:assert/strict";
+import {
+  closeSync,
+  existsSync,
+  mkdirSync,
+  openSync,
+  readFileSync,
+  renameSync,
+  rmSync,
+  writeFileSync,
+  writeSync,
+} from "node:fs";
+import { join } from "node:path";
+import { after, before, test } from "node:test";
+import { setTimeout as pause } from "node:timers/promises";
+import { World, build, launchBrowser, until } from "./World.mjs";
+
+const original = readFileSync(join(build, "tests", "stamped_extension"));
+const replacements = 100;
+
+let world, browser, program;
+
+before(async () => {
+  world = new World();
+  program = world.extension = join(world.folder, "bin", "program");
+  mkdirSync(join(world.folder, "bin"));
+  rename("v0");
+  await world.startHome();
+  browser = await launchBrowser();
+});
+
+after(async () => {
+  await browser?.close();
+  await world?.end();
+});
+
+function programOf(stamp) {
+  return Buffer.concat([original, Buffer.from(`\n${stamp}`)]);
+}
+
+function rename(stamp) {
+  writeFileSync(`${program}.next`, programOf(stamp), { mode: 0o755 });
+  renameSync(`${program}.next`, program);
+}
+
+// As a linker does, in two halves.
+async function write(stamp) {
+  const bytes = programOf(stamp);
+  rmSync(program);
+  const file = openSync(program, "w", 0o755);
+  writeSync(file, bytes.subarray(0, bytes.length / 2));
+  await pause(Math.random() * 40);
+  writeSync(file, bytes.subarray(bytes.length / 2));
+  closeSync(file);
+}
+
+const labels = (page, cards = ".widget .card svg") =>
+  page.locator(cards).evaluateAll((pictures) => pictures.map((picture) => picture.getAttribute("aria-label")));
+
+const shows = (page, stamp, cards) => async () => {
+  const all = await labels(page, cards);
+  return all.length === 5 && all.every((label) => label === stamp);
+};
+
+test(`${replacements} replacements at random moments leave no blank, no mixture and no process`, async () => {
+  const [home, gallery, engineer] = await Promise.all(
+    ["/", "/", "/?view=engineer"].map(async (path) => {
+      const page = await (await world.newContext(browser)).newPage();
+      await page.goto(world.address + path);
+      return page;
+    }),
+  );
+  await until("the first program shows", shows(home, "v0"));
+  await gallery.getByRole("button", { name: "Widgets" }).click();
+  await until("its snapshots show", shows(gallery, "v0", "dialog .card svg"));
+  await home.evaluate(() => {
+    window.states = [];
+    new MutationObserver(() => {
+      const cards = [...document.querySelectorAll(".widget .card")];
+      window.states.push(cards.map((card) => card.querySelector("svg")?.getAttribute("aria-label") ?? "blank").join());
+    }).observe(document.getElementById("home"), { childList: true });
+  });
+  const seen = new Set();
+  let stamp;
+  for (let turn = 1; turn <= replacements; ++turn) {
+    stamp = `v${turn}`;
+    if (turn % 3) rename(stamp);
+    else await write(stamp);
+    await pause(Math.random() * 120);
+    for (const process of world.childProcesses()) seen.add(process);
+    if (turn % 10 === 0) await until("the page follows", shows(home, stamp));
+  }
+  await until("the last program shows", shows(home, stamp));
+  await until("its snapshots show", shows(gallery, stamp, "dialog .card svg"));
+  await until("the engineer's view shows it", async () => {
+    const stamps = (await labels(engineer, ".column svg[aria-label]")).filter((label) => /^v\d+$/.test(label));
+    return stamps.length > 0 && stamps.every((each) => each === stamp);
+  });
+  const states = await home.evaluate(() => window.states);
+  assert.ok(states.length >= replacements / 10, "every change was seen");
+  for (const state of states) assert.equal(new Set(state.split(",")).size, 1, `a mixture: ${state}`);
+  const running = world.childProcesses();
+  for (const process of seen) assert.ok(running.includes(process) || !existsSync(`/proc/${process}`));
+  assert.ok(running.length <= 2, "one for the widgets, one for the engineer's view");
+});
+
+test("a program that breaks or ends at once leaves the last pictures, marked with its last words", async () => {
+  const page = await (await world.newContext(browser)).newPage();
+  await page.goto(world.address);
+  for (const [stamp, words] of [["breaks", "this program breaks"], ["ends", "this program ends at once"]]) {
+    rename(`good before it ${stamp}`);
+    await until("a good program shows", shows(page, `good before it ${stamp}`));
+    assert.equal(await page.locator('.widget[data-status="stale"]').count(), 0);
+    rename(stamp);
+    await until("all are marked", async () => (await page.locator('.widget[data-status="stale"]').count()) === 5);
+    assert.match(await page.locator(".widget .badge").first().textContent(), new RegExp(words));
+    assert.ok(await shows(page, `good before it ${stamp}`)());
+  }
+  rename("good again");
+  await until("it recovers at once", shows(page, "good again"));
+  await until("no mark is left", async () => (await page.locator('.widget[data-status="live"]').count()) === 5);
+});
