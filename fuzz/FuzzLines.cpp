@@ -1,0 +1,43 @@
+// A stream is cut into the same lines however its bytes come. The first byte says in what portions.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Expect.h"
+#include "home/extension/PrintedLine.h"
+#include "platform/channel/LineReader.h"
+#include "platform/foundation/Utf8.h"
+
+using namespace quillpad;
+
+namespace {
+
+constexpr std::size_t maxLength = 16;
+
+std::vector<std::string> linesOf(std::string_view bytes, std::size_t portion) {
+  channel::LineReader reader(maxLength);
+  std::vector<std::string> lines;
+  while (!bytes.empty()) {
+    reader.append(bytes.substr(0, portion));
+    bytes.remove_prefix(std::min(portion, bytes.size()));
+    while (const auto line = reader.next()) {
+      expect(line->text.size() <= maxLength && !line->text.contains('\n'));
+      lines.push_back(line->tooLong ? "(too long)\n" : line->text);
+    }
+  }
+  lines.push_back(reader.takeRest());
+  return lines;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size == 0) {
+    return 0;
+  }
+  const std::string_view bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
+  expect(linesOf(bytes, 1 + data[0] % 40U) == linesOf(bytes, size));
+  expect(isUtf8(home::printableText(bytes)));
+  return 0;
+}
