@@ -1,11 +1,13 @@
-// What the live home screen costs: first paint, 200 tabs, hours of reloads, 500 widgets. Uses the
+// What the live home screen costs: first paint, 200 tabs, hours of reloads, 500 widgets, another
+// program, and drawing the whole matrix. Uses the
 // packages of tests/page ("npm ci" there) and the programs of a release build.
 //   node bench/HomeScreenBench.mjs
-import { readFileSync } from "node:fs";
+import { spawnSync } from "node:child_process";
+import { cpSync, mkdirSync, readFileSync, renameSync, writeFileSync } from "node:fs";
 import { connect } from "node:net";
 import { join } from "node:path";
 import { setTimeout as pause } from "node:timers/promises";
-import { World, launchBrowser, programs, until } from "../tests/page/World.mjs";
+import { World, build, launchBrowser, programs, until } from "../tests/page/World.mjs";
 
 const median = (values) => values.sort((a, b) => a - b)[Math.floor(values.length / 2)];
 const round = (value) => Math.round(value * 10) / 10;
@@ -43,7 +45,7 @@ async function firstPaint() {
     toAddress.push(performance.now() - start);
     await until("all is live", () => world.allLive());
     toLive.push(performance.now() - start);
-    const context = await browser.newContext();
+    const context = await world.newContext(browser);
     const page = await context.newPage();
     await page.goto(world.address);
     paint.push(
@@ -72,7 +74,7 @@ async function manyTabs() {
   await world.startHome();
   await until("all is live", () => world.allLive());
   const token = await world.pageToken();
-  const { version } = await (await fetch(`${world.address}/changes?since=0`)).json();
+  const { version } = await (await world.fetch("/changes?since=0")).json();
   const port = Number(new URL(world.address).port);
   const tabs = await Promise.all(
     Array.from(
@@ -80,7 +82,7 @@ async function manyTabs() {
       () =>
         new Promise((resolve) => {
           const socket = connect(port, "127.0.0.1", () => {
-            socket.write(`GET /events?since=${version} HTTP/1.1\r\nHost: 127.0.0.1:${port}\r\n\r\n`);
+            socket.write(`GET /events?since=${version} HTTP/1.1\r\nHost: 127.0.0.1:${port}\r\nCookie: ${world.cookie.name}=${world.cookie.value}\r\n\r\n`);
           });
           socket.text = "";
           socket.on("data", (data) => {
@@ -97,7 +99,7 @@ async function manyTabs() {
   for (const currency of ["€ - EUR", "£ - GBP", "¥ - JPY", "₹ - INR", "$ - USD"]) {
     world.settings("currency", currency);
     for (const tab of tabs) Object.assign(tab, { text: "", heard: 0, shown: Buffer.from(`${currency[0]}9,999.99`).toString("latin1") });
-    await fetch(`${world.address}/reload`, { method: "POST", headers: { "X-Page-Token": token } });
+    await world.change("/reload", token);
     await until("every tab hears", () => tabs.every((tab) => tab.heard));
     const heard = tabs.map((tab) => tab.heard);
     times.push(Math.max(...heard) - Math.min(...heard));
@@ -129,16 +131,13 @@ async function manyWidgets() {
   const world = await signedInWorld(join(programs, "many_widgets"));
   const start = performance.now();
   await world.startHome();
-  await until("all is live", async () => {
-    const cards = Object.values(await world.cards());
-    return cards.length === 500 && cards.every((html) => html.includes('data-status="live"'));
-  }, 120_000);
+  await until("all is live", () => world.allLive(500), 120_000);
   tell("500 placed widgets, from the start until all are live", `${round(performance.now() - start)} ms`);
   const times = [];
   let size = 0;
   for (let turn = 0; turn < 9; ++turn) {
     const begin = performance.now();
-    size = (await (await fetch(world.address)).text()).length;
+    size = (await (await world.fetch("/")).text()).length;
     times.push(performance.now() - begin);
   }
   tell("  the page", `${round(size / 1e6)} MB, ${round(median(times))} ms`);
@@ -148,6 +147,72 @@ async function manyWidgets() {
   await world.end();
 }
 
-const parts = { firstPaint, manyTabs, hoursOfReloads, manyWidgets };
+// A program and its translations put in the place of others, until the last of the five cards is
+// painted anew.
+async function anotherProgram() {
+  const world = await signedInWorld();
+  const share = join(world.folder, "share", "quillpad-widgets");
+  cpSync(join(build, "share", "quillpad-widgets"), share, { recursive: true });
+  mkdirSync(join(world.folder, "bin"));
+  const original = readFileSync(world.extension);
+  const program = (world.extension = join(world.folder, "bin", "extension"));
+  const titles = ["Sales", "Unpaid", "Pending", "Unpaid Invoices", "Pending Estimates"];
+  const replace = (turn) => {
+    const texts = titles.map((title) => `<key>${title}</key><string>${title} ${turn}</string>`).join("");
+    writeFileSync(join(share, "en.lproj", "Localizable.strings"), `<plist version="1.0"><dict>${texts}</dict></plist>`);
+    writeFileSync(`${program}.next`, Buffer.concat([original, Buffer.from(String(turn))]), { mode: 0o755 });
+    renameSync(`${program}.next`, program);
+    return Date.now();
+  };
+  replace(0);
+  await world.startHome();
+  await until("all is live", () => world.allLive());
+  const browser = await launchBrowser();
+  const page = await (await world.newContext(browser)).newPage();
+  await page.goto(world.address);
+  const times = [];
+  for (let turn = 1; turn <= 25; ++turn) {
+    const painted = page.evaluate(
+      (turn) =>
+        new Promise((resolve) => {
+          const isNew = () =>
+            [...document.querySelectorAll(".widget .card svg")].filter((picture) =>
+              picture.getAttribute("aria-label").includes(` ${turn}`),
+            ).length >= 5;
+          const look = () => (isNew() ? requestAnimationFrame(() => resolve(Date.now())) : requestAnimationFrame(look));
+          look();
+        }),
+      turn,
+    );
+    const replaced = replace(turn);
+    times.push((await painted) - replaced);
+    await pause(400);
+  }
+  const sorted = times.sort((a, b) => a - b);
+  tell("another program, until all five cards are painted (median of 25)", `${median(times)} ms`);
+  tell("  the slowest", `${sorted.at(-1)} ms`);
+  await browser.close();
+  await world.end();
+}
+
+// 2,100 pictures, into an empty folder and into one where all of them are recorded.
+async function wholeMatrix() {
+  const world = await signedInWorld();
+  for (const what of ["into an empty folder", "with all of them recorded"]) {
+    const times = [];
+    for (let turn = 0; turn < 9; ++turn) {
+      const folder = join(world.folder, what.startsWith("into") ? `matrix-${turn}` : "matrix-0");
+      const args = ["--extension", world.extension, "gallery", "--all", "-o", folder];
+      const start = performance.now();
+      const done = spawnSync(join(programs, "quillpad-home"), args, { env: world.environment });
+      times.push(performance.now() - start);
+      if (done.status !== 0) throw new Error(String(done.stderr));
+    }
+    tell(`gallery --all, 2,100 pictures ${what} (median of 9)`, `${Math.round(median(times))} ms`);
+  }
+  await world.end();
+}
+
+const parts = { firstPaint, manyTabs, hoursOfReloads, manyWidgets, anotherProgram, wholeMatrix };
 const chosen = process.argv.length > 2 ? process.argv.slice(2) : Object.keys(parts);
 for (const part of chosen) await parts[part]();

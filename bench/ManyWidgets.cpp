@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "gateway/GatewayOrigin.h"
 #include "host/Widgets.h"
 #include "platform/foundation/Clock.h"
 #include "platform/widgets/WidgetBundle.h"
@@ -56,4 +57,7 @@ struct ManyWidgets {
 
 }  // namespace
 
-int main() { return widgets::main(ManyWidgets()); }
+int main() {
+  return widgets::main(
+      ManyWidgets(), {.origins = {std::string(gatewayOrigin())}, .linkSchemes = {"quillpad"}});
+}
