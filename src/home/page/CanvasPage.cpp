@@ -195,16 +195,9 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
   }
   Select appearance(query.appearance);
   appearance.add("", "Light and dark").add("light", "Light").add("dark", "Dark");
-  return filled(
+  const Markup body = filled(
       page::canvasHtml,
-      {{"instance", escaped(frame.instance)},
-       {"version", escaped(std::to_string(frame.version))},
-       {"nonce", escaped(frame.nonce)},
-       {"style", trusted(std::string(page::styleCss))},
-       {"engineerStyle", trusted(std::string(page::engineerCss))},
-       {"canvasStyle", trusted(std::string(page::canvasCss))},
-       {"appearanceScript", trusted(std::string(page::appearanceJs))},
-       {"kinds", kindSelect(model).markup()},
+      {{"kinds", kindSelect(model).markup()},
        {"entries", entrySelect(model).markup()},
        {"screens", screenSelect(model).markup()},
        {"languages", languageSelect(model).markup()},
@@ -212,8 +205,16 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
        {"currency", escaped(query.currency)},
        {"count", escaped(count == 1 ? "1 picture" : std::to_string(count) + " pictures")},
        {"problem", escaped(model.problem)},
-       {"widgets", sections},
-       {"script", trusted(std::string(page::eventsJs) + std::string(page::canvasJs))}});
+       {"widgets", sections}});
+  PageFrame english = frame;  // as its words are
+  english.language = {};
+  return framed(
+      {.view = "canvas",
+       .title = "Quillpad · canvas",
+       .style = std::string(page::engineerCss) + std::string(page::canvasCss),
+       .body = body,
+       .script = std::string(page::eventsJs) + std::string(page::canvasJs)},
+      english);
 }
 
 }  // namespace quillpad::home

@@ -200,20 +200,9 @@ Markup engineerPage(const EngineerModel& model, const PageFrame& frame) {
   const std::string chosenScale = std::to_string(query.scale);
   Select scale(chosenScale);
   scale.add("2", "2x").add("1", "1x").add("3", "3x");
-  std::string script(page::textsJs);
-  script.append(page::eventsJs).append(page::engineerJs);
-  return filled(
+  const Markup body = filled(
       page::engineerHtml,
-      {{"language", escaped(language.tag())},
-       {"direction", escaped(language.isRightToLeft() ? "rtl" : "ltr")},
-       {"title", escaped(language.text("Quillpad · {1}, engineer’s view", {query.kind}))},
-       {"instance", escaped(frame.instance)},
-       {"version", escaped(std::to_string(frame.version))},
-       {"nonce", escaped(frame.nonce)},
-       {"style", trusted(std::string(page::styleCss))},
-       {"engineerStyle", trusted(std::string(page::engineerCss))},
-       {"appearanceScript", trusted(std::string(page::appearanceJs))},
-       {"home", escaped(addressOf("", frame))},
+      {{"home", escaped(addressOf("", frame))},
        {"canvas", escaped(addressOf("canvas", frame))},
        {"wish",
         frame.wish.empty() ? Markup() : filled(page::wishHtml, {{"wish", escaped(frame.wish)}})},
@@ -231,10 +220,15 @@ Markup engineerPage(const EngineerModel& model, const PageFrame& frame) {
        {"entry", escaped(model.entryText)},
        {"wrongLine", escaped(std::to_string(model.wrongLine))},
        {"columns", columns},
-       {"details", details},
-       {"texts", textsOf(script, language)},
-       {"script", trusted(script)}},
+       {"details", details}},
       language);
+  return framed(
+      {.view = "engineer",
+       .title = language.text("Quillpad · {1}, engineer’s view", {query.kind}),
+       .style = std::string(page::engineerCss),
+       .body = body,
+       .script = std::string(page::eventsJs) + std::string(page::engineerJs)},
+      frame);
 }
 
 }  // namespace quillpad::home

@@ -128,6 +128,26 @@ Markup faceMarkup(
 
 }  // namespace
 
+Markup framed(const PageParts& parts, const PageFrame& frame) {
+  const std::string script = std::string(page::textsJs) + parts.script;
+  return filled(
+      page::pageHtml,
+      {{"language", escaped(frame.language.tag())},
+       {"direction", directionOf(frame.language.tag())},
+       {"view", escaped(parts.view)},
+       {"token", escaped(frame.token)},
+       {"instance", escaped(frame.instance)},
+       {"version", escaped(std::to_string(frame.version))},
+       {"title", escaped(parts.title)},
+       {"nonce", escaped(frame.nonce)},
+       {"style", trusted(std::string(page::styleCss))},
+       {"viewStyle", trusted(parts.style)},
+       {"appearanceScript", trusted(std::string(page::appearanceJs))},
+       {"body", parts.body},
+       {"texts", textsOf(script, frame.language)},
+       {"script", trusted(script)}});
+}
+
 Markup cardMarkup(const CardModel& card, const PageFrame& frame, Date now) {
   Markup onPhone;
   if (card.onPhone) {
@@ -143,7 +163,7 @@ Markup homePage(const HomeModel& model, const PageFrame& frame, Date now) {
     cards += cardMarkup(card, frame, now);
   }
   const bool wall = model.view == HomeView::wall;
-  std::string script(page::textsJs);
+  std::string script;
   for (const std::string_view part :
        {page::eventsJs,
         page::homeJs,
@@ -152,26 +172,21 @@ Markup homePage(const HomeModel& model, const PageFrame& frame, Date now) {
         wall ? page::wallJs : page::orderJs}) {
     script += part;
   }
-  return filled(
+  const Markup body = filled(
       page::homeHtml,
-      {{"language", escaped(frame.language.tag())},
-       {"direction", directionOf(frame.language.tag())},
-       {"view", escaped(wall ? "wall" : "desk")},
-       {"token", escaped(frame.token)},
-       {"instance", escaped(frame.instance)},
-       {"version", escaped(std::to_string(frame.version))},
-       {"nonce", escaped(frame.nonce)},
-       {"style", trusted(std::string(page::styleCss))},
-       {"viewStyle", trusted(std::string(wall ? page::wallCss : ""))},
-       {"appearanceScript", trusted(std::string(page::appearanceJs))},
-       {"notice", escaped(model.notice)},
+      {{"notice", escaped(model.notice)},
        {"cards", cards},
        {"empty", escaped(model.empty)},
        {"engineer", escaped(addressOf("engineer", frame))},
-       {"canvas", escaped(addressOf("canvas", frame))},
-       {"texts", textsOf(script, frame.language)},
-       {"script", trusted(script)}},
+       {"canvas", escaped(addressOf("canvas", frame))}},
       frame.language);
+  return framed(
+      {.view = wall ? "wall" : "desk",
+       .title = frame.language.text("Quillpad home screen"),
+       .style = std::string(wall ? page::wallCss : ""),
+       .body = body,
+       .script = std::move(script)},
+      frame);
 }
 
 Markup galleryMarkup(const std::vector<OfferModel>& offers, const PageFrame& frame) {
@@ -200,17 +215,15 @@ Markup galleryMarkup(const std::vector<OfferModel>& offers, const PageFrame& fra
 }
 
 Markup problemPage(const std::string& problem, const PageFrame& frame) {
-  return filled(
+  const Markup body = filled(
       page::problemHtml,
-      {{"language", escaped(frame.language.tag())},
-       {"direction", directionOf(frame.language.tag())},
-       {"nonce", escaped(frame.nonce)},
-       {"style", trusted(std::string(page::styleCss))},
-       {"appearanceScript", trusted(std::string(page::appearanceJs))},
-       {"problem", escaped(problem)},
+      {{"problem", escaped(problem)},
        {"engineer", escaped(addressOf("engineer", frame))},
        {"home", escaped(addressOf("", frame))}},
       frame.language);
+  return framed(
+      {.view = "problem", .title = frame.language.text("Quillpad home screen"), .body = body},
+      frame);
 }
 
 std::string addressOf(std::string_view view, const PageFrame& frame) {

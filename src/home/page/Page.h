@@ -49,6 +49,16 @@ struct PageFrame {
   std::string cardLanguage = "en";  // of the extension's names and pictures
 };
 
+// What a page has of its own.
+struct PageParts {
+  std::string_view view;  // marks the page, for its style
+  std::string title;
+  std::string style{};  // besides the one of all pages
+  Markup body;
+  std::string script{};  // runs when the body is there, and may call text()
+};
+Markup framed(const PageParts& parts, const PageFrame& frame);
+
 Markup cardMarkup(const CardModel& card, const PageFrame& frame, Date now);
 
 // For a desk, with all that there is to read and to do; for a wall, the cards alone.

@@ -5,6 +5,7 @@
 
 namespace quillpad::home::page {
 
+extern const std::string_view pageHtml;
 extern const std::string_view homeHtml;
 extern const std::string_view cardHtml;
 extern const std::string_view badgeHtml;

@@ -56,21 +56,25 @@ Markup processPage(const ProcessModel& model, const PageFrame& frame) {
   for (const ProcessModel::Budget& budget : model.budgets) {
     budgets += row(budget.kind, budgetWords(budget.timelines), budget.timelines > mostReloads);
   }
-  return filled(
+  const Markup body = filled(
       page::processHtml,
-      {{"nonce", escaped(frame.nonce)},
-       {"style", trusted(std::string(page::styleCss))},
-       {"processStyle", trusted(std::string(page::processCss))},
-       {"appearanceScript", trusted(std::string(page::appearanceJs))},
-       {"state", escaped(model.runs ? "The extension runs." : "The extension does not run.")},
+      {{"state", escaped(model.runs ? "The extension runs." : "The extension does not run.")},
        {"used", escaped(megabytes(model.privateBytes))},
        {"limit", escaped(megabytes(model.limitBytes))},
        {"underWay", underWay.empty() ? note("None.") : underWay},
        {"budgets", budgets.empty() ? note("None yet.") : budgets},
        {"runs", rows(model.log.runs())},
        {"transfers", rows(model.log.transfers())},
-       {"printed", rows(model.log.printed())},
-       {"script", trusted(std::string(page::processJs))}});
+       {"printed", rows(model.log.printed())}});
+  PageFrame english = frame;  // as its words are
+  english.language = {};
+  return framed(
+      {.view = "process",
+       .title = "Quillpad · extension",
+       .style = std::string(page::processCss),
+       .body = body,
+       .script = std::string(page::processJs)},
+      english);
 }
 
 }  // namespace quillpad::home
