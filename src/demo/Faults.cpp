@@ -9,25 +9,22 @@ namespace quillpad::demo {
 namespace {
 
 struct NamedDamage {
-  std::string_view name;
+  std::string_view item;
   Damage damage;
 };
 
-constexpr std::array<NamedDamage, 3> items = {{
+constexpr std::array<NamedDamage, 11> damages = {{
     {"drop", Damage::drop},
     {"truncate", Damage::truncate},
     {"not-json", Damage::notJson},
-}};
-
-constexpr std::array<NamedDamage, 8> shapes = {{
-    {"fragment", Damage::fragment},
-    {"no-data", Damage::noData},
-    {"data-object", Damage::dataObject},
-    {"inner-not-json", Damage::innerNotJson},
-    {"inner-array", Damage::innerArray},
-    {"missing-key", Damage::missingKey},
-    {"figure-text", Damage::figureText},
-    {"records-object", Damage::recordsObject},
+    {"shape=fragment", Damage::fragment},
+    {"shape=no-data", Damage::noData},
+    {"shape=data-object", Damage::dataObject},
+    {"shape=inner-not-json", Damage::innerNotJson},
+    {"shape=inner-array", Damage::innerArray},
+    {"shape=missing-key", Damage::missingKey},
+    {"shape=figure-text", Damage::figureText},
+    {"shape=records-object", Damage::recordsObject},
 }};
 
 std::optional<int> number(std::string_view text, int min, int max) {
@@ -39,21 +36,18 @@ std::optional<int> number(std::string_view text, int min, int max) {
   return value;
 }
 
-template <std::size_t count>
-std::optional<Damage> named(const std::array<NamedDamage, count>& table, std::string_view name) {
-  const auto found = std::ranges::find(table, name, &NamedDamage::name);
-  return found == table.end() ? std::nullopt : std::optional(found->damage);
-}
-
 // False if the item is not understood.
 bool apply(std::string_view item, Fault& fault) {
-  const std::size_t equals = item.find('=');
-  const std::string_view key = item.substr(0, equals);
-  if (equals == item.npos) {
-    const std::optional<Damage> damage = named(items, key);
-    fault.damage = damage.value_or(fault.damage);
-    return damage.has_value() || key == "off";
+  const auto damage = std::ranges::find(damages, item, &NamedDamage::item);
+  if (damage != damages.end()) {
+    fault.damage = damage->damage;
+    return true;
   }
+  const std::size_t equals = item.find('=');
+  if (equals == item.npos) {
+    return item == "off";
+  }
+  const std::string_view key = item.substr(0, equals);
   const std::string_view value = item.substr(equals + 1);
   if (key == "delay") {
     const std::optional<int> delay = number(value, 0, 600'000);
@@ -68,13 +62,8 @@ bool apply(std::string_view item, Fault& fault) {
     fault.count = number(value, 1, 1'000'000);
     return fault.count.has_value();
   }
-  if (key == "path") {
-    fault.path = value;
-    return value == "getDataMap" || value == "listFast";
-  }
-  const std::optional<Damage> damage = key == "shape" ? named(shapes, value) : std::nullopt;
-  fault.damage = damage.value_or(fault.damage);
-  return damage.has_value();
+  fault.path = value;
+  return key == "path" && (value == "getDataMap" || value == "listFast");
 }
 
 }  // namespace
@@ -94,6 +83,35 @@ std::expected<Fault, std::string> Fault::parse(std::string_view items) {
   }
 }
 
+std::string Fault::items() const {
+  std::string items;
+  const auto add = [&items](std::string_view item) {
+    items.append(items.empty() ? "" : ",").append(item);
+  };
+  if (status) {
+    add("status=" + std::to_string(*status));
+  }
+  const auto named = std::ranges::find(damages, damage, &NamedDamage::damage);
+  if (named != damages.end()) {
+    add(named->item);
+  }
+  if (!path.empty()) {
+    add("path=" + path);
+  }
+  if (count) {
+    add("count=" + std::to_string(*count));
+  }
+  return items.empty() ? "off" : items;
+}
+
+std::vector<std::string> offeredFaults() {
+  std::vector<std::string> faults{"off", "status=401", "status=404", "status=500", "status=503"};
+  for (const NamedDamage& damage : damages) {
+    faults.emplace_back(damage.item);
+  }
+  return faults;
+}
+
 std::string_view faultHelp() {
   return "delay=MS, status=N, drop, truncate, not-json, shape=fragment, shape=no-data, "
          "shape=data-object, shape=inner-not-json, shape=inner-array, shape=missing-key, "
@@ -104,6 +122,11 @@ std::string_view faultHelp() {
 void FaultSwitch::set(Fault fault) {
   const std::lock_guard lock(mutex_);
   fault_ = std::move(fault);
+}
+
+Fault FaultSwitch::current() {
+  const std::lock_guard lock(mutex_);
+  return fault_;
 }
 
 Fault FaultSwitch::take(std::string_view path) {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillpad::demo {
 
@@ -35,15 +36,22 @@ struct Fault {
 
   // The fault that the items name together, or what is wrong with them.
   static std::expected<Fault, std::string> parse(std::string_view items);
+
+  // The items that name it, without its delay.
+  std::string items() const;
 };
 
 // The items that there are, for a person.
 std::string_view faultHelp();
 
+// The faults that a switchboard offers, each by its items.
+std::vector<std::string> offeredFaults();
+
 // The fault in force. Callable from any thread.
 class FaultSwitch {
  public:
   void set(Fault fault);
+  Fault current();
 
   // The fault for one answer on this path, counted off; no fault where none applies.
   Fault take(std::string_view path);

@@ -15,7 +15,6 @@ namespace {
 
 constexpr std::string_view summaryPath = "/invoice/invoice/getDataMap";
 constexpr std::string_view listPath = "/invoice/invoice/listFast";
-constexpr std::string_view faultPath = "/demo/fault";
 constexpr std::string_view documentsPath = "/demo/documents";
 
 std::string jsonText(const Value& value) {
@@ -250,32 +249,41 @@ std::string packed(const Dictionary& document, Damage damage) {
   return jsonText(answer);
 }
 
+// In a time that does not depend on how much of the token is right.
+bool areEqual(const std::string& token, const std::string& given) {
+  return given.size() == token.size() &&
+         gnutls_memcmp(token.data(), given.data(), token.size()) == 0;
+}
+
 }  // namespace
 
 Answer refuse(int status, std::string_view message) {
   return {.status = status, .body = jsonText(Dictionary{{"code", status}, {"message", message}})};
 }
 
-Gateway::Gateway(std::string token, std::function<Day()> clock)
-    : token_(std::move(token)), clock_(std::move(clock)) {}
+Gateway::Gateway(std::string token, std::string switchboardToken, std::function<Day()> clock)
+    : token_(std::move(token)),
+      switchboardToken_(std::move(switchboardToken)),
+      clock_(std::move(clock)) {}
 
 Answer Gateway::answer(const Request& request) {
+  if (request.path == switchboardPath) {
+    return answerSwitchboard(request);
+  }
   const bool isPost = request.path == summaryPath || request.path == listPath;
-  const bool isKnown = isPost || request.path == faultPath || request.path == documentsPath;
-  if (!isKnown) {
+  if (!isPost && request.path != documentsPath) {
     return refuse(404, "there is nothing at this path");
   }
-  const std::string_view method = request.path == documentsPath ? "GET" : "POST";
+  const std::string_view method = isPost ? "POST" : "GET";
   if (request.method != method) {
     return refuse(405, "this path takes " + std::string(method));
   }
-  if (!isPost) {
-    if (!knows(request.authorization)) {
-      return refuse(401, "the token in 'Authorization' is missing or wrong");
-    }
-    return request.path == faultPath ? setFault(request.body) : listDocuments();
+  if (isPost) {
+    return answerPost(request);
   }
-  return answerPost(request);
+  return areEqual(token_, request.authorization)
+             ? listDocuments()
+             : refuse(401, "the token in 'Authorization' is missing or wrong");
 }
 
 Answer Gateway::answerPost(const Request& request) {
@@ -294,7 +302,7 @@ Answer Gateway::answerPost(const Request& request) {
     return answer;
   };
 
-  if (!knows(request.authorization)) {
+  if (!areEqual(token_, request.authorization)) {
     return faulty(refuse(401, "the token in 'Authorization' is missing or wrong"));
   }
   if (!request.contentType.starts_with("application/json")) {
@@ -323,13 +331,30 @@ Answer Gateway::answerPost(const Request& request) {
   return faulty({.body = packed(document, fault.damage)});
 }
 
-Answer Gateway::setFault(std::string_view items) {
-  std::expected<Fault, std::string> fault = Fault::parse(items);
-  if (!fault) {
-    return refuse(400, fault.error() + "; known: " + std::string(faultHelp()));
+// GET tells the fault in force and those on offer, POST takes the items of another one.
+Answer Gateway::answerSwitchboard(const Request& request) {
+  if (!areEqual(switchboardToken_, request.authorization)) {
+    return refuse(403, "the switchboard's own token in 'Authorization' is missing or wrong");
   }
-  setFault(*std::move(fault));
-  return {.body = jsonText(Dictionary{{"code", 200}, {"message", "success"}})};
+  if (request.method == "POST") {
+    std::expected<Fault, std::string> fault = Fault::parse(request.body);
+    if (!fault) {
+      return refuse(400, fault.error() + "; known: " + std::string(faultHelp()));
+    }
+    setFault(*std::move(fault));
+  } else if (request.method != "GET") {
+    return refuse(405, "this path takes GET and POST");
+  }
+  Array offered;
+  for (std::string& items : offeredFaults()) {
+    offered.emplace_back(std::move(items));
+  }
+  const Fault fault = faults_.current();
+  return {
+      .body = jsonText(Dictionary{
+          {"fault", fault.items()},
+          {"delay", static_cast<std::int64_t>(fault.delay.count())},
+          {"faults", std::move(offered)}})};
 }
 
 Answer Gateway::listDocuments() const {
@@ -338,12 +363,6 @@ Answer Gateway::listDocuments() const {
     rows.emplace_back(rowOf(document));
   }
   return {.body = jsonText(rows)};
-}
-
-// In a time that does not depend on how much of the token is right.
-bool Gateway::knows(std::string_view token) const {
-  return token.size() == token_.size() &&
-         gnutls_memcmp(token_.data(), token.data(), token.size()) == 0;
 }
 
 }  // namespace quillpad::demo

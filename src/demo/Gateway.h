@@ -1,6 +1,6 @@
 // What the demo gateway answers: it checks a request as the real one does, asks the documents and
-// packs the answer, or the fault that was ordered. It knows nothing of sockets. Callable from any
-// thread.
+// packs the answer, or the fault that was ordered. Its switchboard, where faults are ordered, has a
+// token of its own. It knows nothing of sockets. Callable from any thread.
 #pragma once
 
 #include <chrono>
@@ -38,21 +38,23 @@ Answer refuse(int status, std::string_view message);
 class Gateway {
  public:
   static constexpr std::string_view businessId = "demo";
+  static constexpr std::string_view switchboardPath = "/demo/switchboard";
 
   // The clock tells the day that the documents are made up for.
-  explicit Gateway(std::string token, std::function<Day()> clock = &Day::today);
+  Gateway(
+      std::string token, std::string switchboardToken, std::function<Day()> clock = &Day::today);
 
   Answer answer(const Request& request);
 
   void setFault(Fault fault) { faults_.set(std::move(fault)); }
 
  private:
-  bool knows(std::string_view token) const;
   Answer answerPost(const Request& request);
-  Answer setFault(std::string_view items);
+  Answer answerSwitchboard(const Request& request);
   Answer listDocuments() const;
 
   std::string token_;
+  std::string switchboardToken_;
   std::function<Day()> clock_;
   FaultSwitch faults_;
 };

@@ -11,6 +11,7 @@
 #include <expected>
 #include <fcntl.h>
 #include <filesystem>
+#include <optional>
 #include <pthread.h>
 #include <string>
 #include <sys/file.h>
@@ -20,6 +21,7 @@
 #include "demo/Faults.h"
 #include "demo/Gateway.h"
 #include "demo/Server.h"
+#include "platform/foundation/Json.h"
 #include "platform/foundation/Random.h"
 #include "platform/foundation/UserFolders.h"
 #include "platform/foundation/WholeFile.h"
@@ -60,9 +62,10 @@ std::expected<Options, int> readOptions(int count, char** arguments) {
   app.add_option("--fault", items, "Answers with a fault")->type_name("ITEMS");
   app.footer(
       "Faults: " + std::string(demo::faultHelp()) +
-      ".\n\nWith the token in 'Authorization', POST /demo/fault takes other ITEMS as its body, "
-      "and\n"
-      "GET /demo/documents lists the documents.");
+      ".\n\nWhile it runs, POST of other ITEMS to the address in DIR/switchboard.json, with the\n"
+      "token that stands there in 'Authorization', switches the fault;\n"
+      "\"quillpad-home serve --switchboard DIR/switchboard.json\" does so from its page.\n"
+      "GET /demo/documents, with the business's token, lists the documents.");
   try {
     app.parse(count, arguments);
   } catch (const CLI::Success& asked) {  // for help, or the version
@@ -130,6 +133,24 @@ std::expected<Identity, std::string> loadOrMakeIdentity(const std::filesystem::p
   return Identity{.certificate = *std::move(certificate), .token = *std::move(token)};
 }
 
+std::filesystem::path switchboardFile(const Options& options) {
+  return options.state / "switchboard.json";
+}
+
+// Tells where the faults are switched, and the token for it, to who may read the file.
+std::optional<std::string> tellSwitchboard(
+    const Options& options, std::uint16_t port, const std::string& token) {
+  const std::string address =
+      "https://localhost:" + std::to_string(port) + std::string(demo::Gateway::switchboardPath);
+  const auto text =
+      writeJson(Dictionary{{"address", address}, {"token", token}}, JsonLayout::pretty);
+  const std::filesystem::path file = switchboardFile(options);
+  if (const std::error_code error = writeWholeFile(file, text.value_or(""))) {
+    return file.string() + " cannot be written (" + error.message() + "): choose another --state.";
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -150,18 +171,24 @@ int main(int count, char** arguments) {
   if (!identity) {
     return fail(cannotBeDone, identity.error());
   }
-  demo::Gateway gateway(identity->token);
+  const std::string switchboardToken = randomHex(24);
+  demo::Gateway gateway(identity->token, switchboardToken);
   gateway.setFault(options->fault);
   const auto server = demo::Server::start(options->port, identity->certificate, gateway);
   if (!server) {
     return fail(cannotBeDone, server.error());
   }
+  if (const auto problem = tellSwitchboard(*options, (*server)->port(), switchboardToken)) {
+    return fail(cannotBeDone, *problem);
+  }
   std::printf(
-      "Serving https://localhost:%u to business %s; certificate %s; token in %s\n",
+      "Serving https://localhost:%u to business %s; certificate %s; token in %s; switchboard in "
+      "%s\n",
       unsigned{(*server)->port()},
       std::string(demo::Gateway::businessId).c_str(),
       demo::Certificate::file(options->state).c_str(),
-      (options->state / "token").c_str());
+      (options->state / "token").c_str(),
+      switchboardFile(*options).c_str());
   std::fflush(stdout);
 
   int signal = 0;

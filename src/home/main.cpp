@@ -4,6 +4,7 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
+#include "application/HttpsAsker.h"
 #include "application/SettingsCommands.h"
 #include "application/SignedInAccount.h"
 #include "home/commands/CommandLine.h"
@@ -43,6 +44,7 @@ int main(int argc, char** argv) {
            home::compareCommand(),
            home::serveCommand(),
            application::settingsCommand()},
-      .account = application::signedInAccount()};
+      .account = application::signedInAccount(),
+      .askOverHttps = application::askOverHttps()};
   return home::runCommandLine(program, argc, argv);
 }

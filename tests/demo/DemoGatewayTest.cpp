@@ -95,7 +95,7 @@ class DemoGatewayTest : public testing::Test {
     return texts;
   }
 
-  Gateway gateway_{token, [] { return today; }};
+  Gateway gateway_{token, "of the switchboard", [] { return today; }};
 };
 
 TEST_F(DemoGatewayTest, EveryFieldOfAListRequestCounts) {

@@ -14,10 +14,13 @@
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
+#include "platform/foundation/Fatal.h"
+#include "platform/foundation/Json.h"
 #include "platform/net/URLSession.h"
 
 namespace quillpad {
@@ -138,6 +141,14 @@ class DemoProgramTest : public testing::Test {
     return home_.path() / ".local/state/quillpad/demo-gateway";
   }
 
+  // Its address and its token, as the file tells them.
+  std::pair<std::string, std::string> switchboard() const {
+    const auto told = readJson(contentsOf(state() / "switchboard.json"), JsonFragments::refused);
+    const Dictionary members = forcedAs<Dictionary>(told.value_or(Value()), "the switchboard");
+    return {
+        forcedMember<std::string>(members, "address"), forcedMember<std::string>(members, "token")};
+  }
+
   TemporaryHome home_;
   ScopedVariable trust_{"SSL_CERT_FILE", (state() / "certificate.pem").string()};
 };
@@ -191,8 +202,10 @@ TEST_F(DemoProgramTest, ShowsFaultsWhileItRuns) {
   const std::string origin = program.origin();
   const std::string token = contentsOf(state() / "token");
   const auto ask = [&] { return fetch(origin + "/invoice/invoice/getDataMap", token, summary); };
+  const auto [address, ownToken] = switchboard();
+  EXPECT_EQ(address, origin + "/demo/switchboard");
   const auto order = [&](const std::string& fault) {
-    return fetch(origin + "/demo/fault", token, fault).status;
+    return fetch(address, ownToken, fault).status;
   };
   EXPECT_EQ(ask().status, 503);
   EXPECT_EQ(order("drop"), 200);
@@ -202,10 +215,15 @@ TEST_F(DemoProgramTest, ShowsFaultsWhileItRuns) {
   EXPECT_EQ(order("not-json"), 200);
   EXPECT_THAT(ask().data.value_or(""), HasSubstr("<h1>"));
   EXPECT_EQ(order("nonsense"), 400);
-  EXPECT_EQ(fetch(origin + "/demo/fault", "wrong", "drop").status, 401);
+  EXPECT_EQ(fetch(address, token, "drop").status, 403);
+  EXPECT_EQ(fetch(address, ownToken, "drop", "https://page.test").status, 403);
+  EXPECT_EQ(fetch(address, ownToken, std::string(1 << 20, 'x')).status, 413);
+  EXPECT_EQ(modeOf(state() / "switchboard.json"), 0600U);
+  EXPECT_THAT(program.output(), Not(HasSubstr(ownToken)));
   EXPECT_EQ(order("off"), 200);
   EXPECT_EQ(ask().status, 200);
   EXPECT_EQ(fetch(origin + "/demo/documents", "wrong", "").status, 401);
+  EXPECT_EQ(fetch(origin + "/demo/documents", token, "", "https://page.test").status, 403);
   EXPECT_THAT(
       fetch(origin + "/demo/documents", token, "").data.value_or(""), HasSubstr("clientName"));
 }
@@ -238,14 +256,6 @@ TEST_F(DemoProgramTest, AnswersWhileManyConnectionsAreIdle) {
   for (const int connection : idle) {
     close(connection);
   }
-}
-
-TEST_F(DemoProgramTest, RefusesWebPagesAndLargeBodies) {
-  const Program program({"--port", "0"});
-  const std::string origin = program.origin();
-  const std::string token = contentsOf(state() / "token");
-  EXPECT_EQ(fetch(origin + "/demo/fault", token, std::string(1 << 20, 'x')).status, 413);
-  EXPECT_EQ(fetch(origin + "/demo/documents", token, "", "https://page.test").status, 403);
 }
 
 TEST_F(DemoProgramTest, EndsWithOneLineWhereItDoesNotServe) {

@@ -41,6 +41,7 @@ export class World {
   gatewayPort = 0;
   extension = extensionUnderTest;
   more = {}; // of the environment
+  options = []; // of serve
   processes = new Set();
   log = "";
 
@@ -91,7 +92,7 @@ export class World {
   }
 
   async startHome() {
-    const args = ["--extension", this.extension, "serve", "--port", String(this.port ?? 0)];
+    const args = ["--extension", this.extension, "serve", "--port", String(this.port ?? 0), ...this.options];
     this.home = await this.start("quillpad-home", args, /(http:\/\/127\.0\.0\.1:(\d+))\/\?key=(\w+)/);
     this.entrance = this.home.ready[0]; // what a person opens
     this.address = this.home.ready[1];

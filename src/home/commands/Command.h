@@ -10,6 +10,7 @@
 #include "home/commands/Options.h"
 #include "home/extension/Account.h"
 #include "home/extension/Failure.h"
+#include "home/page/Switchboard.h"
 
 namespace quillpad::home {
 
@@ -17,6 +18,7 @@ namespace quillpad::home {
 struct CommandContext {
   std::filesystem::path extension;  // the program to start
   Account account{};
+  AskOverHttps askOverHttps{};
 };
 
 struct Command {

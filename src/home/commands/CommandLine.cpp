@@ -71,7 +71,10 @@ class Parser {
     } catch (const CLI::ParseError& error) {
       return outcome(error);
     }
-    return run_({.extension = extension_, .account = program_.account});
+    return run_(
+        {.extension = extension_,
+         .account = program_.account,
+         .askOverHttps = program_.askOverHttps});
   }
 
  private:

@@ -6,6 +6,7 @@
 
 #include "home/commands/Command.h"
 #include "home/extension/Account.h"
+#include "home/page/Switchboard.h"
 
 namespace quillpad::home {
 
@@ -14,6 +15,7 @@ struct Program {
   std::string description;
   std::vector<Command> commands;
   Account account{};
+  AskOverHttps askOverHttps{};
 };
 
 // Runs the command and returns the program's exit status. A failure is one line on standard error.

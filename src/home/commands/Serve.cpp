@@ -3,11 +3,13 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <poll.h>
 #include <string>
 #include <sys/signalfd.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include "home/commands/Commands.h"
@@ -50,6 +52,7 @@ struct Serve {
   std::uint16_t port = 8480;
   HomeView view = HomeView::desk;
   std::string samples{};
+  std::string switchboard{};
 
   void declare(Options& options) {
     options.number<std::uint16_t>("--port", port, "The port of 127.0.0.1; 0: a free one", 0, 65535);
@@ -58,6 +61,11 @@ struct Serve {
     options.choice<HomeView>(
         "--view", view, "Whose address to print: of the page, or of the cards alone", views);
     declareSamples(options, samples);
+    options.text(
+        "--switchboard",
+        switchboard,
+        "Switches faults from the page; the demo gateway keeps the file as switchboard.json",
+        "FILE");
   }
 
   Done run(const CommandContext& context) const {
@@ -70,11 +78,20 @@ struct Serve {
     if (const auto read = folder.read(); !read && !samples.empty()) {
       return failure(ExitStatus::notPossible, read.error());
     }
+    std::unique_ptr<Switchboard> board;
+    if (!switchboard.empty()) {
+      auto opened = Switchboard::open(switchboard, context.askOverHttps);
+      if (!opened) {
+        return failure(ExitStatus::notPossible, opened.error());
+      }
+      board = std::move(*opened);
+    }
     const auto lock = HomeLock::take();
     if (!lock) {
       return failure(ExitStatus::notPossible, lock.error());
     }
-    auto screen = HomeScreen::start(context.extension, port, context.account, folder);
+    auto screen =
+        HomeScreen::start(context.extension, port, context.account, folder, std::move(board));
     if (!screen) {
       return failure(ExitStatus::notPossible, screen.error());
     }

@@ -49,8 +49,10 @@ std::expected<std::unique_ptr<HomeScreen>, std::string> HomeScreen::start(
     const std::filesystem::path& extension,
     std::uint16_t port,
     const Account& account,
-    const SampleFolder& samples) {
-  std::unique_ptr<HomeScreen> screen(new HomeScreen(extension, account, samples));
+    const SampleFolder& samples,
+    std::unique_ptr<Switchboard> switchboard) {
+  std::unique_ptr<HomeScreen> screen(
+      new HomeScreen(extension, account, samples, std::move(switchboard)));
   auto server = WebServer::start(
       port, {}, [self = screen.get()](const WebRequest& request) { return self->answer(request); });
   if (!server) {
@@ -62,7 +64,10 @@ std::expected<std::unique_ptr<HomeScreen>, std::string> HomeScreen::start(
 }
 
 HomeScreen::HomeScreen(
-    const std::filesystem::path& extension, const Account& account, const SampleFolder& samples)
+    const std::filesystem::path& extension,
+    const Account& account,
+    const SampleFolder& samples,
+    std::unique_ptr<Switchboard> switchboard)
     : access_(userStateFolder()),
       token_(secret()),
       instance_(secret()),
@@ -77,7 +82,8 @@ HomeScreen::HomeScreen(
           [this](std::string_view line) { relay_.add(presentMoment().uptime, line); }),
       previews_(extension),
       engineer_(widgets_.supervisor(), previews_, cards_, samples, locale_),
-      canvas_(widgets_.supervisor(), previews_, samples) {}
+      canvas_(widgets_.supervisor(), previews_, samples),
+      switchboard_(std::move(switchboard)) {}
 
 std::string HomeScreen::address(HomeView view) const {
   return "http://127.0.0.1:" + std::to_string(server_->port()) + "/?" +
@@ -90,6 +96,9 @@ void HomeScreen::addDescriptors(std::vector<pollfd>& descriptors) const {
   descriptors.push_back({server_->descriptor(), POLLIN, 0});
   descriptors.push_back(relay_.descriptor());
   descriptors.push_back(program_.descriptor());
+  if (switchboard_) {
+    descriptors.push_back(switchboard_->descriptor());
+  }
   widgets_.addDescriptors(descriptors);
   previews_.addDescriptors(descriptors);
 }
@@ -98,7 +107,10 @@ int HomeScreen::pollTimeout() const {
   std::chrono::milliseconds timeout = server_->pollTimeout();
   const Uptime now = presentMoment().uptime;
   for (const auto deadline :
-       {program_.nextDeadline(), widgets_.nextDeadline(), previews_.nextDeadline()}) {
+       {program_.nextDeadline(),
+        widgets_.nextDeadline(),
+        previews_.nextDeadline(),
+        switchboard_ ? switchboard_->nextDeadline() : std::nullopt}) {
     if (deadline) {
       timeout = std::min(timeout, *deadline - now);
     }
@@ -115,7 +127,8 @@ void HomeScreen::run() {
   }
   widgets_.run(now);
   const bool previewed = previews_.run(now);
-  if (previewed || supervisor().version() != shownVersion_) {
+  const bool switched = switchboard_ && switchboard_->run(now.uptime);
+  if (previewed || switched || supervisor().version() != shownVersion_) {
     shownVersion_ = supervisor().version();
     server_->wake();
   }
@@ -173,6 +186,9 @@ WebReply HomeScreen::answerToOwner(const WebRequest& request) {
     supervisor().openGallery(presentMoment());
     return galleryAnswer(newFrame(request));
   }
+  if (request.path == "/switchboard" && switchboard_) {
+    return switchboard_->form(presentMoment(), newFrame(request));
+  }
   if (request.path == "/events" || request.path == "/changes") {
     const std::uint64_t version = seenVersion(request);
     if (request.path == "/events") {
@@ -201,6 +217,9 @@ WebReply HomeScreen::change(const WebRequest& request) {
     return WebAnswer{.status = 403, .body = "Changes need the token of the page. Reload it.\n"};
   }
   const Moment now = presentMoment();
+  if (request.path == "/switchboard" && switchboard_) {
+    return switchboard_->change(now, request, newFrame(request));
+  }
   const std::string_view kind = request.parameter("kind");
   bool known = true;
   if (request.path == "/reload") {
@@ -257,6 +276,7 @@ WebAnswer HomeScreen::processAnswer(const PageFrame& frame) const {
       .runs = memory.has_value(),
       .privateBytes = memory.value_or(0),
       .limitBytes = ExtensionSession::defaultMemoryLimit,
+      .switchboard = switchboard_ != nullptr,
       .underWay = supervisor().underWay(),
       .log = widgets_.log()};
   for (const auto& [kind, timelines] : widgets_.log().timelinesOfTheDay(currentDate())) {

@@ -27,6 +27,7 @@
 #include "home/page/EngineerView.h"
 #include "home/page/Page.h"
 #include "home/page/PageAccess.h"
+#include "home/page/Switchboard.h"
 #include "home/server/WebServer.h"
 
 namespace quillpad::home {
@@ -38,7 +39,8 @@ class HomeScreen {
       const std::filesystem::path& extension,
       std::uint16_t port,
       const Account& account,
-      const SampleFolder& samples = SampleFolder({}));
+      const SampleFolder& samples = SampleFolder({}),
+      std::unique_ptr<Switchboard> switchboard = nullptr);
 
   // Of the page, with the key that it needs.
   std::string address(HomeView view = HomeView::desk) const;
@@ -65,7 +67,10 @@ class HomeScreen {
   };
 
   HomeScreen(
-      const std::filesystem::path& extension, const Account& account, const SampleFolder& samples);
+      const std::filesystem::path& extension,
+      const Account& account,
+      const SampleFolder& samples,
+      std::unique_ptr<Switchboard> switchboard);
   Supervisor& supervisor() { return widgets_.supervisor(); }
   const Supervisor& supervisor() const { return widgets_.supervisor(); }
   WebReply answer(const WebRequest& request);
@@ -102,6 +107,7 @@ class HomeScreen {
   CardRenderer cards_;
   EngineerView engineer_;
   CanvasView canvas_;
+  std::unique_ptr<Switchboard> switchboard_;    // none where nobody told of one
   std::map<std::string, std::size_t> numbers_;  // by kind, for ids that are short
   std::map<std::string, Drawn, std::less<>> drawings_;
   std::uint64_t offersVersion_ = 0;  // of the snapshots that are drawn in offers_

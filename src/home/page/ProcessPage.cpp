@@ -56,9 +56,13 @@ Markup processPage(const ProcessModel& model, const PageFrame& frame) {
   for (const ProcessModel::Budget& budget : model.budgets) {
     budgets += row(budget.kind, budgetWords(budget.timelines), budget.timelines > mostReloads);
   }
+  PageFrame english = frame;  // as its words are
+  english.language = {};
   const Markup body = filled(
       page::processHtml,
-      {{"state", escaped(model.runs ? "The extension runs." : "The extension does not run.")},
+      {{"switchboard",
+        model.switchboard ? filled(page::switchboardHtml, {}, english.language) : Markup()},
+       {"state", escaped(model.runs ? "The extension runs." : "The extension does not run.")},
        {"used", escaped(megabytes(model.privateBytes))},
        {"limit", escaped(megabytes(model.limitBytes))},
        {"underWay", underWay.empty() ? note("None.") : underWay},
@@ -66,14 +70,14 @@ Markup processPage(const ProcessModel& model, const PageFrame& frame) {
        {"runs", rows(model.log.runs())},
        {"transfers", rows(model.log.transfers())},
        {"printed", rows(model.log.printed())}});
-  PageFrame english = frame;  // as its words are
-  english.language = {};
   return framed(
       {.view = "process",
        .title = "Quillpad · extension",
-       .style = std::string(page::processCss),
+       .style = std::string(page::processCss) +
+                std::string(model.switchboard ? page::switchboardCss : ""),
        .body = body,
-       .script = std::string(page::processJs)},
+       .script = std::string(page::processJs) +
+                 std::string(model.switchboard ? page::switchboardJs : "")},
       english);
 }
 

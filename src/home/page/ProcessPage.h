@@ -21,6 +21,7 @@ struct ProcessModel {
   bool runs = false;
   std::size_t privateBytes = 0;
   std::size_t limitBytes = 0;
+  bool switchboard = false;             // whether faults can be switched
   std::vector<std::string> underWay{};  // the requests, in words
   std::vector<Budget> budgets{};
   ProcessLog log{};

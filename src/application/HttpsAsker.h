@@ -1,0 +1,11 @@
+// The network, for the home screen, which does not link it.
+#pragma once
+
+#include "home/page/Switchboard.h"
+
+namespace quillpad::application {
+
+// Asks over the shared URL session.
+home::AskOverHttps askOverHttps();
+
+}  // namespace quillpad::application
