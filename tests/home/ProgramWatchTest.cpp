@@ -115,6 +115,12 @@ TEST_F(ProgramWatchTest, FollowsALinkToTheProgram) {
   ProgramWatch watch(program_, {});
   write(resources_ / "real", "two!");
   EXPECT_TRUE(isReplaced(watch));
+  write(folder_.path() / "next", "three");
+  std::filesystem::remove(program_);
+  std::filesystem::create_symlink("../next", program_);
+  EXPECT_TRUE(isReplaced(watch)) << "the link leads elsewhere";
+  write(folder_.path() / "next", "four");
+  EXPECT_TRUE(isReplaced(watch)) << "the new target changed";
 }
 
 }  // namespace

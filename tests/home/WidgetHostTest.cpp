@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "home/ScriptedExtension.h"
+#include "home/extension/StateFile.h"
 #include "home/extension/WidgetHost.h"
 #include "platform/foundation/Clock.h"
 
@@ -113,9 +114,16 @@ TEST_F(WidgetHostTest, ForgetsAnAccountAsSoonAsItsStoreSaysSo) {
   start();
   runUntilLive();
   for (const std::string account : {"one", "two", ""}) {
+    if (account == "two") {  // the store becomes a link to another folder
+      std::filesystem::rename(store, folder_.path() / "moved");
+      std::filesystem::create_symlink("../../moved", store);
+      host_->run(now_);
+    }
+    std::ofstream(asideOf(file_)) << "of the former account";
     signIn(account);
     runUntil("the change is noticed", [&] { return clock().picture == nullptr; });
     EXPECT_EQ(host_->supervisor().isSignedOut(), account.empty());
+    EXPECT_FALSE(std::filesystem::exists(asideOf(file_)));
     runUntilLive();
     host_->stop(now_);
     start();

@@ -78,6 +78,10 @@ TEST_F(SettingsTest, TakeWhatIsKeptOfAnotherBusinessWithThem) {
   ASSERT_EQ(run({"settings", "sign-out"}).status, 0);
   EXPECT_FALSE(kept());
   EXPECT_THAT(contents(state), HasSubstr(R"("placed":["A"])"));
+  std::ofstream(state) << "damaged";
+  std::ofstream(state.string() + ".unreadable") << "put aside";
+  ASSERT_EQ(run({"settings", "sign-out"}).status, 0);
+  EXPECT_TRUE(std::filesystem::is_empty(state.parent_path()));
 }
 
 TEST_F(SettingsTest, ShowSaysWhatIsNotSet) {

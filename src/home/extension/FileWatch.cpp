@@ -2,21 +2,26 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <sys/inotify.h>
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace quillpad::home {
 namespace {
+
+constexpr int maxLinks = 40;  // as many as the kernel follows
 
 constexpr std::uint32_t anyChange =
     IN_CREATE | IN_CLOSE_WRITE | IN_MOVE | IN_DELETE | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
 
 }  // namespace
 
-FileWatch::FileWatch(const std::filesystem::path& file) : folder_(file.parent_path()) {
-  if (!folder_.empty()) {
+FileWatch::FileWatch(std::filesystem::path file) : file_(std::move(file)) {
+  if (file_.has_parent_path()) {
     events_ = FileDescriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
-    watchNearestFolder();
+    watchFolders();
   }
 }
 
@@ -27,30 +32,38 @@ bool FileWatch::takeChange() {
     changed = true;
   }
   if (changed) {
-    watchNearestFolder();
+    watchFolders();
   }
   return changed;
 }
 
-// The file's own folder or the nearest one above it that is there. What was made between the two
-// steps would go unseen, so it looks again until it finds the same.
-void FileWatch::watchNearestFolder() {
-  for (std::filesystem::path last;;) {
-    std::filesystem::path folder = folder_;
-    int watch = ::inotify_add_watch(events_.get(), folder.c_str(), anyChange);
-    while (watch < 0 && folder.has_relative_path()) {
-      folder = folder.parent_path();
-      watch = ::inotify_add_watch(events_.get(), folder.c_str(), anyChange);
+// The folders of the file and of what it links to. What was made between two steps would go unseen,
+// so it looks again until it finds the same.
+void FileWatch::watchFolders() {
+  for (std::optional<std::set<int>> last; last != watches_;) {
+    last = std::exchange(watches_, {});
+    std::filesystem::path file = file_;
+    std::error_code noLink;
+    for (int links = 0; links <= maxLinks && !noLink; ++links) {
+      watches_.insert(watchNearestFolder(file.parent_path()));
+      file = file.parent_path() / std::filesystem::read_symlink(file, noLink);
     }
-    if (watch != watch_ && watch_ >= 0) {
-      ::inotify_rm_watch(events_.get(), watch_);
+    for (const int watch : *last) {
+      if (!watches_.contains(watch)) {
+        ::inotify_rm_watch(events_.get(), watch);
+      }
     }
-    watch_ = watch;
-    if (folder == last) {
-      return;
-    }
-    last = std::move(folder);
   }
+}
+
+// The folder or the nearest one above it that is there.
+int FileWatch::watchNearestFolder(std::filesystem::path folder) const {
+  int watch = ::inotify_add_watch(events_.get(), folder.c_str(), anyChange);
+  while (watch < 0 && folder.has_relative_path()) {
+    folder = folder.parent_path();
+    watch = ::inotify_add_watch(events_.get(), folder.c_str(), anyChange);
+  }
+  return watch;
 }
 
 }  // namespace quillpad::home

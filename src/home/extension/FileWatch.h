@@ -1,8 +1,10 @@
 // Tells that a file may have changed, also one that is still to come, in folders that are still to
-// come. Belongs to one thread.
+// come, and one that links lead to. The links' own folders have to be no links that change. Belongs
+// to one thread.
 #pragma once
 
 #include <filesystem>
+#include <set>
 
 #include "platform/foundation/FileDescriptor.h"
 
@@ -11,7 +13,7 @@ namespace quillpad::home {
 class FileWatch {
  public:
   // An empty path: nothing is watched.
-  explicit FileWatch(const std::filesystem::path& file);
+  explicit FileWatch(std::filesystem::path file);
 
   // Readable once the file may have changed; -1 where nothing is watched.
   int descriptor() const { return events_.get(); }
@@ -20,11 +22,12 @@ class FileWatch {
   bool takeChange();
 
  private:
-  void watchNearestFolder();
+  void watchFolders();
+  int watchNearestFolder(std::filesystem::path folder) const;
 
-  std::filesystem::path folder_;
+  std::filesystem::path file_;
   FileDescriptor events_;
-  int watch_ = -1;
+  std::set<int> watches_;
 };
 
 }  // namespace quillpad::home

@@ -17,10 +17,10 @@ constexpr std::size_t maxFolders = 200;
 constexpr std::uint32_t watchedEvents = IN_CREATE | IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_TO |
                                         IN_MOVED_FROM | IN_DELETE | IN_ATTRIB | IN_ONLYDIR;
 
-// A link to a file that was written elsewhere is made as a whole, and nobody closes it.
+// A link, hard or symbolic, is made as a whole, and nobody closes it.
 bool isLink(const std::filesystem::path& file) {
   struct stat status{};
-  return ::stat(file.c_str(), &status) == 0 && status.st_nlink > 1;
+  return ::lstat(file.c_str(), &status) == 0 && (status.st_nlink > 1 || S_ISLNK(status.st_mode));
 }
 
 FileEvent meaningOf(std::uint32_t mask, const std::filesystem::path& file) {
@@ -43,12 +43,8 @@ ProgramWatch::ProgramWatch(
     : program_(std::move(program)),
       resources_(std::move(resources)),
       events_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
-  std::error_code error;
-  const std::filesystem::path target = std::filesystem::canonical(program_, error);
   watch(program_.has_parent_path() ? program_.parent_path() : ".");
-  if (!error) {
-    watch(target.parent_path());
-  }
+  watchTarget();
   watchResources();
   identity_ = identity();
 }
@@ -57,6 +53,13 @@ void ProgramWatch::watch(const std::filesystem::path& folder) {
   if (const int number = ::inotify_add_watch(events_.get(), folder.c_str(), watchedEvents);
       number >= 0) {
     folders_.try_emplace(number, folder);
+  }
+}
+
+void ProgramWatch::watchTarget() {
+  std::error_code error;
+  if (const auto target = std::filesystem::canonical(program_, error); !error) {
+    watch(target.parent_path());
   }
 }
 
@@ -87,6 +90,7 @@ bool ProgramWatch::run(Uptime now) {
   if (!rule_.takeReplaced(now)) {
     return false;
   }
+  watchTarget();
   const std::string before = std::exchange(identity_, identity());
   return std::exchange(resourceChanged_, false) || (identity_ != before && !identity_.empty());
 }

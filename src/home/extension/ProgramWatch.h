@@ -1,6 +1,7 @@
 // Watches the extension's program and the resources beside it, and tells when they were replaced:
 // by a rename or by writing, but not before all is written. Driven by its owner's poll loop; where
-// the system cannot watch, it tells of nothing. Belongs to one thread.
+// the system cannot watch, it tells of nothing. The program may be a link that is swapped, its
+// folder may not. Belongs to one thread.
 #pragma once
 
 #include <cstdint>
@@ -32,6 +33,7 @@ class ProgramWatch {
 
  private:
   void watch(const std::filesystem::path& folder);
+  void watchTarget();
   void watchResources();
   void take(Uptime now, const inotify_event& event, const std::string& name);
   // What tells one state of the program from another.

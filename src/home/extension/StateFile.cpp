@@ -62,6 +62,16 @@ std::map<std::string, Picture> decodePictures(const Decoder& d) {
   return pictures;
 }
 
+std::expected<void, std::string> removeFile(const std::filesystem::path& file) {
+  std::error_code error;
+  std::filesystem::remove(file, error);
+  if (error) {
+    return std::unexpected(
+        file.string() + " cannot be removed: " + error.message() + "; remove it by hand");
+  }
+  return {};
+}
+
 }  // namespace
 
 std::optional<std::filesystem::path> stateFile() {
@@ -101,11 +111,22 @@ std::expected<void, std::string> writeState(
   return {};
 }
 
+std::filesystem::path asideOf(const std::filesystem::path& file) {
+  return file.string() + ".unreadable";
+}
+
+std::expected<void, std::string> forgetAside(const std::filesystem::path& file) {
+  return removeFile(asideOf(file));
+}
+
 std::expected<void, std::string> forgetOtherAccounts(
     const std::filesystem::path& file, const std::string& mark) {
+  if (auto forgotten = forgetAside(file); !forgotten) {
+    return forgotten;
+  }
   auto state = readState(file);
   if (!state) {
-    return std::unexpected(state.error());
+    return removeFile(file);
   }
   std::optional<SavedHome>& home = *state;
   if (!home || home->account == mark) {

@@ -25,8 +25,15 @@ std::expected<std::optional<SavedHome>, std::string> readState(const std::filesy
 std::expected<void, std::string> writeState(
     const std::filesystem::path& file, const SavedHome& state);
 
-// Takes the pictures of any other account than the one with the mark (see Account) out of the file.
-// For who changes the account while no home screen may run; one that runs forgets them by itself.
+// Where a file that is not understood is kept, until the account changes: whose it is nobody knows.
+std::filesystem::path asideOf(const std::filesystem::path& file);
+
+// Removes what is kept aside; on failure one line that tells why.
+std::expected<void, std::string> forgetAside(const std::filesystem::path& file);
+
+// Takes the pictures of any other account than the one with the mark (see Account) out of the file,
+// and removes it where it is not understood, as what is kept aside. For who changes the account
+// while no home screen may run; one that runs forgets them by itself.
 std::expected<void, std::string> forgetOtherAccounts(
     const std::filesystem::path& file, const std::string& mark);
 

@@ -23,14 +23,22 @@ std::optional<SavedHome> StateKeeper::load() const {
   if (saved) {
     return std::move(*saved);
   }
-  std::filesystem::path aside = *file_;
-  aside += ".unreadable";
+  const std::filesystem::path aside = asideOf(*file_);
   std::error_code error;
   std::filesystem::rename(*file_, aside, error);
   tell_(
       saved.error() + "; starting afresh" +
       (error ? std::string() : ", it is kept as " + aside.string()));
   return std::nullopt;
+}
+
+void StateKeeper::accountChanged() const {
+  if (!file_) {
+    return;
+  }
+  if (const auto forgotten = forgetAside(*file_); !forgotten) {
+    tell_(forgotten.error());
+  }
 }
 
 void StateKeeper::run(const Moment& now, const Supervisor& supervisor) {

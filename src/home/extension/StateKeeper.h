@@ -24,6 +24,9 @@ class StateKeeper {
   // What the last run left. A file that cannot be understood is kept aside.
   std::optional<SavedHome> load() const;
 
+  // Removes what was kept aside: it may be of the former account.
+  void accountChanged() const;
+
   // Saves what has changed when it is time.
   void run(const Moment& now, const Supervisor& supervisor);
   std::optional<Uptime> nextDeadline() const { return saveAt_; }

@@ -103,10 +103,11 @@ void Supervisor::extensionIsOutdated(const Moment& now) {
   }
 }
 
-void Supervisor::accountIs(const std::string& mark) {
+bool Supervisor::accountIs(const std::string& mark) {
   if (account_ == mark) {
-    return;
+    return false;
   }
+  const bool wasAnother = account_ || mark.empty();
   account_ = mark;
   for (auto& [id, request] : pending_) {
     request.outdated = request.purpose != Purpose::catalogue;
@@ -119,6 +120,7 @@ void Supervisor::accountIs(const std::string& mark) {
   if (everPlaced_) {
     ++savedVersion_;
   }
+  return wasAnother;
 }
 
 void Supervisor::programReplaced(const Moment& now) {

@@ -59,8 +59,9 @@ class Supervisor {
   void programReplaced(const Moment& now);
 
   // Who is signed in, as a mark, "" where nobody is. Of anyone else nothing is kept: every widget
-  // is asked afresh at the next event.
-  void accountIs(const std::string& mark);
+  // is asked afresh at the next event. Whether somebody else was signed in before, or may have
+  // been.
+  bool accountIs(const std::string& mark);
 
   // What a person wants. Those with a kind return false for one that is not there.
   bool place(const Moment& now, std::string_view kind);

@@ -78,7 +78,9 @@ void WidgetHost::stop(const Moment& now) {
 
 void WidgetHost::noticeAccount() {
   if (const auto mark = account_.mark ? account_.mark() : std::nullopt) {
-    supervisor_.accountIs(*mark);
+    if (supervisor_.accountIs(*mark)) {
+      state_.accountChanged();
+    }
   }
 }
 
