@@ -19,7 +19,7 @@ _quillpad_home() {
   done
 
   case $previous in
-    -o | --entry | --token-file | --extension | --samples | --check)
+    -o | --entry | --token-file | --extension | --samples | --check | --switchboard)
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -f -- "$word")
       return

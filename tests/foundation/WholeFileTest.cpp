@@ -79,6 +79,22 @@ TEST_F(WholeFileTest, WhatCannotBeWrittenIsToldAndLeavesNothing) {
   EXPECT_EQ(filesInFolder(), 1);
 }
 
+TEST_F(WholeFileTest, PiecesAreInPlaceAllOfThemOrNone) {
+  const auto write = [&](std::error_code error) {
+    return writeWholeFile(file("file"), [error](const TakePiece& take) {
+      EXPECT_FALSE(take("one, "));
+      EXPECT_FALSE(take("two"));
+      return error;
+    });
+  };
+  EXPECT_FALSE(write({}));
+  EXPECT_EQ(readWholeFile(file("file"), plenty), "one, two");
+  std::ofstream(file("file")) << "old";
+  EXPECT_EQ(write(std::make_error_code(std::errc::file_too_large)), std::errc::file_too_large);
+  EXPECT_EQ(readWholeFile(file("file"), plenty), "old");
+  EXPECT_EQ(filesInFolder(), 1);
+}
+
 // Files of a megabyte, killed at any point of the way.
 TEST_F(WholeFileTest, AKilledWriterLeavesTheOldOrTheNewFileAndNoOther) {
   const std::string bytes[] = {std::string(1 << 20, 'a'), std::string(1 << 20, 'b')};

@@ -32,5 +32,25 @@ TEST(StreamReader, SendsEveryEventToItsEndAndAHeartbeatInSilence) {
   EXPECT_EQ(next(64), "");
 }
 
+TEST(FileReader, SendsPiecesAndWaitsAndEnds) {
+  std::deque<std::optional<std::string>> pieces{"one", std::nullopt, "two", ""};
+  FileReader reader([&] {
+    auto piece = pieces.front();
+    pieces.pop_front();
+    return piece;
+  });
+  std::array<char, 2> buffer{};
+  std::string sent;
+  int waits = 0;
+  while (const auto count = reader.read(buffer.data(), buffer.size())) {
+    sent.append(buffer.data(), *count);
+    waits += *count == 0 ? 1 : 0;
+  }
+  EXPECT_EQ(sent, "onetwo");
+  EXPECT_EQ(waits, 1);
+  EXPECT_TRUE(reader.hasMore()) << "the end is to be told";
+  EXPECT_FALSE(reader.read(buffer.data(), buffer.size()));
+}
+
 }  // namespace
 }  // namespace quillpad::home

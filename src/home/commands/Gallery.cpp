@@ -11,6 +11,7 @@
 
 #include "home/commands/Commands.h"
 #include "home/commands/Files.h"
+#include "home/commands/GalleryArchive.h"
 #include "home/commands/GalleryFolder.h"
 #include "home/commands/GalleryPlan.h"
 #include "home/commands/Progress.h"
@@ -95,7 +96,10 @@ struct Gallery {
          {"timeline", GalleryEntries::timeline},
          {"samples", GalleryEntries::samples}}};
     options.text(
-        "-o,--output", output, "Where to; with --check, where to show what changed", "FOLDER");
+        "-o,--output",
+        output,
+        "Where to, or one archive NAME.zip; with --check, where to show what changed",
+        "FOLDER");
     options.choice<std::optional<GalleryEntries>>(
         "--state", settings.entries, "The entries to draw, usually the timeline's", entries);
     options.flag("--all", settings.all, "All states, on every screen and in every language");
@@ -115,8 +119,13 @@ struct Gallery {
     if (accepts && recorded.empty()) {
       return failure(ExitStatus::wrongUsage, "--accept needs --check FOLDER");
     }
+    const bool isArchive = output.ends_with(".zip");
     if (recorded.empty()) {
-      return record(context);
+      return isArchive ? archive(context) : record(context);
+    }
+    if (isArchive) {
+      return failure(
+          ExitStatus::wrongUsage, "--check shows what changed in a folder, not in a .zip");
     }
     std::error_code error;
     if (!std::filesystem::is_directory(recorded, error)) {
@@ -191,6 +200,20 @@ struct Gallery {
   std::expected<GalleryPlan, Failure> plan(const CommandContext& context) const {
     ExtensionBatch extension(context.extension);
     return planGallery(extension, settings);
+  }
+
+  Done archive(const CommandContext& context) const {
+    const auto plan = this->plan(context);
+    if (!plan) {
+      return std::unexpected(plan.error());
+    }
+    Done done = writeGalleryArchive(*plan, output);
+    if (done) {
+      done = print(
+          std::to_string(plan->cards.size() * appearances.size()) + " pictures in " + output +
+          "\n");
+    }
+    return done ? outcomeOf(*plan) : done;
   }
 
   Done record(const CommandContext& context) const {
@@ -371,7 +394,8 @@ struct Gallery {
 Command galleryCommand() {
   return command<Gallery>(
       "gallery",
-      "Draw all widgets, light and dark, with an index page; or check a gallery drawn before",
+      "Draw all widgets, light and dark, with an index page or as one archive; or check a gallery "
+      "drawn before",
       "gallery --check recorded -o changes");
 }
 

@@ -233,6 +233,9 @@ class Planner {
           {.widget = of.widget,
            .stem = std::move(stem),
            .title = std::move(title),
+           .entry = of.name,
+           .screen = std::string(screen),
+           .language = locale,
            .drawing = {
                .view = view,
                .request =

@@ -38,6 +38,9 @@ struct GalleryPlan {
     std::size_t widget = 0;  // its place among the widgets
     std::string stem;        // of its files' names
     std::string title;       // for a person
+    std::string entry{};     // a state's or a sample's name
+    std::string screen{};
+    std::string language{};  // empty: that of this process
     BatchCard drawing;
   };
 

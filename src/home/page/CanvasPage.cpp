@@ -141,6 +141,20 @@ CanvasQuery CanvasQuery::parse(const WebRequest& request) {
   return query;
 }
 
+std::string CanvasQuery::toUrl(std::string_view path) const {
+  std::string url(path);
+  for (const auto& [name, value] :
+       {std::pair<std::string_view, std::string_view>{"kind", kind},
+        {"entry", entry},
+        {"screen", screen},
+        {"language", language},
+        {"appearance", appearance},
+        {"currency", currency}}) {
+    addParameter(url, name, value);
+  }
+  return url;
+}
+
 std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::Widget& widget) {
   std::vector<CanvasRow> rows;
   for (const NamedEntry& entry : entriesOf(query, widget)) {
@@ -168,6 +182,24 @@ std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::W
     rows.push_back(std::move(row));
   }
   return rows;
+}
+
+std::vector<PreviewQuery> canvasPictures(const CanvasModel& model) {
+  std::vector<PreviewQuery> pictures;
+  for (const CanvasModel::Widget& widget : model.widgets) {
+    if (!model.query.kind.empty() && model.query.kind != widget.kind) {
+      continue;
+    }
+    for (const CanvasRow& row : canvasRows(model.query, widget)) {
+      const auto first = static_cast<std::ptrdiff_t>(pictures.size());
+      for (const CanvasCell& cell : row.cells) {
+        pictures.push_back(cell.query);
+      }
+      std::ranges::stable_sort(
+          pictures.begin() + first, pictures.end(), {}, &PreviewQuery::language);
+    }
+  }
+  return pictures;
 }
 
 Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
@@ -203,6 +235,7 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
        {"languages", languageSelect(model).markup()},
        {"appearances", appearance.markup()},
        {"currency", escaped(query.currency)},
+       {"archive", escaped(query.toUrl("/canvas.zip"))},
        {"count", escaped(count == 1 ? "1 picture" : std::to_string(count) + " pictures")},
        {"problem", escaped(model.problem)},
        {"widgets", sections}});

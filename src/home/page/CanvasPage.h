@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "home/page/Markup.h"
@@ -26,6 +27,9 @@ struct CanvasQuery {
   std::string currency{};
 
   static CanvasQuery parse(const WebRequest& request);
+
+  // The path with what is chosen.
+  std::string toUrl(std::string_view path) const;
 };
 
 struct CanvasModel {
@@ -55,6 +59,9 @@ struct CanvasRow {
   std::vector<CanvasCell> cells;
 };
 std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::Widget& widget);
+
+// All pictures of the canvas, those of one view one after the other.
+std::vector<PreviewQuery> canvasPictures(const CanvasModel& model);
 
 Markup canvasPage(const CanvasModel& model, const PageFrame& frame);
 

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "home/page/CanvasArchive.h"
 #include "home/page/WidgetSizes.h"
 
 namespace quillpad::home {
@@ -35,7 +36,7 @@ std::string wrongSample(const std::vector<SampleFolder::Sample>& samples) {
 
 }  // namespace
 
-LaterAnswer CanvasView::page(const Moment& now, const WebRequest& request, const PageFrame& frame) {
+CanvasView::LaterModel CanvasView::model(const Moment& now, const WebRequest& request) {
   CanvasModel model{.query = CanvasQuery::parse(request)};
   std::vector<PreviewSession::PendingResult> snapshots;
   for (const channel::CatalogueItem& item : supervisor_.catalogue()) {
@@ -53,8 +54,8 @@ LaterAnswer CanvasView::page(const Moment& now, const WebRequest& request, const
   model.problem = samples ? wrongSample(*samples) : samples.error();
   return [model = std::move(model),
           snapshots = std::move(snapshots),
-          samples = std::move(samples).value_or(std::vector<SampleFolder::Sample>()),
-          frame]() -> std::optional<WebAnswer> {
+          samples = std::move(samples).value_or(
+              std::vector<SampleFolder::Sample>())]() -> std::optional<CanvasModel> {
     if (!std::ranges::all_of(snapshots, [](const auto& each) { return each->has_value(); })) {
       return std::nullopt;
     }
@@ -62,11 +63,45 @@ LaterAnswer CanvasView::page(const Moment& now, const WebRequest& request, const
     for (std::size_t i = 0; i < snapshots.size(); ++i) {
       complete.widgets[i].samples = suitable(samples, *snapshots[i]);
     }
+    return complete;
+  };
+}
+
+LaterAnswer CanvasView::page(const Moment& now, const WebRequest& request, const PageFrame& frame) {
+  return [later = model(now, request), frame]() -> std::optional<WebAnswer> {
+    const auto model = later();
+    if (!model) {
+      return std::nullopt;
+    }
     return WebAnswer{
         .contentType = "text/html; charset=utf-8",
-        .body = canvasPage(complete, frame).html(),
+        .body = canvasPage(*model, frame).html(),
         .headers = pageHeaders(frame)};
   };
+}
+
+WebReply CanvasView::archive(const Moment& now, const WebRequest& request) {
+  constexpr long maxArchives = 4;
+  if (archives_.use_count() > maxArchives) {
+    return WebAnswer{
+        .status = 503, .body = "Other archives are being made. Try again in a moment.\n"};
+  }
+  return FileStream{
+      .contentType = "application/zip",
+      .headers = {{"Content-Disposition", "attachment; filename=\"quillpad-canvas.zip\""}},
+      .nextPiece = [this,
+                    later = model(now, request),
+                    archive = std::shared_ptr<CanvasArchive>(),
+                    held = archives_]() mutable -> std::optional<std::string> {
+        if (!archive) {
+          const auto model = later();
+          if (!model) {
+            return std::nullopt;
+          }
+          archive = std::make_shared<CanvasArchive>(engineer_, canvasPictures(*model));
+        }
+        return archive->nextPiece();
+      }};
 }
 
 }  // namespace quillpad::home

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "home/page/PictureName.h"
 #include "home/page/WidgetSizes.h"
 #include "platform/foundation/Iso8601.h"
 #include "platform/foundation/Json.h"
@@ -21,20 +22,6 @@ std::string prettyJson(const Value& value) {
 // The appearance of a single picture.
 ui::Appearance appearanceOf(const PreviewQuery& query) {
   return query.shows(ui::Appearance::light) ? ui::Appearance::light : ui::Appearance::dark;
-}
-
-std::string fileName(const PreviewQuery& query, PictureFormat format) {
-  const bool dark = appearanceOf(query) == ui::Appearance::dark;
-  const bool isSample = query.entry.empty() && query.start.starts_with(startFromSample);
-  std::string name =
-      query.kind + "-" +
-      (isSample ? query.start.substr(startFromSample.size())
-                : std::string(stateName(query.state))) +
-      "-" + (query.screen.empty() ? std::string(screens().front()) : query.screen) +
-      (query.language.empty() ? "" : "-" + query.language) + (dark ? "-dark" : "-light") +
-      (format == PictureFormat::png ? "@" + std::to_string(query.scale) + "x.png" : ".svg");
-  std::erase_if(name, [](char c) { return c == '"' || c == '\\' || c == '/' || c < ' '; });
-  return name;
 }
 
 }  // namespace
@@ -89,30 +76,52 @@ WebReply EngineerView::page(const Moment& now, const WebRequest& request, const 
 
 WebReply EngineerView::picture(const Moment& now, const WebRequest& request, PictureFormat format) {
   PreviewQuery query = PreviewQuery::parse(request);
-  const channel::CatalogueItem* widget = choose(query);
-  if (widget == nullptr) {
+  if (choose(query) == nullptr) {
     return WebAnswer{.status = 404, .body = "There is no widget of this kind.\n"};
   }
-  return [this, query, widget = *widget, format, column = column(now, query, query.state, {})]()
-             -> std::optional<WebAnswer> {
-    if (!column.isDone()) {
+  return [this, query, format, pending = view(now, query)]() -> std::optional<WebAnswer> {
+    if (!*pending) {
       return std::nullopt;
     }
-    const auto& outcome = column.outcome();
-    if (!outcome) {
-      return WebAnswer{.status = 422, .body = outcome.error() + "\n"};
-    }
-    auto file = cards_.write(
-        compose(query, widget, query.state, outcome->view), format, appearanceOf(query));
+    const auto& outcome = **pending;
+    const auto file =
+        outcome ? draw(query, outcome->view, format) : std::unexpected(outcome.error());
     if (!file) {
       return WebAnswer{.status = 422, .body = file.error() + "\n"};
     }
     return WebAnswer{
         .contentType = format == PictureFormat::png ? "image/png" : "image/svg+xml",
-        .body = std::move(*file),
+        .body = *file,
         .headers = {
             {"Content-Disposition", "attachment; filename=\"" + fileName(query, format) + "\""}}};
   };
+}
+
+PreviewSession::PendingResult EngineerView::view(const Moment& now, const PreviewQuery& query) {
+  return column(now, query, query.state, {}).pending;
+}
+
+std::expected<std::string, std::string> EngineerView::draw(
+    const PreviewQuery& query, const ui::View& view, PictureFormat format) {
+  PreviewQuery chosen = query;
+  const channel::CatalogueItem* widget = choose(chosen);
+  if (widget == nullptr) {
+    return std::unexpected("There is no widget of this kind any more.");
+  }
+  return cards_.write(compose(chosen, *widget, chosen.state, view), format, appearanceOf(chosen));
+}
+
+std::string EngineerView::fileName(const PreviewQuery& query, PictureFormat format) {
+  const bool isSample = query.entry.empty() && query.start.starts_with(startFromSample);
+  const PictureName name{
+      .kind = query.kind,
+      .entry = isSample ? std::string_view(query.start).substr(startFromSample.size())
+                        : stateName(query.state),
+      .screen = query.screen.empty() ? screens().front() : std::string_view(query.screen),
+      .language = query.language,
+      .appearance = appearanceOf(query),
+      .scale = query.scale};
+  return format == PictureFormat::png ? name.png() : name.svg();
 }
 
 EngineerView::Column EngineerView::column(

@@ -40,6 +40,14 @@ class EngineerView {
   // One picture of it as a file to keep.
   WebReply picture(const Moment& now, const WebRequest& request, PictureFormat format);
 
+  // What the query's picture shows, once it has come, or why there is nothing.
+  PreviewSession::PendingResult view(const Moment& now, const PreviewQuery& query);
+
+  // That picture, or one line that tells why it cannot be drawn; and how its file is called.
+  std::expected<std::string, std::string> draw(
+      const PreviewQuery& query, const ui::View& view, PictureFormat format);
+  static std::string fileName(const PreviewQuery& query, PictureFormat format);
+
  private:
   // A state of the widget: what there is to show, or why there is nothing, once it has come.
   struct Column {

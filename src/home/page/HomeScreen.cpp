@@ -82,7 +82,7 @@ HomeScreen::HomeScreen(
           [this](std::string_view line) { relay_.add(presentMoment().uptime, line); }),
       previews_(extension),
       engineer_(widgets_.supervisor(), previews_, cards_, samples, locale_),
-      canvas_(widgets_.supervisor(), previews_, samples),
+      canvas_(widgets_.supervisor(), previews_, engineer_, samples),
       switchboard_(std::move(switchboard)) {}
 
 std::string HomeScreen::address(HomeView view) const {
@@ -181,6 +181,9 @@ WebReply HomeScreen::answerToOwner(const WebRequest& request) {
         presentMoment(),
         request,
         request.path.ends_with("svg") ? PictureFormat::svg : PictureFormat::png);
+  }
+  if (request.path == "/canvas.zip") {
+    return canvas_.archive(presentMoment(), request);
   }
   if (request.path == "/gallery") {
     supervisor().openGallery(presentMoment());

@@ -61,6 +61,13 @@ std::string encoded(std::string_view text) {
 
 }  // namespace
 
+void addParameter(std::string& address, std::string_view name, std::string_view value) {
+  if (!value.empty()) {
+    address += address.contains('?') ? '&' : '?';
+    address.append(name).append("=").append(encoded(value));
+  }
+}
+
 PreviewQuery PreviewQuery::parse(const WebRequest& request) {
   const std::string_view screen = request.parameter("screen");
   return {
@@ -81,8 +88,7 @@ std::string PreviewQuery::toUrl(std::string_view path) const {
   std::string url(path);
   const auto add = [&](std::string_view name, std::string_view value, std::string_view usual) {
     if (value != usual) {
-      url += url.contains('?') ? '&' : '?';
-      url.append(name).append("=").append(encoded(value));
+      addParameter(url, name, value);
     }
   };
   add("kind", kind, "");

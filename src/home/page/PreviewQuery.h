@@ -10,6 +10,9 @@
 
 namespace quillpad::home {
 
+// Adds the parameter to the address, unless it is empty.
+void addParameter(std::string& address, std::string_view name, std::string_view value);
+
 enum class PreviewState { timeline, placeholder, snapshot, entry };
 
 // What an entry of one's own can start from, as it stands in an address.

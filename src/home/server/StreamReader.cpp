@@ -29,4 +29,29 @@ std::size_t StreamReader::read(char* buffer, std::size_t size) {
   return count;
 }
 
+bool FileReader::hasMore() {
+  if (sent_ == piece_.size() && !ended_) {
+    auto piece = nextPiece_();
+    if (!piece) {
+      return false;
+    }
+    piece_ = *std::move(piece);
+    sent_ = 0;
+    ended_ = piece_.empty();
+  }
+  return true;
+}
+
+std::optional<std::size_t> FileReader::read(char* buffer, std::size_t size) {
+  if (!hasMore()) {
+    return 0;
+  }
+  if (ended_) {
+    return std::nullopt;
+  }
+  const std::size_t count = piece_.copy(buffer, size, sent_);
+  sent_ += count;
+  return count;
+}
+
 }  // namespace quillpad::home

@@ -42,6 +42,14 @@ using LaterAnswer = std::function<std::optional<WebAnswer>()>;
 // now where it is null.
 using EventStream = std::function<std::shared_ptr<const std::string>()>;
 
-using WebReply = std::variant<WebAnswer, LaterAnswer, EventStream>;
+// A file that is made while it is sent: asked for its next piece after every change and whenever
+// the last one was sent; nothing for now, an empty piece at its end.
+struct FileStream {
+  std::string contentType;
+  std::vector<std::pair<std::string, std::string>> headers{};
+  std::function<std::optional<std::string>()> nextPiece;
+};
+
+using WebReply = std::variant<WebAnswer, LaterAnswer, EventStream, FileStream>;
 
 }  // namespace quillpad::home

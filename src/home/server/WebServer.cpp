@@ -206,7 +206,8 @@ class WebServer::Engine {
       if (exchange->later) {
         exchange->answer = exchange->later();
       }
-      if (exchange->answer || (exchange->stream && exchange->stream->hasMore())) {
+      if (exchange->answer || (exchange->stream && exchange->stream->hasMore()) ||
+          (exchange->file && exchange->file->hasMore())) {
         resume(*exchange);
       }
     }
@@ -214,13 +215,15 @@ class WebServer::Engine {
   }
 
  private:
-  // One request and its answer, which is there, still to come, or a stream.
+  // One request and its answer, which is there, still to come, a stream or a file.
   struct Exchange {
     Engine* engine = nullptr;
     MHD_Connection* connection = nullptr;
     std::optional<WebAnswer> answer{};
     LaterAnswer later{};
     std::optional<StreamReader> stream{};
+    std::optional<FileReader> file{};
+    WebAnswer fileHead{};
   };
 
   // Called when a request's head is there, and again when it is to be answered.
@@ -265,6 +268,12 @@ class WebServer::Engine {
       }
     } else if (streams_.size() >= limits_.streams) {
       exchange.answer = plainAnswer(503, "Too many tabs are open.");
+    } else if (auto* file = std::get_if<FileStream>(&reply)) {
+      exchange.file.emplace(std::move(file->nextPiece));
+      exchange.fileHead = {
+          .contentType = std::move(file->contentType),
+          .body = "",
+          .headers = std::move(file->headers)};
     } else {
       exchange.stream.emplace(std::move(std::get<EventStream>(reply)));
     }
@@ -282,7 +291,10 @@ class WebServer::Engine {
     }
     MHD_Response* response = MHD_create_response_from_callback(
         MHD_SIZE_UNKNOWN, streamBlock, &Engine::readStream, &exchange, nullptr);
-    addHeaders(response, {.contentType = "text/event-stream; charset=utf-8", .body = ""});
+    addHeaders(
+        response,
+        exchange.file ? exchange.fileHead
+                      : WebAnswer{.contentType = "text/event-stream; charset=utf-8", .body = ""});
     const MHD_Result queued = MHD_queue_response(exchange.connection, 200, response);
     MHD_destroy_response(response);
     if (queued == MHD_YES) {
@@ -293,14 +305,15 @@ class WebServer::Engine {
 
   static ssize_t readStream(void* cls, std::uint64_t /*position*/, char* buffer, std::size_t size) {
     auto& exchange = *static_cast<Exchange*>(cls);
-    if (exchange.engine->ending_ || !exchange.stream) {
-      return MHD_CONTENT_READER_END_OF_STREAM;
+    if (exchange.engine->ending_) {
+      return exchange.file ? MHD_CONTENT_READER_END_WITH_ERROR : MHD_CONTENT_READER_END_OF_STREAM;
     }
-    const std::size_t count = exchange.stream->read(buffer, size);
+    const std::optional<std::size_t> count =
+        exchange.file ? exchange.file->read(buffer, size) : exchange.stream->read(buffer, size);
     if (count == 0) {
       exchange.engine->suspend(exchange);
     }
-    return static_cast<ssize_t>(count);
+    return count ? static_cast<ssize_t>(*count) : MHD_CONTENT_READER_END_OF_STREAM;
   }
 
   static void completed(
@@ -339,7 +352,7 @@ class WebServer::Engine {
 
   std::size_t waitingAnswers() const {
     return static_cast<std::size_t>(std::ranges::count_if(
-        suspended_, [](const Exchange* exchange) { return !exchange->stream; }));
+        suspended_, [](const Exchange* exchange) { return exchange->later != nullptr; }));
   }
 
   void suspend(Exchange& exchange) {

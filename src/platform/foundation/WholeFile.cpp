@@ -27,9 +27,15 @@ std::error_code syncFolder(const std::filesystem::path& folder) {
   return {};
 }
 
-std::error_code writeInPlace(const std::filesystem::path& file, std::string_view bytes) {
+using Produce = std::function<std::error_code(const TakePiece&)>;
+
+std::error_code writePieces(int descriptor, const Produce& produce) {
+  return produce([descriptor](std::string_view piece) { return writeAll(descriptor, piece); });
+}
+
+std::error_code writeInPlace(const std::filesystem::path& file, const Produce& produce) {
   const FileDescriptor descriptor(open(file.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
-  return descriptor ? writeAll(descriptor.get(), bytes) : lastError();
+  return descriptor ? writePieces(descriptor.get(), produce) : lastError();
 }
 
 constexpr std::string_view temporaryPrefix = ".quillpad-";
@@ -90,11 +96,11 @@ class NewFile {
     }
   }
 
-  // Writes the bytes and puts the file in its place.
-  std::error_code fill(std::string_view bytes, Durability durability) {
+  // Writes what comes and puts the file in its place.
+  std::error_code fill(const Produce& produce, Durability durability) {
     const bool syncs = durability == Durability::synced;
     if (!error_) {
-      error_ = writeAll(descriptor_.get(), bytes);
+      error_ = writePieces(descriptor_.get(), produce);
     }
     check(error_ || !syncs ? 0 : fsync(descriptor_.get()));
     if (!error_) {
@@ -186,10 +192,15 @@ std::error_code writeAll(int descriptor, std::string_view bytes) {
 
 std::error_code writeWholeFile(
     const std::filesystem::path& file, std::string_view bytes, WriteOptions options) {
+  return writeWholeFile(file, [bytes](const TakePiece& take) { return take(bytes); }, options);
+}
+
+std::error_code writeWholeFile(
+    const std::filesystem::path& file, const Produce& produce, WriteOptions options) {
   struct stat old{};
   const bool exists = stat(file.c_str(), &old) == 0;
   if (exists && !S_ISREG(old.st_mode)) {
-    return writeInPlace(file, bytes);
+    return writeInPlace(file, produce);
   }
   std::error_code unresolved;
   const std::filesystem::path target = std::filesystem::canonical(file, unresolved);
@@ -198,7 +209,7 @@ std::error_code writeWholeFile(
   if (exists && options.access == FileAccess::asBefore) {
     created.setMode(old.st_mode & 0777U);
   }
-  const std::error_code error = created.fill(bytes, options.durability);
+  const std::error_code error = created.fill(produce, options.durability);
   if (options.access == FileAccess::ownerOnly) {
     removeLeftovers((unresolved ? file : target).parent_path());
   }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <expected>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -45,5 +46,13 @@ struct WriteOptions {
 // into its folder.
 std::error_code writeWholeFile(
     const std::filesystem::path& file, std::string_view bytes, WriteOptions options = {});
+
+// The same with bytes that come in pieces: `produce` hands each to what it is given. Where it
+// returns an error, as it has to once a piece could not be written, the old file stands.
+using TakePiece = std::function<std::error_code(std::string_view piece)>;
+std::error_code writeWholeFile(
+    const std::filesystem::path& file,
+    const std::function<std::error_code(const TakePiece& take)>& produce,
+    WriteOptions options = {});
 
 }  // namespace quillpad
