@@ -6,6 +6,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
+#include <memory>
 #include <numbers>
 #include <random>
 #include <vector>
@@ -16,6 +17,7 @@
 #include "platform/paint/Canvas.h"
 #include "platform/paint/Card.h"
 #include "platform/paint/Comparison.h"
+#include "platform/paint/PngEncoder.h"
 #include "platform/paint/PngReader.h"
 #include "platform/paint/PngWriter.h"
 #include "platform/paint/SvgWriter.h"
@@ -335,6 +337,33 @@ TEST(Png, KeepsEveryPixel) {
       const auto back = readPng(writePng(picture));
       ASSERT_TRUE(back.has_value()) << back.error();
       EXPECT_TRUE(back->pixels == picture.pixels) << width << ", noise " << noise;
+    }
+  }
+}
+
+// Wherever in memory the encoder lies: those of one thread and of several draw the same files.
+TEST(Png, TheBytesAreAFunctionOfThePixels) {
+  std::mt19937 random(1);
+  std::vector<Bitmap> pictures(16, Bitmap{.width = 64, .height = 64, .pixels = {}});
+  for (Bitmap& picture : pictures) {
+    for (int i = 0; i < 64 * 64; ++i) {
+      picture.pixels.push_back(random() % 8 < 6 ? white : green);
+    }
+  }
+  std::vector<std::unique_ptr<PngEncoder>> alive;  // each at an address of its own
+  std::vector<Bytes> first;
+  for (int i = 0; i < 300; ++i) {
+    alive.push_back(std::make_unique<PngEncoder>());
+    for (std::size_t k = 0; k < pictures.size(); ++k) {
+      const Bytes file = alive.back()->encode(
+          {.width = 64,
+           .height = 63,  // rows with the first pixel's red for their filter
+           .data = reinterpret_cast<const std::uint8_t*>(pictures[k].pixels.data()),
+           .palette = {}});
+      if (i == 0) {
+        first.push_back(file);
+      }
+      ASSERT_TRUE(file == first[k]) << "encoder " << i << ", picture " << k;
     }
   }
 }
