@@ -1,7 +1,7 @@
 // A view as every kind of picture, within what drawing allows.
 #pragma once
 
-#include "Expect.h"
+#include "Target.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/paint/Card.h"
 #include "platform/paint/PngReader.h"

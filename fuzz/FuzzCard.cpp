@@ -1,6 +1,4 @@
 // Any view is laid out, and painted or refused. The first byte chooses the scale and the direction.
-#include <cstddef>
-#include <cstdint>
 
 #include "Draw.h"
 #include "platform/foundation/Json.h"
@@ -8,24 +6,20 @@
 
 using namespace quillpad;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void quillpad::tryInput(std::string_view input) {
   static Drawer drawer;
-  if (size == 0) {
-    return 0;
-  }
-  const auto value =
-      readJson({reinterpret_cast<const char*>(data) + 1, size - 1}, JsonFragments::refused);
+  const unsigned choice = takeChoice(input);
+  const auto value = readJson(input, JsonFragments::refused);
   if (!value) {
-    return 0;
+    return;
   }
   if (const auto view = ui::viewFromValue(*value)) {
     drawer.draw(
         *view,
         {.kind = "Card",
-         .scale = 1 + data[0] % 3,
-         .rightToLeft = data[0] > 127,
+         .scale = 1 + static_cast<int>(choice % 3),
+         .rightToLeft = choice > 127,
          .redaction =
-             data[0] % 5 == 4 ? drawing::Redaction::placeholder : drawing::Redaction::none});
+             choice % 5 == 4 ? drawing::Redaction::placeholder : drawing::Redaction::none});
   }
-  return 0;
 }

@@ -1,8 +1,6 @@
 // Any file of a person is an entry or none, and an entry is sent on, printed and described.
-#include <cstddef>
-#include <cstdint>
 
-#include "Expect.h"
+#include "Target.h"
 #include "home/commands/EntryText.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/Json.h"
@@ -10,21 +8,19 @@
 
 using namespace quillpad;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto document =
-      readJson({reinterpret_cast<const char*>(data), size}, JsonFragments::allowed);
+void quillpad::tryInput(std::string_view input) {
+  const auto document = readJson(input, JsonFragments::allowed);
   if (!document) {
-    return 0;
+    return;
   }
   const Decoder d(*document);
   const auto entry = d.result(channel::entryFrom(d));
   if (!entry) {
-    return 0;
+    return;
   }
   expect(isUtf8(home::describe(*entry)));
   const auto line = channel::encode(
       channel::NumberedRequest{1, channel::RenderRequest{"A", *entry, std::nullopt, ""}});
   const auto request = channel::decodeRequest(line);
   expect(request && channel::encode(*request) == line);
-  return 0;
 }

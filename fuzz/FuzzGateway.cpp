@@ -1,7 +1,5 @@
 // Any answer of the gateway ends the extension or becomes a picture, by way of parser, entry, view
 // and channel. The first byte chooses the widget.
-#include <cstddef>
-#include <cstdint>
 
 #include "BrokenContract.h"
 #include "Draw.h"
@@ -41,19 +39,14 @@ ui::View viewOf(unsigned widget, std::string_view answer) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void quillpad::tryInput(std::string_view input) {
   static Drawer drawer;
-  if (size == 0) {
-    return 0;
-  }
-  const unsigned widget = data[0] % 5U;
-  const std::string_view answer(reinterpret_cast<const char*>(data) + 1, size - 1);
+  const unsigned widget = takeChoice(input) % 5U;
   try {
     const auto inWords = [](const std::string& key) { return key; };
-    if (const auto view = sent(ui::localized(viewOf(widget, answer), inWords))) {
+    if (const auto view = sent(ui::localized(viewOf(widget, input), inWords))) {
       drawer.draw(*view, {.kind = "Card", .size = {widget < 3 ? 158.0 : 338.0, 158}});
     }
   } catch (const BrokenContract&) {
   }
-  return 0;
 }

@@ -1,10 +1,8 @@
 // A stream is cut into the same lines however its bytes come. The first byte says in what portions.
-#include <cstddef>
-#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "Expect.h"
+#include "Target.h"
 #include "home/extension/PrintedLine.h"
 #include "platform/channel/LineReader.h"
 #include "platform/foundation/Utf8.h"
@@ -32,12 +30,8 @@ std::vector<std::string> linesOf(std::string_view bytes, std::size_t portion) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size == 0) {
-    return 0;
-  }
-  const std::string_view bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
-  expect(linesOf(bytes, 1 + data[0] % 40U) == linesOf(bytes, size));
-  expect(isUtf8(home::printableText(bytes)));
-  return 0;
+void quillpad::tryInput(std::string_view input) {
+  const std::size_t portion = 1 + takeChoice(input) % 40U;
+  expect(linesOf(input, portion) == linesOf(input, input.size()));
+  expect(isUtf8(home::printableText(input)));
 }

@@ -1,27 +1,20 @@
 // Any line on the channel is understood or refused, from either side, and what was understood is
 // sent on as a line that is understood too.
-#include <cstddef>
-#include <cstdint>
 #include <variant>
 
-#include "Expect.h"
+#include "Target.h"
 #include "platform/channel/Messages.h"
 
 using namespace quillpad;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view line(reinterpret_cast<const char*>(data), size);
-  if (const auto request = channel::decodeRequest(line)) {
+void quillpad::tryInput(std::string_view input) {
+  if (const auto request = channel::decodeRequest(input)) {
     expect(channel::decodeRequest(channel::encode(*request)).has_value());
   }
-  for (const auto method :
-       {channel::Method::catalogue,
-        channel::Method::snapshot,
-        channel::Method::timeline,
-        channel::Method::render,
-        channel::Method::ping}) {
+  using enum channel::Method;
+  for (const auto method : {catalogue, snapshot, timeline, render, ping}) {
     const auto methodOfId = [method](std::uint64_t) { return std::optional(method); };
-    const auto message = channel::decodeFromExtension(line, methodOfId);
+    const auto message = channel::decodeFromExtension(input, methodOfId);
     if (!message) {
       continue;
     }
@@ -31,5 +24,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                  : channel::encode(std::get<channel::TransferNotice>(*message));
     expect(channel::decodeFromExtension(sent, methodOfId).has_value());
   }
-  return 0;
 }

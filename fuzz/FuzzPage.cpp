@@ -2,19 +2,17 @@
 // stands in addresses that need no escaping. A line each: method, path, six headers, then names and
 // values of the query by turns.
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
 #include <vector>
 
-#include "Expect.h"
+#include "Target.h"
 #include "home/page/PreviewQuery.h"
 #include "home/server/RequestPolicy.h"
 
 using namespace quillpad;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void quillpad::tryInput(std::string_view input) {
   std::vector<std::string> lines(1);
-  for (const char character : std::string_view(reinterpret_cast<const char*>(data), size)) {
+  for (const char character : input) {
     character == '\n' ? static_cast<void>(lines.emplace_back()) : lines.back().push_back(character);
   }
   constexpr std::size_t headLines = 8;
@@ -45,5 +43,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return c <= ' ' || c == '"' || c == '\'' || c == '<' || c == '>' || c == '#' || c == '\x7F' ||
            static_cast<unsigned char>(c) >= 0x80;
   }));
-  return 0;
 }

@@ -1,23 +1,19 @@
 // Any bytes are read or refused, and what can be written again reads back the same.
-#include <cstddef>
-#include <cstdint>
 
-#include "Expect.h"
+#include "Target.h"
 #include "platform/settings/PropertyList.h"
 
 using namespace quillpad;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto value = readPropertyList({reinterpret_cast<const char*>(data), size});
+void quillpad::tryInput(std::string_view input) {
+  const auto value = readPropertyList(input);
   if (!value) {
-    return 0;
+    return;
   }
   const auto written = writePropertyList(*value);
   if (!written) {
-    return 0;  // a character that XML can name and not hold
+    return;  // a character that XML can name and not hold
   }
   const auto again = readPropertyList(*written);
-  expect(again.has_value());
-  expect(writePropertyList(*again) == *written);
-  return 0;
+  expect(again && writePropertyList(*again) == *written);
 }

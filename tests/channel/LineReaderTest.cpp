@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
@@ -27,10 +26,7 @@ std::vector<std::string> linesOf(const std::vector<std::string_view>& pieces) {
 }
 
 TEST(LineReaderTest, CutsTheStreamWhereverItsPiecesEnd) {
-  const struct {
-    std::vector<std::string_view> pieces;
-    std::vector<std::string> lines;
-  } cases[] = {
+  const std::pair<std::vector<std::string_view>, std::vector<std::string>> cases[] = {
       {{}, {"rest:"}},
       {{"ab\ncd\n"}, {"ab", "cd", "rest:"}},
       {{"a", "b", "\n", "c"}, {"ab", "rest:c"}},

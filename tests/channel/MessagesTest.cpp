@@ -1,6 +1,5 @@
 #include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <map>
 #include <set>
 #include <string>
@@ -8,7 +7,6 @@
 #include <vector>
 
 #include "platform/channel/Messages.h"
-#include "platform/foundation/Json.h"
 
 namespace quillpad {
 
@@ -100,11 +98,7 @@ TEST(MessagesTest, WhatAPersonWroteComesBackAsItWasSent) {
 }
 
 TEST(MessagesTest, AReplyMayBeEmptyOrLackWhatCameLater) {
-  const struct {
-    const char* line;
-    Method method;
-    const char* again;
-  } cases[] = {
+  const std::tuple<const char*, Method, const char*> cases[] = {
       {R"({"id":0,"result":[]})", Method::catalogue, R"({"jsonrpc":"2.0","id":0,"result":[]})"},
       {R"({"id":0,"result":[{"kind":"A","displayName":"","description":"","families":[]}]})",
        Method::catalogue,
@@ -126,12 +120,7 @@ TEST(MessagesTest, AReplyMayBeEmptyOrLackWhatCameLater) {
 }
 
 TEST(MessagesTest, ABadRequestIsRefusedByItsNumberWhereThatCanBeRead) {
-  const struct {
-    const char* line;
-    std::optional<std::uint64_t> id;
-    int code;
-    const char* message;
-  } cases[] = {
+  const std::tuple<const char*, std::optional<std::uint64_t>, int, const char*> cases[] = {
       {"", std::nullopt, parseError, "invalid JSON at line 1, column 1"},
       {"\xFF\xFE", std::nullopt, parseError, "invalid JSON"},
       {"[]", std::nullopt, invalidRequest, "request: not an object"},
@@ -163,11 +152,7 @@ TEST(MessagesTest, ABadRequestIsRefusedByItsNumberWhereThatCanBeRead) {
 }
 
 TEST(MessagesTest, WhatIsNoMessageOfTheExtensionIsToldInWords) {
-  const struct {
-    const char* line;
-    Method method;
-    const char* reason;
-  } cases[] = {
+  const std::tuple<const char*, Method, const char*> cases[] = {
       {"Segmentation fault", Method::ping, "invalid JSON at line 1, column 1"},
       {"[]", Method::ping, "a message that cannot be read: not an object"},
       {R"({"method":"launch"})", Method::ping, R"(method: not "transfer")"},

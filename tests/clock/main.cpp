@@ -1,7 +1,6 @@
 // A second extension, which has nothing to do with invoices: a clock of two families, without
 // translations, whose timeline shows this minute and the next. While the variable CLOCK_STOPPED is
 // set it drops its timelines and says why.
-#include <chrono>
 #include <cstdlib>
 #include <string>
 #include <vector>

@@ -1,6 +1,5 @@
 #include <functional>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <set>
 
 #include "demo/Gateway.h"
@@ -103,11 +102,8 @@ TEST_F(DemoGatewayTest, EveryFieldOfAListRequestCounts) {
     return document.type == DocumentType::invoice && document.valid == valid &&
            document.createTime.starts_with(year);
   };
-  const struct {
-    std::vector<Dictionary::Member> changes;
-    std::string removed;
-    std::function<bool(const Document&)> expected;
-  } cases[] = {
+  using Condition = std::function<bool(const Document&)>;
+  const std::tuple<std::vector<Dictionary::Member>, const char*, Condition> cases[] = {
       {{}, "", [&](auto& d) { return isInvoice(d, "2026", true) && !d.paid; }},
       {{}, "isFullPaid", [&](auto& d) { return isInvoice(d, "2026", true); }},
       {{{"isFullPaid", "Paid"}}, "", [&](auto& d) { return isInvoice(d, "2026", true) && d.paid; }},
@@ -229,11 +225,7 @@ TEST_F(DemoGatewayTest, WrongRequestsAreRefused) {
     body.set(key, value);
     return postList(body);
   };
-  const struct {
-    Request request;
-    int status;
-    const char* message;
-  } cases[] = {
+  const std::tuple<Request, int, const char*> cases[] = {
       {changed([](Request& r) { r.authorization = ""; }), 401, "token"},
       {changed([](Request& r) { r.authorization = "Bearer 0123456789abcdef"; }), 401, "token"},
       {changed([](Request& r) { r.authorization += "0"; }), 401, "token"},
@@ -270,12 +262,7 @@ TEST_F(DemoGatewayTest, WrongRequestsAreRefused) {
 
 TEST_F(DemoGatewayTest, AnswersAreDamagedToOrder) {
   const std::string month = "2026-03-07 10:00:00";
-  const struct {
-    const char* fault;
-    Request request;
-    const char* holds;
-    const char* lacks;
-  } cases[] = {
+  const std::tuple<const char*, Request, const char*, const char*> cases[] = {
       {"shape=no-data", postSummary(month), "success", "data"},
       {"shape=data-object", postSummary(month), R"("data":{"salesMonth":)", "\\"},
       {"shape=inner-not-json", postSummary(month), R"("data":"{)", "salesMonth"},
@@ -307,18 +294,10 @@ TEST_F(DemoGatewayTest, FaultsAreLimitedToAPathAndACount) {
 }
 
 TEST(DemoFaultTest, WrongItemsAreRefused) {
-  for (const char* items :
-       {"",
-        "slow",
-        "drop,",
-        "delay",
-        "delay=-1",
-        "delay=1s",
-        "status=99",
-        "status=600",
-        "shape=round",
-        "count=0",
-        "path=/etc"}) {
+  for (const char* items : {"", "slow", "drop,", "shape=round", "count=0", "path=/etc"}) {
+    EXPECT_FALSE(Fault::parse(items)) << items;
+  }
+  for (const char* items : {"delay", "delay=-1", "delay=1s", "status=99", "status=600"}) {
     EXPECT_FALSE(Fault::parse(items)) << items;
   }
 }

@@ -1,22 +1,17 @@
 // The program quillpad-demo-gateway, started as a person starts it and asked over HTTPS.
 
-#include <array>
 #include <csignal>
-#include <fcntl.h>
 #include <fstream>
 #include <future>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <optional>
-#include <spawn.h>
 #include <string>
-#include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
 
+#include "fixtures/Loopback.h"
+#include "fixtures/Program.h"
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
 #include "platform/foundation/Fatal.h"
@@ -26,80 +21,36 @@
 namespace quillpad {
 
 namespace {
+using fixtures::contentsOf;
 using fixtures::ScopedVariable;
-using fixtures::TemporaryFolder;
 using fixtures::TemporaryHome;
 using testing::HasSubstr;
 using testing::Not;
 
-std::string contentsOf(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-// The running program; its output goes to a file.
-class Program {
+// The running program.
+class Gateway : public fixtures::Program {
  public:
-  explicit Program(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), QUILLPAD_DEMO_GATEWAY);
-    std::vector<char*> pointers;
-    pointers.reserve(arguments.size() + 1);
-    for (std::string& argument : arguments) {
-      pointers.push_back(argument.data());
-    }
-    pointers.push_back(nullptr);
-    const std::string output = outputFile().string();
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(
-        &actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-    posix_spawn_file_actions_adddup2(&actions, 1, 2);
-    posix_spawn(&process_, pointers[0], &actions, nullptr, pointers.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-  }
-
-  ~Program() { stop(SIGKILL); }
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
-
-  // Its exit status, or minus the number of the signal that ended it.
-  int wait() {
-    if (process_ > 0) {
-      waitpid(process_, &status_, 0);
-      process_ = 0;
-    }
-    return WIFEXITED(status_) ? WEXITSTATUS(status_) : -WTERMSIG(status_);
-  }
-
-  int stop(int signal) {
-    if (process_ > 0) {
-      kill(process_, signal);
-    }
-    return wait();
-  }
-
-  std::string output() const { return contentsOf(outputFile()); }
+  explicit Gateway(std::vector<std::string> arguments) : Program(withProgram(arguments)) {}
 
   // "https://localhost:<port>" once it serves.
   std::string origin() const {
     for (int tries = 0; tries < 500; ++tries) {
-      const std::string text = output();
+      const std::string text = out();
       const std::size_t begin = text.find("https://");
       if (begin != text.npos && text.find('\n') != text.npos) {
         return text.substr(begin, text.find(' ', begin) - begin);
       }
       usleep(20000);
     }
-    ADD_FAILURE() << "it does not serve: " << output();
+    ADD_FAILURE() << "it does not serve: " << out() << err();
     return "https://localhost:1";
   }
 
  private:
-  std::filesystem::path outputFile() const { return folder_.path() / "output"; }
-
-  TemporaryFolder folder_;
-  pid_t process_ = 0;
-  int status_ = 0;
+  static std::vector<std::string> withProgram(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), QUILLPAD_DEMO_GATEWAY);
+    return arguments;
+  }
 };
 
 struct Result {
@@ -161,7 +112,7 @@ TEST_F(DemoProgramTest, ServesWithAnIdentityThatItKeeps) {
   std::string token;
   std::string certificate;
   for (const int start : {1, 2}) {
-    Program program({"--port", "0"});
+    Gateway program({"--port", "0"});
     const std::string origin = program.origin();
     token = start == 1 ? contentsOf(state() / "token") : token;
     certificate = start == 1 ? contentsOf(state() / "certificate.pem") : certificate;
@@ -171,11 +122,11 @@ TEST_F(DemoProgramTest, ServesWithAnIdentityThatItKeeps) {
     const std::string numeric = "https://127.0.0.1" + origin.substr(origin.rfind(':'));
     EXPECT_EQ(fetch(numeric + path, token, summary).status, 200);
 
-    EXPECT_THAT(program.output(), HasSubstr((state() / "certificate.pem").string()));
-    EXPECT_THAT(program.output(), HasSubstr((state() / "token").string()));
-    EXPECT_THAT(program.output(), HasSubstr("POST /invoice/invoice/getDataMap 401"));
-    EXPECT_THAT(program.output(), Not(HasSubstr(token)));
-    EXPECT_EQ(program.stop(start == 1 ? SIGTERM : SIGINT), 0);
+    EXPECT_THAT(program.out(), HasSubstr((state() / "certificate.pem").string()));
+    EXPECT_THAT(program.out(), HasSubstr((state() / "token").string()));
+    EXPECT_THAT(program.out(), HasSubstr("POST /invoice/invoice/getDataMap 401"));
+    EXPECT_THAT(program.out() + program.err(), Not(HasSubstr(token)));
+    EXPECT_EQ(program.stop(start == 1 ? SIGTERM : SIGINT).status, 0);
   }
   EXPECT_GE(token.size(), 32U);
   EXPECT_EQ(contentsOf(state() / "token"), token);
@@ -187,18 +138,18 @@ TEST_F(DemoProgramTest, ServesWithAnIdentityThatItKeeps) {
 
 TEST_F(DemoProgramTest, MakesAnotherCertificateWhereTheKeptOneIsOfNoUse) {
   {
-    Program(std::vector<std::string>{"--port", "0"}).origin();
+    Gateway({"--port", "0"}).origin();
   }
   const std::string before = contentsOf(state() / "certificate.pem");
   std::ofstream(state() / "key.pem") << "half a key";
-  const Program program({"--port", "0"});
+  const Gateway program({"--port", "0"});
   const std::string origin = program.origin();
   EXPECT_NE(contentsOf(state() / "certificate.pem"), before);
   EXPECT_EQ(fetch(origin + "/", "", "").status, 404);
 }
 
 TEST_F(DemoProgramTest, ShowsFaultsWhileItRuns) {
-  const Program program({"--port", "0", "--fault", "status=503"});
+  const Gateway program({"--port", "0", "--fault", "status=503"});
   const std::string origin = program.origin();
   const std::string token = contentsOf(state() / "token");
   const auto ask = [&] { return fetch(origin + "/invoice/invoice/getDataMap", token, summary); };
@@ -229,43 +180,31 @@ TEST_F(DemoProgramTest, ShowsFaultsWhileItRuns) {
 }
 
 TEST_F(DemoProgramTest, EndsAtOnceWhileAnswersWait) {
-  Program program({"--port", "0", "--fault", "delay=600000"});
+  Gateway program({"--port", "0", "--fault", "delay=600000"});
   const std::string origin = program.origin();
   auto waiting = std::async(std::launch::async, [&] {
     return fetch(origin + "/invoice/invoice/getDataMap", contentsOf(state() / "token"), summary);
   });
   EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
-  EXPECT_EQ(program.stop(SIGTERM), 0);
+  EXPECT_EQ(program.stop(SIGTERM).status, 0);
   EXPECT_NE(waiting.get().error, 0);
 }
 
 TEST_F(DemoProgramTest, AnswersWhileManyConnectionsAreIdle) {
-  const Program program({"--port", "0"});
+  const Gateway program({"--port", "0"});
   const std::string origin = program.origin();
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port =
-      htons(static_cast<std::uint16_t>(std::stoi(origin.substr(origin.rfind(':') + 1))));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  std::vector<int> idle;
+  const int port = std::stoi(origin.substr(origin.rfind(':') + 1));
+  std::vector<FileDescriptor> idle;
   for (int i = 0; i < 200; ++i) {
-    idle.push_back(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    EXPECT_EQ(connect(idle.back(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    idle.push_back(fixtures::connectedTo(port));
   }
   EXPECT_EQ(fetch("https://127.0.0.1" + origin.substr(origin.rfind(':')), "", "").status, 404);
-  for (const int connection : idle) {
-    close(connection);
-  }
 }
 
 TEST_F(DemoProgramTest, EndsWithOneLineWhereItDoesNotServe) {
-  const Program first({"--port", "0"});
+  const Gateway first({"--port", "0"});
   const std::string origin = first.origin();
-  const struct {
-    std::vector<std::string> arguments;
-    int status;
-    const char* line;
-  } cases[] = {
+  const std::tuple<std::vector<std::string>, int, const char*> cases[] = {
       {{"--port", origin.substr(origin.rfind(':') + 1)}, 1, "choose another with --port"},
       {{"--state", "/proc/nothing"}, 1, "choose another --state"},
       {{"--port", "65536"}, 2, "65535"},
@@ -276,9 +215,9 @@ TEST_F(DemoProgramTest, EndsWithOneLineWhereItDoesNotServe) {
       {{"--help"}, 0, "shape=figure-text"},
   };
   for (const auto& [arguments, status, line] : cases) {
-    Program program(arguments);
-    EXPECT_EQ(program.wait(), status) << line;
-    EXPECT_THAT(program.output(), HasSubstr(line));
+    const fixtures::Outcome outcome = Gateway(arguments).wait();
+    EXPECT_EQ(outcome.status, status) << line;
+    EXPECT_THAT(outcome.out + outcome.err, HasSubstr(line));
   }
 }
 

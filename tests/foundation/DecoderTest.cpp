@@ -39,10 +39,7 @@ TEST(Decoder, ReadsEachKindAndStepsDown) {
 TEST(Decoder, KeepsTheFirstErrorWithItsPlace) {
   const Value value =
       json(R"({"font":{"size":"12","weight":"thin"},"rows":[{"no":1.5},{"no":true}],"n":300})");
-  const struct {
-    std::string_view error;
-    std::function<void(const Decoder&)> read;
-  } cases[] = {
+  const std::pair<std::string_view, std::function<void(const Decoder&)>> cases[] = {
       {"root.font.size: not a number", [](auto& d) { d["font"]["size"].number(); }},
       {"root.font.size: not true or false", [](auto& d) { d["font"]["size"].boolean(); }},
       {"root.font.size: not a whole number",

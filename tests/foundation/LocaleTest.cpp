@@ -10,12 +10,7 @@ namespace {
 using fixtures::ScopedVariable;
 
 TEST(Locale, FollowsTheEnvironmentAsTheStandardToolsDo) {
-  const struct {
-    const char* all;
-    const char* numeric;
-    const char* lang;
-    const char* locale;
-  } cases[] = {
+  const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
       {"de_DE.UTF-8", "fr_FR", "sv_SE", "de_DE"},
       {"", "fr_FR.ISO-8859-1@euro", "sv_SE", "fr_FR"},
       {nullptr, "", "sv_SE", "sv_SE"},
@@ -63,10 +58,7 @@ TEST(Locale, IsAnotherForAScopeOnItsThreadAlone) {
 
 TEST(Locale, NamesTheLanguagesThatServeIt) {
   using Languages = std::vector<std::string>;
-  const struct {
-    const char* locale;
-    Languages languages;
-  } cases[] = {
+  const std::pair<const char*, Languages> cases[] = {
       {"de_DE", {"de"}},
       {"en_US_POSIX", {"en"}},
       {"zh", {"zh-Hans", "zh"}},

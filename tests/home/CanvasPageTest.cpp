@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "home/page/CanvasPage.h"
 
@@ -22,10 +21,7 @@ std::size_t pictures(const CanvasQuery& query) {
 }
 
 TEST(CanvasPage, ShowsTheVariantsThatAreChosen) {
-  const struct {
-    CanvasQuery query;
-    std::size_t count;
-  } cases[] = {
+  const std::pair<CanvasQuery, std::size_t> cases[] = {
       {{}, 20},
       {{.screen = CanvasQuery::everything}, 200},
       {{.entry = "two", .appearance = "dark"}, 2},

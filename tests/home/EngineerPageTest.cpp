@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "home/page/EngineerPage.h"
 #include "home/page/PreviewQuery.h"
@@ -45,14 +44,10 @@ TEST(PreviewQuery, ItsAddressMakesTheSameChoices) {
 }
 
 TEST(PreviewQuery, WhatIsWrongHasItsUsualValue) {
-  for (const char* url :
-       {"/?screen=1x1",
-        "/?scale=4",
-        "/?scale=22",
-        "/?appearance=sepia",
-        "/?format=gif",
-        "/?boxes=yes",
-        "/?state=&x=y"}) {
+  std::istringstream choices(
+      "screen=1x1 scale=4 scale=22 appearance=sepia format=gif boxes=yes state=&x=y");
+  for (std::string choice; choices >> choice;) {
+    const std::string url = "/?" + choice;
     EXPECT_EQ(PreviewQuery::parse(requestOf(url)).toUrl("/"), "/") << url;
   }
 }

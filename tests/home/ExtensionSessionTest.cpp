@@ -1,9 +1,7 @@
 // The session with extensions that misbehave, with a clock that the test holds.
 #include <cerrno>
 #include <chrono>
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <string>
 #include <sys/wait.h>
@@ -19,9 +17,6 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using Cause = SessionEnd::Cause;
-
-constexpr const char* goodAnswer =
-    R"(echo '{"jsonrpc":"2.0","id":1,"result":{"date":"2026-03-07T09:05:03.250Z","data":"x"}}' >&3)";
 
 class ExtensionSessionTest : public testing::Test {
  protected:
@@ -61,12 +56,7 @@ class ExtensionSessionTest : public testing::Test {
 };
 
 TEST_F(ExtensionSessionTest, TellsTheCausesOfAnEndApart) {
-  const struct {
-    std::string commands;
-    Cause cause;
-    std::string detail;
-    std::string lastWords;
-  } cases[] = {
+  const std::tuple<std::string, Cause, std::string, std::string> cases[] = {
       {"exit 7", Cause::exited, "exit status 7", ""},
       {"echo one >&2; echo 'Unit line 8: broken' >&2; kill -ABRT $$",
        Cause::exited,
@@ -97,7 +87,7 @@ TEST_F(ExtensionSessionTest, TellsTheCausesOfAnEndApart) {
 }
 
 TEST_F(ExtensionSessionTest, WhatWasPrintedForAnEarlierRequestIsNoLastWord) {
-  start(std::string("read r <&3; echo grumble >&2; ") + goodAnswer + "; read r <&3; kill -9 $$");
+  start("echo grumble >&2; " + answers(1, anEntry) + "read r <&3; kill -9 $$");
   ask();
   until<channel::NumberedReply>();
   ask();
@@ -120,8 +110,8 @@ TEST_F(ExtensionSessionTest, AnExtensionThatSaysNothingInTimeHangsAndIsEnded) {
 
 TEST_F(ExtensionSessionTest, AnAnswerIsLateWhereOnlyOthersAreAnswered) {
   start(
-      R"(read a <&3; read b <&3; echo '{"id":2,"result":{"dropped":true}}' >&3; read c <&3; )" +
-      std::string(goodAnswer) + R"(; echo '{"id":3,"result":{"dropped":true}}' >&3; sleep 60)");
+      "read r <&3; " + answers(2, R"({"dropped":true})") + answers(1, anEntry) +
+      R"(echo '{"id":3,"result":{"dropped":true}}' >&3; sleep 60)");
   ask();
   uptime_ += 10s;
   ask();
@@ -152,9 +142,9 @@ TEST_F(ExtensionSessionTest, EndsWhatUsesMoreMemoryThanItMay) {
 
 TEST_F(ExtensionSessionTest, OnlyOpenRequestsAreAnswered) {
   start(
-      R"(read r <&3; echo '{"id":9,"result":{"dropped":true}}' >&3; )"
+      answers(9, R"({"dropped":true})") +
       R"(echo '{"id":null,"error":{"code":-32700,"message":"what?"}}' >&3; )" +
-      std::string(goodAnswer) + "; sleep 60");
+      R"(echo '{"id":1,"result":{"dropped":true}}' >&3; sleep 60)");
   ask();
   const auto reply = until<channel::NumberedReply>();
   EXPECT_EQ(reply.id, 1U);
@@ -188,10 +178,7 @@ TEST_F(ExtensionSessionTest, AFloodIsTakenInPortions) {
 
 // Each prints the id of the process that is hardest to find.
 TEST_F(ExtensionSessionTest, LeavesNoProcessBehind) {
-  const struct {
-    const char* what;
-    const char* commands;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"plain", "echo $$; exec sleep 60"},
       {"with a child", "sleep 60 & echo $!; wait"},
       {"outside of its group",

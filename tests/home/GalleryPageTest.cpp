@@ -1,6 +1,5 @@
 #include <concepts>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "home/page/GalleryPage.h"
 

@@ -1,22 +1,18 @@
 // The whole home screen over HTTP, with an extension that is no invoice widget at all.
-#include <arpa/inet.h>
 #include <chrono>
 #include <filesystem>
 #include <future>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <poll.h>
 #include <regex>
 #include <set>
 #include <string>
-#include <sys/socket.h>
 #include <vector>
 
+#include "fixtures/Loopback.h"
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
 #include "home/page/HomeScreen.h"
-#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/UserFolders.h"
 
 namespace quillpad::home {
@@ -66,12 +62,7 @@ class HomeScreenTest : public testing::Test {
   }
 
   std::string exchange(const std::string& line, const std::string& headers) const {
-    const FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_in place{};
-    place.sin_family = AF_INET;
-    place.sin_port = htons(static_cast<std::uint16_t>(std::stoi(port())));
-    place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(::connect(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
+    const FileDescriptor socket = fixtures::connectedTo(std::stoi(port()));
     const std::string request = line + " HTTP/1.1\r\nHost: 127.0.0.1:" + port() +
                                 "\r\nConnection: close\r\nContent-Length: 0\r\n" + headers + "\r\n";
     ::send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL);
@@ -114,11 +105,7 @@ TEST_F(HomeScreenTest, AnswersNobodyWithoutTheKey) {
   const std::string wrong(32, '0');
   const std::string linked =
       "Sec-Fetch-Site: cross-site\r\nSec-Fetch-Mode: navigate\r\nSec-Fetch-Dest: document\r\n";
-  const struct {
-    std::string line;
-    std::string headers;
-    int status;
-  } cases[] = {
+  const std::tuple<std::string, std::string, int> cases[] = {
       {"GET /", "", 401},
       {"GET /?key=", "", 401},
       {"GET /?key=" + wrong, "", 401},
@@ -162,10 +149,7 @@ TEST_F(HomeScreenTest, ChangesAreThoseSinceTheVersionOfThisRun) {
     return match[1].str();
   };
   const std::string seen = "GET /changes?since=" + named("version");
-  const struct {
-    std::string line;
-    bool isNew;
-  } cases[] = {
+  const std::pair<std::string, bool> cases[] = {
       {seen, false},
       {seen + "&instance=" + named("instance"), false},
       {seen + "&instance=0123456789abcdef", true},
@@ -192,11 +176,7 @@ TEST_F(HomeScreenTest, ChangesNeedThePagesTokenAndSomethingToChange) {
   ASSERT_TRUE(std::regex_search(page, match, std::regex("page-token\" content=\"(\\w+)\"")));
   const std::string token = "X-Page-Token: " + match[1].str() + "\r\n";
   const std::string clock = "?kind=clock%2FUhr%20%26%20%3CZeit%3E";
-  const struct {
-    std::string line;
-    std::string headers;
-    int status;
-  } cases[] = {
+  const std::tuple<std::string, std::string, int> cases[] = {
       {"POST /reload", "", 403},
       {"POST /reload", "X-Page-Token: guessed\r\n", 403},
       {"POST /reload", token, 204},

@@ -7,10 +7,7 @@ namespace quillpad::home {
 namespace {
 
 TEST(Language, IsTheDearestOfTheWishesThatIsSpoken) {
-  const struct {
-    const char* wishes;
-    const char* tag;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"", "en"},
       {"de", "de"},
       {"de-AT,fr;q=0.7", "de"},

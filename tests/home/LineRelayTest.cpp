@@ -1,8 +1,6 @@
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <unistd.h>

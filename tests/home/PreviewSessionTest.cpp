@@ -1,8 +1,6 @@
 #include <chrono>
-#include <fstream>
 #include <functional>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <string>
 #include <vector>
@@ -16,9 +14,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 using Source = PreviewSession::Source;
-
-constexpr const char* entryAnswer =
-    R"(echo '{"id":1,"result":{"date":"2026-03-07T09:05:03.250Z","data":"x"}}' >&3)";
 
 class PreviewSessionTest : public testing::Test {
  protected:
@@ -47,9 +42,7 @@ class PreviewSessionTest : public testing::Test {
 };
 
 TEST_F(PreviewSessionTest, RendersTheEntryThatItAskedForAndLeavesWhenThereIsNothingToDo) {
-  extension_.play(
-      std::string("read r <&3; ") + entryAnswer +
-      R"(; read r <&3; echo '{"id":2,"result":{"view":{"type":"spacer"}}}' >&3; sleep 60)");
+  extension_.play(answers(1, anEntry) + answers(2, aView) + "sleep 60");
   const auto result = submit(Source::snapshot);
   EXPECT_EQ(errorOf(result), "none");
   EXPECT_EQ(previews_.nextDeadline(), now_.uptime + 15s);
@@ -59,22 +52,13 @@ TEST_F(PreviewSessionTest, RendersTheEntryThatItAskedForAndLeavesWhenThereIsNoth
 }
 
 TEST_F(PreviewSessionTest, SaysWhatWentWrong) {
-  const struct {
-    std::string commands;
-    Source source;
-    std::string error;
-  } cases[] = {
+  const std::tuple<std::string, Source, std::string> cases[] = {
       {"echo broken >&2; sleep 0.1; echo bye; exit 1", Source::snapshot, "last words: “broken”"},
       {R"(read r <&3; echo '{"id":1,"error":{"code":-32602,"message":"no such kind"}}' >&3; cat)",
        Source::given,
        "no such kind"},
-      {std::string("read r <&3; ") + entryAnswer + "; sleep 60",
-       Source::given,
-       R"(result: no "view")"},
-      {std::string("read r <&3; ") + entryAnswer +
-           R"(; read r <&3; echo '{"id":2,"result":{"date":"2026-03-07T09:05:03.250Z","data":"x"}}' >&3; sleep 60)",
-       Source::snapshot,
-       R"(result: no "view")"},
+      {answers(1, anEntry) + "sleep 60", Source::given, R"(result: no "view")"},
+      {answers(1, anEntry) + answers(2, anEntry) + "cat", Source::snapshot, R"(: no "view")"},
   };
   for (const auto& [commands, source, error] : cases) {
     extension_.play(commands);

@@ -7,10 +7,7 @@ namespace {
 
 TEST(RequestPolicy, TakesRequestsOfItsOwnPageOnly) {
   constexpr int taken = 0;
-  const struct {
-    RequestHead head;
-    int status;
-  } cases[] = {
+  const std::pair<RequestHead, int> cases[] = {
       {{.method = "GET", .host = "127.0.0.1:81"}, taken},
       {{.method = "HEAD", .host = "localhost:81"}, taken},
       {{.method = "GET", .host = ""}, 421},
@@ -40,12 +37,7 @@ TEST(RequestPolicy, TakesRequestsOfItsOwnPageOnly) {
 }
 
 TEST(RequestPolicy, OtherSitesMayOnlyLinkToTheHomeScreen) {
-  const struct {
-    std::string_view method, path;
-    bool hasQuery;
-    std::string_view mode, destination;
-    bool taken;
-  } cases[] = {
+  const std::tuple<const char*, const char*, bool, const char*, const char*, bool> cases[] = {
       {"GET", "/", false, "navigate", "document", true},
       {"POST", "/", false, "navigate", "document", false},
       {"GET", "/", true, "navigate", "document", false},

@@ -1,6 +1,5 @@
 #include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "fixtures/TemporaryHome.h"
 #include "home/page/Samples.h"
@@ -9,10 +8,7 @@ namespace quillpad::home {
 namespace {
 
 TEST(Samples, AWrongEntryIsToldWithItsLine) {
-  const struct {
-    const char* text;
-    const char* problem;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"{\n\"date\": 1\n}", "line 2: it is not an entry: date: not a string"},
       {"{\n\"date\": \"soon\",\n\"data\":0}",
        "line 2: it is not an entry: date: not a date like 2026-03-07T09:05:03.250Z"},

@@ -11,6 +11,14 @@
 
 namespace quillpad::home {
 
+inline const std::string anEntry = R"({"date":"2026-03-07T09:05:03.250Z","data":"x"})";
+inline const std::string aView = R"({"view":{"type":"spacer"}})";
+
+// Commands that read a request and answer it, whatever it was.
+inline std::string answers(int id, const std::string& result) {
+  return "read r <&3; echo '{\"id\":" + std::to_string(id) + ",\"result\":" + result + "}' >&3; ";
+}
+
 class ScriptedExtension {
  public:
   explicit ScriptedExtension(const std::string& commands) { play(commands); }

@@ -1,7 +1,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
 
@@ -106,10 +105,7 @@ TEST(StateFile, ForeignContentIsToldByName) {
   const fixtures::TemporaryHome folder;
   const auto file = *stateFile();
   std::filesystem::create_directories(file.parent_path());
-  const struct {
-    const char* content;
-    const char* reason;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"[]", "another version"},
       {R"({"version":2})", "another version"},
       {R"({"version":1,"placed":[],"pictures":{}})", "no \"catalogue\""},

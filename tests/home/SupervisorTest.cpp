@@ -2,7 +2,6 @@
 #include <chrono>
 #include <cstddef>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <map>
 #include <random>
 #include <set>
@@ -107,6 +106,16 @@ class SupervisorTest : public testing::Test {
     return {.entries = {entryAt(date, data)}, .policy = {date + 5min}};
   }
 
+  std::vector<std::string> after(std::chrono::milliseconds time) {
+    pass(time);
+    return done();
+  }
+
+  void reloadAll() {
+    supervisor.reload(now());
+    done();
+  }
+
   // Answers everything but timelines until nothing else is asked; returns what was.
   std::vector<std::string> answerAllButTimelines() {
     std::vector<std::string> all;
@@ -125,13 +134,22 @@ class SupervisorTest : public testing::Test {
     return all;
   }
 
+  // Answers the timeline of a widget, and what is asked for it.
+  void deliver(const std::string& kind, const std::string& data) {
+    answer("timeline " + kind, timelineOf(data));
+    answerAllButTimelines();
+  }
+
+  void deliverBoth(const std::string& dataOfA, const std::string& dataOfB) {
+    deliver("A", dataOfA);
+    deliver("B", dataOfB);
+  }
+
   // Brings both widgets to their first live picture.
   void bringUp() {
     supervisor.timePassed(now());
     answerAllButTimelines();
-    answer("timeline A", timelineOf("a1"));
-    answer("timeline B", timelineOf("b1"));
-    answerAllButTimelines();
+    deliverBoth("a1", "b1");
   }
 
   void endExtension(
@@ -208,13 +226,10 @@ TEST_F(SupervisorTest, FirstRunPlacesTheWholeCatalogueAndShowsPlaceholdersMeanwh
 TEST_F(SupervisorTest, AsksAgainAtTheReloadTimeAndNotBefore) {
   bringUp();
   ASSERT_EQ(supervisor.nextDeadline(), uptime + 1min) << "the ping";
-  pass(4min);
-  EXPECT_THAT(done(), IsEmpty());
+  EXPECT_THAT(after(4min), IsEmpty());
   ASSERT_EQ(supervisor.nextDeadline(), uptime + 1min) << "the reload";
-  pass(1min - 1ms);
-  EXPECT_THAT(done(), IsEmpty());
-  pass(1ms);
-  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
+  EXPECT_THAT(after(1min - 1ms), IsEmpty());
+  EXPECT_THAT(after(1ms), ElementsAre("timeline A", "timeline B"));
 }
 
 TEST_F(SupervisorTest, AClockThatIsSetDoesNotMoveTheReload) {
@@ -223,8 +238,7 @@ TEST_F(SupervisorTest, AClockThatIsSetDoesNotMoveTheReload) {
   supervisor.timePassed(now());
   EXPECT_THAT(done(), IsEmpty());
   date -= 48h;
-  pass(5min);
-  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
+  EXPECT_THAT(after(5min), ElementsAre("timeline A", "timeline B"));
 }
 
 TEST_F(SupervisorTest, AReloadTimeInThePastOrFarAwayIsBounded) {
@@ -236,17 +250,13 @@ TEST_F(SupervisorTest, AReloadTimeInThePastOrFarAwayIsBounded) {
   bringUp();
   for (const auto& [reloadAfter, wait] : cases) {
     supervisor.remove(now(), "B");
-    supervisor.reload(now());
-    done();
+    reloadAll();
     answer("timeline A", channel::Timeline{{entryAt(date, "a1")}, {reloadAfter}});
     answerAllButTimelines();
     EXPECT_EQ(widget("A").reload, date + wait);
-    pass(wait - 1ms);
-    EXPECT_THAT(done(), IsEmpty());
-    pass(1ms);
-    EXPECT_THAT(done(), ElementsAre("timeline A"));
-    answer("timeline A", timelineOf("a1"));
-    answerAllButTimelines();
+    EXPECT_THAT(after(wait - 1ms), IsEmpty());
+    EXPECT_THAT(after(1ms), ElementsAre("timeline A"));
+    deliver("A", "a1");
   }
 }
 
@@ -258,14 +268,11 @@ TEST_F(SupervisorTest, ShowsEachEntryOfATimelineWhenItsTimeComes) {
       channel::Timeline{
           {entryAt(date + 2min, "third"), entryAt(date - 1min, "first"), entryAt(date, "second")},
           date + 10min});
-  answer("timeline B", timelineOf("b1"));
-  answerAllButTimelines();
+  deliver("B", "b1");
   EXPECT_EQ(shown("A"), "second");
-  pass(1min);
-  EXPECT_THAT(done(), IsEmpty());
+  EXPECT_THAT(after(1min), IsEmpty());
   EXPECT_EQ(supervisor.nextDeadline(), uptime + 1min);
-  pass(1min - 1ms);
-  EXPECT_THAT(done(), IsEmpty());
+  EXPECT_THAT(after(1min - 1ms), IsEmpty());
   pass(1ms);
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("render A"));
   EXPECT_EQ(shown("A"), "third");
@@ -283,21 +290,17 @@ TEST_F(SupervisorTest, NeverHasTwoRequestsOfOneKindUnderWay) {
 
 TEST_F(SupervisorTest, KeepsThePictureThroughADropAndSaysItsReason) {
   bringUp();
-  pass(5min);
-  done();
+  after(5min);
   answer("timeline A", channel::Dropped{"The token is empty."});
   EXPECT_EQ(shown("A"), "a1");
   EXPECT_EQ(problem("A").cause, Cause::dropped);
   EXPECT_EQ(problem("A").detail, "The token is empty.");
   EXPECT_EQ(widget("A").reload, date + 5min);
-  answer("timeline B", timelineOf("b2"));
-  answerAllButTimelines();
+  deliver("B", "b2");
   EXPECT_EQ(widget("B").problem, nullptr);
 
-  pass(5min);
-  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
-  answer("timeline A", timelineOf("a2"));
-  answerAllButTimelines();
+  EXPECT_THAT(after(5min), ElementsAre("timeline A", "timeline B"));
+  deliver("A", "a2");
   EXPECT_EQ(shown("A"), "a2");
   EXPECT_EQ(widget("A").problem, nullptr);
 }
@@ -318,12 +321,7 @@ TEST_F(SupervisorTest, KnowsOfZerosThatStandInForFiguresByTheFailedTransfer) {
 TEST_F(SupervisorTest, WidgetsStandWhereAPersonPutThem) {
   std::vector<std::string> kinds{"A", "B", "C", "D"};
   supervisor.restore({.catalogue = catalogueOf(kinds).items, .placed = {"A", "B", "B", "C", "D"}});
-  const struct {
-    const char* kind;
-    const char* before;
-    bool known;
-    const char* order;
-  } moves[] = {
+  const std::tuple<const char*, const char*, bool, const char*> moves[] = {
       {"D", "B", true, "ADBC"},
       {"A", "", true, "DBCA"},
       {"D", "A", true, "BCDA"},
@@ -340,9 +338,9 @@ TEST_F(SupervisorTest, WidgetsStandWhereAPersonPutThem) {
     }
     return names;
   };
-  for (const auto& [kind, before, known, after] : moves) {
+  for (const auto& [kind, before, known, expected] : moves) {
     EXPECT_EQ(supervisor.move(kind, before), known);
-    EXPECT_EQ(order(), after) << kind << " before " << before;
+    EXPECT_EQ(order(), expected) << kind << " before " << before;
   }
   supervisor.remove(now(), "C");
   supervisor.place(now(), "C");
@@ -354,8 +352,7 @@ TEST_F(SupervisorTest, KeepsTheLastGoodPictureForAsLongAsTransfersFail) {
   bringUp();
   const Date good = date;
   for (int round = 0; round < 3; ++round) {
-    pass(5min);
-    done();
+    after(5min);
     answer("timeline B", timelineOf("b2"));
     answerUnfetched("timeline A", "zeros");
     EXPECT_EQ(shown("A"), "zeros");
@@ -370,13 +367,10 @@ TEST_F(SupervisorTest, KeepsTheLastGoodPictureForAsLongAsTransfersFail) {
     supervisor.timePassed(now());
     answerAllButTimelines();
     answerUnfetched("timeline A", "zeros");
-    answer("timeline B", timelineOf("b2"));
-    answerAllButTimelines();
+    deliver("B", "b2");
   }
-  supervisor.reload(now());
-  done();
-  answer("timeline A", timelineOf("a2"));
-  answerAllButTimelines();
+  reloadAll();
+  deliver("A", "a2");
   EXPECT_EQ(widget("A").kept, nullptr);
   EXPECT_FALSE(supervisor.saved().kept.contains("A"));
 }
@@ -387,8 +381,7 @@ TEST_F(SupervisorTest, NothingOfAnotherAccountIsKeptOrShown) {
   supervisor.accountIs("one");
   EXPECT_EQ(shown("A"), "a1");
   for (const char* mark : {"two", "", "two"}) {
-    pass(5min);
-    done();
+    after(5min);
     answerUnfetched("timeline A", "zeros");
     const std::uint64_t savedVersion = supervisor.savedVersion();
     supervisor.accountIs(mark);
@@ -407,9 +400,7 @@ TEST_F(SupervisorTest, NothingOfAnotherAccountIsKeptOrShown) {
         answerAllButTimelines(),
         testing::IsSupersetOf({"placeholder A", "placeholder B", "timeline A", "timeline B"}));
     EXPECT_EQ(shown("B"), "sample");
-    answer("timeline A", timelineOf("a2"));
-    answer("timeline B", timelineOf("b2"));
-    answerAllButTimelines();
+    deliverBoth("a2", "b2");
     EXPECT_EQ(shown("B"), "b2");
   }
 }
@@ -430,11 +421,9 @@ TEST_F(SupervisorTest, AnotherAccountIsAnotherTryForAnExtensionThatWasGivenUp) {
 
 TEST_F(SupervisorTest, SaysWhenAnAnswerIsSlowOrAPersonWaits) {
   bringUp();
-  pass(5min);
-  done();
+  after(5min);
   const Date asked = date;
-  answer("timeline B", timelineOf("b2"));
-  answerAllButTimelines();
+  deliver("B", "b2");
   pass(2s - 1ms);
   EXPECT_FALSE(widget("A").awaited);
   EXPECT_EQ(supervisor.nextDeadline(), uptime + 1ms);
@@ -449,8 +438,7 @@ TEST_F(SupervisorTest, SaysWhenAnAnswerIsSlowOrAPersonWaits) {
   EXPECT_TRUE(widget("B").awaited);
   EXPECT_EQ(widget("B").slowSince, std::nullopt);
   answer("timeline A", channel::Dropped{"no"});
-  answer("timeline B", timelineOf("b3"));
-  answerAllButTimelines();
+  deliver("B", "b3");
   EXPECT_FALSE(widget("A").awaited);
   EXPECT_FALSE(widget("B").awaited);
 }
@@ -471,26 +459,20 @@ TEST_F(SupervisorTest, PromisesNoReloadBeforeThePauseIsOver) {
 
 TEST_F(SupervisorTest, ALateAnswerIsAskedForAgainLaterAndNotTakenAnyMore) {
   bringUp();
-  pass(5min);
-  done();
+  after(5min);
   const std::uint64_t late = open.at("timeline A");
   supervisor.answerIsLate(now(), {.id = late, .waited = 90s});
   EXPECT_EQ(problem("A").cause, Cause::late);
   EXPECT_EQ(problem("A").detail, "90 s");
   supervisor.replied(now(), {late, timelineOf("late")});
   EXPECT_EQ(shown("A"), "a1");
-  answer("timeline B", timelineOf("b2"));
-  answerAllButTimelines();
-  pass(5min);
-  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
+  deliver("B", "b2");
+  EXPECT_THAT(after(5min), ElementsAre("timeline A", "timeline B"));
 }
 
 // An extension that hung is asked again as soon as it runs again, like one that ended by itself.
 TEST_F(SupervisorTest, AnEndForWhateverCauseIsFollowedByTheNextQuestion) {
-  const struct {
-    SessionEnd::Cause end;
-    Cause problem;
-  } cases[] = {
+  const std::pair<SessionEnd::Cause, Cause> cases[] = {
       {SessionEnd::Cause::exited, Cause::ended},
       {SessionEnd::Cause::late, Cause::late},
       {SessionEnd::Cause::overMemory, Cause::overMemory},
@@ -498,18 +480,14 @@ TEST_F(SupervisorTest, AnEndForWhateverCauseIsFollowedByTheNextQuestion) {
   };
   bringUp();
   for (const auto& [end, cause] : cases) {
-    supervisor.reload(now());
-    done();
+    reloadAll();
     supervisor.ended(now(), {.cause = end, .detail = "how", .lastWords = ""});
     EXPECT_EQ(supervisor.lastEnd()->cause, cause);
     EXPECT_EQ(problem("A").cause, cause);
     EXPECT_EQ(problem("A").detail, "how");
     EXPECT_EQ(shown("A"), "a1");
     EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue", "timeline A"));
-    answer("timeline A", timelineOf("a1"));
-    answerAllButTimelines();
-    answer("timeline B", timelineOf("b1"));
-    answerAllButTimelines();
+    deliverBoth("a1", "b1");
   }
 }
 
@@ -539,15 +517,13 @@ TEST_F(SupervisorTest, AnExtensionThatListsNothingOrTooMuchIsStartedAgain) {
 
 TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
   bringUp();
-  supervisor.reload(now());
-  done();
+  reloadAll();
   for (const auto pause : {0s, 1s, 5s, 25s}) {
     endExtension("signal 6, Aborted", "SalesData line 58: no JSON");
     if (pause > 0s) {
       EXPECT_EQ(supervisor.life(), Life::backingOff);
       EXPECT_EQ(supervisor.nextDeadline(), uptime + pause);
-      pass(pause - 1ms);
-      EXPECT_THAT(done(), IsEmpty());
+      EXPECT_THAT(after(pause - 1ms), IsEmpty());
       pass(1ms);
     }
     EXPECT_THAT(done(), ElementsAre("start", "catalogue"));
@@ -558,8 +534,7 @@ TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
   endExtension("signal 6, Aborted", "SalesData line 58: no JSON");
   EXPECT_EQ(supervisor.life(), Life::gaveUp);
   EXPECT_EQ(supervisor.nextDeadline(), std::nullopt);
-  pass(24h);
-  EXPECT_THAT(done(), IsEmpty());
+  EXPECT_THAT(after(24h), IsEmpty());
   EXPECT_EQ(supervisor.lastEnd()->detail, "signal 6, Aborted");
   EXPECT_EQ(supervisor.lastEnd()->output, "SalesData line 58: no JSON");
   EXPECT_EQ(shown("A"), "a1");
@@ -573,8 +548,7 @@ TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
 
 TEST_F(SupervisorTest, APictureIsOverdueAMinuteAfterItsReloadTimeAndOnceItIsGivenUp) {
   bringUp();
-  pass(5min);
-  done();
+  after(5min);
   pass(1min - 1ms);
   EXPECT_FALSE(widget("A").overdue);
   EXPECT_EQ(supervisor.nextDeadline(), uptime + 1ms);
@@ -584,9 +558,7 @@ TEST_F(SupervisorTest, APictureIsOverdueAMinuteAfterItsReloadTimeAndOnceItIsGive
   EXPECT_GT(widget("A").version, version);
   supervisor.reload(now());
   EXPECT_TRUE(widget("A").overdue) << "to be asked again makes it no newer";
-  answer("timeline A", timelineOf("a2"));
-  answer("timeline B", timelineOf("b2"));
-  answerAllButTimelines();
+  deliverBoth("a2", "b2");
   EXPECT_FALSE(widget("A").overdue);
 
   for (int end = 0; end < 5; ++end) {
@@ -606,21 +578,17 @@ TEST_F(SupervisorTest, AnEndWhileNothingIsAskedLeavesThePicturesFresh) {
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue"));
   EXPECT_EQ(widget("A").problem, nullptr);
   EXPECT_EQ(widget("A").reload, date + 4min);
-  pass(4min);
-  EXPECT_THAT(done(), ElementsAre("timeline A"));
+  EXPECT_THAT(after(4min), ElementsAre("timeline A"));
 }
 
 TEST_F(SupervisorTest, AnIdleExtensionIsPingedAndStartedAgainWhereItIsStuck) {
   answersPings = false;
   bringUp();
-  pass(1min - 1ms);
-  done();
+  after(1min - 1ms);
   EXPECT_EQ(lastPing, 0U);
-  pass(1ms);
-  done();
+  after(1ms);
   EXPECT_EQ(lastPing, lastId);
-  pass(29s);
-  done();
+  after(29s);
   EXPECT_EQ(lastPing, lastId) << "once";
   supervisor.ended(now(), {.cause = SessionEnd::Cause::late, .detail = "", .lastWords = ""});
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue"));
@@ -638,15 +606,13 @@ TEST_F(SupervisorTest, AnOutdatedExtensionIsStartedAgainWhereItIsNotAtWork) {
 
 TEST_F(SupervisorTest, OneWidgetThatEndsTheExtensionTakesNoOtherWithIt) {
   bringUp();
-  pass(5min);
-  done();
+  after(5min);
   for (int end = 0; end < 5; ++end) {
     endExtension("signal 6, Aborted");
     passThePause();
     answerAllButTimelines();
     if (open.contains("timeline B")) {
-      answer("timeline B", timelineOf("b2"));
-      answerAllButTimelines();
+      deliver("B", "b2");
     }
   }
   EXPECT_EQ(supervisor.life(), Life::gaveUp) << "the good answers of B do not hide the ends of A";
@@ -659,14 +625,10 @@ TEST_F(SupervisorTest, OneWidgetThatEndsTheExtensionTakesNoOtherWithIt) {
 TEST_F(SupervisorTest, AGoodRoundForgetsEarlierEnds) {
   bringUp();
   for (int round = 0; round < 10; ++round) {
-    supervisor.reload(now());
-    done();
+    reloadAll();
     endExtension();
     answerAllButTimelines();
-    answer("timeline A", timelineOf("a"));
-    answerAllButTimelines();
-    answer("timeline B", timelineOf("b"));
-    answerAllButTimelines();
+    deliverBoth("a", "b");
     EXPECT_EQ(supervisor.lastEnd(), std::nullopt);
   }
   EXPECT_EQ(supervisor.life(), Life::running);
@@ -699,8 +661,7 @@ TEST_F(SupervisorTest, RemovesAndAddsInTheCataloguesOrder) {
   EXPECT_FALSE(supervisor.place(now(), "C"));
   EXPECT_FALSE(supervisor.remove(now(), "C"));
   EXPECT_EQ(supervisor.widgets().size(), 1U);
-  pass(5min);
-  EXPECT_THAT(done(), ElementsAre("timeline B"));
+  EXPECT_THAT(after(5min), ElementsAre("timeline B"));
 
   EXPECT_TRUE(supervisor.place(now(), "A"));
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("placeholder A", "render A", "timeline A"));
@@ -710,11 +671,9 @@ TEST_F(SupervisorTest, RemovesAndAddsInTheCataloguesOrder) {
 
 TEST_F(SupervisorTest, AnAnswerForAWidgetThatIsGoneChangesNothing) {
   bringUp();
-  supervisor.reload(now());
-  done();
+  reloadAll();
   supervisor.remove(now(), "A");
-  answer("timeline A", timelineOf("a2"));
-  answerAllButTimelines();
+  deliver("A", "a2");
   EXPECT_EQ(supervisor.widgets().size(), 1U);
   EXPECT_FALSE(supervisor.saved().pictures.contains("A"));
 }
@@ -732,8 +691,7 @@ TEST_F(SupervisorTest, ShowsWhatAnEarlierRunLeftUntilFreshEntriesCome) {
 
   supervisor.timePassed(now());
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue", "timeline A"));
-  answer("timeline A", timelineOf("a2"));
-  answerAllButTimelines();
+  deliver("A", "a2");
   EXPECT_FALSE(picture("A").restored);
   EXPECT_EQ(supervisor.widgets().size(), 1U);
 }
@@ -763,14 +721,12 @@ TEST_F(SupervisorTest, ARenderingThatIsRefusedLeavesNothingToWaitFor) {
   done();
   answer("render A", channel::Refused{channel::invalidParams, "no"});
   EXPECT_EQ(shown("A"), "empty");
-  pass(2min);
-  EXPECT_THAT(done(), IsEmpty());
+  EXPECT_THAT(after(2min), IsEmpty());
 }
 
 TEST_F(SupervisorTest, AnAnswerOfAnotherKindIsARefusal) {
   bringUp();
-  supervisor.reload(now());
-  done();
+  reloadAll();
   answer("timeline A", channel::Rendering{ui::Spacer{}});
   EXPECT_EQ(problem("A").cause, Cause::refused);
   answer("timeline B", channel::Refused{channel::invalidParams, "unknown kind"});
@@ -803,11 +759,9 @@ TEST_F(SupervisorTest, AProgramThatIsReplacedIsNotWaitedForMoreThanASecond) {
   bringUp();
   supervisor.openGallery(now());
   answerAllButTimelines();
-  supervisor.reload(now());
-  done();
+  reloadAll();
   supervisor.programReplaced(now());
-  pass(999ms);
-  EXPECT_THAT(done(), IsEmpty());
+  EXPECT_THAT(after(999ms), IsEmpty());
   pass(1ms);
   EXPECT_THAT(
       answerAllButTimelines(),
@@ -837,8 +791,7 @@ TEST_F(SupervisorTest, AProgramThatDoesNotServeLeavesTheLastPicturesWithItsLastW
   }
   supervisor.programReplaced(now());
   EXPECT_THAT(answerAllButTimelines(), testing::IsSupersetOf({"start", "render A", "timeline B"}));
-  answer("timeline B", timelineOf("b2"));
-  answerAllButTimelines();
+  deliver("B", "b2");
   EXPECT_EQ(shown("B"), "b2");
   EXPECT_EQ(widget("B").problem, nullptr);
 }

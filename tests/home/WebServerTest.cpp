@@ -1,25 +1,22 @@
 // The web server against clients that write their own bytes.
-#include <arpa/inet.h>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <memory>
-#include <netinet/in.h>
 #include <optional>
 #include <poll.h>
 #include <signal.h>
 #include <string>
 #include <sys/eventfd.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
+#include "fixtures/Loopback.h"
 #include "home/server/WebServer.h"
 #include "platform/foundation/FileDescriptor.h"
 
@@ -57,7 +54,8 @@ class RunningServer {
   }
 
   std::uint16_t port() const { return port_; }
-  std::string host() const { return "127.0.0.1:" + std::to_string(port_); }
+  // The header by which a client names this server.
+  std::string own() const { return "Host: 127.0.0.1:" + std::to_string(port_) + "\r\n"; }
   void change() const {
     const std::uint64_t one = 1;
     EXPECT_EQ(::write(changed_.get(), &one, sizeof one), sizeof one);
@@ -75,19 +73,17 @@ class RunningServer {
 class Client {
  public:
   explicit Client(const RunningServer& server) : Client(server.port()) {}
+  // One that asks.
+  Client(const RunningServer& server, const std::string& line) : Client(server) {
+    write(line + " HTTP/1.1\r\n" + server.own() + "\r\n");
+  }
 
-  explicit Client(std::uint16_t port) : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(
-        ::connect(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  explicit Client(std::uint16_t port) : socket_(fixtures::connectedTo(port)) {
     const timeval patience{10, 0};
     ::setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
   }
 
-  void write(const std::string& bytes) {
+  void write(const std::string& bytes) const {
     ::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
   }
 
@@ -126,10 +122,8 @@ std::string ask(const RunningServer& server, const std::string& start, const std
 
 TEST(WebServer, HandsRequestsOverDecoded) {
   const RunningServer server(echo);
-  const std::string answer =
-      ask(server,
-          "POST /place?kind=a%26b%3Cc&kind=second",
-          "Host: " + server.host() + "\r\nX-Page-Token: secret\r\n");
+  const std::string answer = ask(
+      server, "POST /place?kind=a%26b%3Cc&kind=second", server.own() + "X-Page-Token: secret\r\n");
   EXPECT_THAT(answer, StartsWith("HTTP/1.1 200 "));
   EXPECT_THAT(answer, HasSubstr("POST /place kind=a&b<c token=secret"));
 }
@@ -137,14 +131,10 @@ TEST(WebServer, HandsRequestsOverDecoded) {
 // RequestPolicyTest has the whole table; here that each header gets to the policy.
 TEST(WebServer, RefusesWhatItsPolicyRefuses) {
   const RunningServer server(echo);
-  const std::string own = "Host: " + server.host() + "\r\n";
+  const std::string own = server.own();
   const std::string link =
       "Sec-Fetch-Site: cross-site\r\nSec-Fetch-Mode: navigate\r\nSec-Fetch-Dest: document\r\n";
-  const struct {
-    std::string start;
-    std::string headers;
-    int status;
-  } cases[] = {
+  const std::tuple<std::string, std::string, int> cases[] = {
       {"GET /", own, 200},
       {"GET /", "Host: evil.example\r\n", 421},
       {"POST /", own + "Origin: http://evil.example\r\n", 403},
@@ -166,7 +156,7 @@ TEST(WebServer, RefusesWhatItsPolicyRefuses) {
 TEST(WebServer, EveryAnswerKeepsThePageToItself) {
   const RunningServer server(echo);
   for (const char* start : {"GET /", "DELETE /"}) {
-    const std::string answer = ask(server, start, "Host: " + server.host() + "\r\n");
+    const std::string answer = ask(server, start, server.own());
     EXPECT_THAT(answer, HasSubstr("Content-Security-Policy: default-src 'none'"));
     EXPECT_THAT(answer, HasSubstr("X-Content-Type-Options: nosniff"));
     EXPECT_THAT(answer, HasSubstr("Referrer-Policy: no-referrer"));
@@ -183,8 +173,7 @@ TEST(WebServer, AnswersLaterWhenThereIsSomethingToSay) {
       return ready ? std::optional(WebAnswer{.body = "at last"}) : std::nullopt;
     }};
   });
-  Client client(server);
-  client.write("GET / HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
+  Client client(server, "GET /");
   while (!asked) {
     std::this_thread::yield();
   }
@@ -204,8 +193,7 @@ TEST(WebServer, BoundsTheAnswersThatAreStillToCome) {
         },
         {.laterAnswers = 2});
     for (int count = 1; count <= 3; ++count) {
-      clients.push_back(std::make_unique<Client>(server));
-      clients.back()->write("GET / HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
+      clients.push_back(std::make_unique<Client>(server, "GET /"));
       while (asked < count) {
         std::this_thread::yield();
       }
@@ -224,8 +212,7 @@ WebReply silentStream(const WebRequest&) {
 
 TEST(WebServer, ASilentStreamHasItsHeartbeats) {
   const RunningServer server(silentStream, {.heartbeat = 20ms});
-  Client client(server);
-  client.write("GET /events HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
+  Client client(server, "GET /events");
   EXPECT_THAT(client.readUntil(":\n\n"), HasSubstr("text/event-stream"));
   client.readUntil(":\n\n");
   client.readUntil(":\n\n");
@@ -235,18 +222,14 @@ TEST(WebServer, BoundsTheStreams) {
   const RunningServer server(silentStream, {.streams = 2, .heartbeat = 20ms});
   std::vector<std::unique_ptr<Client>> clients;
   for (int count = 0; count < 2; ++count) {
-    clients.push_back(std::make_unique<Client>(server));
-    clients.back()->write("GET /events HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
+    clients.push_back(std::make_unique<Client>(server, "GET /events"));
     clients.back()->readUntil(":\n\n");
   }
-  const std::string own = "Host: " + server.host() + "\r\n";
-  EXPECT_THAT(ask(server, "GET /events", own), HasSubstr("503"));
+  EXPECT_THAT(ask(server, "GET /events", server.own()), HasSubstr("503"));
   clients.pop_back();
   std::string answer;
   while (answer.empty() || answer.contains(" 503 ")) {  // until the server has noticed
-    Client next(server);
-    next.write("GET /events HTTP/1.1\r\n" + own + "\r\n");
-    answer = next.readUntil("\r\n\r\n");
+    answer = Client(server, "GET /events").readUntil("\r\n\r\n");
   }
   EXPECT_THAT(answer, StartsWith("HTTP/1.1 200 "));
 }
@@ -267,8 +250,6 @@ TEST(WebServer, AllowsItselfADescriptorForEveryConnection) {
 TEST(WebServer, LeavesDescriptorsToItsProgramHoweverManyConnect) {
   int ends[2];
   ASSERT_EQ(::pipe(ends), 0);
-  const FileDescriptor readEnd(ends[0]);
-  FileDescriptor writeEnd(ends[1]);
   const pid_t child = ::fork();
   if (child == 0) {
     const rlimit few{100, 100};
@@ -281,12 +262,13 @@ TEST(WebServer, LeavesDescriptorsToItsProgramHoweverManyConnect) {
       return WebAnswer{.body = own.back() ? "there are enough" : "there are too few"};
     });
     const std::uint16_t port = server.port();
-    static_cast<void>(::write(writeEnd.get(), &port, sizeof port));
+    static_cast<void>(::write(ends[1], &port, sizeof port));
     ::pause();
   }
-  writeEnd.close();
+  ::close(ends[1]);
   std::uint16_t port = 0;
-  ASSERT_EQ(::read(readEnd.get(), &port, sizeof port), ssize_t{sizeof port});
+  ASSERT_EQ(::read(ends[0], &port, sizeof port), ssize_t{sizeof port});
+  ::close(ends[0]);
   std::vector<std::unique_ptr<Client>> idle;
   for (int i = 0; i < 150; ++i) {
     idle.push_back(std::make_unique<Client>(port));
@@ -317,8 +299,7 @@ TEST(WebServer, StreamsToEveryListenerAndEndsThemCleanly) {
         },
         {.heartbeat = 20ms});
     for (int count = 0; count < 50; ++count) {
-      clients.push_back(std::make_unique<Client>(server));
-      clients.back()->write("GET /events HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
+      clients.push_back(std::make_unique<Client>(server, "GET /events"));
     }
     for (const auto& client : clients) {
       client->readUntil(":\n\n");  // the heartbeat: the stream is open
@@ -327,9 +308,8 @@ TEST(WebServer, StreamsToEveryListenerAndEndsThemCleanly) {
       event = round;
       server.change();
       for (const auto& client : clients) {
-        EXPECT_THAT(
-            client->readUntil("data: " + std::to_string(round)),
-            HasSubstr("data: " + std::to_string(round)));
+        const std::string data = "data: " + std::to_string(round);
+        EXPECT_THAT(client->readUntil(data), HasSubstr(data));
       }
     }
   }
@@ -345,9 +325,7 @@ TEST(WebServer, HangsUpOnWhoGetsNoRequestAcross) {
   dribbling.write("GET / HTTP/1.1\r\nX-Never: end");
   EXPECT_EQ(silent.readAll(), "");
   EXPECT_EQ(dribbling.readAll(), "");
-  Client keptAlive(server);
-  keptAlive.write("GET / HTTP/1.1\r\nHost: " + server.host() + "\r\n\r\n");
-  EXPECT_THAT(keptAlive.readAll(), HasSubstr("GET / kind="));
+  EXPECT_THAT(Client(server, "GET /").readAll(), HasSubstr("GET / kind="));
 }
 
 TEST(WebServer, MakesRoomByHangingUpOnTheOldest) {
@@ -357,7 +335,7 @@ TEST(WebServer, MakesRoomByHangingUpOnTheOldest) {
   for (int count = 0; count < 20; ++count) {
     silent.push_back(std::make_unique<Client>(server));
   }
-  EXPECT_THAT(ask(server, "GET /", "Host: " + server.host() + "\r\n"), HasSubstr("200"));
+  EXPECT_THAT(ask(server, "GET /", server.own()), HasSubstr("200"));
   EXPECT_EQ(silent.front()->readAll(), "");
 }
 

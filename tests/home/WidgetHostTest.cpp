@@ -4,7 +4,6 @@
 #include <fstream>
 #include <functional>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <optional>
 #include <poll.h>
 #include <signal.h>

@@ -1,7 +1,6 @@
 // An extension that tries what none may, and some of what each must be able to. Its snapshot is the
 // list of its attempts that succeeded. HOSTILE_PORT names a port that something listens at,
 // HOSTILE_GATEWAY an origin that it is entitled to, HOSTILE_KEY a file of its user.
-#include <arpa/inet.h>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -18,7 +17,6 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>

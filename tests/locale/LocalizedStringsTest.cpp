@@ -36,10 +36,7 @@ TEST_F(LocalizedStringsTest, AreThoseOfTheLocalesLanguage) {
   put("ja", "<dict><key>Sales</key><integer>7</integer></dict>");
   std::filesystem::create_directories(fileOf("ar").parent_path());
   const LocalizedStrings strings(folder_.path());
-  const struct {
-    const char* locale;
-    const char* text;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"de_DE", "Umsatz"},
       {"de_AT", "Umsatz"},
       {"zh_CN", "销售"},

@@ -18,10 +18,7 @@ std::string amount(double number, std::string pattern = "#,###.##;") {
 }
 
 TEST(NumberFormatter, GroupsWithCommasAndRoundsHalfEvenOnTheShortestText) {
-  const struct {
-    double number;
-    const char* text;
-  } cases[] = {
+  const std::pair<double, const char*> cases[] = {
       {1234.5, "1,234.5"},
       {1234.567, "1,234.57"},
       {1000, "1,000"},
@@ -52,10 +49,7 @@ TEST(NumberFormatter, GroupsWithCommasAndRoundsHalfEvenOnTheShortestText) {
 }
 
 TEST(NumberFormatter, TakesDigitsAndSeparatorsOfTheLocaleAndOneMinusSign) {
-  const struct {
-    const char* locale;
-    const char* text;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"de_DE.UTF-8", "-1.234,5"},
       {"fr_FR", "-1\u202F234,5"},
       {"sv_SE", "-1\u00A0234,5"},

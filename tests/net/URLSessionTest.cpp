@@ -4,17 +4,15 @@
 #include <filesystem>
 #include <future>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <mutex>
-#include <netinet/in.h>
 #include <set>
-#include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
 
 #include "fixtures/HttpsServer.h"
+#include "fixtures/Loopback.h"
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
 #include "platform/foundation/Activity.h"
@@ -153,10 +151,7 @@ TEST_F(URLSessionTest, FieldsOfTheSessionItselfAreNotTheCallers) {
 // In a process of its own, as the language is that of the process.
 TEST_F(URLSessionTest, AcceptsTheLanguageOfTheLocale) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const struct {
-    const char* locale;
-    const char* accepted;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"de_DE.UTF-8", "de-DE, de;q=0.9"},
       {"ja", "ja"},
       {"zh_Hans_CN", "zh-Hans-CN, zh;q=0.9"},
@@ -233,45 +228,18 @@ TEST_F(URLSessionTest, FastAnswerDoesNotWaitForASlowOne) {
   }
 }
 
-// A port that is taken and where nobody speaks: connections are refused or, where it listens, taken
-// by the system and never answered.
-class SilentPort {
- public:
-  explicit SilentPort(bool listens = false) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    auto* any = reinterpret_cast<sockaddr*>(&address);
-    if (socket_ < 0 || bind(socket_, any, length) != 0 || (listens && listen(socket_, 8) != 0) ||
-        getsockname(socket_, any, &length) != 0) {
-      std::abort();
-    }
-    number_ = ntohs(address.sin_port);
-  }
-  ~SilentPort() { close(socket_); }
-  SilentPort(const SilentPort&) = delete;
-  SilentPort& operator=(const SilentPort&) = delete;
-
-  std::string number() const { return std::to_string(number_); }
-
- private:
-  int socket_;
-  int number_ = 0;
-};
+std::string localhost(const FileDescriptor& socket) {
+  return "://localhost:" + std::to_string(fixtures::portOf(socket));
+}
 
 TEST_F(URLSessionTest, AddressesThatCannotBeAsked) {
-  const SilentPort closed;
-  const struct {
-    std::string address;
-    int code;
-    const char* description;
-  } cases[] = {
-      {"https://localhost:" + closed.number(), -1004, "Could not connect to the server."},
+  const FileDescriptor closed = fixtures::boundTo();
+  const std::tuple<std::string, int, const char*> cases[] = {
+      {"https" + localhost(closed), -1004, "Could not connect to the server."},
       {"https://nowhere.invalid/",
        -1003,
        "A server with the specified hostname could not be found."},
-      {"http://localhost:" + closed.number(),
+      {"http" + localhost(closed),
        -1022,
        "The resource could not be loaded because the address does not use a secure connection."},
       {"HTTP://localhost/", -1022, nullptr},
@@ -319,11 +287,7 @@ TEST_F(URLSessionTest, RequestLostOnAKeptConnectionIsSentOnce) {
 TEST_F(URLSessionTest, ConnectionsThatTheServerClosedMeanwhileAreNoFailures) {
   using namespace std::string_literals;
   using enum HttpsServer::Protocol;
-  const struct {
-    HttpsServer::Protocol protocol;
-    bool inGoodOrder;
-    std::string lastWords;
-  } cases[] = {
+  const std::tuple<HttpsServer::Protocol, bool, std::string> cases[] = {
       {http1, true, ""},
       {http1, false, ""},
       {http1, true, "HTTP/1.1 408 Request Timeout\r\nContent-Length: 0\r\n\r\n"},
@@ -382,13 +346,7 @@ TEST_F(URLSessionTest, AnswersWithoutAnEndAreErrorsWithoutData) {
   const std::string half = ok + "Content-Length: 100\r\n\r\nhalf of";
   const std::string chunk = ok + "Transfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n";
   const std::string zipped = ok + "Content-Encoding: gzip\r\n\r\n";
-  const struct {
-    const char* what;
-    int code;
-    std::string sent;
-    End end;
-    std::string flood;
-  } cases[] = {
+  const std::tuple<const char*, int, std::string, End, std::string> cases[] = {
       {"nothing", -1005, "", closed, ""},
       {"reset in the body", -1005, half, reset, ""},
       {"short body", -1005, half, closed, ""},
@@ -403,23 +361,23 @@ TEST_F(URLSessionTest, AnswersWithoutAnEndAreErrorsWithoutData) {
       {"silence in the body", -1001, half, stalled, ""},
       {"too slow", -1001, ok + "\r\n", dripping, "x"},
   };
-  for (const auto& one : cases) {
+  for (const auto& [what, code, sent, end, flood] : cases) {
     const HttpsServer server([&](auto&, auto& exchange) {
-      exchange.send(one.sent);
-      while (one.end >= flooded && exchange.send(one.flood)) {
-        exchange.pause(one.end == dripping ? 20ms : 0ms);
+      exchange.send(sent);
+      while (end >= flooded && exchange.send(flood)) {
+        exchange.pause(end == dripping ? 20ms : 0ms);
       }
-      if (one.end == stalled) {
+      if (end == stalled) {
         exchange.hold();
       }
       exchange.pause(20ms);
-      one.end == reset ? exchange.reset() : exchange.close();
+      end == reset ? exchange.reset() : exchange.close();
     });
     URLSession::shared().setTimeouts(
-        {.idle = one.end == stalled ? 150ms : 10s, .whole = one.end == dripping ? 300ms : 30s});
+        {.idle = end == stalled ? 150ms : 10s, .whole = end == dripping ? 300ms : 30s});
     const Result result = fetch(postFor(server.address("/"), "{}"));
-    EXPECT_EQ(result.errorCode(), one.code) << one.what;
-    EXPECT_EQ(result.data, std::nullopt) << one.what;
+    EXPECT_EQ(result.errorCode(), code) << what;
+    EXPECT_EQ(result.data, std::nullopt) << what;
   }
 }
 
@@ -433,12 +391,8 @@ TEST_F(URLSessionTest, CertificatesAreVerified) {
   using enum HttpsServer::Certificate;
   const fixtures::TemporaryFolder nothingTrusted;
   const std::string authority = HttpsServer::authorityFile();
-  const struct {
-    std::optional<std::string> file;
-    std::optional<std::string> folder;
-    HttpsServer::Certificate certificate;
-    int code;
-  } cases[] = {
+  using Place = std::optional<std::string>;
+  const std::tuple<Place, Place, HttpsServer::Certificate, int> cases[] = {
       {authority, {}, valid, 0},
       {{}, nothingTrusted.path(), valid, -1203},
       {{}, {}, valid, -1203},
@@ -465,9 +419,10 @@ TEST_F(URLSessionTest, KeptConnectionsBelongToTheirTrustStore) {
 }
 
 TEST_F(URLSessionTest, AConnectionThatNobodyTakesIsATimeout) {
-  const SilentPort silent(true);
+  const FileDescriptor silent = fixtures::boundTo();
+  ::listen(silent.get(), 8);
   URLSession::shared().setTimeouts({.idle = 150ms});
-  EXPECT_EQ(fetch("https://127.0.0.1:" + silent.number()).errorCode(), -1001);
+  EXPECT_EQ(fetch("https" + localhost(silent)).errorCode(), -1001);
 }
 
 TEST_F(URLSessionTest, SlowProgressIsNoTimeout) {
@@ -483,11 +438,7 @@ TEST_F(URLSessionTest, SlowProgressIsNoTimeout) {
 }
 
 TEST_F(URLSessionTest, RedirectsKeepOrDropTheBodyAndNeverCarryTheToken) {
-  const struct {
-    int status;
-    const char* method;
-    const char* nextMethod;
-  } cases[] = {
+  const std::tuple<int, const char*, const char*> cases[] = {
       {301, "POST", "GET"},
       {302, "POST", "GET"},
       {303, "POST", "GET"},
@@ -535,11 +486,7 @@ TEST_F(URLSessionTest, RedirectsToAnotherHostGoWithoutTheToken) {
 }
 
 TEST_F(URLSessionTest, RedirectsThatAreNotFollowed) {
-  const struct {
-    const char* location;
-    int status;
-    int code;
-  } cases[] = {
+  const std::tuple<const char*, int, int> cases[] = {
       {nullptr, 302, 0},
       {"http://localhost/", 302, -1022},
       {"ftp://localhost/", 302, -1002},
@@ -618,20 +565,9 @@ TEST_F(URLSessionTest, CompletionsAreCalledOneAtATimeOnOneOtherThread) {
 }
 
 // Tells where its last owner let go of it.
-class Tracer {
- public:
-  explicit Tracer(std::promise<std::thread::id>& end) : end_(&end) {}
-  Tracer(Tracer&& other) noexcept : end_(std::exchange(other.end_, nullptr)) {}
-  Tracer& operator=(Tracer&&) = delete;
-  ~Tracer() {
-    if (end_ != nullptr) {
-      end_->set_value(std::this_thread::get_id());  // throws when it happens twice
-    }
-  }
-
- private:
-  std::promise<std::thread::id>* end_;
-};
+std::shared_ptr<void> tracer(std::promise<std::thread::id>& end) {
+  return {&end, [&end](void*) { end.set_value(std::this_thread::get_id()); }};
+}
 
 TEST_F(URLSessionTest, CompletionsAreDestroyedWhereTheyAreCalled) {
   const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, ""); });
@@ -641,7 +577,7 @@ TEST_F(URLSessionTest, CompletionsAreDestroyedWhereTheyAreCalled) {
     URLSession::shared()
         .dataTask(
             requestFor(address),
-            [&called, tracer = Tracer(ended)](auto&&...) { called = std::this_thread::get_id(); })
+            [&called, traced = tracer(ended)](auto&&...) { called = std::this_thread::get_id(); })
         .resume();
     EXPECT_EQ(ended.get_future().get(), called);
   }
@@ -649,7 +585,7 @@ TEST_F(URLSessionTest, CompletionsAreDestroyedWhereTheyAreCalled) {
   std::promise<std::thread::id> dropped;
   {
     auto task = URLSession::shared().dataTask(
-        requestFor(server.address("/")), [tracer = Tracer(dropped)](auto&&...) { FAIL(); });
+        requestFor(server.address("/")), [traced = tracer(dropped)](auto&&...) { FAIL(); });
   }
   EXPECT_EQ(dropped.get_future().get(), std::this_thread::get_id());
 }
@@ -697,9 +633,9 @@ TEST_F(URLSessionTest, WatcherIsToldOfEveryEnd) {
 }
 
 TEST_F(URLSessionTest, ProxiesOfTheEnvironmentAreNotAsked) {
-  const SilentPort nobody;
-  const ScopedVariable proxy("HTTPS_PROXY", "http://localhost:" + nobody.number());
-  const ScopedVariable all("ALL_PROXY", "http://localhost:" + nobody.number());
+  const FileDescriptor nobody = fixtures::boundTo();
+  const ScopedVariable proxy("HTTPS_PROXY", "http" + localhost(nobody));
+  const ScopedVariable all("ALL_PROXY", "http" + localhost(nobody));
   const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, "direct"); });
   EXPECT_EQ(fetch(server.address("/")).data, "direct");
 }

@@ -201,11 +201,7 @@ TEST_F(PngWriterTest, TheGroundDoesNotShowThroughColouredCorners) {
   constexpr ui::Rgba half{17, 184, 38, 128};
   const Rect all{0, 0, 60, 60};
   const Clip corners{all, 22};
-  const struct {
-    const char* what;
-    Item item;
-    ui::Rgba color;
-  } cases[] = {
+  const std::tuple<const char*, Item, ui::Rgba> cases[] = {
       {"clipped by the card", fill(all, green, 0, {corners}), green},
       {"round as the card", fill(all, green, 22, {corners}), green},
       {"larger than the card", fill({-9, -9, 90, 90}, green, 0, {corners}), green},

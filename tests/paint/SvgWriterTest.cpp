@@ -139,11 +139,7 @@ TEST_F(SvgWriterTest, FillsUnderTheWholeCardAreOne) {
 
 TEST_F(SvgWriterTest, ColoursAreOfOneAppearanceOrFollowThePage) {
   constexpr ui::Rgba clear{17, 184, 38, 51};
-  const struct {
-    std::optional<ui::Appearance> appearance;
-    ui::Color color;
-    std::string fill;
-  } cases[] = {
+  const std::tuple<std::optional<ui::Appearance>, ui::Color, std::string> cases[] = {
       {ui::Appearance::light, {white, black}, R"(fill="#FFFFFF")"},
       {ui::Appearance::dark, {white, black}, R"(fill="#000000")"},
       {ui::Appearance::dark, {white, clear}, R"(fill="#11B826" fill-opacity="0.2")"},

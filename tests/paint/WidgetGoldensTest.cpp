@@ -1,6 +1,5 @@
 // The five widgets in their states, as display lists and as pictures.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <string>
 #include <utility>
 #include <vector>

@@ -14,11 +14,7 @@ class AmountsTest : public ::testing::Test {
 };
 
 TEST_F(AmountsTest, TakesTheSymbolFromBeforeTheFirstDash) {
-  struct Case {
-    const char* currency;
-    const char* symbol;
-  };
-  const std::vector<Case> cases{
+  const std::pair<const char*, const char*> cases[] = {
       {"€ - EUR", "€"}, {"USD", "USD"}, {" - ", ""}, {"A B-C", "AB"}, {"", ""}, {"\tkr -", "\tkr"}};
   for (const auto& [currency, symbol] : cases) {
     settings.setCurrency(currency);
@@ -40,11 +36,7 @@ TEST_F(AmountsTest, EndsTheProcessForACurrencyThatIsNotAText) {
 }
 
 TEST_F(AmountsTest, WritesTotalsBehindTheSymbol) {
-  struct Case {
-    Value total;
-    const char* text;
-  };
-  const std::vector<Case> cases{
+  const std::pair<Value, const char*> cases[] = {
       {1234.5, "$1,234.5"},
       {0.5, "$.5"},
       {0, "$0"},
@@ -76,11 +68,7 @@ TEST_F(AmountsTest, ReadsTheCurrencyAfreshEachTime) {
 }
 
 TEST_F(AmountsTest, CapsTheSalesFigure) {
-  struct Case {
-    const char* salesMonth;
-    const char* text;
-  };
-  const std::vector<Case> cases{
+  const std::pair<const char*, const char*> cases[] = {
       {"0", "$0"},
       {"9999.989999", "$9,999.99"},
       {"9999.99", ">$9,999.99"},

@@ -145,14 +145,6 @@ TEST_F(ProvidersTest, DateTheEntryByTheRequestNotByTheAnswer) {
   EXPECT_EQ(iso8601(timeline->policy.date()), fiveMinutesLater);
 }
 
-TEST_F(ProvidersTest, LetARefusedRequestGo) {
-  settings.signIn("business-1", "");
-  for (const WidgetConfiguration& widget : catalogue) {
-    EXPECT_FALSE(timelineOf(widget)) << widget.kind;
-  }
-  EXPECT_TRUE(gateway.server().requests().empty());
-}
-
 TEST_F(ProvidersTest, FetchEachTimelineByItself) {
   gateway.answerWithDocument(R"({"salesMonth":1,"unpaidInvoices":2,"pendingEstimates":3})");
   auto first = std::async(std::launch::async, [&] { return timelineOf(catalogue[0]); });

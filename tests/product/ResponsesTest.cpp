@@ -1,7 +1,6 @@
 // The answers of the gateway, and what is done with one that breaks its contract.
 #include <csignal>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include "gateway/DocumentList.h"
@@ -37,11 +36,7 @@ TEST_F(ResponsesTest, TurnsTheFiguresOfTheSummaryIntoTexts) {
 }
 
 TEST_F(ResponsesTest, EndsTheProcessForABrokenSummary) {
-  struct Case {
-    std::string answer;
-    const char* words;
-  };
-  const std::vector<Case> cases{
+  const std::pair<std::string, const char*> cases[] = {
       {"<html>", "SalesData line 58: the gateway's answer is not JSON"},
       {"[]", "SalesData line [0-9]+: the gateway's answer is of another kind"},
       {"{}", "SalesData line [0-9]+: data is absent"},
@@ -71,11 +66,7 @@ TEST_F(ResponsesTest, PassesTheRowsOnUnchanged) {
 }
 
 TEST_F(ResponsesTest, EndsTheProcessForABrokenList) {
-  struct Case {
-    std::string answer;
-    const char* words;
-  };
-  const std::vector<Case> cases{
+  const std::pair<std::string, const char*> cases[] = {
       {"12", "UnpaidData line 82: the gateway's answer is not a JSON object or array"},
       {"[]", "ResponsesTest line [0-9]+: the gateway's answer is of another kind"},
       {"{}", "ResponsesTest line [0-9]+: data is absent"},

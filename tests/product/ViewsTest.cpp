@@ -48,11 +48,7 @@ TEST_F(ViewsTest, LookTitlesUpShowWhatIsReceivedAsItIsAndLeadToTheirScreens) {
   const Dictionary odd{{"clientName", 5}, {"total", "5"}};
   const char* unpaid = "quillpad://invoiceUnpaidList";
   const char* pending = "quillpad://EstimatesPendingList";
-  const struct {
-    ui::View view;
-    Texts texts;
-    const char* link;
-  } cases[] = {
+  const std::tuple<ui::View, Texts, const char*> cases[] = {
       {SalesMallView{"1234.5", "quillpad://Report"},
        {"[Sales]", "[this month]", "$1,234.5"},
        "quillpad://Report"},

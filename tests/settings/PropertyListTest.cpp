@@ -40,10 +40,7 @@ TEST(PropertyList, ReadsBackWhatItWrites) {
 }
 
 TEST(PropertyList, ReadsEveryElement) {
-  const struct {
-    std::string_view content;
-    Value value;
-  } cases[] = {
+  const std::pair<std::string_view, Value> cases[] = {
       {"<string/>", ""},
       {"<string>a&amp;&#x5f20;<![CDATA[<b>]]></string>", "a&张<b>"},
       {"<string>a<!-- no -->b</string>", "ab"},
@@ -67,28 +64,23 @@ TEST(PropertyList, ReadsEveryElement) {
 }
 
 TEST(PropertyList, IsNothingWhenDamaged) {
-  for (const char* content :
-       {"",
-        "<true/><true/>",
-        "<integer></integer>",
-        "<integer>1.5</integer>",
-        "<integer>123456789012345678901234567890123456789</integer>",
-        "<integer>0x10000000000000000</integer>",
-        "<integer>0x</integer>",
-        "<real>abc</real>",
-        "<date>yesterday</date>",
-        "<date>2026-02-30T00:00:00Z</date>",
-        "<data>A</data>",
-        "<data>AAA?</data>",
-        "<data>A=AA</data>",
-        "<null/>",
-        "<string><true/></string>",
-        "<dict><true/></dict>",
-        "<dict><key>a</key></dict>",
-        "<dict><key>a</key><key>b</key><true/></dict>",
-        "<dict><key>a</key><true/><true/></dict>",
-        "<string>\xFF</string>",
-        "<string>&#xD800;</string>"}) {
+  const std::pair<const char*, std::vector<const char*>> cases[] = {
+      {"integer", {"", "1.5", "123456789012345678901234567890123456789"}},
+      {"integer", {"0x10000000000000000", "0x"}},
+      {"real", {"abc"}},
+      {"date", {"yesterday", "2026-02-30T00:00:00Z"}},
+      {"data", {"A", "AAA?", "A=AA"}},
+      {"string", {"<true/>", "\xFF", "&#xD800;"}},
+      {"dict", {"<true/>", "<key>a</key>", "<key>a</key><key>b</key><true/>"}},
+      {"dict", {"<key>a</key><true/><true/>"}},
+  };
+  for (const auto& [kind, contents] : cases) {
+    for (const std::string content : contents) {
+      const std::string element = std::string("<") + kind + ">" + content + "</" + kind + ">";
+      EXPECT_FALSE(readContent(element)) << element;
+    }
+  }
+  for (const char* content : {"", "<true/><true/>", "<null/>"}) {
     EXPECT_FALSE(readContent(content)) << content;
   }
   EXPECT_FALSE(readPropertyList("<dict/>"));

@@ -1,7 +1,6 @@
 #include <fstream>
 #include <future>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -119,11 +118,7 @@ TEST_F(SettingsTest, KeepEntriesThatAChangeLeavesAlone) {
 }
 
 TEST_F(SettingsTest, AreLeftAloneWhenTheyCannotBeChanged) {
-  const struct {
-    std::string bytes;
-    Value token;
-    const char* why;
-  } cases[] = {
+  const std::tuple<std::string, Value, const char*> cases[] = {
       {"not a store", "new", "not a property list"},
       {storeOf("<array/>"), "new", "not a property list"},
       {storeOf("<dict/>") + std::string(std::size_t{1} << 20, ' '), "new", "larger than 1 MiB"},

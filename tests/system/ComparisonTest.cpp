@@ -34,11 +34,7 @@ TEST_F(ComparisonTest, TellsWhetherTwoPicturesLookTheSame) {
   const std::string dark = draw("SalesSmallWidget", "dark");
   const std::string medium = draw("UnpaidMediumWidget", "light");
   std::ofstream(file("text.png")) << "no picture";
-  const struct {
-    std::vector<std::string> arguments;
-    int status;
-    std::string words;
-  } cases[] = {
+  const std::tuple<std::vector<std::string>, int, std::string> cases[] = {
       {{light, light}, 0, "identical"},
       {{light, dark}, 5, "of 99856 pixels differ"},
       {{light, dark, "--tolerance", "255"}, 0, "0 of 99856 pixels differ"},
@@ -56,7 +52,7 @@ TEST_F(ComparisonTest, TellsWhetherTwoPicturesLookTheSame) {
     EXPECT_THAT(status == 0 ? outcome.out : outcome.err, HasSubstr(words));
   }
   run({"compare", light, dark, "-o", file("difference.png")});
-  EXPECT_THAT(contents(file("difference.png")), StartsWith("\x89PNG"));
+  EXPECT_THAT(contentsOf(file("difference.png")), StartsWith("\x89PNG"));
 }
 
 TEST_F(ComparisonTest, AGalleryIsCheckedAgainstARecordedOne) {
@@ -82,7 +78,7 @@ TEST_F(ComparisonTest, AGalleryIsCheckedAgainstARecordedOne) {
           HasSubstr("FormerWidget-light.png: no widget has it any more"),
           Not(HasSubstr("SalesSmallWidget"))));
   EXPECT_THAT(changed.err, HasSubstr("1 changed, 1 new, 1 gone, 8 unchanged"));
-  const std::string page = contents(file("changes") / "index.html");
+  const std::string page = contentsOf(file("changes") / "index.html");
   for (const char* part : {"alt=\"expected\"", "alt=\"actual\"", "alt=\"difference\""}) {
     EXPECT_THAT(page, HasSubstr(part));
   }

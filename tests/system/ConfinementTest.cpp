@@ -1,11 +1,9 @@
 // What extensions can do to the rest of the machine: one that is made with the platform, and any
 // program.
 #include <fstream>
-#include <netinet/in.h>
-#include <sys/socket.h>
 
+#include "fixtures/Loopback.h"
 #include "home/ScriptedExtension.h"
-#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Landlock.h"
 #include "system/HomeScreen.h"
@@ -20,19 +18,6 @@ constexpr bool hasMemoryLimits = false;
 #else
 constexpr bool hasMemoryLimits = true;
 #endif
-
-// A socket that listens, and its port.
-std::pair<FileDescriptor, std::string> listener() {
-  FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  EXPECT_EQ(::bind(socket.get(), reinterpret_cast<sockaddr*>(&address), size), 0);
-  ::listen(socket.get(), 8);
-  ::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size);
-  return {std::move(socket), std::to_string(ntohs(address.sin_port))};
-}
 
 class ConfinementTest : public HomeScreenTest {
  protected:
@@ -50,11 +35,15 @@ TEST_F(ConfinementTest, AHostileExtensionHarmsNothing) {
   if (LandlockRuleset::kernelVersion() < 6) {
     GTEST_SKIP() << "this kernel cannot confine an extension wholly";
   }
-  const auto [homeSocket, homePort] = listener();
-  const auto [gatewaySocket, gatewayPort] = listener();
+  const FileDescriptor sockets[] = {fixtures::boundTo(), fixtures::boundTo()};
+  std::string ports[2];
+  for (const int i : {0, 1}) {
+    ::listen(sockets[i].get(), 8);
+    ports[i] = std::to_string(fixtures::portOf(sockets[i]));
+  }
   const fixtures::ScopedVariable key("HOSTILE_KEY", key_.string());
-  const fixtures::ScopedVariable port("HOSTILE_PORT", homePort);
-  const fixtures::ScopedVariable origin("HOSTILE_GATEWAY", "https://localhost:" + gatewayPort);
+  const fixtures::ScopedVariable port("HOSTILE_PORT", ports[0]);
+  const fixtures::ScopedVariable origin("HOSTILE_GATEWAY", "https://localhost:" + ports[1]);
   const Outcome outcome = runWith(HOSTILE_EXTENSION, {"snapshot", "attack", "--json"});
   ASSERT_EQ(outcome.status, 0) << outcome.err;
   std::string memory = hasMemoryLimits ? "" : R"("map 1 GB","map 1 GB to share",)";
@@ -70,10 +59,7 @@ TEST_F(ConfinementTest, AnyProgramIsConfined) {
   if (LandlockRuleset::kernelVersion() < 6) {
     GTEST_SKIP() << "this kernel cannot confine a program wholly";
   }
-  const struct {
-    const char* commands;
-    const char* lastWords;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"cat \"$HOME/key\"", "Permission denied"},
       {"echo more >>\"$HOME/key\"", "Permission denied"},
       {": >\"$(dirname \"$0\")/new\"", "Permission denied"},
@@ -91,7 +77,7 @@ TEST_F(ConfinementTest, AnyProgramIsConfined) {
     EXPECT_EQ(outcome.status, 4) << commands;
     EXPECT_THAT(outcome.err, HasSubstr(lastWords)) << commands;
   }
-  EXPECT_EQ(contents(key_), "secret");
+  EXPECT_EQ(contentsOf(key_), "secret");
 }
 
 }  // namespace

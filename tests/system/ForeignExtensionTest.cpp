@@ -20,10 +20,7 @@ class ForeignExtensionTest : public HomeScreenTest {
 };
 
 TEST_F(ForeignExtensionTest, EveryCommandWorks) {
-  const struct {
-    std::vector<std::string> arguments;
-    testing::Matcher<std::string> out;
-  } cases[] = {
+  const std::pair<std::vector<std::string>, testing::Matcher<std::string>> cases[] = {
       {{"list"}, AllOf(HasSubstr(kind), HasSubstr("Clock \"UTC\""))},
       {{"list", "--json"}, HasSubstr(R"("families":["systemMedium","systemSmall"])")},
       {{"placeholder", kind, "--json"}, HasSubstr(R"("data":"00:00")")},

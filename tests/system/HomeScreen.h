@@ -3,14 +3,13 @@
 
 #include <filesystem>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <memory>
 #include <optional>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 #include "fixtures/HttpsServer.h"
+#include "fixtures/Program.h"
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
 
@@ -20,32 +19,8 @@ inline const std::vector<std::string> smallKinds{
     "SalesSmallWidget", "PendingSmallWidget", "UnpaidSmallWidget"};
 inline const std::vector<std::string> mediumKinds{"PendingMediumWidget", "UnpaidMediumWidget"};
 
-struct Outcome {
-  int status = 0;  // of the exit, or 128 and the signal
-  std::string out;
-  std::string err;
-};
-
-// A run of quillpad-home that goes on beside the test.
-class RunningHome {
- public:
-  RunningHome(
-      const std::filesystem::path& folder,
-      const std::vector<std::string>& arguments,
-      const std::string& input);
-  ~RunningHome();
-  RunningHome(const RunningHome&) = delete;
-  RunningHome& operator=(const RunningHome&) = delete;
-
-  pid_t pid() const { return pid_; }
-  // Of the extension that it started; 0 if there is none.
-  pid_t extension() const;
-  Outcome wait();
-
- private:
-  std::filesystem::path folder_;
-  pid_t pid_ = 0;
-};
+using fixtures::contentsOf;
+using fixtures::Outcome;
 
 class HomeScreenTest : public testing::Test {
  protected:
@@ -55,7 +30,9 @@ class HomeScreenTest : public testing::Test {
 
   // Runs quillpad-home to its end, with the extension under test.
   Outcome run(std::vector<std::string> arguments, const std::string& input = "") const;
-  std::unique_ptr<RunningHome> start(
+  // The same, from one line with blanks between the words.
+  Outcome runLine(const std::string& line) const;
+  std::unique_ptr<fixtures::Program> start(
       std::vector<std::string> arguments, const std::string& input = "") const;
 
   void signIn() const;
@@ -66,7 +43,6 @@ class HomeScreenTest : public testing::Test {
   fixtures::HttpsServer& serveBody(const std::string& body);
 
   std::filesystem::path file(const std::string& name) const { return folder_.path() / name; }
-  static std::string contents(const std::filesystem::path& path);
 
   fixtures::TemporaryHome home_;
   fixtures::TemporaryFolder folder_;

@@ -27,6 +27,9 @@ class SettingsTest : public HomeScreenTest {
 };
 
 TEST_F(SettingsTest, StoreWhatTheExtensionReadsAndKeepWhatElseIsThere) {
+  EXPECT_THAT(
+      run({"settings", "show"}).out,
+      AllOf(HasSubstr("business id  not set\n"), HasSubstr("token        not set\n")));
   ASSERT_TRUE(changeSettings(APP_GROUP, [](Dictionary& objects) {
     objects.set("other", 7);
     objects.set("currentBusiness", Dictionary{{"name", "Acme"}, {"currency", "$ - USD"}});
@@ -65,30 +68,23 @@ TEST_F(SettingsTest, TakeWhatIsKeptOfAnotherBusinessWithThem) {
         "entry":{"date":"2026-03-07T09:05:03.250Z","data":"$1,234"}}},"account":")"
                          << account << "\"}";
   };
-  const auto kept = [&] { return contents(state).contains("1,234"); };
+  const auto kept = [&] { return contentsOf(state).contains("1,234"); };
   keep("former");
   signIn();
   EXPECT_FALSE(kept());
-  EXPECT_THAT(contents(state), Not(HasSubstr("b-7"))) << "the mark tells nothing of the business";
+  EXPECT_THAT(contentsOf(state), Not(HasSubstr("b-7"))) << "the mark tells nothing of the business";
   const std::string account =
-      contents(state).substr(contents(state).find("\"account\":\"") + 11, 64);
+      contentsOf(state).substr(contentsOf(state).find("\"account\":\"") + 11, 64);
   keep(account);
   signIn();
   EXPECT_TRUE(kept());
   ASSERT_EQ(run({"settings", "sign-out"}).status, 0);
   EXPECT_FALSE(kept());
-  EXPECT_THAT(contents(state), HasSubstr(R"("placed":["A"])"));
+  EXPECT_THAT(contentsOf(state), HasSubstr(R"("placed":["A"])"));
   std::ofstream(state) << "damaged";
   std::ofstream(state.string() + ".unreadable") << "put aside";
   ASSERT_EQ(run({"settings", "sign-out"}).status, 0);
   EXPECT_TRUE(std::filesystem::is_empty(state.parent_path()));
-}
-
-TEST_F(SettingsTest, ShowSaysWhatIsNotSet) {
-  const Outcome shown = run({"settings", "show"});
-  EXPECT_EQ(shown.status, 0);
-  EXPECT_THAT(
-      shown.out, AllOf(HasSubstr("business id  not set\n"), HasSubstr("token        not set\n")));
 }
 
 TEST_F(SettingsTest, TakeATokenAsItStandsButForItsLineEnd) {
@@ -102,16 +98,9 @@ TEST_F(SettingsTest, TakeATokenAsItStandsButForItsLineEnd) {
 
 TEST_F(SettingsTest, RefuseWhatCannotBeATokenAndKeepTheOldOne) {
   signIn();
-  const std::string tokens[] = {
-      "",
-      "\n",
-      "a\nb",
-      "a\n\n",
-      std::string("a\0b", 3),
-      "a\x7F",
-      "\xFF\xFE",
-      std::string(70'000, 'x')};
-  for (const std::string& bad : tokens) {
+  using namespace std::string_literals;
+  const std::string endless(70'000, 'x');
+  for (const auto& bad : {""s, "\n"s, "a\nb"s, "a\n\n"s, "a\0b"s, "a\x7F"s, "\xFF\xFE"s, endless}) {
     const Outcome run = signInWith("b", bad);
     EXPECT_THAT(run.status, testing::AnyOf(1, 2)) << bad.substr(0, 10);
     EXPECT_EQ(std::ranges::count(run.err, '\n'), 1) << run.err;
@@ -137,7 +126,7 @@ TEST_F(SettingsTest, LeaveAStoreThatCannotBeReadAsItIs) {
     EXPECT_EQ(run.status, 1);
     EXPECT_THAT(run.err, HasSubstr(path.string()));
   }
-  EXPECT_EQ(contents(path), "<plist><dict><key>token");
+  EXPECT_EQ(contentsOf(path), "<plist><dict><key>token");
 }
 
 TEST_F(SettingsTest, TheTokenStandsInItsStoreAlone) {
@@ -149,15 +138,16 @@ TEST_F(SettingsTest, TheTokenStandsInItsStoreAlone) {
       });
   const auto home = start({"timeline", "SalesSmallWidget"});
   ASSERT_TRUE(gateway.waitForRequests(1));
-  const pid_t extension = home->extension();
+  const pid_t extension = home->child();
   ASSERT_NE(extension, 0);
   for (const pid_t process : {home->pid(), extension}) {
     for (const char* name : {"cmdline", "environ"}) {
-      EXPECT_THAT(contents("/proc/" + std::to_string(process) + "/" + name), Not(HasSubstr(token)));
+      EXPECT_THAT(
+          contentsOf("/proc/" + std::to_string(process) + "/" + name), Not(HasSubstr(token)));
     }
   }
   EXPECT_THAT(
-      contents("/proc/" + std::to_string(extension) + "/limits"),
+      contentsOf("/proc/" + std::to_string(extension) + "/limits"),
       testing::ContainsRegex("Max core file size +[01] "));
   gateway.release();
   const Outcome run = home->wait();

@@ -1,6 +1,5 @@
 // Texts cut into runs of one script, one font and one direction.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <string>
 #include <string_view>
 #include <unicode/uscript.h>
@@ -25,11 +24,7 @@ std::vector<std::size_t> charactersOf(std::string_view text) {
 }
 
 TEST(Itemizer, GivesWhatHasNoScriptTheOneBesideIt) {
-  struct Case {
-    const char* text;
-    std::vector<ScriptRun> runs;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, std::vector<ScriptRun>> cases[] = {
       {"abc", {{3, USCRIPT_LATIN}}},
       {"12.5", {{4, USCRIPT_LATIN}}},
       {"12 ж.", {{6, USCRIPT_CYRILLIC}}},
@@ -37,8 +32,8 @@ TEST(Itemizer, GivesWhatHasNoScriptTheOneBesideIt) {
       {"漢、か", {{6, USCRIPT_HAN}, {9, USCRIPT_HIRAGANA}}},
       {"e\u0301א\u05B0", {{3, USCRIPT_LATIN}, {7, USCRIPT_HEBREW}}},
   };
-  for (const Case& one : cases) {
-    EXPECT_EQ(scriptRuns(one.text, charactersOf(one.text)), one.runs) << one.text;
+  for (const auto& [text, runs] : cases) {
+    EXPECT_EQ(scriptRuns(text, charactersOf(text)), runs) << text;
   }
 }
 

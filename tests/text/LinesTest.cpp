@@ -1,7 +1,6 @@
 // Lines over made-up texts, in which each character is one cluster and one glyph.
 #include <cctype>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <limits>
 #include <ranges>
 #include <string>
@@ -55,12 +54,7 @@ std::string shown(std::string_view text, const Line& line) {
 }
 
 TEST(Lines, BreakAtTheLastPlaceThatFits) {
-  struct Case {
-    const char* text;
-    double limit;
-    std::vector<std::string> lines;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, double, std::vector<std::string>> cases[] = {
       {"one two three", unbound, {"one two three"}},
       {"one two three", 13, {"one two three"}},
       {"one two three", 12, {"one two", "three"}},
@@ -82,27 +76,21 @@ TEST(Lines, BreakAtTheLastPlaceThatFits) {
       {"a b~cd", 2, {"a", "b~=", "cd"}},
       {"auto~ mobile", 6, {"auto~", "mobile"}},
   };
-  for (const Case& one : cases) {
-    const std::vector<Cluster> clusters = clustersOf(one.text);
+  for (const auto& [text, limit, expected] : cases) {
+    const std::vector<Cluster> clusters = clustersOf(text);
     std::vector<std::string> lines;
     for (std::size_t begin = 0; begin < clusters.size();) {
-      const Line line = breakLine(clusters, begin, one.limit, 1);
-      EXPECT_LE(line.width, std::max(one.limit, 1.0)) << one.text;
-      lines.push_back(shown(one.text, line));
+      const Line line = breakLine(clusters, begin, limit, 1);
+      EXPECT_LE(line.width, std::max(limit, 1.0)) << text;
+      lines.push_back(shown(text, line));
       begin = line.next;
     }
-    EXPECT_THAT(lines, ElementsAreArray(one.lines)) << one.text << " " << one.limit;
+    EXPECT_THAT(lines, ElementsAreArray(expected)) << text << " " << limit;
   }
 }
 
 TEST(Lines, AreTruncatedWithinTheLimit) {
-  struct Case {
-    const char* text;
-    double limit;
-    const char* shown;
-    double width;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, double, const char*, double> cases[] = {
       {"one two three", 9, "one two…", 9},
       {"one two three", 6, "one…", 5},
       {"one two three", 3, "o…", 3},
@@ -111,10 +99,10 @@ TEST(Lines, AreTruncatedWithinTheLimit) {
       {"one|two", 9, "one…", 5},
       {"|two", 9, "…", 2},
   };
-  for (const Case& one : cases) {
-    const Line line = truncateLine(clustersOf(one.text), 0, one.limit, 2);
-    EXPECT_EQ(shown(one.text, line), one.shown) << one.limit;
-    EXPECT_EQ(line.width, one.width) << one.text << one.limit;
+  for (const auto& [text, limit, expected, width] : cases) {
+    const Line line = truncateLine(clustersOf(text), 0, limit, 2);
+    EXPECT_EQ(shown(text, line), expected) << limit;
+    EXPECT_EQ(line.width, width) << text << limit;
   }
 }
 
@@ -147,15 +135,8 @@ ShapedText bidirectional(std::string_view text, bool paragraphRightToLeft) {
 }
 
 TEST(Lines, StandFromLeftToRight) {
-  struct Case {
-    const char* text;
-    bool paragraphRightToLeft;
-    std::size_t begin, end;
-    Line::Sign sign;
-    const char* fromLeft;
-  };
   using enum Line::Sign;
-  const Case cases[] = {
+  const std::tuple<const char*, bool, std::size_t, std::size_t, Line::Sign, const char*> cases[] = {
       {"ab CDE fg", false, 0, 9, none, "ab EDC fg"},
       {"ab CDE fg", false, 0, 5, none, "ab DC"},  // the run goes on in the next line
       {"ab CDE fg", false, 5, 9, none, "E fg"},
@@ -172,16 +153,16 @@ TEST(Lines, StandFromLeftToRight) {
       {"CD ab", true, 3, 3, none, ""},
   };
   const ShapedText sign{.text = ".", .clusters = clustersOf("."), .runs = {{}}, .glyphs = {{'.'}}};
-  for (const Case& one : cases) {
-    const ShapedText text = bidirectional(one.text, one.paragraphRightToLeft);
-    const Line line{.begin = one.begin, .end = one.end, .next = one.end, .sign = one.sign};
+  for (const auto& [words, rightToLeft, begin, end, lineSign, expected] : cases) {
+    const ShapedText text = bidirectional(words, rightToLeft);
+    const Line line{.begin = begin, .end = end, .next = end, .sign = lineSign};
     std::string fromLeft;
     for (const LinePart& part : partsFromLeft(text, line, sign)) {
       for (const ShapedGlyph& glyph : part.glyphs) {
         fromLeft += static_cast<char>(glyph.id);
       }
     }
-    EXPECT_EQ(fromLeft, one.fromLeft) << one.text << " " << one.begin << " to " << one.end;
+    EXPECT_EQ(fromLeft, expected) << words << " " << begin << " to " << end;
   }
 }
 

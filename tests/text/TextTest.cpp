@@ -2,7 +2,6 @@
 // is left out.
 #include <ft2build.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include FT_FREETYPE_H
 
 #include <algorithm>
@@ -73,12 +72,7 @@ class Texts : public ::testing::Test {
 };
 
 TEST_F(Texts, ShowEveryScriptInAFontMadeForIt) {
-  struct Case {
-    const char* characters;
-    const char* language;
-    std::vector<std::string> families;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, const char*, std::vector<std::string>> cases[] = {
       {"Crème brûlée Ærø €5", "en", {"Inter"}},
       {"Привет Ελλάδα", "en", {"Inter"}},
       {"مرحبا", "ar", {"Noto Sans Arabic"}},
@@ -96,12 +90,12 @@ TEST_F(Texts, ShowEveryScriptInAFontMadeForIt) {
       {"👍 日", "ja", {"Noto Color Emoji", "Inter", "Noto Sans CJK JP"}},
       {"Acme 日本 Ltd", "ja", {"Inter", "Noto Sans CJK JP", "Inter"}},
   };
-  for (const Case& one : cases) {
-    place.language = one.language;
-    const TextEngine::Setting setting = set(one.characters);
-    EXPECT_EQ(setting.text, one.characters);
-    EXPECT_EQ(familiesOf(setting), one.families) << one.characters;
-    EXPECT_FALSE(hasMissingGlyph(setting)) << one.characters;
+  for (const auto& [characters, language, families] : cases) {
+    place.language = language;
+    const TextEngine::Setting setting = set(characters);
+    EXPECT_EQ(setting.text, characters);
+    EXPECT_EQ(familiesOf(setting), families) << characters;
+    EXPECT_FALSE(hasMissingGlyph(setting)) << characters;
   }
 }
 
@@ -119,11 +113,7 @@ TEST_F(Texts, KeepWhatBelongsTogetherInOneGlyph) {
 }
 
 TEST_F(Texts, LeaveOutWhatCannotBeShown) {
-  struct Case {
-    std::string characters;
-    std::string shown;
-  };
-  const Case cases[] = {
+  const std::pair<std::string, std::string> cases[] = {
       {std::string("a\0b", 3), "ab"},
       {"a\x01\x1b[0m\x7f", "a[0m"},
       {"a\tb", "a b"},
@@ -137,30 +127,23 @@ TEST_F(Texts, LeaveOutWhatCannotBeShown) {
       {"\xc0\xaf", "\uFFFD\uFFFD"},
       {"<b>&amp;\"", "<b>&amp;\""},
   };
-  for (const Case& one : cases) {
-    const TextEngine::Setting setting = set(one.characters);
-    EXPECT_EQ(setting.text, one.shown);
-    EXPECT_FALSE(hasMissingGlyph(setting)) << one.shown;
+  for (const auto& [characters, shown] : cases) {
+    const TextEngine::Setting setting = set(characters);
+    EXPECT_EQ(setting.text, shown);
+    EXPECT_FALSE(hasMissingGlyph(setting)) << shown;
   }
   EXPECT_EQ(measure(""), (Size{0, 0}));
   EXPECT_EQ(measure("\x01"), (Size{0, 0}));
 }
 
 TEST_F(Texts, TakeTheLineHeightOfThePhone) {
-  struct Case {
-    double size;
-    double at2, at3;
-  };
-  for (const Case& one :
-       {Case{11, 13.5, 40 / 3.0},
-        {12, 14.5, 43 / 3.0},
-        {15, 18, 18},
-        {17, 20.5, 61 / 3.0},
-        {20, 24, 24}}) {
+  const std::tuple<double, double, double> cases[] = {
+      {11, 13.5, 40 / 3.0}, {12, 14.5, 43 / 3.0}, {15, 18, 18}, {17, 20.5, 61 / 3.0}, {20, 24, 24}};
+  for (const auto& [points, at2, at3] : cases) {
     for (const double scale : {2.0, 3.0}) {
       place.scale = scale;
-      const Size size = engine.measure(text("Ag", one.size), place, {unbound, unbound});
-      EXPECT_DOUBLE_EQ(size.height, scale == 2 ? one.at2 : one.at3) << one.size;
+      const Size size = engine.measure(text("Ag", points), place, {unbound, unbound});
+      EXPECT_DOUBLE_EQ(size.height, scale == 2 ? at2 : at3) << points;
     }
   }
   place.scale = 2;
@@ -169,12 +152,7 @@ TEST_F(Texts, TakeTheLineHeightOfThePhone) {
 
 TEST_F(Texts, WrapAtWordsAndEndInAnEllipsis) {
   const std::string words = "one two three-four five";
-  struct Case {
-    double width, height;
-    const char* shown;
-    int lines;
-  };
-  const Case cases[] = {
+  const std::tuple<double, double, const char*, int> cases[] = {
       {unbound, unbound, "one two three-four five", 1},
       {110, unbound, "one two three-four five", 2},
       {60, unbound, "one two three-four five", 3},
@@ -186,11 +164,10 @@ TEST_F(Texts, WrapAtWordsAndEndInAnEllipsis) {
       {12, 20, "", 1},
       {0, 20, "", 1},
   };
-  for (const Case& one : cases) {
-    const Size proposed{one.width, one.height};
-    EXPECT_EQ(set(words, proposed).text, one.shown) << one.width << "x" << one.height;
-    EXPECT_EQ(std::round(measure(words, proposed).height / systemLineHeight(15)), one.lines)
-        << one.width << "x" << one.height;
+  for (const auto& [width, height, shown, lines] : cases) {
+    const Size proposed{width, height};
+    EXPECT_EQ(set(words, proposed).text, shown) << width << "x" << height;
+    EXPECT_EQ(std::round(measure(words, proposed).height / systemLineHeight(15)), lines) << shown;
   }
   EXPECT_EQ(set("first\nsecond", {200, 20}).text, "first…");
   EXPECT_EQ(set("Donaudampfschifffahrt", {60, 40}).text, "Donaudampfs…");
@@ -287,13 +264,8 @@ TEST_F(Texts, ShowEachCharacterAsReceived) {
 
 TEST_F(Texts, ShowASoftHyphenWhereALineBreaksAtItOnly) {
   const FT_UInt hyphen = FT_Get_Char_Index(fonts.face(FontBook::system(ui::Weight::regular)), '-');
-  struct Case {
-    const char* characters;
-    double width;
-    std::vector<double> hyphensAt;  // from the left
-  };
   const double hyphenated = measure("auto-").width;
-  const Case cases[] = {
+  const std::tuple<const char*, double, std::vector<double>> cases[] = {
       {"auto\u00ADmobile", unbound, {}},
       {"auto\u00ADmobile", 70, {measure("auto").width}},
       {"auto\u00ADmobile", hyphenated, {measure("auto").width}},
@@ -301,17 +273,17 @@ TEST_F(Texts, ShowASoftHyphenWhereALineBreaksAtItOnly) {
       {"auto\u00AD mobile", 70, {}},
       {"\u00AD\u00ADauto mobile\u00AD", 70, {}},
   };
-  for (const Case& one : cases) {
-    const TextEngine::Setting setting = set(one.characters, {one.width, unbound});
-    EXPECT_EQ(setting.text, one.characters);
-    std::vector<double> hyphensAt;
+  for (const auto& [characters, width, expected] : cases) {
+    const TextEngine::Setting setting = set(characters, {width, unbound});
+    EXPECT_EQ(setting.text, characters);
+    std::vector<double> hyphensAt;  // from the left
     for (const Glyph& glyph : setting.runs.at(0).glyphs) {
       if (glyph.id == hyphen) {
         hyphensAt.push_back(glyph.origin.x);
       }
     }
-    EXPECT_THAT(hyphensAt, ::testing::Pointwise(::testing::DoubleNear(1), one.hyphensAt))
-        << one.characters << " " << one.width;
+    EXPECT_THAT(hyphensAt, ::testing::Pointwise(::testing::DoubleNear(1), expected))
+        << characters << " " << width;
   }
   EXPECT_EQ(measure("auto\u00ADmobile"), measure("automobile"));
 }

@@ -1,6 +1,5 @@
 #include <functional>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "platform/foundation/Json.h"
 #include "platform/ui/ViewCodec.h"
@@ -67,11 +66,7 @@ TEST(ViewCodec, LooksUpKeysAndLeavesVerbatimTextsAlone) {
 }
 
 TEST(ViewCodec, NamesTheFirstThingWrongByItsPlace) {
-  struct Case {
-    const char* json;
-    const char* error;
-  };
-  const std::vector<Case> cases{
+  const std::pair<const char*, const char*> cases[] = {
       {"null", "view: not an object"},
       {"{}", R"(view: no "type")"},
       {R"({"type":"grid"})",

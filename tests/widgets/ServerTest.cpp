@@ -1,6 +1,5 @@
 #include <array>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -191,11 +190,7 @@ TEST_F(ServerTest, ARequestThatTheProviderLetsGoIsDroppedAtOnceAndAloneWithWhatW
 }
 
 TEST_F(ServerTest, LivesOnAfterWhatItCannotTake) {
-  const struct {
-    std::string line;
-    std::optional<std::uint64_t> id;
-    int code;
-  } cases[] = {
+  const std::tuple<std::string, std::optional<std::uint64_t>, int> cases[] = {
       {"garbage", std::nullopt, channel::parseError},
       {std::string(100'000, '['), std::nullopt, channel::parseError},
       {std::string(channel::maxFrame + 1, ' '), std::nullopt, channel::invalidRequest},
@@ -219,11 +214,7 @@ TEST_F(ServerTest, RendersTheEntryThatTheHomeScreenSendsBackInTheLocaleAndFamily
   ask(1, channel::SnapshotRequest{"Note"});
   EXPECT_EQ(noteIn(hear()), "");
   using enum ui::WidgetFamily;
-  const struct {
-    std::optional<ui::WidgetFamily> family;
-    const char* locale;
-    const char* text;
-  } cases[] = {
+  const std::tuple<std::optional<ui::WidgetFamily>, const char*, const char*> cases[] = {
       {{}, "", "by hand in de_DE"},
       {systemLarge, "ar_EG", "by hand in ar_EG"},
       {accessoryInline, "", "by hand in de_DE"},

@@ -1,0 +1,10 @@
+// What the fuzzing engine calls.
+#include <cstddef>
+#include <cstdint>
+
+#include "Target.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  quillpad::tryInput({reinterpret_cast<const char*>(data), size});
+  return 0;
+}
