@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "fixtures/TextEntry.h"
 #include "platform/foundation/Activity.h"
 #include "platform/foundation/Clock.h"
-#include "platform/foundation/Fatal.h"
 #include "platform/foundation/Iso8601.h"
 #include "platform/widgets/WidgetBundle.h"
 
@@ -16,20 +16,8 @@ namespace {
 using namespace quillpad;
 using namespace std::chrono_literals;
 
-struct Face {
-  std::string time;
-
-  Value toValue() const { return time; }
-  static Face fromValue(const Value& value) { return {forcedAs<std::string>(value, "the time")}; }
-};
-
-struct ClockEntry {
-  Date date;
-  Face data;
-};
-
 struct ClockProvider {
-  using Entry = ClockEntry;
+  using Entry = fixtures::TextEntry;
   using Context = widgets::TimelineProviderContext;
 
   static Entry entry(Date date) { return {date, {iso8601(date).substr(11, 5)}}; }
@@ -57,9 +45,9 @@ struct Clock {
         widgets::StaticConfiguration(
             "clock/Uhr & <Zeit>",
             ClockProvider(),
-            [](const ui::Environment& /*environment*/, const ClockEntry& entry) {
+            [](const ui::Environment& /*environment*/, const fixtures::TextEntry& entry) {
               return ui::VStack(
-                         ui::Text("Time of day"), ui::Spacer(), ui::Text::verbatim(entry.data.time))
+                         ui::Text("Time of day"), ui::Spacer(), ui::Text::verbatim(entry.data.text))
                   .padding(16);
             })
             .configurationDisplayName("Clock \"UTC\"")

@@ -18,7 +18,7 @@ TEST(URL, ParsesAndEncodesAsThePhoneDoes) {
        "[::1]"},
       {"quillpad://Report?id=a b", "quillpad://Report?id=a%20b", "quillpad", "Report"},
       {"quillpad://Report/é", "quillpad://Report/%C3%A9", "quillpad", "Report"},
-      {"quillpad://Report/a%20b", "quillpad://Report/a%20b", "quillpad", "Report"},
+      {"quillpad://Report/a%20b%20", "quillpad://Report/a%20b%20", "quillpad", "Report"},
       {"quillpad://Report/a%20b c", "quillpad://Report/a%2520b%20c", "quillpad", "Report"},
       {"quillpad://Report/%zz", "quillpad://Report/%25zz", "quillpad", "Report"},
       {"quillpad://Report/%a", "quillpad://Report/%25a", "quillpad", "Report"},

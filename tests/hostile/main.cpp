@@ -22,8 +22,8 @@
 #include <unistd.h>
 #include <vector>
 
+#include "fixtures/TextEntry.h"
 #include "platform/foundation/Clock.h"
-#include "platform/foundation/Fatal.h"
 #include "platform/foundation/FileDescriptor.h"
 #include "platform/widgets/WidgetBundle.h"
 
@@ -98,26 +98,22 @@ bool runsAThread() {
   return ran;
 }
 
-// The first bytes of a file's folder, which the extension may read in.
+// The folder of its program, which it may read in.
 std::string ownFolder() {
   return std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
 }
 
-struct Attempt {
-  const char* what;
-  std::function<bool()> succeeds;
-};
+using Attempt = std::pair<const char*, std::function<bool()>>;
 
 const std::vector<Attempt>& attempts() {
   static const std::string home = variable("HOME");
-  static const std::string parent = std::to_string(::getppid());
+  static const std::string parent = "/proc/" + std::to_string(::getppid());
   static const std::vector<Attempt> all{
       {"read a key", [] { return opens(variable("HOSTILE_KEY"), O_RDONLY); }},
       {"list the home folder", [] { return opens(home, O_RDONLY | O_DIRECTORY); }},
       {"read /etc/shadow", [] { return opens("/etc/shadow", O_RDONLY); }},
-      {"read the parent's memory", [] { return opens("/proc/" + parent + "/mem", O_RDONLY); }},
-      {"read the parent's variables",
-       [] { return opens("/proc/" + parent + "/environ", O_RDONLY); }},
+      {"read the parent's memory", [] { return opens(parent + "/mem", O_RDONLY); }},
+      {"read the parent's variables", [] { return opens(parent + "/environ", O_RDONLY); }},
       {"write into the home folder", [] { return opens(home + "/new", O_WRONLY | O_CREAT); }},
       {"write into /tmp", [] { return opens("/tmp", O_WRONLY | O_TMPFILE); }},
       {"write beside itself", [] { return opens(ownFolder() + "/new", O_WRONLY | O_CREAT); }},
@@ -156,34 +152,20 @@ const std::vector<Attempt>& attempts() {
   return all;
 }
 
-struct Successes {
-  Array names;
-
-  Value toValue() const { return names; }
-  static Successes fromValue(const Value& value) {
-    return {forcedAs<Array>(value, "the successes")};
-  }
-};
-
-struct Attack {
-  Date date;
-  Successes data;
-};
-
 struct Attacker {
-  using Entry = Attack;
+  using Entry = fixtures::TextEntry;
   using Context = widgets::TimelineProviderContext;
 
   Entry placeholder(const Context& /*context*/) const { return {currentDate(), {}}; }
 
   void getSnapshot(const Context& /*context*/, widgets::Completion<Entry> completion) const {
-    Successes successes;
+    std::string successes;
     for (const auto& [what, succeeds] : attempts()) {
       if (succeeds()) {
-        successes.names.emplace_back(what);
+        successes.append(what).append("; ");
       }
     }
-    completion({currentDate(), std::move(successes)});
+    completion({currentDate(), {successes}});
   }
 
   void getTimeline(
@@ -194,7 +176,9 @@ struct Attacker {
 
 struct Attackers {
   std::vector<widgets::WidgetConfiguration> body() const {
-    const auto content = [](const ui::Environment&, const Attack&) { return ui::Spacer(); };
+    const auto content = [](const ui::Environment&, const fixtures::TextEntry&) {
+      return ui::Spacer();
+    };
     return {widgets::StaticConfiguration("attack", Attacker(), content)
                 .supportedFamilies({ui::WidgetFamily::systemSmall})};
   }

@@ -20,23 +20,24 @@ std::string thousandths(double length) {
   return text.str();
 }
 
-// What stands where, one item a line: "text abc 0,0 30x10". Colours are "fill", clips by number.
+// What stands where: "text abc 0,0 30x10; fill 0,10 30x1". Colours are "fill", clips by number.
 std::string describe(const Layout& layout) {
-  std::string lines;
+  std::string text;
   for (const PlacedItem& item : layout.items) {
-    if (const auto* const* text = std::get_if<const Text*>(&item.content)) {
-      lines += "text " + (*text)->text;
+    text += text.empty() ? "" : "; ";
+    if (const auto* const* words = std::get_if<const Text*>(&item.content)) {
+      text += "text " + (*words)->text;
     } else if (std::holds_alternative<const Image*>(item.content)) {
-      lines += "image";
+      text += "image";
     } else {
-      lines += "fill";
+      text += "fill";
     }
     const Rect& at = item.frame;
-    lines += " " + thousandths(at.x) + "," + thousandths(at.y) + " " + thousandths(at.width) + "x" +
-             thousandths(at.height);
-    lines += item.clip >= 0 ? " clip " + std::to_string(item.clip) + "\n" : "\n";
+    text += " " + thousandths(at.x) + "," + thousandths(at.y) + " " + thousandths(at.width) + "x" +
+            thousandths(at.height);
+    text += item.clip >= 0 ? " clip " + std::to_string(item.clip) : "";
   }
-  return lines;
+  return text;
 }
 
 std::string laidOut(
@@ -51,204 +52,167 @@ Text text(std::string characters, double size = 10) {
 
 // A view that takes exactly so much.
 View box(double width, double height) {
-  return Rectangle(black).frame(Frame{.width = width, .height = height});
+  return Rectangle(black).frame({.width = width, .height = height});
 }
 
 // A view that takes what it is offered, down to `least` and up to `most` across the row.
 View flexible(double least, double most) {
-  return Rectangle(black)
-      .frame(FlexibleFrame{.minWidth = least, .maxWidth = most})
-      .frame(Frame{.height = 10});
+  return Rectangle(black).frame({.minWidth = least, .maxWidth = most}).frame({.height = 10});
 }
 
-struct Case {
-  const char* what;
-  View view;
-  Size size;
-  const char* placed;
-};
+// A view, the room for it and what stands where.
+using Case = std::tuple<View, Size, const char*>;
 
 TEST(Layout, PlacesWhatItIsGiven) {
   const Case cases[] = {
-      {"a text in the middle", text("abc"), {100, 50}, "text abc 35,20 30x10\n"},
-      {"a shape takes all", Rectangle(black), {100, 50}, "fill 0,0 100x50\n"},
-      {"an image keeps its size", Image("Graph"), {10, 10}, "image -7,-1 24x12\n"},
-      {"a missing image has none", Image("missing"), {10, 10}, "image 5,5 0x0\n"},
-      {"ordinary views stand 8 apart",
-       HStack(box(10, 10), box(20, 20)),
-       {38, 20},
-       "fill 0,5 10x10\nfill 18,0 20x20\n"},
-      {"nothing stands beside a spacer",
-       HStack(text("a"), Spacer(), text("b")),
-       {100, 10},
-       "text a 0,0 10x10\ntext b 90,0 10x10\n"},
-      {"a spacer is 8 long at least",
-       HStack(box(40, 10), Spacer(), box(40, 10)),
-       {80, 10},
-       "fill -4,0 40x10\nfill 44,0 40x10\n"},
-      {"texts below each other touch",
-       VStack(text("a"), text("b")),
-       {10, 20},
-       "text a 0,0 10x10\ntext b 0,10 10x10\n"},
-      {"a row of texts counts as a text",
-       VStack(HStack(text("a"), Spacer()), HStack(text("b"), Spacer())),
+      // a text in the middle
+      {text("abc"), {100, 50}, "text abc 35,20 30x10"},
+      // a shape takes all
+      {Rectangle(black), {100, 50}, "fill 0,0 100x50"},
+      // an image keeps its size
+      {Image("Graph"), {10, 10}, "image -7,-1 24x12"},
+      // a missing image has none
+      {Image("missing"), {10, 10}, "image 5,5 0x0"},
+      // ordinary views stand 8 apart
+      {HStack(box(10, 10), box(20, 20)), {38, 20}, "fill 0,5 10x10; fill 18,0 20x20"},
+      // nothing stands beside a spacer
+      {HStack(text("a"), Spacer(), text("b")), {100, 10}, "text a 0,0 10x10; text b 90,0 10x10"},
+      // a spacer is 8 long at least
+      {HStack(box(40, 10), Spacer(), box(40, 10)), {80, 10}, "fill -4,0 40x10; fill 44,0 40x10"},
+      // texts below each other touch
+      {VStack(text("a"), text("b")), {10, 20}, "text a 0,0 10x10; text b 0,10 10x10"},
+      // a row of texts counts as a text
+      {VStack(HStack(text("a"), Spacer()), HStack(text("b"), Spacer())),
        {50, 20},
-       "text a 0,0 10x10\ntext b 0,10 10x10\n"},
-      {"a shape above a text",  // 23.868 + 3 - 19.042
-       VStack(box(20, 10), text("a", 20)),
-       {20, 37.826},
-       "fill 0,0 20x10\ntext a 0,17.826 20x20\n"},
-      {"a text above a shape",  // 11.934 + 2 - 7.046
-       VStack(text("a"), box(10, 10)),
-       {10, 26.888},
-       "text a 0,0 10x10\nfill 0,16.888 10x10\n"},
-      {"a row of a shape and a text asks for what either does",
-       VStack(HStack(box(10, 10), text("a")), text("b")),
+       "text a 0,0 10x10; text b 0,10 10x10"},
+      // a shape above a text: 23.868 + 3 - 19.042
+      {VStack(box(20, 10), text("a", 20)), {20, 37.826}, "fill 0,0 20x10; text a 0,17.826 20x20"},
+      // a text above a shape: 11.934 + 2 - 7.046
+      {VStack(text("a"), box(10, 10)), {10, 26.888}, "text a 0,0 10x10; fill 0,16.888 10x10"},
+      // a row of a shape and a text asks for what either does
+      {VStack(HStack(box(10, 10), text("a")), text("b")),
        {28, 24.413},
-       "fill 0,0 10x10\ntext a 18,0 10x10\ntext b 9,14.413 10x10\n"},
-      {"a column of texts beside a text is ordinary",
-       HStack(VStack(text("a"), text("b")), text("c")),
+       "fill 0,0 10x10; text a 18,0 10x10; text b 9,14.413 10x10"},
+      // a column of texts beside a text is ordinary
+      {HStack(VStack(text("a"), text("b")), text("c")),
        {28, 20},
-       "text a 0,0 10x10\ntext b 0,10 10x10\ntext c 18,5 10x10\n"},
-      {"a column ends as its last view does",
-       VStack(VStack(text("a"), box(10, 10)), text("b")),
+       "text a 0,0 10x10; text b 0,10 10x10; text c 18,5 10x10"},
+      // a column ends as its last view does
+      {VStack(VStack(text("a"), box(10, 10)), text("b")),
        {10, 41.301},
-       "text a 0,0 10x10\nfill 0,16.888 10x10\ntext b 0,31.301 10x10\n"},
-      {"a fixed height makes a text's edges ordinary",
-       VStack(text("a").frame(Frame{.height = 12}), box(10, 10)),
+       "text a 0,0 10x10; fill 0,16.888 10x10; text b 0,31.301 10x10"},
+      // a fixed height makes a text's edges ordinary
+      {VStack(text("a").frame({.height = 12}), box(10, 10)),
        {10, 30},
-       "text a 0,1 10x10\nfill 0,20 10x10\n"},
-      {"so does a least height",
-       VStack(text("a").frame(FlexibleFrame{.minHeight = 12}), text("b")),
+       "text a 0,1 10x10; fill 0,20 10x10"},
+      // so does a least height
+      {VStack(text("a").frame({.minHeight = 12}), text("b")),
        {10, 26.413},
-       "text a 0,1 10x10\ntext b 0,16.413 10x10\n"},
-      {"a fixed width does not",
-       VStack(text("a").frame(Frame{.width = 10}), text("b")),
+       "text a 0,1 10x10; text b 0,16.413 10x10"},
+      // a fixed width does not
+      {VStack(text("a").frame({.width = 10}), text("b")),
        {10, 20},
-       "text a 0,0 10x10\ntext b 0,10 10x10\n"},
-      {"any padding makes edges ordinary",
-       VStack(text("a").padding(0), text("b").padding(0)),
+       "text a 0,0 10x10; text b 0,10 10x10"},
+      // any padding makes edges ordinary
+      {VStack(text("a").padding(0), text("b").padding(0)),
        {10, 28},
-       "text a 0,0 10x10\ntext b 0,18 10x10\n"},
-      {"content that does not fit overflows evenly",
-       VStack(box(10, 30), box(10, 30)),
-       {10, 40},
-       "fill 0,-14 10x30\nfill 0,24 10x30\n"},
-      {"an empty stack is nothing", VStack(box(4, 4), HStack()), {4, 12}, "fill 0,0 4x4\n"},
+       "text a 0,0 10x10; text b 0,18 10x10"},
+      // content that does not fit overflows evenly
+      {VStack(box(10, 30), box(10, 30)), {10, 40}, "fill 0,-14 10x30; fill 0,24 10x30"},
+      // an empty stack is nothing
+      {VStack(box(4, 4), HStack()), {4, 12}, "fill 0,0 4x4"},
   };
-  for (const Case& one : cases) {
-    EXPECT_EQ(laidOut(one.view, one.size), one.placed) << one.what;
+  for (const auto& [view, size, placed] : cases) {
+    EXPECT_EQ(laidOut(view, size), placed);
   }
 }
 
 TEST(Layout, SharesTheRoomByFlexibility) {
   const Case cases[] = {
-      {"the least flexible first, the rest shared",
-       HStack(Rectangle(black), flexible(0, 20), Rectangle(black)).frame(Frame{.height = 10}),
+      // the least flexible first, the rest shared
+      {HStack(Rectangle(black), flexible(0, 20), Rectangle(black)).frame({.height = 10}),
        {116, 10},
-       "fill 0,0 40x10\nfill 48,0 20x10\nfill 76,0 40x10\n"},
-      {"equally flexible ones in their order",
-       HStack(text("aaaaaaaa"), text("bbbbbbbb"), text("cccccccc")),
+       "fill 0,0 40x10; fill 48,0 20x10; fill 76,0 40x10"},
+      // equally flexible ones in their order
+      {HStack(text("aaaaaaaa"), text("bbbbbbbb"), text("cccccccc")),
        {120, 10},
-       "text aaaaaaaa 2,0 30x10\ntext bbbbbbbb 40,0 30x10\ntext cccccccc 78,0 40x10\n"},
-      {"two of any length in a stack of their own",
-       HStack(HStack(Rectangle(black), Rectangle(black)), text("a")).frame(Frame{.height = 10}),
+       "text aaaaaaaa 2,0 30x10; text bbbbbbbb 40,0 30x10; text cccccccc 78,0 40x10"},
+      // two of any length in a stack of their own
+      {HStack(HStack(Rectangle(black), Rectangle(black)), text("a")).frame({.height = 10}),
        {66, 10},
-       "fill 0,0 20x10\nfill 28,0 20x10\ntext a 56,0 10x10\n"},
-      {"the shorter text is served before the longer one",
-       HStack(text("aaaaaaaaaaaa"), Spacer(), text("bb")),
+       "fill 0,0 20x10; fill 28,0 20x10; text a 56,0 10x10"},
+      // the shorter text is served before the longer one
+      {HStack(text("aaaaaaaaaaaa"), Spacer(), text("bb")),
        {100, 10},
-       "text aaaaaaaaaaaa 0,0 70x10\ntext bb 80,0 20x10\n"},
-      {"a spacer's least length is held back from the texts",
-       HStack(text("aaaaaaaaaaaa"), Spacer()),
-       {58, 10},
-       "text aaaaaaaaaaaa 0,0 50x10\n"},
-      {"two spacers share what is left",
-       VStack(Spacer(), box(10, 10), Spacer(), Spacer()),
-       {10, 100},
-       "fill 0,30 10x10\n"},
-      {"one that takes more than its share leaves less",
-       HStack(box(80, 10), Rectangle(black)),
-       {100, 10},
-       "fill 0,0 80x10\nfill 88,0 12x10\n"},
-      {"one that takes more than there is leaves nothing",
-       HStack(box(80, 10), Rectangle(black)),
-       {60, 10},
-       "fill -14,0 80x10\nfill 74,0 0x10\n"},
-      {"nobody is shrunk again",
-       HStack(flexible(60, 70), flexible(60, 80)),
-       {100, 10},
-       "fill -14,0 60x10\nfill 54,0 60x10\n"},
+       "text aaaaaaaaaaaa 0,0 70x10; text bb 80,0 20x10"},
+      // a spacer's least length is held back from the texts
+      {HStack(text("aaaaaaaaaaaa"), Spacer()), {58, 10}, "text aaaaaaaaaaaa 0,0 50x10"},
+      // two spacers share what is left
+      {VStack(Spacer(), box(10, 10), Spacer(), Spacer()), {10, 100}, "fill 0,30 10x10"},
+      // one that takes more than its share leaves less
+      {HStack(box(80, 10), Rectangle(black)), {100, 10}, "fill 0,0 80x10; fill 88,0 12x10"},
+      // one that takes more than there is leaves nothing
+      {HStack(box(80, 10), Rectangle(black)), {60, 10}, "fill -14,0 80x10; fill 74,0 0x10"},
+      // nobody is shrunk again
+      {HStack(flexible(60, 70), flexible(60, 80)), {100, 10}, "fill -14,0 60x10; fill 54,0 60x10"},
   };
-  for (const Case& one : cases) {
-    EXPECT_EQ(laidOut(one.view, one.size), one.placed) << one.what;
+  for (const auto& [view, size, placed] : cases) {
+    EXPECT_EQ(laidOut(view, size), placed);
   }
 }
+
+// A text whose frame is seen by its background.
+View framed(FlexibleFrame frame) { return text("a").frame(frame).background(black); }
 
 TEST(Layout, AppliesModifiersInTheirOrder) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double infinity = std::numeric_limits<double>::infinity();
   const Case cases[] = {
-      {"padding insets the offer",
-       Rectangle(black).padding({.top = 1, .leading = 2, .bottom = 3, .trailing = 4}),
+      // padding insets the offer
+      {Rectangle(black).padding({.top = 1, .leading = 2, .bottom = 3, .trailing = 4}),
        {100, 50},
-       "fill 2,1 94x46\n"},
-      {"padding larger than the offer", Rectangle(black).padding(20), {30, 10}, "fill 15,5 0x0\n"},
-      {"padding inside a background",
-       text("ab").padding(5).background(black),
-       {100, 50},
-       "fill 35,15 30x20\ntext ab 40,20 20x10\n"},
-      {"padding outside a background",
-       text("ab").background(black).padding(5),
-       {100, 50},
-       "fill 40,20 20x10\ntext ab 40,20 20x10\n"},
-      {"a frame centres and lets overflow",
-       Image("Graph").frame(Frame{.width = 10, .height = 20}).background(black),
+       "fill 2,1 94x46"},
+      // padding larger than the offer
+      {Rectangle(black).padding(20), {30, 10}, "fill 15,5 0x0"},
+      // padding inside a background
+      {text("ab").padding(5).background(black), {100, 50}, "fill 35,15 30x20; text ab 40,20 20x10"},
+      // padding outside a background
+      {text("ab").background(black).padding(5), {100, 50}, "fill 40,20 20x10; text ab 40,20 20x10"},
+      // a frame centres and lets overflow
+      {Image("Graph").frame({.width = 10, .height = 20}).background(black),
        {50, 50},
-       "fill 20,15 10x20\nimage 13,19 24x12\n"},
-      {"a frame with one length takes the other from its content",
-       text("ab").frame(Frame{.height = 30}).background(black),
+       "fill 20,15 10x20; image 13,19 24x12"},
+      // a frame with one length takes the other from its content
+      {text("ab").frame({.height = 30}).background(black),
        {50, 50},
-       "fill 15,10 20x30\ntext ab 15,20 20x10\n"},
-      {"senseless lengths bind nothing",
-       text("ab").frame(Frame{.width = -1, .height = nan}).background(black),
+       "fill 15,10 20x30; text ab 15,20 20x10"},
+      // senseless lengths bind nothing
+      {text("ab").frame({.width = -1, .height = nan}).background(black),
        {50, 50},
-       "fill 15,20 20x10\ntext ab 15,20 20x10\n"},
-      {"a flexible frame bound both ways takes the clamped offer",
-       text("a").frame(FlexibleFrame{.minWidth = 20, .maxWidth = 30}).background(black),
+       "fill 15,20 20x10; text ab 15,20 20x10"},
+      // a flexible frame bound both ways takes the clamped offer
+      {framed({.minWidth = 20, .maxWidth = 30}), {100, 50}, "fill 35,20 30x10; text a 45,20 10x10"},
+      // and the clamped offer of height
+      {framed({.minHeight = 20, .maxHeight = 30}),
        {100, 50},
-       "fill 35,20 30x10\ntext a 45,20 10x10\n"},
-      {"and the clamped offer of height",
-       text("a").frame(FlexibleFrame{.minHeight = 20, .maxHeight = 30}).background(black),
-       {100, 50},
-       "fill 45,10 10x30\ntext a 45,20 10x10\n"},
-      {"a flexible frame with a least height only",
-       text("a").frame(FlexibleFrame{.minHeight = 20}).background(black),
-       {100, 50},
-       "fill 45,15 10x20\ntext a 45,20 10x10\n"},
-      {"a flexible frame with a greatest height only",
-       text("a").frame(FlexibleFrame{.maxHeight = 40}).background(black),
-       {100, 50},
-       "fill 45,5 10x40\ntext a 45,20 10x10\n"},
-      {"a flexible frame without an upper bound is as large as its content",
-       text("a").frame(FlexibleFrame{.minWidth = 20}).background(black),
-       {100, 50},
-       "fill 40,20 20x10\ntext a 45,20 10x10\n"},
-      {"a flexible frame with an infinite one takes all",
-       text("a").frame(FlexibleFrame{.maxWidth = infinity}).background(black),
-       {100, 50},
-       "fill 0,20 100x10\ntext a 45,20 10x10\n"},
-      {"a clip masks what is inside it and takes no part otherwise",
-       HStack(Image("Graph").frame(Frame{.width = 8}).clipShape({.cornerRadius = 4}), box(4, 4)),
+       "fill 45,10 10x30; text a 45,20 10x10"},
+      // a flexible frame with a least height only
+      {framed({.minHeight = 20}), {100, 50}, "fill 45,15 10x20; text a 45,20 10x10"},
+      // a flexible frame with a greatest height only
+      {framed({.maxHeight = 40}), {100, 50}, "fill 45,5 10x40; text a 45,20 10x10"},
+      // a flexible frame without an upper bound is as large as its content
+      {framed({.minWidth = 20}), {100, 50}, "fill 40,20 20x10; text a 45,20 10x10"},
+      // a flexible frame with an infinite one takes all
+      {framed({.maxWidth = infinity}), {100, 50}, "fill 0,20 100x10; text a 45,20 10x10"},
+      // a clip masks what is inside it and takes no part otherwise
+      {HStack(Image("Graph").frame({.width = 8}).clipShape({.cornerRadius = 4}), box(4, 4)),
        {20, 12},
-       "image -8,0 24x12 clip 0\nfill 16,4 4x4\n"},
-      {"a framed spacer is still a spacer",
-       HStack(Spacer().frame(Frame{.height = 4}), box(10, 10)),
-       {100, 10},
-       "fill 90,0 10x10\n"},
+       "image -8,0 24x12 clip 0; fill 16,4 4x4"},
+      // a framed spacer is still a spacer
+      {HStack(Spacer().frame({.height = 4}), box(10, 10)), {100, 10}, "fill 90,0 10x10"},
   };
-  for (const Case& one : cases) {
-    EXPECT_EQ(laidOut(one.view, one.size), one.placed) << one.what;
+  for (const auto& [view, size, placed] : cases) {
+    EXPECT_EQ(laidOut(view, size), placed);
   }
 }
 
@@ -269,7 +233,7 @@ TEST(Layout, MirrorsTheCardForRightToLeft) {
       HStack(text("abc"), Spacer(), box(10, 10).padding({.leading = 5})).padding({.leading = 2});
   EXPECT_EQ(
       laidOut(view, {100, 10}, LayoutDirection::rightToLeft),
-      "text abc 68,0 30x10\nfill 0,0 10x10\n");
+      "text abc 68,0 30x10; fill 0,0 10x10");
 }
 
 TEST(Layout, FindsTheOutermostLink) {

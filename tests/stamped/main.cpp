@@ -4,8 +4,8 @@
 #include <unistd.h>
 #include <vector>
 
+#include "fixtures/TextEntry.h"
 #include "platform/foundation/Clock.h"
-#include "platform/foundation/Fatal.h"
 #include "platform/foundation/WholeFile.h"
 #include "platform/widgets/WidgetBundle.h"
 
@@ -14,18 +14,8 @@ namespace {
 using namespace quillpad;
 using namespace std::chrono_literals;
 
-struct Nothing {
-  Value toValue() const { return "nothing"; }
-  static Nothing fromValue(const Value& /*value*/) { return {}; }
-};
-
-struct StampEntry {
-  Date date;
-  Nothing data;
-};
-
 struct StampProvider {
-  using Entry = StampEntry;
+  using Entry = fixtures::TextEntry;
   using Context = widgets::TimelineProviderContext;
 
   Entry placeholder(const Context& /*context*/) const { return {currentDate(), {}}; }
@@ -48,19 +38,19 @@ struct Stamps {
   std::vector<widgets::WidgetConfiguration> body() const {
     std::vector<widgets::WidgetConfiguration> all;
     for (const char* kind : {"A", "B", "C", "D", "E"}) {
-      all.push_back(
-          widgets::StaticConfiguration(
-              kind,
-              StampProvider(),
-              [stamp = stamp()](const ui::Environment& /*environment*/, const StampEntry&) {
-                if (stamp == "breaks") {
-                  fatal("this program breaks");
-                }
-                return ui::View(ui::Text::verbatim(stamp));
-              })
-              .configurationDisplayName(kind)
-              .description("")
-              .supportedFamilies({ui::WidgetFamily::systemSmall}));
+      all.push_back(widgets::StaticConfiguration(
+                        kind,
+                        StampProvider(),
+                        [stamp = stamp()](
+                            const ui::Environment& /*environment*/, const fixtures::TextEntry&) {
+                          if (stamp == "breaks") {
+                            fatal("this program breaks");
+                          }
+                          return ui::View(ui::Text::verbatim(stamp));
+                        })
+                        .configurationDisplayName(kind)
+                        .description("")
+                        .supportedFamilies({ui::WidgetFamily::systemSmall}));
     }
     return all;
   }

@@ -46,12 +46,12 @@ TEST_F(ConfinementTest, AHostileExtensionHarmsNothing) {
   const fixtures::ScopedVariable origin("HOSTILE_GATEWAY", "https://localhost:" + ports[1]);
   const Outcome outcome = runWith(HOSTILE_EXTENSION, {"snapshot", "attack", "--json"});
   ASSERT_EQ(outcome.status, 0) << outcome.err;
-  std::string memory = hasMemoryLimits ? "" : R"("map 1 GB","map 1 GB to share",)";
   EXPECT_THAT(
       outcome.out,
       HasSubstr(
-          "\"data\":[" + memory +
-          R"("read a zone","read beside itself","connect to its gateway","look a name up","run a thread"])"));
+          std::string("\"data\":\"") + (hasMemoryLimits ? "" : "map 1 GB; map 1 GB to share; ") +
+          "read a zone; read beside itself; connect to its gateway; look a name up; run a thread; "
+          "\""));
 }
 
 // A program that knows nothing of the platform.

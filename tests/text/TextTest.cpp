@@ -338,25 +338,17 @@ TEST_F(Texts, LookTheSameWhateverWasDrawnBefore) {
 }
 
 TEST_F(Texts, OfAMegabyteCostNoMoreThanWhatTheyShow) {
-  const std::string units[] = {
-      "word ",
-      "x",
-      "漢",
-      "مرحبا ",
-      "\n",
-      "e\u0301",
-      "👍🏽",
-      "\u202bא",
-      "漢a",
-      "ab\u00AD",
-      "\u0301",  // marks upon one letter
-      "\u200b",  // format characters, which have no width
-      "\u00AD",
-      "\u202b",
-      "👩\u200d",    // a single cluster
-      "\u3164",      // letters without a width
-      "\U000F0000",  // no font has it
+  const std::pair<const char*, std::vector<const char*>> cases[] = {
+      {"letters",
+       {"word ", "x", "漢", "مرحبا ", "\n", "e\u0301", "👍🏽", "\u202bא", "漢a", "ab\u00AD"}},
+      {"marks upon one letter, format characters", {"\u0301", "\u200b", "\u00AD", "\u202b"}},
+      {"a single cluster, a letter without a width or a font",
+       {"👩\u200d", "\u3164", "\U000F0000"}},
   };
+  std::vector<std::string> units;
+  for (const auto& [what, some] : cases) {
+    units.insert(units.end(), some.begin(), some.end());
+  }
   for (const std::string& unit : units) {
     std::string characters = "a";
     while (characters.size() < (1U << 20U)) {

@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "fixtures/ScopedVariable.h"
+#include "fixtures/TextEntry.h"
 #include "platform/foundation/Activity.h"
 #include "platform/foundation/Clock.h"
-#include "platform/foundation/Fatal.h"
 #include "platform/foundation/Locale.h"
 #include "platform/locale/LocalizedStrings.h"
 #include "platform/widgets/Server.h"
@@ -25,31 +25,21 @@ namespace {
 
 using channel::NumberedReply;
 using channel::NumberedRequest;
-
-struct Note {
-  std::string text;
-  Value toValue() const { return text; }
-  static Note fromValue(const Value& value) { return {forcedAs<std::string>(value, "the note")}; }
-};
-
-struct NoteEntry {
-  Date date;
-  Note data;
-};
+using fixtures::TextEntry;
 
 // What the test has the provider do with the next timelines, and what the provider saw.
 struct Script {
-  std::vector<widgets::Completion<widgets::Timeline<NoteEntry>>> held;
+  std::vector<widgets::Completion<widgets::Timeline<TextEntry>>> held;
   std::vector<std::uint64_t> activities;
   std::string wordsOfDrop;  // where the next request is to be let go: what is printed before
 };
 
-widgets::Timeline<NoteEntry> timelineOf(const std::string& text) {
+widgets::Timeline<TextEntry> timelineOf(const std::string& text) {
   return {{{{}, {text}}}, widgets::TimelineReloadPolicy::after({})};
 }
 
 struct NoteProvider {
-  using Entry = NoteEntry;
+  using Entry = TextEntry;
   Script* script;
 
   Entry placeholder(const widgets::TimelineProviderContext& /*context*/) const {
@@ -76,7 +66,7 @@ std::vector<widgets::WidgetConfiguration> noteWidgets(Script& script) {
   return {widgets::StaticConfiguration(
               "Note",
               NoteProvider{&script},
-              [](const ui::Environment&, const NoteEntry& entry) {
+              [](const ui::Environment&, const TextEntry& entry) {
                 const std::string locale = currentLocale(LocaleCategory::numbers);
                 return ui::View(ui::Text::verbatim(entry.data.text + " in " + locale));
               })
