@@ -167,28 +167,27 @@ TEST_F(DemoGatewayTest, ListsAreSortedAndCutIntoPages) {
 }
 
 TEST_F(DemoGatewayTest, SummaryIsThatOfTheDocuments) {
-  for (const std::string currentTime : {"2026-03-07 10:00:00", "2025-11-30 23:59:59"}) {
+  for (const std::string month : {"2026-03", "2025-11"}) {
     std::int64_t cents = 0;
     int unpaid = 0;
     int pending = 0;
     for (const Document& document : documentsOn(today)) {
-      const bool sameYear =
-          document.valid && document.createTime.substr(0, 4) == currentTime.substr(0, 4);
+      const bool counts = document.valid && document.createTime.starts_with(month.substr(0, 4));
       const bool isInvoice = document.type == DocumentType::invoice;
-      if (isInvoice && sameYear && document.createTime.substr(5, 2) == currentTime.substr(5, 2)) {
-        cents += document.cents;
-      }
-      unpaid += isInvoice && sameYear && !document.paid ? 1 : 0;
-      pending +=
-          !isInvoice && sameYear && document.estimateStatus == EstimateStatus::pending ? 1 : 0;
+      const bool isOfMonth = document.createTime.starts_with(month);
+      cents += counts && isInvoice && isOfMonth ? document.cents : 0;
+      unpaid += counts && isInvoice && !document.paid ? 1 : 0;
+      const bool isPending = document.estimateStatus == EstimateStatus::pending;
+      pending += counts && !isInvoice && isPending ? 1 : 0;
     }
-    const Dictionary inner = innerOf(postSummary(currentTime));
-    EXPECT_EQ(
-        inner.find("salesMonth")->as<Number>()->doubleValue(), static_cast<double>(cents) / 100);
-    EXPECT_EQ(inner.find("unpaidInvoices")->as<Number>()->doubleValue(), unpaid);
-    EXPECT_EQ(inner.find("pendingEstimates")->as<Number>()->doubleValue(), pending);
-    EXPECT_GT(unpaid, 0);
-    EXPECT_GT(pending, 0);
+    const Dictionary inner = innerOf(postSummary(month + "-07 10:00:00"));
+    const auto figure = [&](const char* key) {
+      return inner.find(key)->as<Number>()->doubleValue();
+    };
+    EXPECT_EQ(figure("salesMonth"), static_cast<double>(cents) / 100);
+    EXPECT_EQ(figure("unpaidInvoices"), unpaid);
+    EXPECT_EQ(figure("pendingEstimates"), pending);
+    EXPECT_GT(std::min(unpaid, pending), 0);
   }
 }
 

@@ -33,12 +33,8 @@ class WholeFileTest : public testing::Test {
 };
 
 TEST_F(WholeFileTest, TheModeIsTheOldOneTheUmasksOrTheOwnersAlone) {
-  constexpr mode_t none = 0;
-  const struct {
-    FileAccess access;
-    mode_t before;  // none: a new file
-    mode_t after;
-  } cases[] = {
+  constexpr mode_t none = 0;  // before: a new file
+  const std::tuple<FileAccess, mode_t, mode_t> cases[] = {
       {FileAccess::ownerOnly, none, 0600},
       {FileAccess::ownerOnly, 0644, 0600},
       {FileAccess::asBefore, none, 0644},

@@ -56,23 +56,21 @@ class ExtensionSessionTest : public testing::Test {
 };
 
 TEST_F(ExtensionSessionTest, TellsTheCausesOfAnEndApart) {
+  using enum SessionEnd::Cause;
   const std::tuple<std::string, Cause, std::string, std::string> cases[] = {
-      {"exit 7", Cause::exited, "exit status 7", ""},
+      {"exit 7", exited, "exit status 7", ""},
       {"echo one >&2; echo 'Unit line 8: broken' >&2; kill -ABRT $$",
-       Cause::exited,
+       exited,
        "signal 6, Aborted",
        "Unit line 8: broken"},
-      {"printf 'no line end' >&2; exit 1", Cause::exited, "exit status 1", "no line end"},
+      {"printf 'no line end' >&2; exit 1", exited, "exit status 1", "no line end"},
       {"echo 'last words' >&2; sleep 0.1; echo later; exit 1",
-       Cause::exited,
+       exited,
        "exit status 1",
        "last words"},
-      {"exec 3>&-; sleep 60", Cause::exited, "signal 9, Killed", ""},
-      {"echo 'no message' >&3; sleep 60",
-       Cause::protocolError,
-       "invalid JSON at line 1, column 2",
-       ""},
-      {"head -c 8388609 /dev/zero >&3; sleep 60", Cause::protocolError, "more than 8 MiB", ""},
+      {"exec 3>&-; sleep 60", exited, "signal 9, Killed", ""},
+      {"echo 'no message' >&3; sleep 60", protocolError, "invalid JSON at line 1", ""},
+      {"head -c 8388609 /dev/zero >&3; sleep 60", protocolError, "more than 8 MiB", ""},
   };
   for (const auto& [commands, cause, detail, lastWords] : cases) {
     start("read r <&3; " + commands);

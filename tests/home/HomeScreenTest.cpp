@@ -23,8 +23,17 @@ using testing::HasSubstr;
 
 class HomeScreenTest : public testing::Test {
  protected:
-  std::string port() const { return part("http://127\\.0\\.0\\.1:(\\d+)/"); }
-  std::string key() const { return part("\\?key=([0-9a-f]{32})$"); }
+  static std::string found(const std::string& text, const std::string& pattern) {
+    std::smatch match;
+    return std::regex_search(text, match, std::regex(pattern)) ? match[1].str() : "";
+  }
+  // What the page says of itself by the name.
+  static std::string named(const std::string& page, const std::string& name) {
+    return found(page, name + "\" content=\"(\\w+)\"");
+  }
+
+  std::string port() const { return found(screen_->address(), "http://127\\.0\\.0\\.1:(\\d+)/"); }
+  std::string key() const { return found(screen_->address(), "\\?key=([0-9a-f]{32})$"); }
   std::string cookie(const std::string& key) const {
     return "Cookie: other=1; quillpad-home-" + port() + "=" + key + "\r\n";
   }
@@ -55,12 +64,6 @@ class HomeScreenTest : public testing::Test {
   }
 
  private:
-  std::string part(const char* pattern) const {
-    std::smatch match;
-    const std::string address = screen_->address();
-    return std::regex_search(address, match, std::regex(pattern)) ? match[1].str() : "";
-  }
-
   std::string exchange(const std::string& line, const std::string& headers) const {
     const FileDescriptor socket = fixtures::connectedTo(std::stoi(port()));
     const std::string request = line + " HTTP/1.1\r\nHost: 127.0.0.1:" + port() +
@@ -143,15 +146,10 @@ TEST_F(HomeScreenTest, TheKeyOutlivesTheRunAndIsItsOwnersAlone) {
 // Numbers of another run say nothing about this one, and those to come are not there yet.
 TEST_F(HomeScreenTest, ChangesAreThoseSinceTheVersionOfThisRun) {
   const std::string page = askUntil("GET /", R"(data-status="live")");
-  const auto named = [&](const std::string& name) {
-    std::smatch match;
-    std::regex_search(page, match, std::regex(name + "\" content=\"(\\w+)\""));
-    return match[1].str();
-  };
-  const std::string seen = "GET /changes?since=" + named("version");
+  const std::string seen = "GET /changes?since=" + named(page, "version");
   const std::pair<std::string, bool> cases[] = {
       {seen, false},
-      {seen + "&instance=" + named("instance"), false},
+      {seen + "&instance=" + named(page, "instance"), false},
       {seen + "&instance=0123456789abcdef", true},
       {"GET /changes?since=18446744073709551615", true},
       {"GET /changes?since=0", true},
@@ -172,9 +170,7 @@ TEST_F(HomeScreenTest, ADroppedRequestIsToldInTheExtensionsWordsAndTheHint) {
 
 TEST_F(HomeScreenTest, ChangesNeedThePagesTokenAndSomethingToChange) {
   const std::string page = askUntil("GET /", R"(data-status="live")");
-  std::smatch match;
-  ASSERT_TRUE(std::regex_search(page, match, std::regex("page-token\" content=\"(\\w+)\"")));
-  const std::string token = "X-Page-Token: " + match[1].str() + "\r\n";
+  const std::string token = "X-Page-Token: " + named(page, "page-token") + "\r\n";
   const std::string clock = "?kind=clock%2FUhr%20%26%20%3CZeit%3E";
   const std::tuple<std::string, std::string, int> cases[] = {
       {"POST /reload", "", 403},

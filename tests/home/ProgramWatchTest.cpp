@@ -18,17 +18,9 @@ using namespace std::chrono_literals;
 using enum FileEvent;
 
 TEST(ReplacementRuleTest, CountsOnceNobodyWritesAndAMomentHasPassed) {
-  struct Step {
-    std::chrono::milliseconds at;
-    std::string file;
-    FileEvent event;
-  };
-  struct Case {
-    const char* what;
-    std::vector<Step> steps;
-    std::chrono::milliseconds replacedAt;  // 0: never
-  };
-  const Case cases[] = {
+  using Step = std::tuple<std::chrono::milliseconds, std::string, FileEvent>;
+  // When it counts as replaced; 0: never.
+  const std::tuple<const char*, std::vector<Step>, std::chrono::milliseconds> cases[] = {
       {"a rename", {{10ms, "a", done}}, 30ms},
       {"a linker",
        {{1ms, "a", gone}, {2ms, "a", begun}, {50ms, "a", done}, {51ms, "a", touched}},
@@ -41,9 +33,9 @@ TEST(ReplacementRuleTest, CountsOnceNobodyWritesAndAMomentHasPassed) {
   };
   for (const auto& [what, steps, replacedAt] : cases) {
     ReplacementRule rule;
-    for (const Step& step : steps) {
-      EXPECT_FALSE(rule.takeReplaced(step.at)) << what;
-      rule.happened(step.at, step.file, step.event);
+    for (const auto& [at, file, event] : steps) {
+      EXPECT_FALSE(rule.takeReplaced(at)) << what;
+      rule.happened(at, file, event);
     }
     EXPECT_EQ(rule.due().value_or(0ms), replacedAt) << what;
     EXPECT_EQ(rule.takeReplaced(1min), replacedAt != 0ms) << what;

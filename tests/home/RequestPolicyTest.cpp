@@ -70,12 +70,5 @@ TEST(RequestPolicy, TheUsualPortMayBeLeftOut) {
   EXPECT_TRUE(policy.refusal({.method = "GET", .host = "evil.example"}));
 }
 
-TEST(RequestPolicy, RefusesBodies) {
-  EXPECT_FALSE(RequestPolicy::refusalOfBody({}));
-  EXPECT_FALSE(RequestPolicy::refusalOfBody({.contentLength = "0"}));
-  EXPECT_TRUE(RequestPolicy::refusalOfBody({.contentLength = "5"}));
-  EXPECT_TRUE(RequestPolicy::refusalOfBody({.transferEncoding = "chunked"}));
-}
-
 }  // namespace
 }  // namespace quillpad::home

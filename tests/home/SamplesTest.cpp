@@ -40,14 +40,5 @@ TEST(Samples, AreReadFromTheirFolderByName) {
   EXPECT_EQ(entryFromText(textOf(*entry)).value(), *entry);
 }
 
-TEST(Samples, ThoseThatComeWithTheProgramsAreEntries) {
-  const auto samples = SampleFolder(QUILLPAD_SAMPLES).read();
-  ASSERT_TRUE(samples) << samples.error();
-  EXPECT_GE(samples->size(), 17U);
-  for (const SampleFolder::Sample& sample : *samples) {
-    EXPECT_TRUE(entryFromText(sample.text)) << sample.name;
-  }
-}
-
 }  // namespace
 }  // namespace quillpad::home

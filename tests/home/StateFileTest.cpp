@@ -86,13 +86,6 @@ TEST(StateFile, ReadsTheStateOfAnEarlierProgram) {
   EXPECT_EQ(state->account, std::nullopt);
 }
 
-TEST(StateFile, NoFileIsAFreshStart) {
-  const fixtures::TemporaryHome folder;
-  const auto read = readState(*stateFile());
-  ASSERT_TRUE(read);
-  EXPECT_FALSE(*read);
-}
-
 TEST(StateFile, AFileThatIsCutOffAnywhereIsNotTaken) {
   const std::string whole = *encodeState(example());
   ASSERT_TRUE(decodeState(whole));
@@ -126,14 +119,6 @@ TEST(StateFile, ForeignContentIsToldByName) {
     EXPECT_THAT(read.error(), HasSubstr(file.string()));
     EXPECT_THAT(read.error(), HasSubstr(reason));
   }
-}
-
-TEST(StateFile, AFolderThatCannotBeWrittenIsTold) {
-  const fixtures::TemporaryFolder folder;
-  std::ofstream(folder.path() / "quillpad") << "in the way";
-  const auto written = writeState(folder.path() / "quillpad" / "home.json", example());
-  ASSERT_FALSE(written);
-  EXPECT_THAT(written.error(), HasSubstr("cannot be written"));
 }
 
 TEST(StateFile, LiesInTheStateFolder) {

@@ -202,17 +202,13 @@ class SupervisorTest : public testing::Test {
 
 TEST_F(SupervisorTest, FirstRunPlacesTheWholeCatalogueAndShowsPlaceholdersMeanwhile) {
   supervisor.timePassed(now());
+  EXPECT_THAT(done(), ElementsAre("start", "catalogue"));
+  answer("catalogue", catalogueOf({"A", "B"}));
+  EXPECT_THAT(done(), ElementsAre("placeholder A", "placeholder B"));
+  answer("placeholder A", entryAt(date, "sample"));
+  answer("placeholder B", entryAt(date, "sample"));
   EXPECT_THAT(
-      answerAllButTimelines(),
-      ElementsAre(
-          "start",
-          "catalogue",
-          "placeholder A",
-          "placeholder B",
-          "render A",
-          "render B",
-          "timeline A",
-          "timeline B"));
+      answerAllButTimelines(), ElementsAre("render A", "render B", "timeline A", "timeline B"));
   EXPECT_EQ(picture("A").source, Picture::Source::placeholder);
 
   answer("timeline B", timelineOf("b1"));

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "fixtures/Program.h"
 #include "home/ScriptedExtension.h"
 #include "home/extension/StateFile.h"
 #include "home/extension/WidgetHost.h"
@@ -136,9 +137,7 @@ TEST_F(WidgetHostTest, ForgetsAnAccountAsSoonAsItsStoreSaysSo) {
   host_->run(now_);
   pass(1s);
   host_->stop(now_);
-  std::ifstream state(file_);
-  EXPECT_THAT(
-      std::string(std::istreambuf_iterator<char>(state), {}), HasSubstr(R"("pictures":{})"));
+  EXPECT_THAT(fixtures::contentsOf(file_), HasSubstr(R"("pictures":{})"));
 }
 
 TEST_F(WidgetHostTest, StartsAnExtensionThatWasKilledAndRelaysWhatItPrints) {
@@ -182,8 +181,7 @@ TEST_F(WidgetHostTest, AStateThatIsNotUnderstoodIsKeptAside) {
   EXPECT_THAT(relayed_, ElementsAre(testing::AllOf(HasSubstr("version"), HasSubstr("kept as"))));
   runUntilLive();
   host_->stop(now_);
-  std::ifstream aside(file_.string() + ".unreadable");
-  EXPECT_THAT(std::string(std::istreambuf_iterator<char>(aside), {}), HasSubstr("precious"));
+  EXPECT_THAT(fixtures::contentsOf(file_.string() + ".unreadable"), HasSubstr("precious"));
   EXPECT_TRUE(std::filesystem::exists(file_));
 }
 

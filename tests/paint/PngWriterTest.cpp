@@ -80,17 +80,6 @@ TEST_F(PngWriterTest, CornersAreRoundAndClear) {
   }
 }
 
-TEST_F(PngWriterTest, DiscIsAsLargeAsACircle) {
-  const Bitmap picture = draw(card({158, 158}, 3, {fill({110, 110, 32, 32}, black, 16)}));
-  double ink = 0;
-  for (const ui::Rgba pixel : picture.pixels) {
-    if (pixel.alpha == 255) {
-      ink += 1 - pixel.red / 255.0;
-    }
-  }
-  EXPECT_NEAR(ink, std::numbers::pi * 48 * 48, 8);
-}
-
 TEST_F(PngWriterTest, EdgesBetweenPixelsCoverThemInPart) {
   const Rect hairline{16, 50, 100, 0.5};
   const Bitmap coarse = draw(card({158, 158}, 1, {fill(hairline, black)}));

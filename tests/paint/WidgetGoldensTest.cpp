@@ -27,10 +27,7 @@ constexpr Size small{158, 158};
 constexpr Size medium{338, 158};
 
 Value row(const std::string& name, double total) {
-  Dictionary item;
-  item.set("clientName", name);
-  item.set("total", total);
-  return item;
+  return Dictionary{{"clientName", name}, {"total", total}};
 }
 
 // The first `count` rows of a list.

@@ -8,7 +8,6 @@
 #include "platform/foundation/Iso8601.h"
 #include "product/GatewayOfTest.h"
 #include "product/ProductSettings.h"
-#include "support/SharedSettings.h"
 
 namespace quillpad {
 namespace {
@@ -183,15 +182,6 @@ TEST_F(FetchesTest, EndsTheProcessWithoutSettings) {
   GetCapturedStdout();
   settings.set("businessId", "business-1");
   EXPECT_DEATH(outcome(getUnpaidData), "GatewayRequest line [0-9]+: .*\"token\".* is absent");
-}
-
-TEST_F(FetchesTest, ReadsOnlyTextsFromTheSharedSettings) {
-  EXPECT_EQ(readSharedString("token"), "abc");
-  EXPECT_EQ(readSharedString("other"), std::nullopt);
-  settings.set("token", true);
-  EXPECT_EQ(readSharedString("token"), std::nullopt);
-  const fixtures::TemporaryHome empty;
-  EXPECT_EQ(readSharedString("businessId"), std::nullopt);
 }
 
 }  // namespace

@@ -60,11 +60,7 @@ class ProvidersTest : public ::testing::Test {
 
 TEST_F(ProvidersTest, AreListedWithTheirTextsInTheBundlesOrder) {
   using enum ui::WidgetFamily;
-  struct Row {
-    std::string kind, displayName, description;
-    ui::WidgetFamily family;
-    bool operator==(const Row&) const = default;
-  };
+  using Row = std::tuple<std::string, std::string, std::string, ui::WidgetFamily>;
   const std::string track =
       "Track all monthly sales in real-time and easily monitor cash flow status.";
   const std::string pending = "You can easily keep track of your pending estimates.";
@@ -78,8 +74,8 @@ TEST_F(ProvidersTest, AreListedWithTheirTextsInTheBundlesOrder) {
   std::vector<Row> listed;
   for (const WidgetConfiguration& widget : catalogue) {
     ASSERT_EQ(widget.families.size(), 1U) << widget.kind;
-    listed.push_back(
-        {widget.kind, widget.displayNameKey, widget.descriptionKey, widget.families.front()});
+    listed.emplace_back(
+        widget.kind, widget.displayNameKey, widget.descriptionKey, widget.families.front());
   }
   EXPECT_EQ(listed, expected);
 }

@@ -102,11 +102,5 @@ TEST_F(ResponsesTest, RecordsComeBackFromTheHomeScreenAsTheyWere) {
       Pending::fromValue(Dictionary{{"records", 1}}), "Records line [0-9]+: records is of another");
 }
 
-TEST_F(ResponsesTest, ReadsADocumentInsideAText) {
-  EXPECT_EQ(dictionaryFromJSONString(R"({"a":1})"), (Dictionary{{"a", 1}}));
-  EXPECT_EQ(dictionaryFromJSONString("not JSON"), Dictionary{});
-  EXPECT_DEATH(dictionaryFromJSONString("[]"), "ResponsesTest line [0-9]+");
-}
-
 }  // namespace
 }  // namespace quillpad

@@ -120,11 +120,7 @@ Value wide(std::size_t count) {
 }
 
 TEST(ViewCodec, TakesAsMuchAsItsBoundsAndNoMore) {
-  const struct {
-    Value (*make)(std::size_t count);
-    std::size_t most;
-    const char* error;
-  } cases[] = {
+  const std::tuple<Value (*)(std::size_t count), std::size_t, const char*> cases[] = {
       {modified, 32, "view.modifiers: more than 32 elements"},
       {nested, 256, "more than 256 views deep"},
       {wide, 100'000, "more than 100000 views"},
