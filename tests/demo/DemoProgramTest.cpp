@@ -30,7 +30,8 @@ using testing::Not;
 // The running program.
 class Gateway : public fixtures::Program {
  public:
-  explicit Gateway(std::vector<std::string> arguments) : Program(withProgram(arguments)) {}
+  explicit Gateway(std::vector<std::string> arguments)
+      : Program(QUILLPAD_DEMO_GATEWAY, std::move(arguments)) {}
 
   // "https://localhost:<port>" once it serves.
   std::string origin() const {
@@ -44,12 +45,6 @@ class Gateway : public fixtures::Program {
     }
     ADD_FAILURE() << "it does not serve: " << out() << err();
     return "https://localhost:1";
-  }
-
- private:
-  static std::vector<std::string> withProgram(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), QUILLPAD_DEMO_GATEWAY);
-    return arguments;
   }
 };
 
@@ -170,7 +165,7 @@ TEST_F(DemoProgramTest, ShowsFaultsWhileItRuns) {
   EXPECT_EQ(fetch(address, ownToken, "drop", "https://page.test").status, 403);
   EXPECT_EQ(fetch(address, ownToken, std::string(1 << 20, 'x')).status, 413);
   EXPECT_EQ(modeOf(state() / "switchboard.json"), 0600U);
-  EXPECT_THAT(program.output(), Not(HasSubstr(ownToken)));
+  EXPECT_THAT(program.out() + program.err(), Not(HasSubstr(ownToken)));
   EXPECT_EQ(order("off"), 200);
   EXPECT_EQ(ask().status, 200);
   EXPECT_EQ(fetch(origin + "/demo/documents", "wrong", "").status, 401);

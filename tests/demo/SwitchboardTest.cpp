@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "demo/Gateway.h"
 
@@ -38,12 +37,7 @@ class SwitchboardTest : public testing::Test {
 
 TEST_F(SwitchboardTest, WhoLacksItsTokenOrItsItemsSwitchesNothing) {
   ASSERT_EQ(ask("POST", ownToken, "status=503,delay=1500").status, 200);
-  const struct {
-    const char* method;
-    std::string authorization;
-    std::string body;
-    int status;
-  } cases[] = {
+  const std::tuple<const char*, std::string, std::string, int> cases[] = {
       {"POST", "", "off", 403},
       {"POST", token, "off", 403},
       {"POST", "fedcba9876543211", "off", 403},
@@ -67,11 +61,7 @@ TEST_F(SwitchboardTest, WhoLacksItsTokenOrItsItemsSwitchesNothing) {
 }
 
 TEST_F(SwitchboardTest, TellsTheFaultInForceInTheItemsThatItTakes) {
-  const struct {
-    const char* ordered;
-    const char* told;
-    int figures;
-  } cases[] = {
+  const std::tuple<const char*, const char*, int> cases[] = {
       {"status=500", R"({"fault":"status=500","delay":0,"faults":["off",)", 500},
       {"delay=70,drop", R"({"fault":"drop","delay":70,)", 200},
       {"count=1,path=getDataMap,status=404,shape=no-data",

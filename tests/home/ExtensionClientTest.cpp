@@ -35,8 +35,8 @@ class ExtensionClientTest : public testing::Test {
 TEST_F(ExtensionClientTest, GivesTheAnswerAndRelaysWhatIsPrinted) {
   testing::internal::CaptureStderr();
   testing::internal::CaptureStdout();
-  const auto entry =
-      askSnapshot(answers(1, anEntry) + "echo \"heard $r\"; echo grumble >&2; sleep 60");
+  const auto entry = askSnapshot(
+      "read r <&3; echo \"heard $r\"; echo grumble >&2; " + reply(1, anEntry) + "sleep 60");
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_THAT(
       testing::internal::GetCapturedStderr(),

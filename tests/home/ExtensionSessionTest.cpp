@@ -85,7 +85,7 @@ TEST_F(ExtensionSessionTest, TellsTheCausesOfAnEndApart) {
 }
 
 TEST_F(ExtensionSessionTest, WhatWasPrintedForAnEarlierRequestIsNoLastWord) {
-  start("echo grumble >&2; " + answers(1, anEntry) + "read r <&3; kill -9 $$");
+  start("read r <&3; echo grumble >&2; " + reply(1, anEntry) + "read r <&3; kill -9 $$");
   ask();
   until<channel::NumberedReply>();
   ask();
@@ -109,7 +109,7 @@ TEST_F(ExtensionSessionTest, AnExtensionThatSaysNothingInTimeHangsAndIsEnded) {
 TEST_F(ExtensionSessionTest, AnAnswerIsLateWhereOnlyOthersAreAnswered) {
   start(
       "read r <&3; " + answers(2, R"({"dropped":true})") + answers(1, anEntry) +
-      R"(echo '{"id":3,"result":{"dropped":true}}' >&3; sleep 60)");
+      reply(3, R"({"dropped":true})") + "sleep 60");
   ask();
   uptime_ += 10s;
   ask();
@@ -141,8 +141,8 @@ TEST_F(ExtensionSessionTest, EndsWhatUsesMoreMemoryThanItMay) {
 TEST_F(ExtensionSessionTest, OnlyOpenRequestsAreAnswered) {
   start(
       answers(9, R"({"dropped":true})") +
-      R"(echo '{"id":null,"error":{"code":-32700,"message":"what?"}}' >&3; )" +
-      R"(echo '{"id":1,"result":{"dropped":true}}' >&3; sleep 60)");
+      R"(echo '{"id":null,"error":{"code":-32700,"message":"what?"}}' >&3; )" + reply(1, anEntry) +
+      "sleep 60");
   ask();
   const auto reply = until<channel::NumberedReply>();
   EXPECT_EQ(reply.id, 1U);

@@ -14,9 +14,12 @@ namespace quillpad::home {
 inline const std::string anEntry = R"({"date":"2026-03-07T09:05:03.250Z","data":"x"})";
 inline const std::string aView = R"({"view":{"type":"spacer"}})";
 
-// Commands that read a request and answer it, whatever it was.
+// Commands that send an answer, and that read a request before.
+inline std::string reply(int id, const std::string& result) {
+  return "echo '{\"id\":" + std::to_string(id) + ",\"result\":" + result + "}' >&3; ";
+}
 inline std::string answers(int id, const std::string& result) {
-  return "read r <&3; echo '{\"id\":" + std::to_string(id) + ",\"result\":" + result + "}' >&3; ";
+  return "read r <&3; " + reply(id, result);
 }
 
 class ScriptedExtension {

@@ -1,7 +1,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <vector>
 
 #include "fixtures/TemporaryHome.h"
@@ -71,10 +70,7 @@ TEST_F(SwitchboardTest, ShowsWhatIsOnOfferAndInForceAndNeverTheToken) {
 }
 
 TEST_F(SwitchboardTest, WhatIsNoAnswerIsToldInOneSentence) {
-  const struct {
-    Answer given;
-    const char* words;
-  } cases[] = {
+  const std::pair<Answer, const char*> cases[] = {
       {std::unexpected("Could not connect to the server."), "Could not connect"},
       {HttpsAnswer{.status = 403, .body = state}, "status 403"},
       {HttpsAnswer{.status = 200, .body = "<h1>"}, "line 1"},
@@ -93,11 +89,8 @@ TEST_F(SwitchboardTest, WhatIsNoAnswerIsToldInOneSentence) {
 }
 
 TEST_F(SwitchboardTest, AChangeIsAFaultAndADelayOfSomeMinutes) {
-  const struct {
-    std::string fault;
-    std::string delay;
-    const char* asked;  // empty: refused
-  } cases[] = {
+  const std::tuple<std::string, std::string, const char*> cases[] = {
+      // empty: refused
       {"status=503", "0", "status=503,delay=0"},
       {"off", "2.5", "off,delay=2500"},
       {"off", "600", "off,delay=600000"},

@@ -1,11 +1,16 @@
-// Display lists made by hand, and the pictures that the PNG writer makes of them.
+// Display lists made by hand or of views, and what their drawing takes.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "platform/paint/DisplayList.h"
+#include "fixtures/TemporaryHome.h"
+#include "platform/foundation/Bundle.h"
+#include "platform/paint/Card.h"
+#include "platform/paint/Pictures.h"
+#include "platform/text/TextEngine.h"
 
 namespace quillpad::drawing {
 
@@ -33,5 +38,18 @@ inline DisplayList card(Size size, int scale, std::vector<Item> items, double co
   }
   return list;
 }
+
+class DrawingTest : public ::testing::Test {
+ protected:
+  DisplayList composed(const ui::View& view, const CardRequest& request) {
+    return compose(view, request, [](const std::string&) { return Size{}; }, texts_);
+  }
+
+  fixtures::TemporaryHome home_;
+  Bundle bundle_{home_.path()};
+  FontBook fonts_;
+  TextEngine texts_{fonts_};
+  Pictures pictures_{bundle_};
+};
 
 }  // namespace quillpad::drawing

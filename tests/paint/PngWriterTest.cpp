@@ -4,24 +4,19 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <limits>
 #include <memory>
 #include <numbers>
 #include <random>
 #include <vector>
 
-#include "fixtures/TemporaryHome.h"
 #include "paint/DrawnCard.h"
-#include "platform/foundation/Bundle.h"
 #include "platform/paint/Canvas.h"
-#include "platform/paint/Card.h"
 #include "platform/paint/Comparison.h"
 #include "platform/paint/PngEncoder.h"
 #include "platform/paint/PngReader.h"
 #include "platform/paint/PngWriter.h"
 #include "platform/paint/SvgWriter.h"
-#include "platform/text/TextEngine.h"
 
 namespace quillpad::drawing {
 namespace {
@@ -36,24 +31,15 @@ void save(const std::filesystem::path& file, const Bytes& bytes) {
 
 ui::Rgba at(const Bitmap& picture, int x, int y) { return picture.row(y)[x]; }
 
-class PngWriterTest : public ::testing::Test {
+class PngWriterTest : public DrawingTest {
  protected:
   Bitmap draw(const DisplayList& list) {
     file_ = writer_.write(list, ui::Appearance::light).value();
     return readPng(file_).value();
   }
 
-  DisplayList composed(const ui::View& view, const CardRequest& request) {
-    return compose(view, request, [](const std::string&) { return Size{}; }, texts_);
-  }
-
   bool lastHasPalette() const { return file_.at(25) == 3; }
 
-  fixtures::TemporaryHome home_;
-  Bundle bundle_{home_.path()};
-  FontBook fonts_;
-  TextEngine texts_{fonts_};
-  Pictures pictures_{bundle_};
   PngWriter writer_{fonts_, pictures_};
   Bytes file_;
 };

@@ -1,21 +1,16 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <regex>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "fixtures/TemporaryHome.h"
 #include "paint/DrawnCard.h"
-#include "platform/foundation/Bundle.h"
-#include "platform/paint/Card.h"
 #include "platform/paint/Comparison.h"
 #include "platform/paint/PngReader.h"
 #include "platform/paint/PngWriter.h"
 #include "platform/paint/SvgWriter.h"
-#include "platform/text/TextEngine.h"
 
 namespace quillpad::drawing {
 namespace {
@@ -30,15 +25,11 @@ std::vector<std::string> found(const std::string& text, const std::string& patte
   return all;
 }
 
-class SvgWriterTest : public ::testing::Test {
+class SvgWriterTest : public DrawingTest {
  protected:
   DisplayList textCard(const std::string& text, int scale = 2) {
-    const auto noPicture = [](const std::string&) { return Size{}; };
-    return compose(
-        ui::Text::verbatim(text).font({17, ui::Weight::regular}),
-        {.kind = "Card", .scale = scale},
-        noPicture,
-        texts_);
+    const auto view = ui::Text::verbatim(text).font({17, ui::Weight::regular});
+    return composed(view, {.kind = "Card", .scale = scale});
   }
 
   std::string svg(const DisplayList& list, const char* prefix = "w") {
@@ -50,12 +41,6 @@ class SvgWriterTest : public ::testing::Test {
     std::ofstream(file, std::ios::binary) << document;
     return file;
   }
-
-  fixtures::TemporaryHome home_;
-  Bundle bundle_{home_.path()};
-  FontBook fonts_;
-  TextEngine texts_{fonts_};
-  Pictures pictures_{bundle_};
 };
 
 TEST_F(SvgWriterTest, NoTextBreaksTheDocument) {

@@ -11,8 +11,8 @@ HomeScreenTest::HomeScreenTest() { origin_.emplace("TEST_GATEWAY_ORIGIN", "https
 
 std::unique_ptr<fixtures::Program> HomeScreenTest::start(
     std::vector<std::string> arguments, const std::string& input) const {
-  arguments.insert(arguments.begin(), {HOME_PROGRAM, "--extension", EXTENSION_PROGRAM});
-  return std::make_unique<fixtures::Program>(std::move(arguments), input);
+  arguments.insert(arguments.begin(), {"--extension", EXTENSION_PROGRAM});
+  return std::make_unique<fixtures::Program>(HOME_PROGRAM, std::move(arguments), input);
 }
 
 Outcome HomeScreenTest::run(std::vector<std::string> arguments, const std::string& input) const {

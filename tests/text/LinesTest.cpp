@@ -20,28 +20,18 @@ std::vector<Cluster> clustersOf(std::string_view text) {
   std::vector<Cluster> clusters;
   for (const char character : text) {
     const auto at = static_cast<std::uint32_t>(clusters.size());
-    Cluster cluster{
-        .textBegin = at, .textEnd = at + 1, .firstGlyph = at, .glyphCount = 1, .advance = 1};
-    switch (character) {
-      case ' ':
-        cluster.isSpace = true;
-        cluster.breakAfter = Break::allowed;
-        break;
-      case '-':
-        cluster.breakAfter = Break::allowed;
-        break;
-      case '~':
-        cluster.advance = 0;
-        cluster.breakAfter = Break::hyphen;
-        break;
-      case '|':
-        cluster.advance = 0;
-        cluster.breakAfter = Break::required;
-        break;
-      default:
-        break;
-    }
-    clusters.push_back(cluster);
+    const bool isSign = character == '~' || character == '|';
+    clusters.push_back(
+        {.textBegin = at,
+         .textEnd = at + 1,
+         .firstGlyph = at,
+         .glyphCount = 1,
+         .advance = isSign ? 0.0F : 1.0F,
+         .breakAfter = character == '|'                       ? Break::required
+                       : character == '~'                     ? Break::hyphen
+                       : character == ' ' || character == '-' ? Break::allowed
+                                                              : Break::none,
+         .isSpace = character == ' '});
   }
   return clusters;
 }

@@ -53,14 +53,9 @@ class Texts : public ::testing::Test {
   }
 
   static bool hasMissingGlyph(const TextEngine::Setting& setting) {
-    for (const GlyphRun& run : setting.runs) {
-      for (const Glyph& glyph : run.glyphs) {
-        if (glyph.id == 0) {
-          return true;
-        }
-      }
-    }
-    return false;
+    return std::ranges::any_of(setting.runs, [](const GlyphRun& run) {
+      return std::ranges::count(run.glyphs, 0U, &Glyph::id) > 0;
+    });
   }
 
   // Where the first glyph of the run begins.
