@@ -26,11 +26,9 @@ const T* addressOf(const std::optional<T>& value) {
 }  // namespace
 
 void Supervisor::restore(SavedHome saved) {
-  catalogue_ = std::move(saved.catalogue);
+  setCatalogue(std::move(saved.catalogue));
   for (std::string& kind : saved.placed) {
-    if (!isPlaced(kind)) {
-      placed_.push_back(std::move(kind));
-    }
+    placed_.append(std::move(kind));
   }
   everPlaced_ = true;
   account_ = std::move(saved.account);
@@ -129,29 +127,35 @@ void Supervisor::programReplaced(const Moment& now) {
   advance(now);
 }
 
-bool Supervisor::offers(std::string_view kind) const {
-  return std::ranges::find(catalogue_, kind, &channel::CatalogueItem::kind) != catalogue_.end();
+void Supervisor::setCatalogue(std::vector<channel::CatalogueItem> items) {
+  catalogue_ = std::move(items);
+  ranks_.clear();
+  for (std::size_t rank = 0; rank < catalogue_.size(); ++rank) {
+    ranks_.emplace(catalogue_[rank].kind, rank);
+  }
 }
 
-bool Supervisor::isPlaced(std::string_view kind) const {
-  return std::ranges::find(placed_, kind) != placed_.end();
+const channel::CatalogueItem* Supervisor::offered(std::string_view kind) const {
+  const auto found = ranks_.find(kind);
+  return found == ranks_.end() ? nullptr : &catalogue_[found->second];
 }
 
 // Before the first one that follows it in the catalogue.
-std::vector<std::string>::iterator Supervisor::placeInCatalogueOrder(std::string_view kind) {
+std::size_t Supervisor::placeInCatalogueOrder(std::string_view kind) const {
   const auto rank = [&](std::string_view each) {
-    return std::ranges::find(catalogue_, each, &channel::CatalogueItem::kind);
+    const auto found = ranks_.find(each);
+    return found == ranks_.end() ? catalogue_.size() : found->second;
   };
-  return std::ranges::find_if(
+  const auto next = std::ranges::find_if(
       placed_, [&](const std::string& each) { return rank(each) > rank(kind); });
+  return static_cast<std::size_t>(next - placed_.begin());
 }
 
 bool Supervisor::place(const Moment& now, std::string_view kind) {
-  if (!offers(kind)) {
+  if (offered(kind) == nullptr) {
     return false;
   }
-  if (!isPlaced(kind)) {
-    placed_.emplace(placeInCatalogueOrder(kind), kind);
+  if (placed_.insert(placeInCatalogueOrder(kind), std::string(kind))) {
     WidgetRecord& widget = widgets_[std::string(kind)];
     widget.due = now.uptime;
     markChanged(widget);
@@ -162,11 +166,9 @@ bool Supervisor::place(const Moment& now, std::string_view kind) {
 }
 
 bool Supervisor::remove(const Moment& now, std::string_view kind) {
-  const auto found = std::ranges::find(placed_, kind);
-  if (found == placed_.end()) {
-    return offers(kind);
+  if (!placed_.erase(kind)) {
+    return offered(kind) != nullptr;
   }
-  placed_.erase(found);
   if (const auto widget = widgets_.find(kind); widget != widgets_.end()) {
     widget->second.leave();
   }
@@ -177,15 +179,8 @@ bool Supervisor::remove(const Moment& now, std::string_view kind) {
 }
 
 bool Supervisor::move(std::string_view kind, std::string_view before) {
-  const auto moved = std::ranges::find(placed_, kind);
-  const auto next = std::ranges::find(placed_, before);
-  if (moved == placed_.end() || (next == placed_.end() && !before.empty())) {
+  if (!placed_.move(kind, before)) {
     return false;
-  }
-  if (next <= moved) {
-    std::rotate(next, moved, std::next(moved));
-  } else {
-    std::rotate(moved, std::next(moved), next);
   }
   ++version_;
   ++savedVersion_;
@@ -299,7 +294,7 @@ void Supervisor::releasePending() {
 // end, one by one as they come.
 void Supervisor::showRenewed() {
   const auto isAwaited = [&](const auto& each) {
-    return each.second.awaitsRenewal() && isPlaced(each.first) && offers(each.first);
+    return each.second.awaitsRenewal() && isPlaced(each.first) && offered(each.first) != nullptr;
   };
   if (!restarts_.hasEnded() && std::ranges::any_of(widgets_, isAwaited)) {
     return;
@@ -450,14 +445,12 @@ void Supervisor::takeCatalogue(const Moment& now, const channel::Reply& reply) {
          .since = now.date});
   }
   life_ = Life::running;
-  catalogue_ = catalogue->items;
+  setCatalogue(catalogue->items);
   programVersion_ += std::exchange(replaced_, false) ? 1 : 0;
   if (!everPlaced_) {
     everPlaced_ = true;
     for (const channel::CatalogueItem& item : catalogue_) {
-      if (!isPlaced(item.kind)) {
-        placed_.push_back(item.kind);
-      }
+      placed_.append(item.kind);
       widgets_[item.kind].due = now.uptime;
     }
   }
@@ -577,7 +570,7 @@ std::optional<Uptime> Supervisor::nextDeadline() const {
       life_ == Life::running && !replaceBy_ && (!restarts_.hasEnded() || pending_.empty());
   for (const std::string& kind : placed_) {
     const auto found = widgets_.find(kind);
-    if (found == widgets_.end() || !offers(kind)) {
+    if (found == widgets_.end() || offered(kind) == nullptr) {
       continue;
     }
     const WidgetRecord& widget = found->second;
@@ -597,14 +590,14 @@ std::optional<Uptime> Supervisor::nextDeadline() const {
 std::vector<WidgetState> Supervisor::widgets() const {
   std::vector<WidgetState> states;
   for (const std::string& kind : placed_) {
-    const auto item = std::ranges::find(catalogue_, kind, &channel::CatalogueItem::kind);
+    const channel::CatalogueItem* item = offered(kind);
     const auto found = widgets_.find(kind);
-    if (item == catalogue_.end() || found == widgets_.end()) {
+    if (item == nullptr || found == widgets_.end()) {
       continue;
     }
     const WidgetRecord& widget = found->second;
     states.push_back(
-        {.about = &*item,
+        {.about = item,
          .picture = addressOf(widget.picture),
          .kept = addressOf(widget.kept),
          .problem = addressOf(widget.problem),
@@ -633,7 +626,11 @@ const Picture* Supervisor::snapshot(std::string_view kind) const {
 
 SavedHome Supervisor::saved() const {
   SavedHome saved{
-      .catalogue = catalogue_, .placed = placed_, .pictures = {}, .kept = {}, .account = account_};
+      .catalogue = catalogue_,
+      .placed = placed_.inOrder(),
+      .pictures = {},
+      .kept = {},
+      .account = account_};
   for (const std::string& kind : placed_) {
     const auto found = widgets_.find(kind);
     if (found == widgets_.end()) {

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -21,6 +22,7 @@
 #include <vector>
 
 #include "home/extension/ExtensionSession.h"
+#include "home/extension/KindList.h"
 #include "home/extension/Moment.h"
 #include "home/extension/RestartPolicy.h"
 #include "home/extension/WidgetRecord.h"
@@ -91,7 +93,7 @@ class Supervisor {
   // The placed ones in their order.
   std::vector<WidgetState> widgets() const;
   const std::vector<channel::CatalogueItem>& catalogue() const { return catalogue_; }
-  bool isPlaced(std::string_view kind) const;
+  bool isPlaced(std::string_view kind) const { return placed_.has(kind); }
   // The picture for the gallery, once there is one; the version grows with each that comes.
   const Picture* snapshot(std::string_view kind) const;
   std::uint64_t snapshotVersion() const { return snapshotVersion_; }
@@ -112,8 +114,9 @@ class Supervisor {
     bool outdated = false;  // asked on behalf of who is signed in no more
   };
 
-  bool offers(std::string_view kind) const;
-  std::vector<std::string>::iterator placeInCatalogueOrder(std::string_view kind);
+  void setCatalogue(std::vector<channel::CatalogueItem> items);
+  const channel::CatalogueItem* offered(std::string_view kind) const;
+  std::size_t placeInCatalogueOrder(std::string_view kind) const;
   void advance(const Moment& now);
   void startExtension(const Moment& now);
   void replaceExtension(const Moment& now);
@@ -139,8 +142,9 @@ class Supervisor {
   std::uint64_t lastId_ = 0;
 
   std::vector<channel::CatalogueItem> catalogue_;
-  std::vector<std::string> placed_;  // in the order in which they stand
-  bool everPlaced_ = false;          // false: on first sight of the catalogue, place all of it
+  std::map<std::string, std::size_t, std::less<>> ranks_;  // of its kinds
+  KindList placed_;
+  bool everPlaced_ = false;  // false: on first sight of the catalogue, place all of it
   bool galleryOpened_ = false;
   std::map<std::string, WidgetRecord, std::less<>> widgets_;
 
