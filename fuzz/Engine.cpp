@@ -1,4 +1,4 @@
-// What the fuzzing engine calls.
+// What the fuzzing engine calls, or SeedsOnly in its place.
 #include <cstddef>
 #include <cstdint>
 

@@ -1,18 +1,20 @@
 // In place of a fuzzing engine: gives the target every file of the folder that is named.
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 
-#include "Target.h"
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 int main(int count, char** arguments) {
   int seeds = 0;
   for (const auto& entry : std::filesystem::directory_iterator(count > 1 ? arguments[1] : ".")) {
     std::ifstream file(entry.path(), std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(file), {});
     std::puts(entry.path().c_str());
-    quillpad::tryInput(std::string(std::istreambuf_iterator<char>(file), {}));
+    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
     ++seeds;
   }
   return seeds > 0 ? 0 : 1;
