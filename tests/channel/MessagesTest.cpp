@@ -2,9 +2,7 @@
 #include <gmock/gmock.h>
 #include <map>
 #include <set>
-#include <string>
 #include <variant>
-#include <vector>
 
 #include "platform/channel/Messages.h"
 

@@ -5,10 +5,7 @@
 #include <future>
 #include <gmock/gmock.h>
 #include <optional>
-#include <string>
 #include <unistd.h>
-#include <utility>
-#include <vector>
 
 #include "fixtures/Loopback.h"
 #include "fixtures/Program.h"

@@ -106,19 +106,6 @@ TEST(JsonReading, StopsAt512ContainersWithinEachOther) {
   EXPECT_TRUE(read("[" + nested(511) + "," + nested(511) + "]"));
 }
 
-TEST(JsonReading, ReadsLargeObjectsInReasonableTime) {
-  std::string members = "{";
-  for (int i = 0; i < 40'000; ++i) {
-    members += "\"" + std::to_string(i % 30'000) + "\":" + std::to_string(i) + ",";
-  }
-  members.back() = '}';
-  const auto object = read(members);
-  ASSERT_TRUE(object);
-  EXPECT_EQ(object->as<Dictionary>()->size(), 30'000U);
-  EXPECT_EQ(*object->as<Dictionary>()->find("29999"), Value(29'999));
-  EXPECT_EQ(*object->as<Dictionary>()->find("7"), Value(7));
-}
-
 TEST(JsonWriting, LaysPrettyTextOutAsThePhoneDoes) {
   const Value value = Dictionary{
       {"businessId", "7/8"},

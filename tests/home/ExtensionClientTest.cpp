@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 

@@ -3,9 +3,7 @@
 #include <chrono>
 #include <gmock/gmock.h>
 #include <signal.h>
-#include <string>
 #include <sys/wait.h>
-#include <vector>
 
 #include "home/ScriptedExtension.h"
 #include "home/extension/ExtensionSession.h"

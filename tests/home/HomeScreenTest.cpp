@@ -6,8 +6,6 @@
 #include <poll.h>
 #include <regex>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "fixtures/Loopback.h"
 #include "fixtures/ScopedVariable.h"

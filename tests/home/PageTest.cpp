@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <string>
 
 #include "home/extension/Links.h"
 #include "home/page/Page.h"

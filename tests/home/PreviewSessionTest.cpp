@@ -2,8 +2,6 @@
 #include <functional>
 #include <gmock/gmock.h>
 #include <poll.h>
-#include <string>
-#include <vector>
 
 #include "home/ScriptedExtension.h"
 #include "home/extension/PreviewSession.h"

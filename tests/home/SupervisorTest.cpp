@@ -5,8 +5,6 @@
 #include <map>
 #include <random>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "home/extension/Supervisor.h"
 #include "platform/foundation/Iso8601.h"

@@ -8,13 +8,11 @@
 #include <optional>
 #include <poll.h>
 #include <signal.h>
-#include <string>
 #include <sys/eventfd.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 #include "fixtures/Loopback.h"
 #include "home/server/WebServer.h"

@@ -7,8 +7,6 @@
 #include <optional>
 #include <poll.h>
 #include <signal.h>
-#include <string>
-#include <vector>
 
 #include "fixtures/Program.h"
 #include "home/ScriptedExtension.h"
@@ -149,13 +147,6 @@ TEST_F(WidgetHostTest, StartsAnExtensionThatWasKilledAndRelaysWhatItPrints) {
   runUntil("it speaks again", [this] { return relayed_.size() == 2; });
   EXPECT_EQ(host_->supervisor().lastEnd()->detail, "signal 9, Killed");
   EXPECT_THAT(relayed_.back(), testing::StartsWith("I am "));
-}
-
-TEST_F(WidgetHostTest, TheLastWordsAreThoseOfStandardError) {
-  const ScriptedExtension extension("echo 'the cause' >&2; sleep 0.1; echo 'bye'; exit 1");
-  start(extension.path());
-  runUntil("it ended", [this] { return host_->supervisor().lastEnd().has_value(); });
-  EXPECT_EQ(host_->supervisor().lastEnd()->output, "the cause");
 }
 
 TEST_F(WidgetHostTest, AStateThatCannotBeSavedIsSavedLater) {

@@ -9,8 +9,6 @@
 #include <sstream>
 #include <thread>
 #include <unistd.h>
-#include <utility>
-#include <vector>
 
 #include "fixtures/HttpsServer.h"
 #include "fixtures/Loopback.h"
@@ -194,24 +192,6 @@ TEST_F(URLSessionTest, BodiesAreDecoded) {
       [](auto&, auto& exchange) { exchange.respond(200, zipped, {{"Content-Encoding", "gzip"}}); });
   EXPECT_EQ(fetch(server.address("/")).data, "hello");
   EXPECT_EQ(server.requests().at(0).header("Accept-Encoding"), "gzip, deflate, br");
-}
-
-TEST_F(URLSessionTest, FastAnswerDoesNotWaitForASlowOne) {
-  for (const bool slowFirst : {true, false}) {
-    HttpsServer server([](auto& request, auto& exchange) {
-      if (request.path == "/slow") {
-        exchange.hold();
-      }
-      exchange.respond(200, request.path);
-    });
-    Results results;
-    for (const bool slow : {slowFirst, !slowFirst}) {
-      start(requestFor(server.address(slow ? "/slow" : "/fast")), results.completion());
-    }
-    EXPECT_EQ(results.wait(1).at(0).data, "/fast");
-    server.release();
-    EXPECT_EQ(results.wait(2).at(1).data, "/slow");
-  }
 }
 
 std::string localhost(const FileDescriptor& socket) {

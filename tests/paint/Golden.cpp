@@ -51,25 +51,20 @@ using Differences = std::function<std::optional<std::string>(const std::string& 
   return ::testing::AssertionFailure() << left << " differs from its golden: " << *found;
 }
 
-// The lines that only one of the texts has at their place.
-std::optional<std::string> differingLines(const std::string& expected, const std::string& actual) {
-  if (expected == actual) {
-    return std::nullopt;
-  }
+// The first line in which the texts differ, of either.
+std::optional<std::string> differingLine(const std::string& expected, const std::string& actual) {
   std::istringstream expectedLines(expected);
   std::istringstream actualLines(actual);
-  std::string differing;
-  for (int number = 1; expectedLines || actualLines; ++number) {
-    std::string one;
-    std::string other;
+  std::string one;
+  std::string other;
+  for (int number = 1; expected != actual; ++number) {
     std::getline(expectedLines, one);
     std::getline(actualLines, other);
-    if (one != other) {
-      differing += "\n" + std::to_string(number) + " expected: " + one;
-      differing += "\n" + std::to_string(number) + " actual:   " + other;
+    if (one != other || !expectedLines || !actualLines) {
+      return "\nline " + std::to_string(number) + "\nexpected: " + one + "\nactual:   " + other;
     }
   }
-  return differing;
+  return std::nullopt;
 }
 
 }  // namespace
@@ -78,7 +73,7 @@ std::optional<std::string> differingLines(const std::string& expected, const std
   const GoldenFolders folders;
   return compareWithGolden(
       folders.goldens / name, folders.left / name, actual, [&](const std::string& golden) {
-        return differingLines(golden, actual);
+        return differingLine(golden, actual);
       });
 }
 

@@ -1,8 +1,5 @@
 // The five widgets in their states, as display lists and as pictures.
 #include <gmock/gmock.h>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"

@@ -150,14 +150,5 @@ TEST_F(ProvidersTest, FetchEachTimelineByItself) {
   EXPECT_EQ(gateway.server().requests().size(), 2U);
 }
 
-TEST_F(ProvidersTest, RenderAnEntryThatComesBack) {
-  for (const WidgetConfiguration& widget : catalogue) {
-    const channel::Entry entry = widget.placeholder({});
-    const auto view = widget.render({.widgetFamily = widget.families.front()}, entry);
-    EXPECT_FALSE(view.modifiers.empty()) << widget.kind;
-    EXPECT_DEATH(widget.render({}, {{}, 7}), "Records line [0-9]+: the record is of another kind");
-  }
-}
-
 }  // namespace
 }  // namespace quillpad

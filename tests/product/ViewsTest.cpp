@@ -3,7 +3,6 @@
 
 #include "product/ProductSettings.h"
 #include "views/EntryViews.h"
-#include "views/Palette.h"
 
 namespace quillpad {
 namespace {
@@ -90,16 +89,6 @@ TEST_F(ViewsTest, EntryViewsPassOneFieldOnInAnyFamily) {
     const PendingMediumEntryView pendingList{family, {{}, {rows(1)}}};
     EXPECT_EQ(pendingList.body().records, rows(1));
   }
-}
-
-TEST_F(ViewsTest, TextColoursFollowTheAppearance) {
-  using enum ui::Appearance;
-  for (const ui::Color& color : {InvoiceColors::textColor(), InvoiceColors::makeTextColor()}) {
-    EXPECT_EQ(color.resolved(dark), ui::whiteColor);
-    EXPECT_EQ(color.resolved(light), ui::blackColor);
-    EXPECT_EQ(color.resolved(unspecified), ui::blackColor);
-  }
-  EXPECT_EQ(&InvoiceColors::textColor(), &InvoiceColors::textColor());
 }
 
 }  // namespace

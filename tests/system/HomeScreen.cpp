@@ -2,7 +2,6 @@
 
 #include <iterator>
 #include <sstream>
-#include <utility>
 
 namespace quillpad {
 

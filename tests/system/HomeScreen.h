@@ -5,8 +5,6 @@
 #include <gmock/gmock.h>
 #include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "fixtures/HttpsServer.h"
 #include "fixtures/Program.h"

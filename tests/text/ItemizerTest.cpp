@@ -1,9 +1,7 @@
 // Texts cut into runs of one script, one font and one direction.
 #include <gmock/gmock.h>
-#include <string>
 #include <string_view>
 #include <unicode/uscript.h>
-#include <vector>
 
 #include "platform/foundation/Utf8.h"
 #include "platform/text/Itemizer.h"

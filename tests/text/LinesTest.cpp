@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <limits>
 #include <ranges>
-#include <string>
-#include <vector>
 
 #include "platform/text/Lines.h"
 

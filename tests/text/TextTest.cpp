@@ -10,9 +10,6 @@
 #include <map>
 #include <numeric>
 #include <random>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "platform/text/FontBook.h"
 #include "platform/text/SystemFont.h"

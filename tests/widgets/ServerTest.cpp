@@ -5,11 +5,9 @@
 #include <mutex>
 #include <optional>
 #include <poll.h>
-#include <string>
 #include <sys/socket.h>
 #include <thread>
 #include <variant>
-#include <vector>
 
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TextEntry.h"
