@@ -34,7 +34,12 @@ const std::string* linkOf(const ui::View& view) {
 }  // namespace
 
 Layout layOut(const ui::View& view, Size size, LayoutDirection direction, Metrics& metrics) {
-  const LayoutNodePtr root = nodeOf(view, {metrics});
+  return layOut(view, size, direction, Surroundings{metrics});
+}
+
+Layout layOut(
+    const ui::View& view, Size size, LayoutDirection direction, const Surroundings& around) {
+  const LayoutNodePtr root = nodeOf(view, around);
   const Size taken = root->size(size);
   Placement placement(size.width, direction);
   root->place(

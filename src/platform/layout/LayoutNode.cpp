@@ -5,6 +5,8 @@
 #include <limits>
 #include <utility>
 
+#include "platform/layout/Tracer.h"
+
 namespace quillpad::drawing {
 
 Rect Placement::mirroredIfNeeded(const Rect& frame) const {
@@ -48,6 +50,9 @@ double LayoutNode::flexibility(ui::Axis axis, double proposedAcross) {
 }
 
 LayoutNodePtr nodeOf(const ui::View& view, const Surroundings& around) {
+  if (around.tracer != nullptr) {
+    return around.tracer->nodeOf(view, around);
+  }
   LayoutNodePtr node =
       std::visit([&](const auto& content) { return nodeOf(content, around); }, view.content);
   for (const ui::Modifier& modifier : view.modifiers) {

@@ -34,11 +34,14 @@ class Placement {
   void enterClip(const Rect& frame, double cornerRadius);
   void leaveClip();
 
+  // Where the frame stands on the card.
+  Rect mirroredIfNeeded(const Rect& frame) const;
+
+  std::size_t itemCount() const { return layout_.items.size(); }
+
   Layout take() { return std::move(layout_); }
 
  private:
-  Rect mirroredIfNeeded(const Rect& frame) const;
-
   double width_;
   bool mirrored_;
   int clip_ = -1;
@@ -82,15 +85,22 @@ class LayoutNode {
 
 using LayoutNodePtr = std::unique_ptr<LayoutNode>;
 
+class Tracer;
+
 // Where in the tree a node stands.
 struct Surroundings {
   Metrics& metrics;
   ui::Axis axis = ui::Axis::vertical;  // of the stack around it
   int stacks = 0;                      // how many are around it
+  Tracer* tracer = nullptr;            // takes down how it is laid out, where somebody asks
 };
 
 // The node of a view with all below it. Nodes point into the view, which has to outlive them.
 LayoutNodePtr nodeOf(const ui::View& view, const Surroundings& around);
+
+// Lays out as the layOut() for everybody does.
+Layout layOut(
+    const ui::View& view, Size size, LayoutDirection direction, const Surroundings& around);
 
 // The nodes of contents.
 LayoutNodePtr nodeOf(const ui::Text& text, const Surroundings& around);

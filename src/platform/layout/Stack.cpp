@@ -103,7 +103,7 @@ class StackNode final : public LayoutNode {
 }  // namespace
 
 LayoutNodePtr nodeOf(const ui::Stack& stack, const Surroundings& around) {
-  const Surroundings inside{around.metrics, stack.axis, around.stacks + 1};
+  const Surroundings inside{around.metrics, stack.axis, around.stacks + 1, around.tracer};
   std::vector<LayoutNodePtr> children;
   children.reserve(stack.children.size());
   for (const ui::View& view : stack.children) {

@@ -1,7 +1,10 @@
 #include "platform/paint/Card.h"
 
+#include <utility>
+
 #include "platform/layout/Layout.h"
 #include "platform/paint/DisplayListBuilder.h"
+#include "platform/text/SystemFont.h"
 
 namespace quillpad::drawing {
 namespace {
@@ -25,6 +28,24 @@ class CardMetrics final : public Metrics {
   const ImageSize& imageSize_;
 };
 
+TextPlace placeOf(const CardRequest& request) {
+  return {request.language, request.rightToLeft, static_cast<double>(request.scale)};
+}
+
+LayoutDirection directionOf(const CardRequest& request) {
+  return request.rightToLeft ? LayoutDirection::rightToLeft : LayoutDirection::leftToRight;
+}
+
+DisplayList listOf(const CardRequest& request, const Layout& layout, std::vector<Item> items) {
+  return {
+      .kind = request.kind,
+      .family = request.family,
+      .scale = request.scale,
+      .size = request.size,
+      .link = layout.link == nullptr ? std::nullopt : std::optional(*layout.link),
+      .items = std::move(items)};
+}
+
 }  // namespace
 
 DisplayList compose(
@@ -32,19 +53,40 @@ DisplayList compose(
     const CardRequest& request,
     const ImageSize& imageSize,
     TextEngine& texts) {
-  const TextPlace place{request.language, request.rightToLeft, static_cast<double>(request.scale)};
+  const TextPlace place = placeOf(request);
   CardMetrics metrics(texts, place, imageSize);
-  const auto direction =
-      request.rightToLeft ? LayoutDirection::rightToLeft : LayoutDirection::leftToRight;
-  const Layout layout = layOut(view, request.size, direction, metrics);
+  const Layout layout = layOut(view, request.size, directionOf(request), metrics);
+  return listOf(request, layout, itemsOf(layout, request.size, request.redaction, place, texts));
+}
 
-  return {
-      .kind = request.kind,
-      .family = request.family,
-      .scale = request.scale,
-      .size = request.size,
-      .link = layout.link == nullptr ? std::nullopt : std::optional(*layout.link),
-      .items = itemsOf(layout, request.size, request.redaction, place, texts)};
+Inspection inspect(
+    const ui::View& view,
+    const CardRequest& request,
+    const ImageSize& imageSize,
+    TextEngine& texts) {
+  const TextPlace place = placeOf(request);
+  CardMetrics metrics(texts, place, imageSize);
+  LayoutTrace trace = traceLayout(view, request.size, directionOf(request), metrics);
+  auto [items, placed] = tracedItemsOf(trace.layout, request.size, request.redaction, place, texts);
+  std::vector<int> nodes;
+  for (const int each : placed) {
+    nodes.push_back(each < 0 ? -1 : trace.itemNodes[static_cast<std::size_t>(each)]);
+  }
+  DisplayList list = listOf(request, trace.layout, std::move(items));
+  return {std::move(list), std::move(trace), std::move(nodes)};
+}
+
+std::vector<double> baselinesOf(const TextItem& text) {
+  std::vector<double> baselines;
+  for (const GlyphRun& run : text.runs) {
+    for (const Glyph& glyph : run.glyphs) {
+      // A new line; marks stand a little above or below their own.
+      if (baselines.empty() || glyph.origin.y > baselines.back() + systemLineHeight(run.size) / 2) {
+        baselines.push_back(glyph.origin.y);
+      }
+    }
+  }
+  return baselines;
 }
 
 }  // namespace quillpad::drawing

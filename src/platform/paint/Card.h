@@ -4,7 +4,9 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
+#include "platform/layout/LayoutTrace.h"
 #include "platform/paint/DisplayList.h"
 #include "platform/paint/DisplayListBuilder.h"
 #include "platform/text/TextEngine.h"
@@ -25,10 +27,27 @@ struct CardRequest {
 // The natural size of a named picture, in points; of none for a missing one.
 using ImageSize = std::function<Size(const std::string& name)>;
 
+// The card's display list.
 DisplayList compose(
     const ui::View& view,
     const CardRequest& request,
     const ImageSize& imageSize,
     TextEngine& texts);
+
+// A card with how its layout came about. Points into the view.
+struct Inspection {
+  DisplayList list;  // as compose() makes it
+  LayoutTrace trace;
+  std::vector<int> nodes;  // for each item of the list the node that it comes from; -1: none
+};
+
+Inspection inspect(
+    const ui::View& view,
+    const CardRequest& request,
+    const ImageSize& imageSize,
+    TextEngine& texts);
+
+// Where the lines of the text stand.
+std::vector<double> baselinesOf(const TextItem& text);
 
 }  // namespace quillpad::drawing

@@ -81,6 +81,7 @@ class Builder {
     std::visit([&](const auto& content) { add(content, frame); }, placed.content);
   }
 
+  std::size_t count() const { return items_.size(); }
   std::vector<Item> take() { return std::move(items_); }
 
  private:
@@ -168,6 +169,21 @@ std::vector<Item> itemsOf(
     builder.add(placed);
   }
   return builder.take();
+}
+
+TracedItems tracedItemsOf(
+    const Layout& layout,
+    Size card,
+    Redaction redaction,
+    const TextPlace& place,
+    TextEngine& texts) {
+  Builder builder(layout, card, redaction, place, texts);
+  std::vector<int> placed(builder.count(), -1);
+  for (std::size_t i = 0; i < layout.items.size(); ++i) {
+    builder.add(layout.items[i]);
+    placed.resize(builder.count(), static_cast<int>(i));
+  }
+  return {builder.take(), std::move(placed)};
 }
 
 }  // namespace quillpad::drawing

@@ -23,4 +23,16 @@ std::vector<Item> itemsOf(
     const TextPlace& place,
     TextEngine& texts);
 
+// The same, and what of the layout each item comes from.
+struct TracedItems {
+  std::vector<Item> items;
+  std::vector<int> placed;  // for each item its place in Layout::items, -1 for the ground
+};
+TracedItems tracedItemsOf(
+    const Layout& layout,
+    Size card,
+    Redaction redaction,
+    const TextPlace& place,
+    TextEngine& texts);
+
 }  // namespace quillpad::drawing
