@@ -83,13 +83,12 @@ TEST(EngineerPage, ShowsEveryColumnWithItsPictures) {
           {{.state = PreviewState::timeline, .reason = "It said <b>no</b>."},
            {.state = PreviewState::entry,
             .date = "2026-03-07",
-            .list = cardOf("<i>"),
+            .card = drawing::Inspection{cardOf("<i>"), {}, {-1}},
             .pictures =
                 {{.appearance = ui::Appearance::light, .file = "<svg>LIGHT</svg>"},
                  {.appearance = ui::Appearance::dark, .error = "too <large>"}}}},
       .sampleEntry = "{\"sample\"}",
-      .viewTree = "<tree>",
-      .displayList = "<list>"};
+      .displayList = "{\n  {<list>}]}"};
   EXPECT_THAT(
       engineerPage(model, {.nonce = "n0nce"}).html(),
       AllOf(
@@ -99,19 +98,21 @@ TEST(EngineerPage, ShowsEveryColumnWithItsPictures) {
           HasSubstr("<svg>LIGHT</svg>"),
           HasSubstr("30.13 × 4"),
           HasSubstr("too &lt;large&gt;"),
+          HasSubstr("<section class=\"column\" data-state=\"entry\">"),
+          Not(HasSubstr("&lt;list&gt;")),
           HasSubstr("/picture.png?kind=%3CK%3E&amp;appearance=light&amp;state=entry&amp;entry="),
-          HasSubstr("&lt;tree&gt;"),
           HasSubstr("placeholder=\"{&quot;sample&quot;}\"")));
 
+  model.query.state = PreviewState::entry;
   model.query.format = PreviewQuery::Format::png;
   model.query.boxes = false;
-  model.viewTree.clear();
   EXPECT_THAT(
       engineerPage(model, {}).html(),
       AllOf(
           HasSubstr("alt=\"&lt;i&gt;\" src=\"data:image/png;base64,"),
           Not(HasSubstr("class=\"boxes\"")),
-          Not(HasSubstr("&lt;list&gt;"))));
+          HasSubstr("<section class=\"column chosen\" data-state=\"entry\">"),
+          HasSubstr("{&lt;list&gt;}")));
 }
 
 }  // namespace

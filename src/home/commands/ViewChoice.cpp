@@ -7,6 +7,7 @@
 
 #include "home/commands/Files.h"
 #include "home/page/Samples.h"
+#include "platform/foundation/Locale.h"
 
 namespace quillpad::home {
 namespace {
@@ -100,6 +101,8 @@ void ViewChoice::declare(Options& options) {
       "--family", family, "The widget's size class; the content is the same in each", families);
   declareRegion(options, locale, currency);
 }
+
+std::string ViewChoice::localeOrOwn() const { return locale.empty() ? currentLocale() : locale; }
 
 std::expected<ui::View, Failure> viewOf(ExtensionClient& extension, const ViewChoice& choice) {
   const auto entry = entryOf(extension, choice);

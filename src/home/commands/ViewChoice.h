@@ -39,6 +39,8 @@ struct ViewChoice {
 
   void declare(Options& options);
 
+  std::string localeOrOwn() const;  // the one chosen, or that of this process
+
   // A placeholder shows no figures: nothing was fetched yet.
   drawing::Redaction redaction() const {
     return entryFile.empty() && sample.empty() && state == EntryState::placeholder

@@ -11,15 +11,33 @@ bool isMirrored(const std::string& locale) {
   return language && isRightToLeft(*language);
 }
 
-CardRenderer::CardRenderer() : texts_(fonts_), pictures_(Bundle::main()), png_(fonts_, pictures_) {}
+namespace {
 
-drawing::DisplayList CardRenderer::compose(
-    const ui::View& view, drawing::CardRequest request, const std::string& locale) {
+// Its language and direction.
+void completeFor(const std::string& locale, drawing::CardRequest& request) {
   const auto languages = languagesOf(locale);
   request.language = languages.empty() ? "en" : languages.front();
   request.rightToLeft = isMirrored(locale);
-  const auto imageSize = [this](const std::string& name) { return pictures_.naturalSize(name); };
-  return drawing::compose(view, request, imageSize, texts_);
+}
+
+}  // namespace
+
+CardRenderer::CardRenderer() : texts_(fonts_), pictures_(Bundle::main()), png_(fonts_, pictures_) {}
+
+drawing::ImageSize CardRenderer::imageSize() {
+  return [this](const std::string& name) { return pictures_.naturalSize(name); };
+}
+
+drawing::DisplayList CardRenderer::compose(
+    const ui::View& view, drawing::CardRequest request, const std::string& locale) {
+  completeFor(locale, request);
+  return drawing::compose(view, request, imageSize(), texts_);
+}
+
+drawing::Inspection CardRenderer::inspect(
+    const ui::View& view, drawing::CardRequest request, const std::string& locale) {
+  completeFor(locale, request);
+  return drawing::inspect(view, request, imageSize(), texts_);
 }
 
 std::expected<std::string, std::string> CardRenderer::write(

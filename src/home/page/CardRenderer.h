@@ -35,6 +35,10 @@ class CardRenderer {
   drawing::DisplayList compose(
       const ui::View& view, drawing::CardRequest request, const std::string& locale);
 
+  // The same with how its layout came about.
+  drawing::Inspection inspect(
+      const ui::View& view, drawing::CardRequest request, const std::string& locale);
+
   // The list as a file of the format, or one line that tells why it cannot be drawn. The ids of an
   // SVG document begin with the prefix, so that several can stand in a page.
   std::expected<std::string, std::string> write(
@@ -51,6 +55,8 @@ class CardRenderer {
       const drawing::DisplayList& list, std::string_view idPrefix);
 
  private:
+  drawing::ImageSize imageSize();
+
   drawing::FontBook fonts_;
   drawing::TextEngine texts_;
   drawing::Pictures pictures_;

@@ -1,13 +1,13 @@
 #include "home/page/EngineerPage.h"
 
 #include <array>
-#include <cmath>
 
+#include "home/page/Inspector.h"
+#include "home/page/InspectorText.h"
 #include "home/page/PageFiles.h"
 #include "home/page/Select.h"
 #include "home/page/WidgetSizes.h"
 #include "platform/foundation/Base64.h"
-#include "platform/foundation/Value.h"
 
 namespace quillpad::home {
 namespace {
@@ -15,15 +15,7 @@ namespace {
 using Appearances = PreviewQuery::Appearances;
 using Format = PreviewQuery::Format;
 
-std::string lengthText(double points) {
-  return Number(std::round(points * 100) / 100).stringValue();
-}
-
 Markup length(double points) { return escaped(lengthText(points)); }
-
-std::string sizeText(drawing::Size size) {
-  return lengthText(size.width) + " × " + lengthText(size.height);
-}
 
 std::string titleOf(PreviewState state, const Language& language) {
   switch (state) {
@@ -160,16 +152,18 @@ Markup figure(
 Markup columnMarkup(
     const Language& language, const PreviewQuery& query, const PreviewColumn& column) {
   Markup content;
-  if (!column.list) {
+  if (!column.card) {
     content = problem(column.reason);
   } else {
     for (const PreviewColumn::Picture& picture : column.pictures) {
-      content += figure(language, query, column.state, picture, *column.list);
+      content += figure(language, query, column.state, picture, column.card->list);
     }
   }
   return filled(
       page::engineerColumnHtml,
-      {{"title", escaped(titleOf(column.state, language))},
+      {{"class", escaped(column.state == query.state ? "column chosen" : "column")},
+       {"state", escaped(stateName(column.state))},
+       {"title", escaped(titleOf(column.state, language))},
        {"date", escaped(column.date)},
        {"content", content}});
 }
@@ -180,15 +174,14 @@ Markup engineerPage(const EngineerModel& model, const PageFrame& frame) {
   const PreviewQuery& query = model.query;
   const Language& language = frame.language;
   Markup columns;
+  Markup warnings;
+  Markup details;
   for (const PreviewColumn& column : model.columns) {
     columns += columnMarkup(language, query, column);
-  }
-  Markup details;
-  if (!model.viewTree.empty()) {
-    details = filled(
-        page::engineerDetailsHtml,
-        {{"tree", escaped(model.viewTree)}, {"list", escaped(model.displayList)}},
-        language);
+    if (column.card && column.state == query.state) {
+      warnings = warningsMarkup(*column.card, language);
+      details = inspectorMarkup(*column.card, model.displayList, language);
+    }
   }
   constexpr std::array<std::string_view, 3> appearances{"both", "light", "dark"};
   Select appearance(appearances.at(static_cast<std::size_t>(query.appearances)));
@@ -219,15 +212,17 @@ Markup engineerPage(const EngineerModel& model, const PageFrame& frame) {
        {"starts", startSelect(model, language).markup()},
        {"entry", escaped(model.entryText)},
        {"wrongLine", escaped(std::to_string(model.wrongLine))},
+       {"warnings", warnings},
        {"columns", columns},
        {"details", details}},
       language);
   return framed(
       {.view = "engineer",
        .title = language.text("Quillpad · {1}, engineer’s view", {query.kind}),
-       .style = std::string(page::engineerCss),
+       .style = std::string(page::engineerCss).append(page::inspectorCss),
        .body = body,
-       .script = std::string(page::eventsJs) + std::string(page::engineerJs)},
+       .script =
+           std::string(page::eventsJs).append(page::inspectorJs).append(page::engineerJs)},
       frame);
 }
 

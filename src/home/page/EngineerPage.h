@@ -9,7 +9,7 @@
 #include "home/page/Markup.h"
 #include "home/page/Page.h"
 #include "home/page/PreviewQuery.h"
-#include "platform/paint/DisplayList.h"
+#include "platform/paint/Card.h"
 #include "platform/ui/Color.h"
 #include "platform/ui/Environment.h"
 
@@ -24,9 +24,9 @@ struct PreviewColumn {
   };
 
   PreviewState state = PreviewState::timeline;
-  std::string date{};                          // of the entry
-  std::string reason{};                        // why there is nothing to show
-  std::optional<drawing::DisplayList> list{};  // what the pictures show
+  std::string date{};                         // of the entry
+  std::string reason{};                       // why there is nothing to show
+  std::optional<drawing::Inspection> card{};  // what the pictures show
   std::vector<Picture> pictures{};
 };
 
@@ -40,9 +40,7 @@ struct EngineerModel {
   std::vector<std::string> samples{};
   std::string entryText{};    // that is being worked on
   std::size_t wrongLine = 0;  // of it; 0: none
-  // Of the state that the query names, as JSON; empty where there is nothing to show.
-  std::string viewTree{};
-  std::string displayList{};
+  std::string displayList{};  // of the state that the query names, as JSON
 };
 
 Markup engineerPage(const EngineerModel& model, const PageFrame& frame);

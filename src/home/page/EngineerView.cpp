@@ -8,20 +8,27 @@
 #include "home/page/WidgetSizes.h"
 #include "platform/foundation/Iso8601.h"
 #include "platform/foundation/Json.h"
-#include "platform/ui/ViewCodec.h"
 
 namespace quillpad::home {
 namespace {
 
 constexpr std::array bothAppearances{ui::Appearance::light, ui::Appearance::dark};
 
-std::string prettyJson(const Value& value) {
-  return writeJson(value, JsonLayout::pretty).value_or("");
-}
-
 // The appearance of a single picture.
 ui::Appearance appearanceOf(const PreviewQuery& query) {
   return query.shows(ui::Appearance::light) ? ui::Appearance::light : ui::Appearance::dark;
+}
+
+drawing::CardRequest requestOf(
+    const PreviewQuery& query, const channel::CatalogueItem& widget, PreviewState state) {
+  const ui::WidgetFamily family = familyOf(widget);
+  return {
+      .kind = query.kind,
+      .family = std::string(ui::familyName(family)),
+      .size = widgetSize(family, query.screen),
+      .scale = query.scale,
+      .redaction = state == PreviewState::placeholder ? drawing::Redaction::placeholder
+                                                      : drawing::Redaction::none};
 }
 
 }  // namespace
@@ -108,7 +115,9 @@ std::expected<std::string, std::string> EngineerView::draw(
   if (widget == nullptr) {
     return std::unexpected("There is no widget of this kind any more.");
   }
-  return cards_.write(compose(chosen, *widget, chosen.state, view), format, appearanceOf(chosen));
+  const auto list =
+      cards_.compose(view, requestOf(chosen, *widget, chosen.state), localeOf(chosen));
+  return cards_.write(list, format, appearanceOf(chosen));
 }
 
 std::string EngineerView::fileName(const PreviewQuery& query, PictureFormat format) {
@@ -204,21 +213,8 @@ std::expected<std::string, std::string> EngineerView::editedText(
       language.text("There is no such sample in {1}.", {samples_.folder().string()}));
 }
 
-drawing::DisplayList EngineerView::compose(
-    const PreviewQuery& query,
-    const channel::CatalogueItem& widget,
-    PreviewState state,
-    const ui::View& view) {
-  const ui::WidgetFamily family = familyOf(widget);
-  return cards_.compose(
-      view,
-      {.kind = query.kind,
-       .family = std::string(ui::familyName(family)),
-       .size = widgetSize(family, query.screen),
-       .scale = query.scale,
-       .redaction = state == PreviewState::placeholder ? drawing::Redaction::placeholder
-                                                       : drawing::Redaction::none},
-      query.language.empty() ? locale_ : query.language);
+std::string EngineerView::localeOf(const PreviewQuery& query) const {
+  return query.language.empty() ? locale_ : query.language;
 }
 
 EngineerModel EngineerView::modelOf(
@@ -246,10 +242,9 @@ EngineerModel EngineerView::modelOf(
           writeJson(channel::toValue(outcome->entry), JsonLayout::compact).value_or("");
     }
     if (outcome && column.state == query.state) {
-      model.viewTree = prettyJson(ui::toValue(outcome->view));
-      if (const auto& list = model.columns.back().list) {
+      if (const auto& card = model.columns.back().card) {
         model.displayList =
-            cards_.write(*list, PictureFormat::json, appearanceOf(query)).value_or("");
+            cards_.write(card->list, PictureFormat::json, appearanceOf(query)).value_or("");
       }
     }
   }
@@ -265,7 +260,8 @@ PreviewColumn EngineerView::shown(
   PreviewColumn shown{
       .state = column.state,
       .date = iso8601(outcome->entry.date),
-      .list = compose(query, widget, column.state, outcome->view)};
+      .card =
+          cards_.inspect(outcome->view, requestOf(query, widget, column.state), localeOf(query))};
   const auto format =
       query.format == PreviewQuery::Format::png ? PictureFormat::png : PictureFormat::svg;
   for (const ui::Appearance appearance : bothAppearances) {
@@ -274,7 +270,7 @@ PreviewColumn EngineerView::shown(
     }
     const std::string idPrefix = std::string(stateName(column.state)) +
                                  (appearance == ui::Appearance::dark ? "-dark-" : "-light-");
-    auto file = cards_.write(*shown.list, format, appearance, idPrefix);
+    auto file = cards_.write(shown.card->list, format, appearance, idPrefix);
     shown.pictures.push_back(
         {.appearance = appearance, .file = file.value_or(""), .error = file ? "" : file.error()});
   }

@@ -15,7 +15,7 @@
 #include "home/page/PreviewQuery.h"
 #include "home/page/Samples.h"
 #include "home/server/WebServer.h"
-#include "platform/paint/DisplayList.h"
+#include "platform/paint/Card.h"
 
 namespace quillpad::home {
 
@@ -74,11 +74,7 @@ class EngineerView {
       const PreviewQuery& query, const Language& language) const;
   std::expected<channel::Entry, EntryProblem> entryOf(
       const PreviewQuery& query, PreviewState state, const Language& language) const;
-  drawing::DisplayList compose(
-      const PreviewQuery& query,
-      const channel::CatalogueItem& widget,
-      PreviewState state,
-      const ui::View& view);
+  std::string localeOf(const PreviewQuery& query) const;
   EngineerModel modelOf(
       const PreviewQuery& query,
       const channel::CatalogueItem& widget,

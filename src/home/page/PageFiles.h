@@ -49,7 +49,6 @@ extern const std::string_view switchboardJs;
 extern const std::string_view engineerHtml;
 extern const std::string_view engineerColumnHtml;
 extern const std::string_view engineerPictureHtml;
-extern const std::string_view engineerDetailsHtml;
 extern const std::string_view optionHtml;
 extern const std::string_view problemHtml;
 extern const std::string_view wishHtml;
@@ -59,5 +58,12 @@ extern const std::string_view engineerImageHtml;
 extern const std::string_view engineerProblemHtml;
 extern const std::string_view engineerCss;
 extern const std::string_view engineerJs;
+extern const std::string_view inspectorHtml;
+extern const std::string_view inspectorNodeHtml;
+extern const std::string_view inspectorItemHtml;
+extern const std::string_view inspectorWarningHtml;
+extern const std::string_view inspectorWarningsHtml;
+extern const std::string_view inspectorCss;
+extern const std::string_view inspectorJs;
 
 }  // namespace quillpad::home::page

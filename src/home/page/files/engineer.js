@@ -32,7 +32,7 @@ async function render() {
   if (turn !== latest) return;
   const page = document.createElement("template");
   page.innerHTML = html;
-  document.getElementById("results").replaceWith(page.content.getElementById("results"));
+  inspector.renew(() => document.getElementById("results").replaceWith(page.content.getElementById("results")));
   const fresh = page.content.querySelector("textarea");
   editor.placeholder = fresh.placeholder;
   if (!choices.some(([name]) => name === "entry")) editor.value = untouched = fresh.value;
