@@ -99,7 +99,7 @@ const inspector = (() => {
     if (card && isInspected(card)) return light(nodeAt(event, card));
     const row = rowOf(event.target);
     if (row) return light(nodeOf(row), row.parentElement);
-    const focused = rowOf(document.activeElement);
+    const focused = root()?.querySelector(".row:focus-visible");
     light(focused ? nodeOf(focused) : pinned);
   });
 
