@@ -221,8 +221,7 @@ Markup engineerPage(const EngineerModel& model, const PageFrame& frame) {
        .title = language.text("Quillpad · {1}, engineer’s view", {query.kind}),
        .style = std::string(page::engineerCss).append(page::inspectorCss),
        .body = body,
-       .script =
-           std::string(page::eventsJs).append(page::inspectorJs).append(page::engineerJs)},
+       .script = std::string(page::eventsJs).append(page::inspectorJs).append(page::engineerJs)},
       frame);
 }
 

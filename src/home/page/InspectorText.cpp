@@ -276,6 +276,7 @@ std::string nodeLabel(const TracedNode& node) {
 
 std::vector<std::size_t> depthsOf(const LayoutTrace& trace) {
   std::vector<std::size_t> depths;
+  depths.reserve(trace.nodes.size());
   for (const TracedNode& node : trace.nodes) {
     depths.push_back(node.parent < 0 ? 0 : depths[static_cast<std::size_t>(node.parent)] + 1);
   }
@@ -309,6 +310,7 @@ std::string findingText(
 std::vector<Facts> factsOf(const Inspection& inspection, const Language& language) {
   const FactFinder finder(inspection, language);
   std::vector<Facts> facts;
+  facts.reserve(inspection.trace.nodes.size());
   for (std::size_t node = 0; node < inspection.trace.nodes.size(); ++node) {
     facts.push_back(finder.of(node));
   }

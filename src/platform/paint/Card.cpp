@@ -69,6 +69,7 @@ Inspection inspect(
   LayoutTrace trace = traceLayout(view, request.size, directionOf(request), metrics);
   auto [items, placed] = tracedItemsOf(trace.layout, request.size, request.redaction, place, texts);
   std::vector<int> nodes;
+  nodes.reserve(placed.size());
   for (const int each : placed) {
     nodes.push_back(each < 0 ? -1 : trace.itemNodes[static_cast<std::size_t>(each)]);
   }
