@@ -509,6 +509,20 @@ TEST_F(SupervisorTest, AnExtensionThatListsNothingOrTooMuchIsStartedAgain) {
   EXPECT_EQ(supervisor.widgets().size(), 2U) << "what it listed before stays";
 }
 
+TEST_F(SupervisorTest, NothingStaysOfWidgetsThatAreNeitherOfferedNorPlaced) {
+  bringUp();
+  supervisor.openGallery(now());
+  answerAllButTimelines();
+  supervisor.remove(now(), "B");
+  for (const auto& kinds : std::vector<std::vector<std::string>>{{"A", "B"}, {"A"}}) {
+    endExtension();
+    passThePause();
+    done();
+    answer("catalogue", catalogueOf(kinds));
+    EXPECT_EQ(supervisor.snapshot("B") != nullptr, kinds.size() == 2);
+  }
+}
+
 TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
   bringUp();
   reloadAll();

@@ -446,6 +446,9 @@ void Supervisor::takeCatalogue(const Moment& now, const channel::Reply& reply) {
   }
   life_ = Life::running;
   setCatalogue(catalogue->items);
+  std::erase_if(widgets_, [&](const auto& each) {
+    return offered(each.first) == nullptr && !isPlaced(each.first);
+  });
   programVersion_ += std::exchange(replaced_, false) ? 1 : 0;
   if (!everPlaced_) {
     everPlaced_ = true;
