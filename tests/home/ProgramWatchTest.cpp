@@ -77,6 +77,8 @@ TEST_F(ProgramWatchTest, TellsOfAWholeProgramAndOfResourcesAndOfNothingElse) {
 
   write(folder_.path() / "bin" / "other", "text");
   EXPECT_FALSE(isReplaced(watch)) << "another file";
+  std::ofstream(program_, std::ios::app) << "";
+  EXPECT_FALSE(isReplaced(watch)) << "the same as before";
   std::ofstream half(program_);
   half << "tw" << std::flush;
   EXPECT_FALSE(isReplaced(watch)) << "half of it";

@@ -130,7 +130,9 @@ TEST_F(WidgetHostTest, ForgetsAnAccountAsSoonAsItsStoreSaysSo) {
   }
   host_->stop(now_);
   mark = "three";
+  std::filesystem::create_directories(asideOf(file_) / "in the way");
   start("/no/such/program");
+  EXPECT_THAT(relayed_, testing::Contains(HasSubstr("cannot be removed")));
   EXPECT_EQ(clock().picture, nullptr);
   host_->run(now_);
   pass(1s);

@@ -45,8 +45,7 @@ Spacing Spacing::text(const ui::Font& font, double scale) {
   spacing.top.gaps[Edge::textBesideText] = 0;
   spacing.bottom.gaps[Edge::textBesideText] = 0;
   spacing.top.gaps[Edge::aboveText] = lineHeight + extra - systemAscender * font.size;
-  spacing.bottom.gaps[Edge::belowText] = std::max(
-      lineHeight + extra - systemCapHeight * font.size, extra + systemDescender * font.size);
+  spacing.bottom.gaps[Edge::belowText] = lineHeight + extra - systemCapHeight * font.size;
   return spacing;
 }
 

@@ -8,7 +8,6 @@
 namespace quillpad::drawing {
 
 inline constexpr double systemAscender = 0.9521;
-inline constexpr double systemDescender = 0.2412;
 inline constexpr double systemCapHeight = 0.7046;
 
 constexpr double systemLineHeight(double size) { return 1.1934 * size; }
