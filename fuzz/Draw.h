@@ -13,7 +13,7 @@ namespace quillpad {
 
 class Drawer {
  public:
-  void draw(const ui::View& view, drawing::CardRequest request) {
+  void draw(const ui::View& view, const drawing::CardRequest& request) {
     const auto list = drawing::compose(
         view, request, [this](const auto& name) { return pictures_.naturalSize(name); }, texts_);
     const auto refusal = drawing::drawingError(list);

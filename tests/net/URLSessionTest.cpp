@@ -200,7 +200,7 @@ std::string localhost(const FileDescriptor& socket) {
 }
 
 TEST_F(URLSessionTest, AddressesThatCannotBeAsked) {
-  const FileDescriptor closed = fixtures::boundTo();
+  const FileDescriptor closed = fixtures::bound();
   const std::tuple<std::string, int, const char*> cases[] = {
       {"https" + localhost(closed), -1004, "Could not connect to the server."},
       {"https://nowhere.invalid/",
@@ -386,7 +386,7 @@ TEST_F(URLSessionTest, KeptConnectionsBelongToTheirTrustStore) {
 }
 
 TEST_F(URLSessionTest, AConnectionThatNobodyTakesIsATimeout) {
-  const FileDescriptor silent = fixtures::boundTo();
+  const FileDescriptor silent = fixtures::bound();
   ::listen(silent.get(), 8);
   URLSession::shared().setTimeouts({.idle = 150ms});
   EXPECT_EQ(fetch("https" + localhost(silent)).errorCode(), -1001);
@@ -596,7 +596,7 @@ TEST_F(URLSessionTest, WatcherIsToldOfEveryEnd) {
 }
 
 TEST_F(URLSessionTest, ProxiesOfTheEnvironmentAreNotAsked) {
-  const FileDescriptor nobody = fixtures::boundTo();
+  const FileDescriptor nobody = fixtures::bound();
   const ScopedVariable proxy("HTTPS_PROXY", "http" + localhost(nobody));
   const ScopedVariable all("ALL_PROXY", "http" + localhost(nobody));
   const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, "direct"); });

@@ -35,7 +35,7 @@ TEST_F(ConfinementTest, AHostileExtensionHarmsNothing) {
   if (LandlockRuleset::kernelVersion() < 6) {
     GTEST_SKIP() << "this kernel cannot confine an extension wholly";
   }
-  const FileDescriptor sockets[] = {fixtures::boundTo(), fixtures::boundTo()};
+  const FileDescriptor sockets[] = {fixtures::bound(), fixtures::bound()};
   std::string ports[2];
   for (const int i : {0, 1}) {
     ::listen(sockets[i].get(), 8);
