@@ -144,20 +144,6 @@ TEST(JsonWriting, KeepsCompactTextOnOneLineAndEscapesControls) {
       "\"n\":[23.89,-0.0,1e+16,5e-324,18446744073709551615]}");
 }
 
-TEST(JsonWriting, WritesWhatReadsBackTheSame) {
-  const Value value = Dictionary{
-      {"",
-       Array{0, -1, 0.1 + 0.2, 1e300, -1.5, false, Null(), "\u0001\u00e9😀", std::string(1, 0)}},
-      {"nested", Dictionary{{"x", Array{Array{Array()}}}}},
-  };
-  for (const JsonLayout layout : {JsonLayout::compact, JsonLayout::pretty}) {
-    const std::string text = writeJson(value, layout).value();
-    const std::string again = writeJson(read(text).value(), layout).value();
-    EXPECT_EQ(again, text);
-  }
-  EXPECT_EQ(read(writeJson(value, JsonLayout::compact).value()).value(), value);
-}
-
 TEST(JsonWriting, RefusesWhatJsonCannotHold) {
   const Value cases[] = {
       Date(),

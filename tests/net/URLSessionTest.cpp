@@ -13,6 +13,7 @@
 
 #include "fixtures/HttpsServer.h"
 #include "fixtures/Loopback.h"
+#include "fixtures/Program.h"
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
 #include "platform/foundation/Activity.h"
@@ -284,25 +285,12 @@ TEST_F(URLSessionTest, ConnectionsThatTheServerClosedMeanwhileAreNoFailures) {
   }
 }
 
-// 258 zeros for every 13 bits, in a gzip member without an end.
 std::string zippedZeros(std::size_t count) {
-  std::string bits =
-      "110"
-      "00110000";  // a block with the fixed code, and the first zero
-  for (std::size_t i = 0; i < count; i += 258) {
-    bits +=
-        "11000101"
-        "00000";  // the byte before, 258 times
-  }
-  std::string bytes("\x1f\x8b\x08\0\0\0\0\0\0\x03", 10);
-  for (std::size_t i = 0; i + 8 <= bits.size(); i += 8) {
-    unsigned byte = 0;
-    for (std::size_t bit = 0; bit < 8; ++bit) {
-      byte |= unsigned{bits[i + bit] == '1'} << bit;
-    }
-    bytes += static_cast<char>(byte);
-  }
-  return bytes;
+  const fixtures::TemporaryFolder folder;
+  const std::string file = folder.path() / "zeros.gz";
+  const std::string command = "head -c " + std::to_string(count) + " /dev/zero | gzip >" + file;
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  return fixtures::contentsOf(file);
 }
 
 constexpr std::size_t bodyLimit = std::size_t{8} << 20;

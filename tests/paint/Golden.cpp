@@ -6,6 +6,7 @@
 #include <optional>
 #include <sstream>
 
+#include "fixtures/Program.h"
 #include "platform/paint/Comparison.h"
 #include "platform/paint/PngReader.h"
 #include "platform/paint/PngWriter.h"
@@ -16,11 +17,6 @@ namespace {
 constexpr Tolerance rounding{.channel = 8, .pixels = 20};
 
 std::string textOf(const std::vector<std::uint8_t>& bytes) { return {bytes.begin(), bytes.end()}; }
-
-std::optional<std::string> contents(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return file ? std::optional(std::string(std::istreambuf_iterator<char>(file), {})) : std::nullopt;
-}
 
 void save(const std::filesystem::path& file, const std::string& bytes) {
   std::filesystem::create_directories(file.parent_path());
@@ -35,12 +31,11 @@ using Differences = std::function<std::optional<std::string>(const std::string& 
     const std::filesystem::path& left,
     const std::string& actual,
     const Differences& differences) {
-  const auto expected = contents(golden);
-  if (!expected) {
+  if (!std::filesystem::exists(golden)) {
     save(golden, actual);
     return ::testing::AssertionFailure() << "recorded " << golden << ": look, then run again";
   }
-  const auto found = differences(*expected);
+  const auto found = differences(fixtures::contentsOf(golden));
   if (!found) {
     return ::testing::AssertionSuccess();
   }
