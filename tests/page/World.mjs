@@ -1,9 +1,12 @@
 // The programs as a person runs them, in a home of their own: the demo gateway, a signed-in store
 // and the live home screen, with a browser to look at it.
+import assert from "node:assert/strict";
 import { spawn, spawnSync } from "node:child_process";
 import { existsSync, mkdtempSync, readFileSync, rmSync } from "node:fs";
+import { createRequire } from "node:module";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
+import { after, afterEach, before } from "node:test";
 import { setTimeout as pause } from "node:timers/promises";
 import { fileURLToPath } from "node:url";
 import { chromium } from "playwright-core";
@@ -11,6 +14,7 @@ import { chromium } from "playwright-core";
 export const build = process.env.QUILLPAD_BUILD ?? fileURLToPath(new URL("../../build/release", import.meta.url));
 export const programs = join(build, "bin");
 const extensionUnderTest = join(build, "tests", "extension_under_test");
+const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
 
 const browserFlags = [
   "--no-sandbox",
@@ -93,19 +97,35 @@ export class World {
 
   async startHome() {
     const args = ["--extension", this.extension, "serve", "--port", String(this.port ?? 0), ...this.options];
-    this.home = await this.start("quillpad-home", args, /(http:\/\/127\.0\.0\.1:(\d+))\/\?key=(\w+)/);
+    this.home = await this.start("quillpad-home", args, /(http:\/\/127\.0\.0\.1:(\d+))\/\?.*key=(\w+)/);
     this.entrance = this.home.ready[0]; // what a person opens
     this.address = this.home.ready[1];
-    this.cookie = { name: `quillpad-home-${this.home.ready[2]}`, value: this.home.ready[3] };
+    this.port = this.home.ready[2]; // and stays there
+    this.token = undefined;
+    this.cookie = { name: `quillpad-home-${this.port}`, value: this.home.ready[3] };
   }
 
-  static async start(locale) {
-    const world = new World();
-    world.locale = locale;
-    await world.startGateway();
-    world.signIn();
-    await world.startHome();
-    return world;
+  async restartHome(signal) {
+    await this.stop(this.home, signal);
+    await this.startHome();
+  }
+
+  // With a signed-in store, until all widgets are live.
+  async begin() {
+    try {
+      await this.startGateway();
+      this.signIn();
+      await this.startHome();
+      await this.untilLive();
+    } catch (error) {
+      await this.end();
+      throw error;
+    }
+    return this;
+  }
+
+  static start(settings) {
+    return Object.assign(new World(), settings).begin();
   }
 
   // What the home screen runs now.
@@ -138,9 +158,10 @@ export class World {
     return html.match(/name="page-token" content="(\w+)"/)[1];
   }
 
-  // Asks the home screen for a change, with the token of its page.
-  change(what, token) {
-    return this.fetch(what, { method: "POST", headers: { "X-Page-Token": token } });
+  // Asks the home screen for a change, as its page would.
+  async change(what) {
+    this.token ??= await this.pageToken();
+    return this.fetch(what, { method: "POST", headers: { "X-Page-Token": this.token } });
   }
 
   // What the page would show: the markup of each card, by kind.
@@ -149,13 +170,87 @@ export class World {
     return changes.cards;
   }
 
-  async allLive(count = 5) {
-    const cards = Object.values(await this.cards());
-    return cards.length === count && cards.every((html) => html.includes('data-status="live"'));
+  async looks() {
+    return Object.entries(await this.cards()).map(([kind, html]) => ({
+      kind,
+      status: html.match(/data-status="(\w+)"/)[1],
+      hasPicture: html.includes("<svg"),
+      texts: [...html.matchAll(/<svg[^>]* aria-label="([^"]*)"/g)].flatMap(([, label]) => label.split(", ")),
+    }));
+  }
+
+  async allLive() {
+    const looks = await this.looks();
+    return looks.length === 5 && looks.every(({ status }) => status === "live");
+  }
+
+  untilLive() {
+    return until("all widgets are live", () => this.allLive());
   }
 
   async end() {
     for (const child of [...this.processes]) await this.stop(child, "SIGKILL");
     rmSync(this.folder, { recursive: true, force: true });
   }
+}
+
+// What the tests of a file share. Each test's pages are closed after it; whatever they did, they broke no content policy
+// and left no error on the console.
+export let world, browser;
+let contexts = [];
+let problems = [];
+
+export function shareWorld({ start = World.start, launch = launchBrowser } = {}) {
+  before(async () => {
+    world = await start();
+    browser = await launch();
+  });
+  afterEach(async () => {
+    for (const context of contexts.splice(0)) await context.close();
+    assert.deepEqual(problems.splice(0), []);
+  });
+  after(async () => {
+    await browser?.close();
+    await world?.end();
+  });
+}
+
+// A home screen or gateway that is gone, one that came anew, and a page that is not there.
+function isExpected(message) {
+  const [failure] = message.text().match(/(?<=^Failed to load resource: .*)(net::ERR|40[34]|502)/) ?? [];
+  return failure === "404" ? message.location().url === message.page().url() : failure !== undefined;
+}
+
+// Opens a page beside the test's others, or with options in a context of its own.
+export async function open(path = "/", options) {
+  if (contexts.length === 0 || options) {
+    const context = await world.newContext(browser, options);
+    context.on("console", (message) => message.type() === "error" && !isExpected(message) && problems.push(message.text()));
+    context.on("weberror", (failure) => problems.push(String(failure.error())));
+    contexts.push(context);
+  }
+  const page = await contexts.at(-1).newPage();
+  await page.goto(world.address + path);
+  return page;
+}
+
+// The accessibility audit, or some of its rules, finds nothing.
+export async function audit(page, rules) {
+  await page.evaluate(axe);
+  const { violations } = await page.evaluate((some) => axe.run(some ? { runOnly: some } : {}), rules);
+  assert.deepEqual(violations.map(({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html.slice(0, 120))}`), []);
+}
+
+// What is painted of the widget: its label for readers, in the appearance that shows.
+export const labelOf = (page, kind = "SalesSmallWidget") =>
+  page.locator(`[data-kind="${kind}"] .card svg:visible`).first().getAttribute("aria-label");
+
+export async function reload(page) {
+  await page.locator("#reload").click();
+  await page.locator('#reload[data-progress="done"]').waitFor();
+}
+
+export async function openGallery(page) {
+  await page.locator("#open-gallery").click();
+  await page.locator("dialog .offer").last().waitFor();
 }

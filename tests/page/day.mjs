@@ -32,7 +32,6 @@ const extension = join(world.folder, "extension");
 symlinkSync(world.extension, extension);
 world.extension = extension;
 await world.startHome();
-world.port = new URL(world.address).port;
 
 const token = join(world.folder, "gateway", "token");
 
@@ -72,16 +71,6 @@ function check(where, cards) {
   }
 }
 
-const textsOf = (label) => (label ?? "").split(", ");
-
-async function cardsOfServer() {
-  return Object.entries(await world.cards()).map(([kind, html]) => ({
-    kind,
-    status: html.match(/data-status="(\w+)"/)[1],
-    texts: [...html.matchAll(/<svg[^>]* aria-label="([^"]*)"/g)].flatMap(([, label]) => textsOf(label)),
-  }));
-}
-
 // Nothing while the tab is just loading.
 async function cardsOfTab(tab) {
   const cards = await tab
@@ -93,7 +82,7 @@ async function cardsOfTab(tab) {
       })),
     )
     .catch(() => []);
-  return cards.map(({ label, ...card }) => ({ ...card, texts: textsOf(label) }));
+  return cards.map(({ label, ...card }) => ({ ...card, texts: (label ?? "").split(", ") }));
 }
 
 async function look() {
@@ -103,7 +92,7 @@ async function look() {
     if (cards.length > 0 && former === formerFigures) check("a tab", cards);
   }
   if (!homeIsUp) return;
-  const cards = await cardsOfServer();
+  const cards = await world.looks();
   if (former === formerFigures) check("the home screen", cards);
 }
 
@@ -115,7 +104,7 @@ async function pass(minutes, ...statuses) {
     await pause(100);
   }
   await until("the tab is there", async () => (await cardsOfTab(tabs[0])).length > 0);
-  for (const cards of [await cardsOfServer(), await cardsOfTab(tabs[0])]) {
+  for (const cards of [await world.looks(), await cardsOfTab(tabs[0])]) {
     const other = cards.filter(({ status }) => !statuses.includes(status)).map(({ kind, status }) => `${kind} ${status}`);
     if (cards.length !== 5 || other.length > 0) failures.push(`expected ${statuses}: ${other}, ${cards.length} cards`);
   }

@@ -1,28 +1,23 @@
 // The page in Firefox, driven over WebDriver BiDi.
 import assert from "node:assert/strict";
 import { existsSync } from "node:fs";
-import { after, before, test } from "node:test";
+import { test } from "node:test";
 import puppeteer from "puppeteer-core";
-import { World, until } from "./World.mjs";
+import { shareWorld, until, world } from "./World.mjs";
 
 const firefox = "/usr/bin/firefox-esr";
 const skip = existsSync(firefox) ? false : `${firefox} is not installed`;
 const salesCard = '[data-kind="SalesSmallWidget"]';
+let page;
 
-let world, browser, page;
-
-before(async () => {
-  if (skip) return;
-  world = await World.start();
-  await until("all widgets are live", () => world.allLive());
-  browser = await puppeteer.launch({ browser: "firefox", executablePath: firefox });
-  page = await browser.newPage();
-  await page.goto(world.entrance);
-});
-
-after(async () => {
-  await browser?.close();
-  await world?.end();
+shareWorld({
+  async launch() {
+    if (skip) return null;
+    const fox = await puppeteer.launch({ browser: "firefox", executablePath: firefox });
+    page = await fox.newPage();
+    await page.goto(world.entrance);
+    return fox;
+  },
 });
 
 const label = () => page.$eval(`${salesCard} .card svg`, (svg) => svg.getAttribute("aria-label"));
@@ -46,13 +41,12 @@ test("a change shows at once", { skip }, async () => {
 });
 
 test("a home screen that is killed is told and comes back", { skip }, async () => {
-  world.port = new URL(world.address).port;
   await world.stop(world.home, "SIGKILL");
   await until("it is told", told);
   await world.startHome();
   await until("it is back", async () => (await told()) === false && (await statuses()) === live);
   process.kill(world.extensionProcess(), "SIGKILL");
-  await world.change("/reload", await world.pageToken());
+  await world.change("/reload");
   await until("the extension is back too", async () => (await statuses()) === live);
 });
 

@@ -1,25 +1,14 @@
 // Where the widgets stand, on the real programs.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
+import { test } from "node:test";
 import { setTimeout as pause } from "node:timers/promises";
-import { World, launchBrowser, until } from "./World.mjs";
+import { open, shareWorld, until, world } from "./World.mjs";
 
-let world, browser, page;
+shareWorld();
 
-before(async () => {
-  world = await World.start();
-  browser = await launchBrowser();
-  await until("all widgets are live", () => world.allLive());
-  const context = await world.newContext(browser, { viewport: { width: 1000, height: 800 }, hasTouch: true });
-  page = await context.newPage();
-  await page.goto(world.address);
-});
+let page;
 
-after(async () => {
-  await browser?.close();
-  await world?.end();
-});
-
+const openDesk = async () => (page = await open("/", { viewport: { width: 1000, height: 800 }, hasTouch: true }));
 const card = (kind) => page.locator(`[data-kind="${kind}Widget"]`);
 const shown = async () =>
   (await page.locator(".widget").evaluateAll((cards) => cards.map((each) => each.dataset.kind.replace("Widget", "")))).join(" ");
@@ -36,32 +25,33 @@ async function middle(kind) {
   return { x: x + width / 2, y: y + height / 2 };
 }
 
-test("a card is dragged to another place, and no link is followed", async () => {
-  const [from, to] = [await middle("SalesSmall"), await middle("UnpaidSmall")];
+test("a card is dragged to another place, and no link is followed; Escape puts it back", async () => {
+  await openDesk();
   const opened = [];
   page.on("framenavigated", (frame) => opened.push(frame.url()));
-  await page.mouse.move(from.x, from.y);
-  await page.mouse.down();
-  await page.mouse.move(from.x + 40, from.y, { steps: 4 });
-  await page.mouse.move(to.x + 30, to.y, { steps: 8 });
+  const drag = async (kind, other) => {
+    const [from, to] = [await middle(kind), await middle(other)];
+    await page.mouse.move(from.x, from.y);
+    await page.mouse.down();
+    await page.mouse.move(from.x + 40, from.y, { steps: 4 });
+    await page.mouse.move(to.x + 30, to.y, { steps: 8 });
+  };
+  await drag("SalesSmall", "UnpaidSmall");
   await page.mouse.up();
-  await expectOrder("PendingSmall UnpaidSmall SalesSmall PendingMedium UnpaidMedium");
+  const order = "PendingSmall UnpaidSmall SalesSmall PendingMedium UnpaidMedium";
+  await expectOrder(order);
   assert.deepEqual(opened, []);
-});
 
-test("Escape puts a card that is being dragged back", async () => {
-  const [before, from, to] = [await shown(), await middle("SalesSmall"), await middle("UnpaidMedium")];
-  await page.mouse.move(from.x, from.y);
-  await page.mouse.down();
-  await page.mouse.move(to.x + 60, to.y, { steps: 8 });
-  assert.notEqual(await shown(), before);
+  await drag("SalesSmall", "UnpaidMedium");
+  assert.notEqual(await shown(), order);
   await page.keyboard.press("Escape");
   await page.mouse.up();
-  await expectOrder(before);
+  await expectOrder(order);
 });
 
 test("on a touch screen a long press lifts a card, and a swipe does not", async () => {
-  const before = await shown();
+  await openDesk();
+  const order = await shown();
   const from = await middle("UnpaidMedium");
   const devtools = await page.context().newCDPSession(page);
   const touch = (type, ...touchPoints) => devtools.send("Input.dispatchTouchEvent", { type, touchPoints });
@@ -74,13 +64,14 @@ test("on a touch screen a long press lifts a card, and a swipe does not", async 
     await touch("touchEnd");
   };
   await dragToTheFirst(0);
-  await expectOrder(before);
+  await expectOrder(order);
   await page.evaluate(() => scrollTo(0, 0));
   await dragToTheFirst(600);
   await expectOrder("UnpaidMedium PendingSmall UnpaidSmall SalesSmall PendingMedium");
 });
 
 test("arrow keys move a card, say where it is, and keep the focus; the order outlives a restart", async () => {
+  await openDesk();
   const handle = card("UnpaidMedium").getByRole("button", { name: /^Move Unpaid/ });
   await handle.focus();
   for (const [key, order] of [
@@ -95,18 +86,13 @@ test("arrow keys move a card, say where it is, and keep the focus; the order out
   }
   assert.equal(await page.locator("#moved").innerText(), "Unpaid Invocies: 5 of 5");
   const order = await kept();
-  world.port = new URL(world.address).port;
-  await world.stop(world.home);
-  await world.startHome();
+  await world.restartHome();
   assert.equal(await kept(), order);
 });
 
 test("few cards stand in the middle, and a narrow window cuts nothing off", async () => {
-  const token = await world.pageToken();
-  for (const kind of ["PendingSmall", "UnpaidSmall", "PendingMedium"]) {
-    await world.change(`/remove?kind=${kind}Widget`, token);
-  }
-  await page.goto(world.address);
+  for (const kind of ["PendingSmall", "UnpaidSmall", "PendingMedium"]) await world.change(`/remove?kind=${kind}Widget`);
+  await openDesk();
   for (const width of [320, 357, 400, 768, 1440]) {
     await page.setViewportSize({ width, height: 800 });
     const boxes = await page.locator(".card svg:visible").evaluateAll((cards) => cards.map((each) => each.getBoundingClientRect().toJSON()));

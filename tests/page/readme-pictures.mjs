@@ -7,7 +7,6 @@ const docs = fileURLToPath(new URL("../../docs/", import.meta.url));
 const world = await World.start();
 const browser = await launchBrowser();
 try {
-  await until("all widgets are live", () => world.allLive());
   for (const colorScheme of ["light", "dark"]) {
     const page = await (await world.newContext(browser, {
       viewport: { width: 860, height: 620 },

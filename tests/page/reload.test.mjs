@@ -1,38 +1,25 @@
 // The extension's program and its resources replaced while pages look on.
 import assert from "node:assert/strict";
-import {
-  closeSync,
-  existsSync,
-  mkdirSync,
-  openSync,
-  readFileSync,
-  renameSync,
-  rmSync,
-  writeFileSync,
-  writeSync,
-} from "node:fs";
+import { closeSync, existsSync, mkdirSync, openSync, readFileSync, renameSync, rmSync, writeFileSync, writeSync } from "node:fs";
 import { join } from "node:path";
-import { after, before, test } from "node:test";
+import { test } from "node:test";
 import { setTimeout as pause } from "node:timers/promises";
-import { World, build, launchBrowser, until } from "./World.mjs";
+import { World, build, open, openGallery, shareWorld, until, world } from "./World.mjs";
 
 const original = readFileSync(join(build, "tests", "stamped_extension"));
-const replacements = 100;
+const replacements = 50;
 
-let world, browser, program;
+let program;
 
-before(async () => {
-  world = new World();
-  program = world.extension = join(world.folder, "bin", "program");
-  mkdirSync(join(world.folder, "bin"));
-  rename("v0");
-  await world.startHome();
-  browser = await launchBrowser();
-});
-
-after(async () => {
-  await browser?.close();
-  await world?.end();
+shareWorld({
+  async start() {
+    const stamped = new World();
+    program = stamped.extension = join(stamped.folder, "bin", "program");
+    mkdirSync(join(stamped.folder, "bin"));
+    rename("v0");
+    await stamped.startHome();
+    return stamped;
+  },
 });
 
 function programOf(stamp) {
@@ -64,15 +51,9 @@ const shows = (page, stamp, cards) => async () => {
 };
 
 test(`${replacements} replacements at random moments leave no blank, no mixture and no process`, async () => {
-  const [home, gallery, engineer] = await Promise.all(
-    ["/", "/", "/?view=engineer"].map(async (path) => {
-      const page = await (await world.newContext(browser)).newPage();
-      await page.goto(world.address + path);
-      return page;
-    }),
-  );
+  const [home, gallery, engineer] = [await open(), await open(), await open("/?view=engineer")];
   await until("the first program shows", shows(home, "v0"));
-  await gallery.getByRole("button", { name: "Widgets" }).click();
+  await openGallery(gallery);
   await until("its snapshots show", shows(gallery, "v0", "dialog .card svg"));
   await home.evaluate(() => {
     window.states = [];
@@ -106,8 +87,7 @@ test(`${replacements} replacements at random moments leave no blank, no mixture 
 });
 
 test("a program that breaks or ends at once leaves the last pictures, marked with its last words", async () => {
-  const page = await (await world.newContext(browser)).newPage();
-  await page.goto(world.address);
+  const page = await open();
   for (const [stamp, words] of [["breaks", "this program breaks"], ["ends", "this program ends at once"]]) {
     rename(`good before it ${stamp}`);
     await until("a good program shows", shows(page, `good before it ${stamp}`));

@@ -1,43 +1,29 @@
 // The faults of the demo gateway, switched from the page.
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
-import { createRequire } from "node:module";
 import { join } from "node:path";
-import { after, before, test } from "node:test";
-import { World, launchBrowser, until } from "./World.mjs";
+import { test } from "node:test";
+import { World, audit, open, shareWorld, until, world } from "./World.mjs";
 
-const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
-
-let world, browser, context;
-
-before(async () => {
-  world = new World();
-  await world.startGateway();
-  world.signIn();
-  world.options = ["--switchboard", join(world.folder, "gateway", "switchboard.json")];
-  await world.startHome();
-  browser = await launchBrowser();
-  context = await world.newContext(browser);
-  await until("all widgets are live", () => world.allLive());
-});
-
-after(async () => {
-  await browser?.close();
-  await world?.end();
+shareWorld({
+  start() {
+    const demo = new World();
+    demo.options = ["--switchboard", join(demo.folder, "gateway", "switchboard.json")];
+    return demo.begin();
+  },
 });
 
 const notes = async () => Object.values(await world.cards()).join().match(/answered with status 500/g)?.length ?? 0;
 
 test("a fault that is switched shows at once, and goes when it is switched off", async () => {
-  const page = await context.newPage();
-  await page.goto(`${world.address}/?view=process`);
+  const page = await open("/?view=process");
   const fault = page.getByRole("combobox", { name: "Fault" });
   await until("the faults are offered", async () => (await fault.count()) === 1);
   assert.equal(await fault.inputValue(), "off");
   const asked = await page.content();
   for (const file of ["switchboard.json", "token"]) {
     const text = readFileSync(join(world.folder, "gateway", file), "utf8");
-    assert.ok(!asked.includes(file === "token" ? text : JSON.parse(text).token), file);
+    assert.ok(!asked.includes(file === "token" ? text.trim() : JSON.parse(text).token), file);
   }
   await fault.selectOption("status=500");
   await page.getByLabel("Delay").fill("0.2");
@@ -45,9 +31,7 @@ test("a fault that is switched shows at once, and goes when it is switched off",
   await until("every card says so", async () => (await notes()) === 5);
   await page.getByText("Switched. The widgets are asked anew.").waitFor();
   await page.getByText(/getDataMap: status 500, 2\d\d ms/).first().waitFor();
-  await page.evaluate(axe);
-  const { violations } = await page.evaluate(() => axe.run());
-  assert.deepEqual(violations.map(({ id }) => id), []);
+  await audit(page);
 
   await page.reload();
   await until("the fault in force is chosen", async () => (await fault.inputValue()) === "status=500");
@@ -70,9 +54,8 @@ test("only the page switches, and a gateway that is gone or came anew is told", 
   assert.equal(foreign.status, 403);
   assert.ok(await world.allLive());
 
-  const page = await context.newPage();
   await world.stop(world.gateway);
-  await page.goto(`${world.address}/?view=process`);
+  const page = await open("/?view=process");
   await page.getByText("The switchboard does not answer: Could not connect to the server.").waitFor();
   await world.startGateway();
   await page.reload();
@@ -80,9 +63,8 @@ test("only the page switches, and a gateway that is gone or came anew is told", 
 });
 
 test("without a switchboard nothing of it is on the page", async () => {
-  await world.stop(world.home);
   world.options = [];
-  await world.startHome();
+  await world.restartHome();
   const html = await (await world.fetch("/?view=process")).text();
   assert.ok(!html.includes("switchboard") && !html.includes("Faults"));
   assert.equal((await world.fetch("/switchboard")).status, 404);

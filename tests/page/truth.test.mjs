@@ -2,24 +2,14 @@
 import assert from "node:assert/strict";
 import { readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
-import { after, afterEach, before, beforeEach, test } from "node:test";
+import { beforeEach, test } from "node:test";
 import { setTimeout as pause } from "node:timers/promises";
-import { World, launchBrowser, until } from "./World.mjs";
+import { labelOf, open, openGallery, shareWorld, until, world } from "./World.mjs";
+
+shareWorld();
 
 const salesCard = '[data-kind="SalesSmallWidget"]';
-
-let world, browser, context, page;
-
-before(async () => {
-  world = await World.start();
-  world.port = new URL(world.address).port;
-  browser = await launchBrowser();
-});
-
-after(async () => {
-  await browser?.close();
-  await world?.end();
-});
+let page;
 
 // Whatever the test before left behind.
 beforeEach(async () => {
@@ -27,16 +17,12 @@ beforeEach(async () => {
   await world.startGateway();
   world.signIn();
   if (!world.processes.has(world.home)) await world.startHome();
-  await world.change("/reload", await world.pageToken());
-  await until("all widgets are live", () => world.allLive());
-  context = await world.newContext(browser);
-  page = await context.newPage();
-  await page.goto(world.address);
+  await world.change("/reload");
+  await world.untilLive();
+  page = await open();
 });
 
-afterEach(() => context.close());
-
-const figures = () => page.locator(`${salesCard} .card svg:visible`).first().getAttribute("aria-label");
+const figures = () => labelOf(page);
 const status = () => page.locator(salesCard).getAttribute("data-status");
 const times = () => page.locator(`${salesCard} .times`).innerText();
 const opacity = () => page.locator(`${salesCard} .card`).evaluate((card) => getComputedStyle(card).opacity);
@@ -67,8 +53,10 @@ test("the last good figures stay while the gateway is away, and say so", async (
   await page.getByRole("switch", { name: "As the phone shows it" }).uncheck();
   assert.equal(await figures(), good);
 
-  await world.stop(world.home);
+  assert.deepEqual(await world.stop(world.home), { code: 0, signal: null });
   await world.startHome();
+  const first = await world.looks();
+  assert.ok(first.length === 5 && first.every(({ hasPicture }) => hasPicture), "the pictures are there before anything else");
   await page.goto(world.address);
   await until("the next run's answer is there", async () => /^as of.*reloads in/.test(await times()));
   assert.match(await times(), keptLine);
@@ -98,7 +86,7 @@ test("after a sign-out nothing of the business is shown or kept", async () => {
     world.signIn(); // while nobody looks
     await world.startHome();
     await page.goto(world.address);
-    await until("all widgets are live", () => world.allLive());
+    await world.untilLive();
   }
 });
 
@@ -114,22 +102,20 @@ test("without a sign-in one sentence names the command that signs in", async () 
 
 test("a slow answer is told after two seconds, and Reload works until it is done", async () => {
   await world.stop(world.gateway);
-  await world.startGateway("delay=4000");
+  await world.startGateway("delay=3000");
   const progress = () => page.locator("#reload").getAttribute("data-progress");
   await reload();
   await until("Reload is at work", async () => (await progress()) === "working");
   assert.doesNotMatch(await times(), /asking/);
-  await until("the card says so", async () => /asking since \d+:\d\d:\d\d/.test(await times()), 3500);
+  await until("the card says so", async () => /asking since \d+:\d\d:\d\d/.test(await times()), 2900);
   assert.equal(await status(), "live", "what it shows is still the newest");
   assert.equal(await page.locator("#reload-state").innerText(), "Reloading…");
   await until("Reload is done", async () => (await progress()) === "done");
   assert.doesNotMatch(await times(), /asking/);
-  await until("Reload is at rest", async () => (await progress()) === "");
-
   await page.locator('[data-kind="UnpaidSmallWidget"]').getByRole("button", { name: /^Reload .*, Small$/ }).click();
   await page.locator('.awaited[data-kind="UnpaidSmallWidget"]').waitFor();
   assert.equal(await page.locator(".awaited").count(), 1, "it alone is asked");
-  await page.locator(".awaited").waitFor({ state: "detached" });
+  await until("Reload is at rest", async () => (await progress()) === "");
 });
 
 test("a click that goes astray is done as soon as the home screen answers", async () => {
@@ -144,13 +130,11 @@ test("a click that goes astray is done as soon as the home screen answers", asyn
 test("a click on a page of the run before is done, not lost", async () => {
   await page.route("**/events*", (route) => route.abort()); // so that it hears nothing of the restart
   await page.reload();
-  await page.getByRole("button", { name: "Widgets" }).click();
-  await page.locator("dialog .offer").last().waitFor();
-  await world.stop(world.home);
-  await world.startHome();
+  await openGallery(page);
+  await world.restartHome();
   await page.locator('dialog [data-kind="UnpaidMediumWidget"]').click();
   await until("it is removed", async () => (await page.locator(".home .widget").count()) === 4);
-  await world.change("/place?kind=UnpaidMediumWidget", await world.pageToken());
+  await world.change("/place?kind=UnpaidMediumWidget");
 });
 
 test("while the home screen does not answer it promises nothing, and the gallery says so", async () => {
@@ -196,7 +180,8 @@ test("restarts neither move the page nor let the banner blink", async () => {
     };
     look();
   });
-  await pause(9000); // the first three restarts
+  const printed = async () => (await world.fetch("/?view=process")).text();
+  await until("it was started again twice, and ended", async () => (await printed()).split("exit status 1").length > 3);
   const seen = await page.evaluate(() => window.seen);
   assert.equal(new Set(seen.map(({ top }) => top)).size, 1, "the cards stay where they are");
   const texts = seen.map(({ says }) => says);

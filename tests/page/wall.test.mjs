@@ -1,41 +1,22 @@
 // The home screen on a wall, on the real programs.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
-import { World, launchBrowser, until } from "./World.mjs";
+import { test } from "node:test";
+import { World, open, shareWorld, until, world } from "./World.mjs";
 
-let world, browser;
+shareWorld({ start: () => World.start({ options: ["--view", "wall"] }) });
 
-before(async () => {
-  world = await World.start();
-  browser = await launchBrowser();
-  await until("all widgets are live", () => world.allLive());
-});
+const openWall = () => open(world.entrance.slice(world.address.length));
 
-after(async () => {
-  await browser?.close();
-  await world?.end();
-});
-
-async function openWall(options = {}) {
-  const page = await (await world.newContext(browser, options)).newPage();
-  if (options.reducedMotion) await page.clock.install();
-  await page.goto(`${world.address}/?view=wall`);
-  return page;
-}
-
-const line = (page) => page.locator(".line");
-
-test("the cards fill any window, and nothing else is there", async () => {
+test("at the printed address the cards fill any window, and nothing else is there", async () => {
   const page = await openWall();
   for (const [width, height] of [[3840, 2160], [800, 480], [480, 800], [320, 480]]) {
     await page.setViewportSize({ width, height });
     await page.evaluate(() => new Promise((resolve) => requestAnimationFrame(() => setTimeout(resolve))));
     const boxes = await page.locator(".card").evaluateAll((cards) => cards.map((card) => card.getBoundingClientRect().toJSON()));
-    const words = await line(page).boundingBox();
-    const room = { left: width, top: height, right: 0, bottom: 0 };
+    const words = await page.locator(".line").boundingBox();
+    const side = (name, choose) => choose(...boxes.map((box) => box[name]));
+    const room = { left: side("left", Math.min), top: side("top", Math.min), right: side("right", Math.max), bottom: side("bottom", Math.max) };
     for (const [index, box] of boxes.entries()) {
-      for (const side of ["left", "top"]) room[side] = Math.min(room[side], box[side]);
-      for (const side of ["right", "bottom"]) room[side] = Math.max(room[side], box[side]);
       for (const other of boxes.slice(index + 1)) {
         assert.ok(box.right <= other.left + 1 || other.right <= box.left + 1 || box.bottom <= other.top + 1);
       }
@@ -47,13 +28,12 @@ test("the cards fill any window, and nothing else is there", async () => {
   }
   assert.equal(await page.locator(":is(button, summary, .name, .times, footer a):visible").count(), 0);
   assert.equal(await page.locator(".card").first().evaluate((card) => getComputedStyle(card).cursor), "none");
-  await page.context().close();
 });
 
 test("what is not live is seen at the edge of the card, in the line, in the title and in the icon", async () => {
   const page = await openWall();
   const looks = async () => ({
-    line: await line(page).innerText(),
+    line: await page.locator(".line").innerText(),
     title: await page.title(),
     icon: await page.locator('link[rel="icon"]').getAttribute("href"),
     edge: await page.locator(".card").first().evaluate((card) => getComputedStyle(card).outlineStyle),
@@ -61,16 +41,15 @@ test("what is not live is seen at the edge of the card, in the line, in the titl
   const live = await looks();
   assert.match(live.line, /^Live, \d+:\d\d/);
   await world.stop(world.gateway);
-  await world.change("/reload", await world.pageToken());
+  await world.change("/reload");
   await until("the line tells", async () => !(await looks()).line.startsWith("Live"));
   const away = await looks();
   for (const [what, looked] of Object.entries(away)) assert.notEqual(looked, live[what], what);
   assert.ok(away.title.startsWith(away.line));
   await world.startGateway();
-  await world.change("/reload", await world.pageToken());
+  await world.change("/reload");
   await until("the line is back", async () => (await looks()).line.startsWith("Live"));
   assert.equal((await looks()).title, live.title);
-  await page.context().close();
 });
 
 test("a click fills the screen and keeps it awake, and follows no link", async () => {
@@ -82,30 +61,20 @@ test("a click fills the screen and keeps it awake, and follows no link", async (
   await page.locator(".card").first().click();
   await until("it fills the screen", () => page.evaluate(() => document.fullscreenElement !== null));
   assert.deepEqual(await page.evaluate(() => window.locks), ["screen"]);
-  assert.equal(await page.evaluate(() => document.querySelector("[data-opened]")), null);
-  await page.context().close();
+  assert.equal(await page.locator("#tapped").innerText(), "");
 });
 
-for (const reducedMotion of ["no-preference", "reduce"]) {
-  test(`with motion "${reducedMotion}" the picture wanders as wanted`, async () => {
-    const page = await openWall({ reducedMotion });
+test("the picture wanders, but for a person who wants no motion", async () => {
+  const page = await openWall();
+  await page.clock.install();
+  await page.reload();
+  for (const reducedMotion of ["no-preference", "reduce"]) {
+    await page.emulateMedia({ reducedMotion });
     const seen = new Set();
     for (let step = 0; step < 12; ++step) {
       await page.clock.runFor("00:40");
       seen.add(JSON.stringify(await page.locator(".card").first().boundingBox()));
     }
     assert.ok(reducedMotion === "reduce" ? seen.size === 1 : seen.size > 4, [...seen].join());
-    await page.context().close();
-  });
-}
-
-test("--view wall prints the wall's address", async () => {
-  const own = new World();
-  own.gatewayPort = world.gatewayPort;
-  const home = await own.start("quillpad-home", ["--extension", own.extension, "serve", "--port", "0", "--view", "wall"], /http:\S+\n/);
-  const page = await (await browser.newContext()).newPage();
-  await page.goto(home.ready[0].trim());
-  assert.ok(await line(page).isVisible());
-  await page.context().close();
-  await own.end();
+  }
 });

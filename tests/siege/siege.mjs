@@ -40,11 +40,7 @@ await world.stop(world.gateway);
 const gateway = new HostileGateway(join(world.folder, "gateway"), random);
 await gateway.listen(world.gatewayPort);
 await world.startHome();
-world.port = new URL(world.address).port;
-let token = await world.pageToken();
 
-const statusOf = (html) => html.match(/data-status="(\w+)"/)[1];
-const textsOf = (html) => (html.match(/<svg[^>]* aria-label="([^"]*)"/)?.[1] ?? "").split(", ");
 const signal = (pid, name) => {
   try {
     return pid !== undefined && process.kill(pid, name);
@@ -54,7 +50,7 @@ const signal = (pid, name) => {
 };
 const reload = () => {
   ++count.reloads;
-  return world.change("/reload", token).catch(() => {});
+  return world.change("/reload").catch(() => {});
 };
 
 // What holds at every moment at which the home screen runs.
@@ -63,16 +59,12 @@ let siegeEnds = false;
 const drawn = new Set(); // the cards seen with a picture since the home screen started
 
 function checkCards(cards) {
-  const kinds = Object.entries(cards);
-  if (kinds.length === 0 && drawn.size === 0) return; // started without a state: the catalogue is still to come
-  if (kinds.length !== 5) failures.push(`there are ${kinds.length} cards`);
-  for (const [kind, html] of kinds) {
-    const hasPicture = html.includes("<svg");
+  if (cards.length === 0 && drawn.size === 0) return; // started without a state: the catalogue is still to come
+  if (cards.length !== 5) failures.push(`there are ${cards.length} cards`);
+  for (const { kind, status, hasPicture, texts } of cards) {
     if (drawn.has(kind) && !hasPicture) failures.push(`${kind} is blank`);
     if (hasPicture) drawn.add(kind);
-    if (statusOf(html) === "live" && !gateway.gave(textsOf(html))) {
-      failures.push(`${kind} says live and shows ${textsOf(html).join(", ")}`);
-    }
+    if (status === "live" && !gateway.gave(texts)) failures.push(`${kind} says live and shows ${texts.join(", ")}`);
   }
 }
 
@@ -90,7 +82,7 @@ async function watch() {
     const pid = world.home.pid;
     const begin = performance.now();
     try {
-      const cards = await world.cards();
+      const cards = await world.looks();
       answerTimes.push(performance.now() - begin);
       if (pid !== world.home.pid) continue; // of a run that is over
       ++count.moments;
@@ -167,7 +159,6 @@ async function restartHome() {
   await world.stop(world.home, pick(["SIGKILL", "SIGTERM"]));
   drawn.clear();
   await world.startHome();
-  token = await world.pageToken();
   homeIsUp = true;
   ++count.restarts;
 }
@@ -176,13 +167,13 @@ async function restartHome() {
 async function settle(answersAreGood) {
   gateway.damagedShare = answersAreGood ? 0 : 1;
   let asked = 0;
-  const isWanted = (html) => (statusOf(html) === "live") === answersAreGood;
+  const isWanted = ({ status }) => (status === "live") === answersAreGood;
   await until(`every card ${answersAreGood ? "is" : "stops being"} live`, async () => {
     if (Date.now() - asked > 500) {
       asked = Date.now();
       await reload();
     }
-    return Object.values(await world.cards()).every(isWanted);
+    return (await world.looks()).every(isWanted);
   });
 }
 
