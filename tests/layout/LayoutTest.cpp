@@ -46,15 +46,6 @@ std::string laidOut(
   return describe(layOut(view, size, direction, metrics));
 }
 
-Text text(std::string characters, double size = 10) {
-  return Text::verbatim(std::move(characters)).font({size, Weight::regular});
-}
-
-// A view that takes exactly so much.
-View box(double width, double height) {
-  return Rectangle(black).frame({.width = width, .height = height});
-}
-
 // A view that takes what it is offered, down to `least` and up to `most` across the row.
 View flexible(double least, double most) {
   return Rectangle(black).frame({.minWidth = least, .maxWidth = most}).frame({.height = 10});

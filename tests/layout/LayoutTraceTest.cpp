@@ -11,14 +11,6 @@ namespace {
 
 using namespace ui;
 
-Text text(std::string characters) {
-  return Text::verbatim(std::move(characters)).font({10, Weight::regular});
-}
-
-View box(double width, double height) {
-  return Rectangle(blackColor).frame(Frame{.width = width, .height = height});
-}
-
 std::string sizeName(Size size) {
   std::ostringstream name;
   name << size.width << "x" << size.height;
@@ -56,50 +48,50 @@ std::string traced(
 
 TEST(LayoutTrace, SaysWhatEachNodeWasOfferedAndTook) {
   const struct {
-    const char* what;
     View view;
     Size size;
     const char* trace;
     LayoutDirection direction = LayoutDirection::leftToRight;
   } cases[] = {
-      {"the outermost modifier is around the others, a link too",
-       text("ab")
+      // the outermost modifier is around the others, a link too
+      {text("ab")
            .padding({.top = 1, .leading = 2, .bottom = 3, .trailing = 4})
            .widgetURL(URL::parse("quillpad://a")),
        {100, 50},
        "link 100x50 > 26x14 at 37,18\n"
        " padding 100x50 > 26x14 at 37,18\n"
        "  text 94x46 > 20x10 at 39,19\n"},
-      {"the same mirrored",
-       text("ab").padding({.top = 1, .leading = 2, .bottom = 3, .trailing = 4}),
+      // the same mirrored
+      {text("ab").padding({.top = 1, .leading = 2, .bottom = 3, .trailing = 4}),
        {100, 50},
        "padding 100x50 > 26x14 at 37,18\n"
        " text 94x46 > 20x10 at 41,19\n",
        LayoutDirection::rightToLeft},
-      {"children of a stack with what it shared out last",
-       HStack(text("abcd"), Spacer(), Rectangle(blackColor)),
+      // children of a stack with what it shared out last
+      {HStack(text("abcd"), Spacer(), Rectangle(blackColor)),
        {100, 20},
        "stack 100x20 > 100x20 at 0,0\n"
        " text 46x20 > 40x10 at 0,5\n"
        " spacer 8x20 > 8x0 at 40,10\n"
        " fill 52x20 > 52x20 at 48,0\n"},
-      {"a text that is cut off, with all of it",
-       HStack(text("abcdefgh"), box(60, 10)),
+      // a text that is cut off, with all of it
+      {HStack(text("abcdefgh"), box(60, 10)),
        {100, 10},
        "stack 100x10 > 98x10 at 1,0\n"
        " text 32x10 > 30x10 at 1,0 of 80x10\n"
        " frame 46x10 > 60x10 at 39,0\n"
        "  fill 60x10 > 60x10 at 39,0\n"
        "cut off 1: 0 0 0 0\n"},
-      {"a text of two lines is not", text("abcdef"), {30, 20}, "text 30x20 > 30x20 at 0,0\n"},
-      {"a picture larger than its frame",
-       Image("Graph").frame(Frame{.width = 10, .height = 20}),
+      // a text of two lines is not
+      {text("abcdef"), {30, 20}, "text 30x20 > 30x20 at 0,0\n"},
+      // a picture larger than its frame
+      {Image("Graph").frame(Frame{.width = 10, .height = 20}),
        {50, 50},
        "frame 50x50 > 10x20 at 20,15\n"
        " image 10x20 > 24x12 at 13,19\n"
        "overflows 1: 0 7 0 7\n"},
-      {"the innermost that stands out is named, inside the paddings around it",
-       VStack(box(10, 30), box(10, 30)).padding(5).clipShape({.cornerRadius = 4}),
+      // the innermost that stands out is named, inside the paddings around it
+      {VStack(box(10, 30), box(10, 30)).padding(5).clipShape({.cornerRadius = 4}),
        {40, 40},
        "clip 40x40 > 20x78 at 10,-19\n"
        " padding 40x40 > 20x78 at 10,-19\n"
@@ -111,35 +103,35 @@ TEST(LayoutTrace, SaysWhatEachNodeWasOfferedAndTook) {
        "leaves 2: 14 0 14 0\n"
        "leaves 4: 14 0 0 0\n"
        "leaves 6: 0 0 14 0\n"},
-      {"a padding that alone is too large",
-       box(10, 10).padding(20),
+      // a padding that alone is too large
+      {box(10, 10).padding(20),
        {40, 60},
        "padding 40x60 > 50x50 at -5,5\n"
        " frame 0x20 > 10x10 at 15,25\n"
        "  fill 10x10 > 10x10 at 15,25\n"
        "leaves 0: 0 5 0 5\n"},
-      {"a negative padding lets stand out what it holds",
-       box(20, 20).padding(-5).padding(5),
+      // a negative padding lets stand out what it holds
+      {box(20, 20).padding(-5).padding(5),
        {40, 40},
        "padding 40x40 > 20x20 at 10,10\n"
        " padding 30x30 > 10x10 at 15,15\n"
        "  frame 40x40 > 20x20 at 10,10\n"
        "   fill 20x20 > 20x20 at 10,10\n"},
-      {"less than half a pixel is nothing",
-       box(100.8, 10),
+      // less than half a pixel is nothing
+      {box(100.8, 10),
        {100, 10},
        "frame 100x10 > 100.8x10 at -0.4,0\n"
        " fill 100.8x10 > 100.8x10 at -0.4,0\n"},
-      {"a negative padding makes nobody else stand out",
-       HStack(box(20, 20).padding(-5)),
+      // a negative padding makes nobody else stand out
+      {HStack(box(20, 20).padding(-5)),
        {10, 10},
        "stack 10x10 > 10x10 at 0,0\n"
        " padding 10x10 > 10x10 at 0,0\n"
        "  frame 20x20 > 20x20 at -5,-5\n"
        "   fill 20x20 > 20x20 at -5,-5\n"
        "leaves 3: 5 5 5 5\n"},
-      {"to the left of the card, mirrored",
-       box(70, 10).padding({.leading = 60}),
+      // to the left of the card, mirrored
+      {box(70, 10).padding({.leading = 60}),
        {100, 10},
        "padding 100x10 > 130x10 at -15,0\n"
        " frame 40x10 > 70x10 at -15,0\n"
@@ -148,7 +140,7 @@ TEST(LayoutTrace, SaysWhatEachNodeWasOfferedAndTook) {
        LayoutDirection::rightToLeft},
   };
   for (const auto& one : cases) {
-    EXPECT_EQ(traced(one.view, one.size, one.direction), one.trace) << one.what;
+    EXPECT_EQ(traced(one.view, one.size, one.direction), one.trace);
   }
 }
 

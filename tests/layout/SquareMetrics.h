@@ -31,4 +31,13 @@ class SquareMetrics : public Metrics {
   int measured = 0;  // how often a text was
 };
 
+inline ui::Text text(std::string characters, double size = 10) {
+  return ui::Text::verbatim(std::move(characters)).font({size, ui::Weight::regular});
+}
+
+// A view that takes exactly so much.
+inline ui::View box(double width, double height) {
+  return ui::Rectangle(ui::blackColor).frame(ui::Frame{.width = width, .height = height});
+}
+
 }  // namespace quillpad::drawing
