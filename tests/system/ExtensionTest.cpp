@@ -88,7 +88,9 @@ TEST_F(ExtensionTest, AKilledExtensionIsTold) {
       serve([](const auto&, fixtures::HttpsServer::Exchange& exchange) { exchange.hold(); });
   const auto home = start({"timeline", "SalesSmallWidget"});
   ASSERT_TRUE(gateway.waitForRequests(1));
-  ::kill(home->child(), SIGKILL);
+  const pid_t extension = home->child();
+  ASSERT_NE(extension, 0);
+  ::kill(extension, SIGKILL);
   const Outcome run = home->wait();
   EXPECT_EQ(run.status, 4);
   EXPECT_THAT(run.err, HasSubstr("the extension ended (signal 9, Killed) without a word"));
