@@ -114,7 +114,7 @@ test("the canvas asks only for what is in sight, and what is chosen stands in th
     );
   await page.goto(`${world.address}/?view=canvas&screen=all&kind=UnpaidMediumWidget`);
   await until("what is in sight is drawn", areDrawn);
-  assert.equal(await page.locator(".count").textContent(), "1960 pictures");
+  assert.equal(await page.locator(".count").textContent(), "1,960 pictures");
   assert.ok(asked.size > 10 && asked.size < 400, `${asked.size} of 1960 were asked for`);
   await page.getByLabel("Entry").selectOption("rows-seven");
   await page.waitForURL(/entry=rows-seven/);
@@ -148,7 +148,7 @@ test("a picture on the canvas is the one that render draws", async () => {
 test("the extension's page tells what it does and went through, and goes on telling", async () => {
   const page = await open("/?view=process");
   const shown = page.locator("#process");
-  assert.match(await shown.textContent(), /SalesSmallWidget1 of the 40 to 70[^]*getDataMap: status 200/);
+  assert.match(await shown.textContent(), /SalesSmallWidget1 of the 40 to 70[^]*getDataMap: Status 200/);
   const [, used, limit] = (await shown.textContent()).match(/(\d+\.\d) of (\d+\.\d) MB/).map(Number);
   assert.ok(0.5 < used && used < limit, `${used} of ${limit} MB`);
   process.kill(world.extensionProcess(), "SIGKILL");

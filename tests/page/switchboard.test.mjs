@@ -30,7 +30,7 @@ test("a fault that is switched shows at once, and goes when it is switched off",
   await page.getByRole("button", { name: "Switch and reload" }).click();
   await until("every card says so", async () => (await notes()) === 5);
   await page.getByText("Switched. The widgets are asked anew.").waitFor();
-  await page.getByText(/getDataMap: status 500, 2\d\d ms/).first().waitFor();
+  await page.getByText(/getDataMap: Status 500, 2\d\d ms/).first().waitFor();
   await audit(page);
 
   await page.reload();

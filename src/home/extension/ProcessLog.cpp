@@ -8,30 +8,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t maxLines = 50;
 constexpr std::size_t maxTimelines = 2000;  // of a kind; no phone grants a twentieth of it
 
 }  // namespace
-
-void ProcessLog::add(std::deque<Line>& lines, Date now, std::string text) {
-  lines.push_back({now, std::move(text)});
-  if (lines.size() > maxLines) {
-    lines.pop_front();
-  }
-}
-
-void ProcessLog::noteTransfer(Date now, const TransferReport& transfer) {
-  using Milliseconds = std::chrono::milliseconds;
-  const auto time = std::chrono::duration_cast<Milliseconds>(transfer.duration).count();
-  add(transfers_,
-      now,
-      transfer.path + ": " +
-          (transfer.error ? transfer.error->localizedDescription + " (" +
-                                std::to_string(transfer.error->code) + ")"
-                          : "status " + std::to_string(transfer.statusCode)) +
-          ", " + std::to_string(time) + " ms, " + std::to_string(transfer.sentBytes) +
-          " bytes sent, " + std::to_string(transfer.receivedBytes) + " received");
-}
 
 void ProcessLog::noteRequest(Date now, const channel::Request& request) {
   if (const auto* timeline = std::get_if<channel::TimelineRequest>(&request)) {

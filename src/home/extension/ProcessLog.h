@@ -6,8 +6,10 @@
 #include <deque>
 #include <map>
 #include <string>
+#include <variant>
 #include <vector>
 
+#include "home/extension/WidgetState.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/TransferReport.h"
 #include "platform/foundation/Value.h"
@@ -16,30 +18,49 @@ namespace quillpad::home {
 
 class ProcessLog {
  public:
-  struct Line {
+  template <class Event>
+  struct Dated {
     Date date;
-    std::string text;
+    Event event;
   };
+  struct Started {
+    int process = 0;
+  };
+  struct EndedByHome {};  // to start it anew
+  // A start of the extension, or how it came to an end.
+  using Run = std::variant<Started, EndedByHome, Problem>;
 
-  void noteRun(Date now, std::string what) { add(runs_, now, std::move(what)); }
+  void noteRun(Date now, Run run) { add(runs_, now, std::move(run)); }
   void notePrinted(Date now, std::string line) { add(printed_, now, std::move(line)); }
-  void noteTransfer(Date now, const TransferReport& transfer);
+  void noteTransfer(Date now, TransferReport transfer) {
+    add(transfers_, now, std::move(transfer));
+  }
   void noteRequest(Date now, const channel::Request& request);
 
   // The starts and ends of the extension, its transfers and what it printed, the latest first.
-  std::vector<Line> runs() const { return {runs_.rbegin(), runs_.rend()}; }
-  std::vector<Line> transfers() const { return {transfers_.rbegin(), transfers_.rend()}; }
-  std::vector<Line> printed() const { return {printed_.rbegin(), printed_.rend()}; }
+  std::vector<Dated<Run>> runs() const { return {runs_.rbegin(), runs_.rend()}; }
+  std::vector<Dated<TransferReport>> transfers() const {
+    return {transfers_.rbegin(), transfers_.rend()};
+  }
+  std::vector<Dated<std::string>> printed() const { return {printed_.rbegin(), printed_.rend()}; }
 
   // How many timelines of each kind were asked for in the last 24 hours, since this log began.
   std::map<std::string, std::size_t> timelinesOfTheDay(Date now) const;
 
  private:
-  static void add(std::deque<Line>& lines, Date now, std::string text);
+  static constexpr std::size_t maxEvents = 50;
 
-  std::deque<Line> runs_;
-  std::deque<Line> transfers_;
-  std::deque<Line> printed_;
+  template <class Event>
+  static void add(std::deque<Dated<Event>>& events, Date now, Event event) {
+    events.push_back({now, std::move(event)});
+    if (events.size() > maxEvents) {
+      events.pop_front();
+    }
+  }
+
+  std::deque<Dated<Run>> runs_;
+  std::deque<Dated<TransferReport>> transfers_;
+  std::deque<Dated<std::string>> printed_;
   std::map<std::string, std::deque<Date>> timelines_;
 };
 

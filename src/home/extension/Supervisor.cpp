@@ -1,7 +1,6 @@
 #include "home/extension/Supervisor.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <utility>
 
@@ -544,15 +543,13 @@ void Supervisor::loseExtension(const Moment& now, Problem problem) {
 
 std::vector<Supervisor::Action> Supervisor::takeActions() { return std::exchange(actions_, {}); }
 
-std::vector<std::string> Supervisor::underWay() const {
-  static constexpr std::array<std::string_view, 7> names{
-      "catalogue", "placeholder", "snapshot", "timeline", "rendering", "rendering", "ping"};
-  std::vector<std::string> words;
+std::vector<std::pair<Purpose, std::string>> Supervisor::underWay() const {
+  std::vector<std::pair<Purpose, std::string>> requests;
+  requests.reserve(pending_.size());
   for (const auto& [id, request] : pending_) {
-    const std::string name(names.at(static_cast<std::size_t>(request.purpose)));
-    words.push_back(request.kind.empty() ? name : name + " of " + request.kind);
+    requests.emplace_back(request.purpose, request.kind);
   }
-  return words;
+  return requests;
 }
 
 std::optional<Uptime> Supervisor::nextDeadline() const {

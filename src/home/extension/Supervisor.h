@@ -18,6 +18,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -84,8 +85,8 @@ class Supervisor {
   // What the extension's last end was like; nothing after a round of answers.
   const std::optional<Problem>& lastEnd() const { return lastEnd_; }
   bool awaitsAnswers() const { return !pending_.empty(); }
-  // The requests under way in words, for example "timeline of A".
-  std::vector<std::string> underWay() const;
+  // What is asked for now, and of which kind of widget.
+  std::vector<std::pair<Purpose, std::string>> underWay() const;
   // It ended twice in a row at least: by itself it may not come back.
   bool keepsEnding() const { return restarts_.endsInARow() > 1; }
   bool isSignedOut() const { return account_ == ""; }

@@ -98,7 +98,7 @@ void WidgetHost::take(const Moment& now, SessionEvent& event) {
   } else {
     session_.reset();
     const auto& end = std::get<SessionEnd>(event);
-    log_.noteRun(now.date, inPlainWords(problemOf(end, now.date)));
+    log_.noteRun(now.date, problemOf(end, now.date));
     supervisor_.ended(now, end);
   }
 }
@@ -110,13 +110,19 @@ void WidgetHost::carryOut(const Moment& now, const Supervisor::Action& action) {
     auto started = ExtensionSession::start(program_);
     if (started) {
       session_.emplace(std::move(*started));
-      log_.noteRun(now.date, "It was started as process " + std::to_string(session_->pid()) + ".");
+      log_.noteRun(now.date, ProcessLog::Started{session_->pid()});
     } else {
-      log_.noteRun(now.date, "It could not be started: " + started.error());
+      log_.noteRun(
+          now.date,
+          Problem{
+              .cause = Problem::Cause::notStarted,
+              .detail = started.error(),
+              .output = "",
+              .since = now.date});
       supervisor_.failedToStart(now, started.error());
     }
   } else if (const auto* ask = std::get_if<Supervisor::Ask>(&action); ask == nullptr) {
-    log_.noteRun(now.date, "The home screen ended it, to start it anew.");
+    log_.noteRun(now.date, ProcessLog::EndedByHome{});
     session_.reset();
   } else if (session_) {
     log_.noteRequest(now.date, ask->request);

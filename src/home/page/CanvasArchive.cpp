@@ -1,6 +1,5 @@
 #include "home/page/CanvasArchive.h"
 
-#include <expected>
 #include <utility>
 
 namespace quillpad::home {
@@ -30,10 +29,11 @@ std::optional<std::string> CanvasArchive::nextPiece() {
     if (!view_) {
       view_ = engineer_.view(presentMoment(), picture);
     }
-    if (!*view_) {
+    const PreviewSession::Outcome& outcome = *view_;
+    if (!outcome) {
       return std::nullopt;
     }
-    std::string piece = drawn(picture, *view_);
+    std::string piece = drawn(picture, *outcome);
     ++next_;
     if (next_ == pictures_.size() || !showSameView(picture, pictures_[next_])) {
       view_.reset();
@@ -47,10 +47,11 @@ std::optional<std::string> CanvasArchive::nextPiece() {
 
 // The picture's part of the archive; empty where it cannot be drawn, which is noted.
 std::string CanvasArchive::drawn(
-    const PreviewQuery& picture, const PreviewSession::Outcome& outcome) {
+    const PreviewQuery& picture,
+    const std::expected<PreviewSession::Result, std::string>& outcome) {
   const std::string name = EngineerView::fileName(picture, PictureFormat::png);
-  auto file = *outcome ? engineer_.draw(picture, (*outcome)->view, PictureFormat::png)
-                       : std::unexpected(outcome->error());
+  auto file = outcome ? engineer_.draw(picture, outcome->view, PictureFormat::png)
+                      : std::unexpected(outcome.error());
   if (file) {
     if (auto head = zip_.add(name, *file)) {
       return *head + *file;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <expected>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,7 +25,9 @@ class CanvasArchive {
   std::optional<std::string> nextPiece();
 
  private:
-  std::string drawn(const PreviewQuery& picture, const PreviewSession::Outcome& outcome);
+  std::string drawn(
+      const PreviewQuery& picture,
+      const std::expected<PreviewSession::Result, std::string>& outcome);
   std::string end();
 
   EngineerView& engineer_;

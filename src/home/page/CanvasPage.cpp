@@ -5,6 +5,7 @@
 #include <cmath>
 #include <set>
 
+#include "home/page/Figures.h"
 #include "home/page/PageFiles.h"
 #include "home/page/Select.h"
 #include "home/page/WidgetSizes.h"
@@ -62,32 +63,42 @@ std::vector<Appearances> appearancesOf(const CanvasQuery& query) {
   return {query.appearance == "dark" ? Appearances::dark : Appearances::light};
 }
 
-Markup cellMarkup(const CanvasCell& cell) {
+// A language and a screen are called by their names, whatever the page speaks.
+std::string captionOf(
+    const CanvasQuery& query, const PreviewQuery& picture, const Language& language) {
+  const bool dark = picture.appearances == Appearances::dark;
+  std::string caption = picture.language.empty() ? "" : picture.language + " · ";
+  caption += language.text(dark ? "Dark" : "Light");
+  caption += query.screen == CanvasQuery::everything ? " · " + picture.screen : "";
+  return caption;
+}
+
+Markup cellMarkup(const CanvasQuery& query, const CanvasCell& cell, const PageFrame& frame) {
   const auto length = [](double points) { return escaped(std::to_string(std::lround(points))); };
   return filled(
       page::canvasCellHtml,
       {{"appearance", escaped(cell.query.appearances == Appearances::dark ? "Dark" : "Light")},
-       {"page", escaped(cell.query.toUrl("/?view=engineer"))},
+       {"page", escaped(cell.query.toUrl(addressOf("engineer", frame)))},
        {"picture", escaped(cell.query.toUrl("/picture.svg"))},
        {"width", length(cell.size.width)},
        {"height", length(cell.size.height)},
-       {"caption", escaped(cell.caption)}});
+       {"caption", escaped(captionOf(query, cell.query, frame.language))}});
 }
 
-Select kindSelect(const CanvasModel& model) {
+Select kindSelect(const CanvasModel& model, const Language& language) {
   Select select(model.query.kind);
-  select.add("", "All");
+  select.add("", language.text("All"));
   for (const CanvasModel::Widget& widget : model.widgets) {
     select.add(widget.kind, widget.kind);
   }
   return select;
 }
 
-Select entrySelect(const CanvasModel& model) {
+Select entrySelect(const CanvasModel& model, const Language& language) {
   Select select(model.query.entry);
-  select.add("", "All");
+  select.add("", language.text("All"));
   for (const PreviewState state : states) {
-    select.add(stateName(state), stateName(state));
+    select.add(stateName(state), titleOf(state, language));
   }
   std::set<std::string> samples;
   for (const CanvasModel::Widget& widget : model.widgets) {
@@ -99,25 +110,25 @@ Select entrySelect(const CanvasModel& model) {
   return select;
 }
 
-Select screenSelect(const CanvasModel& model) {
+Select screenSelect(const CanvasModel& model, const Language& language) {
   Select select(
       model.query.screen.empty() ? screens().front() : std::string_view(model.query.screen));
-  select.add(CanvasQuery::everything, "All");
+  select.add(CanvasQuery::everything, language.text("All"));
   for (const std::string_view screen : screens()) {
     select.add(screen, screen);
   }
   return select;
 }
 
-Select languageSelect(const CanvasModel& model) {
+Select languageSelect(const CanvasModel& model, const Language& language) {
   Select select(model.query.language);
-  select.add("", "All");
-  std::set<std::string> languages;
+  select.add("", language.text("All"));
+  std::set<std::string> tags;
   for (const CanvasModel::Widget& widget : model.widgets) {
-    languages.insert(widget.languages.begin(), widget.languages.end());
+    tags.insert(widget.languages.begin(), widget.languages.end());
   }
-  for (const std::string& language : languages) {
-    select.add(language, language);
+  for (const std::string& tag : tags) {
+    select.add(tag, tag);
   }
   return select;
 }
@@ -158,13 +169,10 @@ std::string CanvasQuery::toUrl(std::string_view path) const {
 std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::Widget& widget) {
   std::vector<CanvasRow> rows;
   for (const NamedEntry& entry : entriesOf(query, widget)) {
-    CanvasRow row{.entry = entry.name, .cells = {}};
+    CanvasRow row{.entry = entry.name, .state = entry.state, .cells = {}};
     for (const Appearances appearance : appearancesOf(query)) {
       for (const std::string& screen : screensOf(query)) {
         for (const std::string& language : languagesOf(query, widget)) {
-          std::string caption = language.empty() ? "" : language + ", ";
-          caption += appearance == Appearances::dark ? "dark" : "light";
-          caption += query.screen == CanvasQuery::everything ? ", " + screen : "";
           row.cells.push_back(
               {.query =
                    {.kind = widget.kind,
@@ -174,8 +182,7 @@ std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::W
                     .appearances = appearance,
                     .state = entry.state,
                     .start = entry.start},
-               .size = widgetSize(widget.family, screen),
-               .caption = std::move(caption)});
+               .size = widgetSize(widget.family, screen)});
         }
       }
     }
@@ -204,6 +211,7 @@ std::vector<PreviewQuery> canvasPictures(const CanvasModel& model) {
 
 Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
   const CanvasQuery& query = model.query;
+  const Language& language = frame.language;
   Markup sections;
   std::size_t count = 0;
   for (const CanvasModel::Widget& widget : model.widgets) {
@@ -214,40 +222,56 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
     for (const CanvasRow& row : canvasRows(query, widget)) {
       Markup cells;
       for (const CanvasCell& cell : row.cells) {
-        cells += cellMarkup(cell);
+        cells += cellMarkup(query, cell, frame);
       }
       count += row.cells.size();
-      rows += filled(page::canvasRowHtml, {{"entry", escaped(row.entry)}, {"cells", cells}});
+      rows += filled(
+          page::canvasRowHtml,
+          {{"entry",
+            escaped(row.state == PreviewState::entry ? row.entry : titleOf(row.state, language))},
+           {"cells", cells}});
     }
     if (!rows.empty()) {
       sections += filled(
           page::canvasWidgetHtml,
-          {{"name", escaped(widget.displayName)}, {"kind", escaped(widget.kind)}, {"rows", rows}});
+          {{"name", escaped(widget.displayName)},
+           {"language", escaped(frame.cardLanguage)},
+           {"kind", escaped(widget.kind)},
+           {"rows", rows}});
     }
   }
   Select appearance(query.appearance);
-  appearance.add("", "Light and dark").add("light", "Light").add("dark", "Dark");
+  appearance.add("", language.text("Light and dark"))
+      .add("light", language.text("Light"))
+      .add("dark", language.text("Dark"));
   const Markup body = filled(
       page::canvasHtml,
-      {{"kinds", kindSelect(model).markup()},
-       {"entries", entrySelect(model).markup()},
-       {"screens", screenSelect(model).markup()},
-       {"languages", languageSelect(model).markup()},
+      {{"process", escaped(addressOf("process", frame))},
+       {"engineer", escaped(addressOf("engineer", frame))},
+       {"home", escaped(addressOf("", frame))},
+       {"wish",
+        frame.wish.empty() ? Markup() : filled(page::wishHtml, {{"wish", escaped(frame.wish)}})},
+       {"kinds", kindSelect(model, language).markup()},
+       {"entries", entrySelect(model, language).markup()},
+       {"screens", screenSelect(model, language).markup()},
+       {"languages", languageSelect(model, language).markup()},
        {"appearances", appearance.markup()},
        {"currency", escaped(query.currency)},
        {"archive", escaped(query.toUrl("/canvas.zip"))},
-       {"count", escaped(count == 1 ? "1 picture" : std::to_string(count) + " pictures")},
+       {"count",
+        count == 1 ? escaped(language.text("1 picture"))
+                   : filledIn(language.text("{1} pictures"), {numberMarkup(count)})},
        {"problem", escaped(model.problem)},
-       {"widgets", sections}});
-  PageFrame english = frame;  // as its words are
-  english.language = {};
+       {"widgets", sections}},
+      language);
   return framed(
       {.view = "canvas",
-       .title = "Quillpad · canvas",
+       .title = language.text("Quillpad · canvas"),
        .style = std::string(page::engineerCss) + std::string(page::canvasCss),
        .body = body,
-       .script = std::string(page::eventsJs) + std::string(page::canvasJs)},
-      english);
+       .script = std::string(page::eventsJs) + std::string(page::figuresJs) +
+                 std::string(page::canvasJs)},
+      frame);
 }
 
 }  // namespace quillpad::home

@@ -46,16 +46,16 @@ struct CanvasModel {
   std::string problem{};  // why there are no samples; empty where there are
 };
 
-// One variant, and how it is called.
+// One variant.
 struct CanvasCell {
   PreviewQuery query;
   drawing::Size size;
-  std::string caption;
 };
 
 // The variants of a widget's entry that the query chooses, under the entry's name.
 struct CanvasRow {
   std::string entry;
+  PreviewState state = PreviewState::entry;
   std::vector<CanvasCell> cells;
 };
 std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::Widget& widget);

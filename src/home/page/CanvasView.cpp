@@ -25,10 +25,12 @@ std::vector<std::string> suitable(
 }
 
 // The first sample that is no entry, and where it is wrong.
-std::string wrongSample(const std::vector<SampleFolder::Sample>& samples) {
+std::string wrongSample(
+    const std::vector<SampleFolder::Sample>& samples, const Language& language) {
   for (const SampleFolder::Sample& sample : samples) {
     if (const auto entry = entryFromText(sample.text); !entry) {
-      return "The sample " + sample.name + " is left out: " + describe(entry.error()) + ".";
+      return language.text(
+          "The sample {1} is left out: {2}.", {sample.name, describe(entry.error())});
     }
   }
   return "";
@@ -36,7 +38,8 @@ std::string wrongSample(const std::vector<SampleFolder::Sample>& samples) {
 
 }  // namespace
 
-CanvasView::LaterModel CanvasView::model(const Moment& now, const WebRequest& request) {
+CanvasView::LaterModel CanvasView::model(
+    const Moment& now, const WebRequest& request, const Language& language) {
   CanvasModel model{.query = CanvasQuery::parse(request)};
   std::vector<PreviewSession::PendingResult> snapshots;
   for (const channel::CatalogueItem& item : supervisor_.catalogue()) {
@@ -51,7 +54,8 @@ CanvasView::LaterModel CanvasView::model(const Moment& now, const WebRequest& re
     snapshots.push_back(previews_.submit(now, std::move(job)));
   }
   auto samples = samples_.read();
-  model.problem = samples ? wrongSample(*samples) : samples.error();
+  model.problem = samples ? wrongSample(*samples, language)
+                          : language.text("This cannot be shown: {1}.", {samples.error()});
   return [model = std::move(model),
           snapshots = std::move(snapshots),
           samples = std::move(samples).value_or(
@@ -68,7 +72,7 @@ CanvasView::LaterModel CanvasView::model(const Moment& now, const WebRequest& re
 }
 
 LaterAnswer CanvasView::page(const Moment& now, const WebRequest& request, const PageFrame& frame) {
-  return [later = model(now, request), frame]() -> std::optional<WebAnswer> {
+  return [later = model(now, request, frame.language), frame]() -> std::optional<WebAnswer> {
     const auto model = later();
     if (!model) {
       return std::nullopt;
@@ -90,7 +94,7 @@ WebReply CanvasView::archive(const Moment& now, const WebRequest& request) {
       .contentType = "application/zip",
       .headers = {{"Content-Disposition", "attachment; filename=\"quillpad-canvas.zip\""}},
       .nextPiece = [this,
-                    later = model(now, request),
+                    later = model(now, request, {}),
                     archive = std::shared_ptr<CanvasArchive>(),
                     held = archives_]() mutable -> std::optional<std::string> {
         if (!archive) {

@@ -36,7 +36,7 @@ class CanvasView {
 
  private:
   using LaterModel = std::function<std::optional<CanvasModel>()>;
-  LaterModel model(const Moment& now, const WebRequest& request);
+  LaterModel model(const Moment& now, const WebRequest& request, const Language& language);
 
   const Supervisor& supervisor_;
   PreviewSession& previews_;

@@ -17,20 +17,6 @@ using Format = PreviewQuery::Format;
 
 Markup length(double points) { return escaped(lengthText(points)); }
 
-std::string titleOf(PreviewState state, const Language& language) {
-  switch (state) {
-    case PreviewState::timeline:
-      return language.text("Timeline");
-    case PreviewState::placeholder:
-      return language.text("Placeholder");
-    case PreviewState::snapshot:
-      return language.text("Snapshot");
-    case PreviewState::entry:
-      break;
-  }
-  return language.text("Your entry");
-}
-
 Select kindSelect(const EngineerModel& model) {
   Select select(model.query.kind);
   for (const std::string& kind : model.kinds) {

@@ -112,4 +112,18 @@ bool PreviewQuery::shows(ui::Appearance appearance) const {
 
 std::string_view stateName(PreviewState state) { return nameOf(stateNames, state); }
 
+std::string titleOf(PreviewState state, const Language& language) {
+  switch (state) {
+    case PreviewState::timeline:
+      return language.text("Timeline");
+    case PreviewState::placeholder:
+      return language.text("Placeholder");
+    case PreviewState::snapshot:
+      return language.text("Snapshot");
+    case PreviewState::entry:
+      break;
+  }
+  return language.text("Your entry");
+}
+
 }  // namespace quillpad::home

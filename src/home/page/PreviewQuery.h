@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "home/language/Language.h"
 #include "home/server/WebMessages.h"
 #include "platform/ui/Color.h"
 
@@ -46,5 +47,8 @@ struct PreviewQuery {
 
 // "timeline", "placeholder", "snapshot" or "entry".
 std::string_view stateName(PreviewState state);
+
+// The state in words, for a person.
+std::string titleOf(PreviewState state, const Language& language);
 
 }  // namespace quillpad::home

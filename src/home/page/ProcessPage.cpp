@@ -1,7 +1,14 @@
 #include "home/page/ProcessPage.h"
 
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+
+#include "home/extension/WidgetStatus.h"
+#include "home/page/Figures.h"
 #include "home/page/PageFiles.h"
-#include "platform/foundation/LocalTime.h"
 
 namespace quillpad::home {
 namespace {
@@ -10,75 +17,137 @@ namespace {
 constexpr std::size_t leastReloads = 40;
 constexpr std::size_t mostReloads = 70;
 
-Markup row(std::string_view head, std::string_view text, bool isWarning = false) {
+Markup row(const Markup& head, const Markup& text, bool isWarning = false) {
   return filled(
       page::processRowHtml,
-      {{"class", escaped(isWarning ? "warning" : "")},
-       {"head", escaped(head)},
-       {"text", escaped(text)}});
+      {{"class", escaped(isWarning ? "warning" : "")}, {"head", head}, {"text", text}});
 }
 
-Markup note(std::string_view text) {
-  return filled(page::processNoteHtml, {{"text", escaped(text)}});
+Markup orNone(const Markup& rows, const std::string& none) {
+  return rows.empty() ? filled(page::processNoteHtml, {{"text", escaped(none)}}) : rows;
 }
 
-Markup rows(const std::vector<ProcessLog::Line>& lines) {
-  Markup markup;
-  for (const ProcessLog::Line& line : lines) {
-    markup += row(localTimeText(line.date, "%H:%M:%S"), line.text);
+// A name or a line of a program's, whose direction is its own.
+Markup isolated(std::string_view text) {
+  return filled(page::isolatedHtml, {{"text", escaped(text)}});
+}
+
+std::string wordFor(Purpose purpose, const Language& language) {
+  switch (purpose) {
+    case Purpose::catalogue:
+      return language.text("List of the widgets");
+    case Purpose::ping:
+      return language.text("Sign of life");
+    case Purpose::placeholder:
+      return language.text("Placeholder");
+    case Purpose::snapshot:
+      return language.text("Snapshot");
+    case Purpose::timeline:
+      return language.text("Timeline");
+    case Purpose::rendering:
+    case Purpose::keptRendering:
+      break;
   }
-  return lines.empty() ? note("None yet.") : markup;
+  return language.text("Picture");
 }
 
-std::string megabytes(std::size_t bytes) {
-  const std::size_t tenths = bytes * 10 / (std::size_t{1024} * 1024);
-  return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+Markup budgetMarkup(std::size_t timelines, const Language& language) {
+  return filledIn(
+      timelines > mostReloads ? language.text("{1}, more than the {2} to {3} that a phone grants")
+                              : language.text("{1} of the {2} to {3} that a phone grants"),
+      {numberMarkup(timelines), numberMarkup(leastReloads), numberMarkup(mostReloads)});
 }
 
-std::string budgetWords(std::size_t timelines) {
-  const std::string count = std::to_string(timelines);
-  if (timelines > mostReloads) {
-    return count + ", more than the " + std::to_string(leastReloads) + " to " +
-           std::to_string(mostReloads) + " that a phone grants";
+Markup runMarkup(const ProcessLog::Run& run, const Language& language) {
+  if (const auto* started = std::get_if<ProcessLog::Started>(&run)) {
+    return escaped(
+        language.text("It was started as process {1}.", {std::to_string(started->process)}));
   }
-  return count + " of the " + std::to_string(leastReloads) + " to " + std::to_string(mostReloads) +
-         " that a phone grants";
+  if (const auto* problem = std::get_if<Problem>(&run)) {
+    return escaped(inPlainWords(*problem, language));
+  }
+  return escaped(language.text("The home screen ended it, to start it anew."));
+}
+
+Markup transferMarkup(const TransferReport& transfer, const Language& language) {
+  using Milliseconds = std::chrono::milliseconds;
+  const auto time = std::chrono::duration_cast<Milliseconds>(transfer.duration).count();
+  const std::string outcome =
+      transfer.error ? language.text(transfer.error->localizedDescription) + " (" +
+                           std::to_string(transfer.error->code) + ")"
+                     : language.text("Status {1}", {std::to_string(transfer.statusCode)});
+  return filledIn(
+      language.text("{1}: {2}, {3}, {4} sent, {5} received"),
+      {isolated(transfer.path),
+       escaped(outcome),
+       millisecondsMarkup(static_cast<std::size_t>(std::max<std::int64_t>(time, 0))),
+       bytesMarkup(transfer.sentBytes),
+       bytesMarkup(transfer.receivedBytes)});
 }
 
 }  // namespace
 
 Markup processPage(const ProcessModel& model, const PageFrame& frame) {
+  const Language& language = frame.language;
   Markup underWay;
-  for (const std::string& request : model.underWay) {
-    underWay += note(request);
+  for (const auto& [purpose, kind] : model.underWay) {
+    underWay += row(escaped(wordFor(purpose, language)), isolated(kind));
   }
   Markup budgets;
   for (const ProcessModel::Budget& budget : model.budgets) {
-    budgets += row(budget.kind, budgetWords(budget.timelines), budget.timelines > mostReloads);
+    budgets +=
+        row(isolated(budget.kind),
+            budgetMarkup(budget.timelines, language),
+            budget.timelines > mostReloads);
   }
-  PageFrame english = frame;  // as its words are
-  english.language = {};
+  Markup runs;
+  for (const auto& [date, run] : model.log.runs()) {
+    runs += row(secondMarkup(date), runMarkup(run, language));
+  }
+  Markup transfers;
+  for (const auto& [date, transfer] : model.log.transfers()) {
+    transfers += row(secondMarkup(date), transferMarkup(transfer, language));
+  }
+  Markup printed;
+  for (const auto& [date, line] : model.log.printed()) {
+    printed += row(secondMarkup(date), isolated(line));
+  }
+  const std::string noneYet = language.text("None yet.");
   const Markup body = filled(
       page::processHtml,
-      {{"switchboard",
-        model.switchboard ? filled(page::switchboardHtml, {}, english.language) : Markup()},
-       {"state", escaped(model.runs ? "The extension runs." : "The extension does not run.")},
-       {"used", escaped(megabytes(model.privateBytes))},
-       {"limit", escaped(megabytes(model.limitBytes))},
-       {"underWay", underWay.empty() ? note("None.") : underWay},
-       {"budgets", budgets.empty() ? note("None yet.") : budgets},
-       {"runs", rows(model.log.runs())},
-       {"transfers", rows(model.log.transfers())},
-       {"printed", rows(model.log.printed())}});
+      {{"canvas", escaped(addressOf("canvas", frame))},
+       {"engineer", escaped(addressOf("engineer", frame))},
+       {"home", escaped(addressOf("", frame))},
+       {"switchboard", model.switchboard ? filled(page::switchboardHtml, {}, language) : Markup()},
+       {"state",
+        escaped(
+            model.runs ? language.text("The extension runs.")
+                       : language.text("The extension does not run."))},
+       {"used", escaped(std::to_string(model.privateBytes))},
+       {"limit", escaped(std::to_string(model.limitBytes))},
+       {"memory",
+        filledIn(
+            language.text("{1} of {2}"),
+            {megabytesMarkup(model.privateBytes), megabytesMarkup(model.limitBytes)})},
+       {"underWay", orNone(underWay, language.text("None."))},
+       {"budgets", orNone(budgets, noneYet)},
+       {"runs", orNone(runs, noneYet)},
+       {"transfers", orNone(transfers, noneYet)},
+       {"printed", orNone(printed, noneYet)}},
+      language);
+  std::string style(page::processCss);
+  std::string script = std::string(page::figuresJs) + std::string(page::processJs);
+  if (model.switchboard) {
+    style += page::switchboardCss;
+    script += page::switchboardJs;
+  }
   return framed(
       {.view = "process",
-       .title = "Quillpad · extension",
-       .style = std::string(page::processCss) +
-                std::string(model.switchboard ? page::switchboardCss : ""),
+       .title = language.text("Quillpad · extension"),
+       .style = std::move(style),
        .body = body,
-       .script = std::string(page::processJs) +
-                 std::string(model.switchboard ? page::switchboardJs : "")},
-      english);
+       .script = std::move(script)},
+      frame);
 }
 
 }  // namespace quillpad::home

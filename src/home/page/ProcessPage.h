@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "home/extension/ProcessLog.h"
+#include "home/extension/WidgetRecord.h"
 #include "home/page/Markup.h"
 #include "home/page/Page.h"
 
@@ -21,8 +23,8 @@ struct ProcessModel {
   bool runs = false;
   std::size_t privateBytes = 0;
   std::size_t limitBytes = 0;
-  bool switchboard = false;             // whether faults can be switched
-  std::vector<std::string> underWay{};  // the requests, in words
+  bool switchboard = false;                                 // whether faults can be switched
+  std::vector<std::pair<Purpose, std::string>> underWay{};  // what is asked, of which kind
   std::vector<Budget> budgets{};
   ProcessLog log{};
 };

@@ -308,8 +308,12 @@ class WebServer::Engine {
     if (exchange.engine->ending_) {
       return exchange.file ? MHD_CONTENT_READER_END_WITH_ERROR : MHD_CONTENT_READER_END_OF_STREAM;
     }
-    const std::optional<std::size_t> count =
-        exchange.file ? exchange.file->read(buffer, size) : exchange.stream->read(buffer, size);
+    std::optional<std::size_t> count;
+    if (exchange.file) {
+      count = exchange.file->read(buffer, size);
+    } else if (exchange.stream) {
+      count = exchange.stream->read(buffer, size);
+    }
     if (count == 0) {
       exchange.engine->suspend(exchange);
     }

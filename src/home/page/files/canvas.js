@@ -9,6 +9,8 @@ addEventListener("pageshow", () => {
   for (const field of form.elements) field.disabled = false;
 });
 
+sayFigures();
+
 for (const option of form.elements.language.options) {
   if (option.value) option.label = new Intl.DisplayNames(option.value, { type: "language" }).of(option.value);
 }
@@ -24,7 +26,7 @@ for (const picture of pictures) {
 
 // Another program draws all of them anew, those in sight at once and the others once they are.
 let program;
-const lost = "The home screen does not answer. Trying again…";
+const lost = text("The home screen does not answer. Trying again…");
 listen(({ changes, lost: isLost }) => {
   if (isLost) problem.textContent = lost;
   else if (problem.textContent === lost) problem.textContent = "";

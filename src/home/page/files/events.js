@@ -2,7 +2,6 @@
 // a handful of connections to one place, whatever the number of tabs. The tab that holds the lock
 // hears the home screen and tells the others.
 
-const language = document.documentElement.lang;
 const meta = (name) => document.querySelector(`meta[name="${name}"]`).content;
 const instance = meta("instance");
 let version = Number(meta("version"));

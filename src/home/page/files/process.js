@@ -1,4 +1,7 @@
 // What the extension does now shows every two seconds, as long as somebody looks.
+let told = document.getElementById("process").innerHTML;
+sayFigures();
+
 setInterval(async () => {
   if (document.hidden) return;
   const answer = await fetch(location.href).catch(() => null);
@@ -6,6 +9,8 @@ setInterval(async () => {
   const page = document.createElement("template");
   page.innerHTML = await answer.text();
   const fresh = page.content.getElementById("process");
-  const shown = document.getElementById("process");
-  if (fresh.innerHTML !== shown.innerHTML && !getSelection().toString()) shown.replaceWith(fresh);
+  if (fresh.innerHTML === told || getSelection().toString()) return;
+  told = fresh.innerHTML;
+  document.getElementById("process").replaceWith(fresh);
+  sayFigures();
 }, 2000);

@@ -10,7 +10,7 @@ async function ask(path, method) {
 }
 
 async function showFaults(method, choice = "") {
-  const answer = await ask(`/switchboard?lang=${document.documentElement.lang}&${choice}`, method);
+  const answer = await ask(`/switchboard?lang=${language}&${choice}`, method);
   if (answer?.ok) faults.innerHTML = await answer.text();
   switched.textContent = answer?.ok ? "" : ((await answer?.text()) ?? text("The home screen does not answer"));
   return answer?.ok;

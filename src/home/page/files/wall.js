@@ -46,13 +46,24 @@ function fit() {
   home.style.scale = best.scale;
 }
 
+// What the line says of kept figures is of no use without their age.
+function keptSince() {
+  const firstStale = home.querySelector('[data-status="stale"]');
+  if (!firstStale?.matches(".kept")) return "";
+  const dates = [...home.querySelectorAll(".kept .age time")].map((time) => Date.parse(time.dateTime));
+  return says.clock(new Date(Math.min(...dates)), new Date());
+}
+
 function tellLine() {
-  const { words } = overallState();
+  const { level, words } = overallState();
   const times = [...home.querySelectorAll('time[data-says="updated"]')].map((time) => Date.parse(time.dateTime));
-  const oldest = new Date(Math.min(...times, Date.now()));
-  const clock = new Intl.DateTimeFormat(root.lang, { timeStyle: "short" }).format(oldest);
-  const said = words || (times.length > 0 ? text("Live, {1}", clock) : document.getElementById("empty").textContent);
-  if (line.textContent !== said) line.textContent = said;
+  const since = level === "stale" && keptSince();
+  const live = () => text("Live, {1}", clock(new Date(Math.min(...times, Date.now()))));
+  const good = () => (times.length > 0 ? live() : document.getElementById("empty").textContent);
+  const said = since ? text("{1}, as of {2}", words, since) : words || good();
+  if (line.textContent === said) return;
+  line.textContent = said;
+  fit();
 }
 
 function showAll() {
