@@ -52,7 +52,10 @@ TEST_F(InspectorTest, NamesEveryContentAndModifier) {
        "padding top 1 leading 0 bottom 0 trailing -2"},
       {Spacer().frame(Frame{.height = 3}), "frame height 3"},
       {Spacer().frame(FlexibleFrame{.minWidth = 2, .maxHeight = infinity}),
-       "flexibleFrame minWidth 2 maxHeight ∞"},
+       "flexibleFrame min width 2 max height ∞"},
+      {Spacer().frame(FlexibleFrame{
+           .minWidth = 2, .idealWidth = 2, .maxWidth = 2, .minHeight = 3, .maxHeight = 3}),
+       "flexibleFrame width 2 min height 3 max height 3"},
       {Spacer().background(blackColor), "background #000000"},
       {Spacer().clipShape({.cornerRadius = 8}), "clipShape cornerRadius 8"},
       {Spacer().widgetURL(URL::parse("quillpad://a")), "widgetURL \"quillpad://a\""},
@@ -134,7 +137,17 @@ TEST_F(InspectorTest, ShowsAThousandRowsAtMost) {
           Not(HasSubstr("{&lt;1000&gt;}")),
           HasSubstr("data-node=\"999\""),
           Not(HasSubstr("data-node=\"1000\"")),
+          HasSubstr(" + …"),
           HasSubstr("Only the first 1000 are shown.")));
+
+  Group stacks;
+  for (int i = 0; i < 600; ++i) {
+    stacks.views.push_back(HStack(Spacer()));
+  }
+  const View nested = VStack(std::move(stacks));
+  EXPECT_THAT(
+      inspectorMarkup(inspected(nested), "", {}).html(),
+      HasSubstr("Only the first 1000 are shown."));
 }
 
 }  // namespace

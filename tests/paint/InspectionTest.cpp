@@ -52,7 +52,8 @@ TEST_F(InspectionTest, TellsTheBaselineOfEachLineOnce) {
   for (const auto& [text, baselines] :
        {Case{"one", {83.5}},
         Case{"one two three four", {76.0, 90.0}},
-        Case{"e\u0301 \u0e01\u0e35\u0e49 \U0001F600", {83.5}}}) {
+        Case{"e\u0301 \u0e01\u0e35\u0e49 \U0001F600", {83.5}},
+        Case{"q\u0323\u0324\u0325 \u0e1b\u0e38\u0e39 \u05d3\u05b8", {83.5}}}) {
     const View view = Text::verbatim(text).font({12, Weight::regular}).frame(Frame{.width = 60});
     const Inspection card = inspected(view, {.language = "en"});
     EXPECT_EQ(baselinesOf(std::get<TextItem>(card.list.items.at(1).content)), baselines) << text;

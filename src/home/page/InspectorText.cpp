@@ -48,6 +48,17 @@ std::string member(std::string_view name, std::optional<double> length) {
   return length ? " " + std::string(name) + " " + lengthText(*length) : "";
 }
 
+// A dimension of a flexible frame: "width 20" where its bounds are one length.
+std::string dimension(
+    const std::string& name,
+    std::optional<double> min,
+    std::optional<double> ideal,
+    std::optional<double> max) {
+  return min == max && min == ideal ? member(name, min)
+                                    : member("min " + name, min) + member("ideal " + name, ideal) +
+                                          member("max " + name, max);
+}
+
 std::string labelOf(const ui::Content& content) {
   return std::visit(
       Overloaded{
@@ -75,10 +86,9 @@ std::string labelOf(const ui::Modifier& modifier) {
             return "frame" + member("width", frame.width) + member("height", frame.height);
           },
           [](const ui::FlexibleFrame& frame) {
-            return "flexibleFrame" + member("minWidth", frame.minWidth) +
-                   member("idealWidth", frame.idealWidth) + member("maxWidth", frame.maxWidth) +
-                   member("minHeight", frame.minHeight) + member("idealHeight", frame.idealHeight) +
-                   member("maxHeight", frame.maxHeight);
+            return "flexibleFrame" +
+                   dimension("width", frame.minWidth, frame.idealWidth, frame.maxWidth) +
+                   dimension("height", frame.minHeight, frame.idealHeight, frame.maxHeight);
           },
           [](const ui::Background& background) {
             return "background " + colorText(background.color);

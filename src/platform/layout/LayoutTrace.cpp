@@ -36,7 +36,6 @@ class Examination {
     for (std::size_t i = 0; i < nodes_.size(); ++i) {
       examine(i);
     }
-    std::ranges::stable_sort(findings_, {}, &Finding::node);
     return std::move(findings_);
   }
 

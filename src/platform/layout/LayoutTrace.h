@@ -47,7 +47,7 @@ struct Finding {
   ui::EdgeInsets beyond{};  // how far it stands out; leading is the left side here
 };
 
-// In the order of the nodes. Up to half a device pixel counts as nothing.
+// Outer causes come first. Up to half a device pixel counts as nothing.
 std::vector<Finding> findingsOf(const LayoutTrace& trace, Size size, double scale);
 
 }  // namespace quillpad::drawing
