@@ -117,7 +117,9 @@ test("everything is reached with the keyboard", async () => {
   await press("ArrowDown", "ArrowDown", "ArrowRight");
   assert.match(await focused(), /^ +padding top 20/);
   assert.match((await lit(tree(page)))[0], /padding top 20/, "the focus lights up");
-  await press("ArrowLeft");
+  await press("ArrowDown", "ArrowDown", "ArrowDown", "ArrowLeft");
+  assert.match(await focused(), /^ +hstack/, "from the second child");
+  await press("ArrowLeft", "ArrowLeft");
   assert.match(await focused(), /^ +vstack/);
   await press("End", "ArrowDown");
   assert.match(await focused(), /^ +spacer/);
