@@ -1,5 +1,5 @@
-// The product's five widgets a hundred times over, as an extension to load the home screen with.
-// Its timelines ask for a reload after RELOAD_SECONDS, if that is set.
+// The product's five widgets COPIES times over, a hundred where that is not set, as an extension to
+// load the home screen with. Its timelines ask for a reload after RELOAD_SECONDS, if that is set.
 #include <chrono>
 #include <cstdlib>
 #include <optional>
@@ -15,8 +15,6 @@
 using namespace quillpad;
 
 namespace {
-
-constexpr int copies = 100;
 
 widgets::WidgetConfiguration withReload(
     widgets::WidgetConfiguration widget, std::chrono::seconds reload) {
@@ -40,7 +38,8 @@ widgets::WidgetConfiguration withReload(
 struct ManyWidgets {
   std::vector<widgets::WidgetConfiguration> body() const {
     const char* reload = std::getenv("RELOAD_SECONDS");
-    const int count = std::getenv("ONLY_FIVE") == nullptr ? copies : 1;
+    const char* copies = std::getenv("COPIES");
+    const int count = copies == nullptr ? 100 : std::atoi(copies);
     std::vector<widgets::WidgetConfiguration> many;
     for (int copy = 0; copy < count; ++copy) {
       for (widgets::WidgetConfiguration widget : quillpad::Widgets().body()) {

@@ -51,6 +51,7 @@ class SupervisorTest : public testing::Test {
         lastPing = ++lastId;
         if (answersPings) {
           supervisor.replied(now(), {.id = lastPing, .reply = channel::Pong{}});
+          supervisor.timePassed(now());
         }
       } else {
         words.push_back(wordsOf(std::get<Supervisor::Ask>(action).request));
@@ -88,6 +89,7 @@ class SupervisorTest : public testing::Test {
     const std::uint64_t id = request->second;
     open.erase(request);
     supervisor.replied(now(), {.id = id, .reply = std::move(reply)});
+    supervisor.timePassed(now());
   }
 
   // The answer after a transfer that failed.
@@ -456,6 +458,7 @@ TEST_F(SupervisorTest, ALateAnswerIsAskedForAgainLaterAndNotTakenAnyMore) {
   after(5min);
   const std::uint64_t late = open.at("timeline A");
   supervisor.answerIsLate(now(), {.id = late, .waited = 90s});
+  supervisor.timePassed(now());
   EXPECT_EQ(problem("A").cause, Cause::late);
   EXPECT_EQ(problem("A").detail, "90 s");
   supervisor.replied(now(), {late, timelineOf("late")});

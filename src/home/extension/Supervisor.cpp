@@ -53,7 +53,6 @@ void Supervisor::replied(const Moment& now, const channel::NumberedReply& reply)
     if (!request->outdated) {
       take(now, *request, reply.reply);
     }
-    advance(now);
   }
 }
 
@@ -68,7 +67,6 @@ void Supervisor::answerIsLate(const Moment& now, const LateAnswer& late) {
            .output = "",
            .since = now.date});
     }
-    advance(now);
   }
 }
 

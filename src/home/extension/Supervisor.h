@@ -48,7 +48,8 @@ class Supervisor {
   // Takes up what an earlier run left; every placed widget is asked afresh. Before any event.
   void restore(SavedHome saved);
 
-  // What happened. Each may lead to actions.
+  // What happened. Each may lead to actions, replies only once timePassed is called: after all that
+  // came together, as many widgets are looked at then.
   void timePassed(const Moment& now);
   void replied(const Moment& now, const channel::NumberedReply& reply);
   void answerIsLate(const Moment& now, const LateAnswer& late);
