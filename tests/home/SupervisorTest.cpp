@@ -766,6 +766,22 @@ TEST_F(SupervisorTest, AnotherProgramTakesOverBetweenRequestsAndRendersAllAnew) 
   EXPECT_THAT(done(), UnorderedElementsAre("timeline A", "timeline B"));
 }
 
+TEST_F(SupervisorTest, AnEndOfTheOldProgramDoesNotPartThePicturesOfTheNewOne) {
+  bringUp();
+  supervisor.reload(now());
+  done();
+  supervisor.programReplaced(now());
+  answer("timeline A", timelineOf("a2"));
+  endExtension();
+  done();
+  answer("catalogue", catalogueOf({"A", "B"}));
+  done();
+  answer("render A", channel::Rendering{ui::Text::verbatim("new")});
+  EXPECT_THAT(shown("A"), "a1") << "some of either program";
+  answer("render B", channel::Rendering{ui::Text::verbatim("new")});
+  EXPECT_THAT(shown("A") + shown("B"), "a2b1");
+}
+
 TEST_F(SupervisorTest, AProgramThatIsReplacedIsNotWaitedForMoreThanASecond) {
   bringUp();
   supervisor.openGallery(now());

@@ -101,3 +101,28 @@ test("a program that breaks or ends at once leaves the last pictures, marked wit
   await until("it recovers at once", shows(page, "good again"));
   await until("no mark is left", async () => (await page.locator('.widget[data-status="live"]').count()) === 5);
 });
+
+test("the cards of a wall change all at once and keep their places, and its line tells of a program that breaks", async () => {
+  rename("w1");
+  const page = await open("/?view=wall", { reducedMotion: "reduce" }); // or all of it wanders
+  const line = page.locator(".line");
+  const places = () => page.locator(".card").evaluateAll((cards) => cards.map((card) => JSON.stringify(card.getBoundingClientRect())));
+  await until("the first program shows", shows(page, "w1"));
+  await line.getByText(/^Live, /).waitFor();
+  const before = await places();
+  await page.evaluate(() => {
+    window.states = [];
+    new MutationObserver(() => {
+      window.states.push([...document.querySelectorAll(".card svg")].map((card) => card.getAttribute("aria-label")).join());
+    }).observe(document.getElementById("home"), { childList: true });
+  });
+  for (const stamp of ["w2", "breaks", "w3"]) {
+    rename(stamp);
+    if (stamp !== "breaks") await until(`${stamp} shows`, shows(page, stamp));
+    await line.getByText(stamp === "breaks" ? "Old picture" : /^Live, /).waitFor();
+  }
+  assert.deepEqual(await places(), before);
+  const states = await page.evaluate(() => window.states);
+  assert.ok(states.length > 1, "the same page saw it");
+  for (const state of states) assert.match(state, /^(w\d)(,\1){4}$/);
+});

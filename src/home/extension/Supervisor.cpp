@@ -266,6 +266,7 @@ void Supervisor::startExtension(const Moment& now) {
 void Supervisor::replaceExtension(const Moment& now) {
   replaceBy_.reset();
   replaced_ = true;
+  restarts_.reset();  // ends since then were the old program's
   lastEnd_.reset();
   if (life_ == Life::starting || life_ == Life::running) {
     actions_.emplace_back(EndExtension{});
