@@ -133,8 +133,14 @@ test("everything is reached with the keyboard", async () => {
   assert.match((await lit(tree(page)))[0], /padding 16/, "the kept one again");
   await tree(page).locator('[tabindex="0"]').focus();
   assert.match(await focused(), /padding 16/);
+  const kept = () => page.locator('[aria-selected="true"]').count();
+  assert.equal(await kept(), 1);
   await press("Escape");
-  assert.equal(await page.locator('[aria-selected="true"]').count(), 0);
+  assert.equal(await kept(), 0);
+  await card(page).click({ position: { x: 4, y: 80 } });
+  assert.equal(await kept(), 1);
+  await press("Escape");
+  assert.equal(await kept(), 0, "wherever the focus is");
 });
 
 test("from right to left, on a narrow screen and for everybody's eyes", async () => {

@@ -141,6 +141,7 @@ const inspector = (() => {
   document.addEventListener("focusout", ({ target }) => rowOf(target) && light(pinned));
 
   document.addEventListener("keydown", (event) => {
+    if (event.key === "Escape" && !event.target.closest("#choices")) return pin(-1);
     const row = rowOf(event.target);
     if (!row || event.ctrlKey || event.altKey || event.metaKey) return;
     const all = rows(row.parentElement);
@@ -157,7 +158,6 @@ const inspector = (() => {
     };
     if (event.key in steps) focus(steps[event.key]());
     else if (event.key === "Enter" || event.key === " ") toggle(nodeOf(row));
-    else if (event.key === "Escape") pin(-1);
     else return;
     event.preventDefault();
   });
