@@ -1,8 +1,11 @@
 // What the product's views show and where they lead. How they look, the goldens of drawing keep.
 #include <gtest/gtest.h>
 
+#include "platform/foundation/Json.h"
+#include "platform/ui/ViewCodec.h"
 #include "product/ProductSettings.h"
 #include "views/EntryViews.h"
+#include "views/ImageViews.h"
 
 namespace quillpad {
 namespace {
@@ -63,6 +66,14 @@ TEST_F(ViewsTest, LookTitlesUpShowWhatIsReceivedAsItIsAndLeadToTheirScreens) {
     EXPECT_EQ(textsOf(view), texts);
     EXPECT_EQ(linkOf(view), link);
   }
+}
+
+// Where the picture is smaller than its box, no drawing shows the box.
+TEST_F(ViewsTest, ABadgeHoldsItsPictureInABox) {
+  const auto badge = writeJson(ui::toValue(SalesImageView{}.body()), JsonLayout::compact);
+  EXPECT_TRUE(badge->contains(
+      R"({"minWidth":20,"idealWidth":20,"maxWidth":20,"minHeight":20,"idealHeight":20,"maxHeight":20})"))
+      << *badge;
 }
 
 TEST_F(ViewsTest, AShownRecordThatIsNoRowEndsTheProcess) {
