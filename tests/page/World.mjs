@@ -13,6 +13,7 @@ import { chromium } from "playwright-core";
 
 export const build = process.env.QUILLPAD_BUILD ?? fileURLToPath(new URL("../../build/release", import.meta.url));
 export const programs = join(build, "bin");
+export const isSanitized = Boolean(process.env.QUILLPAD_SANITIZE); // and some ten times slower
 const extensionUnderTest = join(build, "tests", "extension_under_test");
 const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
 

@@ -1,30 +1,11 @@
 // The inspector of the engineer's view: the card, its tree and its display list show the same node.
 import assert from "node:assert/strict";
-import { readFileSync } from "node:fs";
-import { createRequire } from "node:module";
-import { after, before, test } from "node:test";
-import { World, launchBrowser, until } from "./World.mjs";
+import { test } from "node:test";
+import { audit, open, shareWorld, until, world } from "./World.mjs";
 
-const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
 const sample = (name, more = "") => `/?view=engineer&kind=UnpaidMediumWidget&state=entry&start=sample/${name}${more}`;
-let world, browser;
 
-before(async () => {
-  world = await World.start();
-  browser = await launchBrowser();
-  await until("all widgets are live", () => world.allLive());
-});
-
-after(async () => {
-  await browser?.close();
-  await world?.end();
-});
-
-async function open(path, options) {
-  const page = await (await world.newContext(browser, options)).newPage();
-  await page.goto(world.address + path);
-  return page;
-}
+shareWorld();
 
 const card = (page) => page.locator(".chosen .card").first();
 const tree = (page) => page.getByRole("tree");
@@ -80,7 +61,6 @@ test("the card, the tree and the display list light up together, and a click kee
     await node(page, name).click();
     await page.mouse.move(0, 0);
     assert.deepEqual([await outline(page), await lit(tree(page))], [null, []], "let go");
-    await page.context().close();
   }
 });
 
@@ -156,9 +136,6 @@ test("from right to left, on a narrow screen and for everybody's eyes", async ()
     assert.equal(x + width, 338 - 16, "names begin at the right");
     assert.match(await page.locator(".facts dd").first().innerText(), /\u2066250 × 25\u2069.*\u2066hstack\u2069/);
     assert.equal(await page.evaluate(() => document.documentElement.scrollWidth - innerWidth), 0);
-    await page.evaluate(axe);
-    const { violations } = await page.evaluate(() => axe.run());
-    assert.deepEqual(violations.map(({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html.slice(0, 120))}`), []);
-    await page.context().close();
+    await audit(page);
   }
 });
