@@ -106,7 +106,8 @@ class URLSessionTest : public testing::Test {
 
 TEST_F(URLSessionTest, PostsTheBodyAndItsFields) {
   const HttpsServer server([](auto&, auto& exchange) { exchange.respond(200, "fine"); });
-  URLRequest request = postFor(server.address("/invoice?page=1"), R"({"businessId":"7"})");
+  const std::string body("{\"businessId\":\0\"7\"}", 19);
+  URLRequest request = postFor(server.address("/invoice?page=1"), body);
   request.setValue("4000", "content-length");
   request.setValue("evil\r\nInjected: yes", "X-Note");
   request.setValue("", "X-Empty");
@@ -118,11 +119,11 @@ TEST_F(URLSessionTest, PostsTheBodyAndItsFields) {
   const HttpsServer::Request got = server.requests().at(0);
   EXPECT_EQ(got.method, "POST");
   EXPECT_EQ(got.path, "/invoice?page=1");
-  EXPECT_EQ(got.body, R"({"businessId":"7"})");
+  EXPECT_EQ(got.body, body);
   EXPECT_EQ(got.header("Authorization"), "secret");
   EXPECT_EQ(got.header("Content-Type"), "application/json");
   EXPECT_EQ(got.headerCount("Content-Length"), 1);
-  EXPECT_EQ(got.header("Content-Length"), "18");
+  EXPECT_EQ(got.header("Content-Length"), "19");
   EXPECT_EQ(got.header("X-Empty"), "");
   EXPECT_EQ(got.headerCount("X-Note"), 0);
   EXPECT_EQ(got.headerCount("Injected"), 0);
