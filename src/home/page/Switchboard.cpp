@@ -121,7 +121,7 @@ WebAnswer answerFrom(
 std::optional<double> secondsFrom(std::string_view text) {
   double seconds = 0;
   const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, seconds);
+  const auto [stop, error] = std::from_chars(end - text.size(), end, seconds);
   const bool isRead = error == std::errc() && stop == end;
   return isRead && seconds >= 0 && seconds <= maxDelay ? std::optional(seconds) : std::nullopt;
 }
