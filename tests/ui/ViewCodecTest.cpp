@@ -119,11 +119,18 @@ Value wide(std::size_t count) {
   return Dictionary{{"type", "hstack"}, {"children", Array(count - 1, spacer)}};
 }
 
+// Longer texts count as little as may be shaped of them.
+Value verbose(std::size_t count) {
+  const Value text = toValue(Text(std::string(100'000, 'a')));
+  return Dictionary{{"type", "vstack"}, {"children", Array(count, text)}};
+}
+
 TEST(ViewCodec, TakesAsMuchAsItsBoundsAndNoMore) {
   const std::tuple<Value (*)(std::size_t count), std::size_t, const char*> cases[] = {
       {modified, 32, "view.modifiers: more than 32 elements"},
       {nested, 256, "more than 256 views deep"},
-      {wide, 100'000, "more than 100000 views"},
+      {wide, 10'000, "more than 10000 views"},
+      {verbose, 64, "more than 1 MiB of texts"},
   };
   for (const auto& [make, most, error] : cases) {
     EXPECT_TRUE(viewFromValue(make(most))) << error;

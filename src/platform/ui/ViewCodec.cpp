@@ -1,5 +1,6 @@
 #include "platform/ui/ViewCodec.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -14,7 +15,11 @@ namespace quillpad {
 namespace {
 
 constexpr std::size_t maxDepth = 256;
-constexpr std::size_t maxViews = 100'000;
+constexpr std::size_t maxViews = 10'000;
+
+// Of each text only as much counts as may be shaped of it.
+constexpr std::size_t maxTextBytes = std::size_t{1} << 20;
+constexpr std::size_t maxBytesOfText = std::size_t{1} << 14;
 constexpr std::size_t maxModifiers = 32;  // of one view
 // Far beyond any screen, and far from where sums of lengths lose their meaning.
 constexpr double maxLength = 1'000'000;
@@ -227,19 +232,30 @@ ui::View Codec<ui::View>::decode(const Decoder& d) {
 
 namespace {
 
+struct Extent {
+  std::size_t views = 0;
+  std::size_t textBytes = 0;
+};
+
 // Fails for a tree that is deeper or larger than any in use, before anything of it is made.
-void checkExtent(const Decoder& view, std::size_t depth, std::size_t& views) {
+void checkExtent(const Decoder& view, std::size_t depth, Extent& extent) {
   if (depth > maxDepth) {
     view.fail("more than 256 views deep");
-  } else if (++views > maxViews) {
-    view.fail("more than 100000 views");
+  } else if (++extent.views > maxViews) {
+    view.fail("more than 10000 views");
+  }
+  if (const auto text = view.find("text")) {
+    extent.textBytes += std::min(text->text().size(), maxBytesOfText);
+    if (extent.textBytes > maxTextBytes) {
+      view.fail("more than 1 MiB of texts");
+    }
   }
   if (const auto modifiers = view.find("modifiers")) {
     modifiers->elements(maxModifiers);
   }
   if (const auto children = view.find("children")) {
     for (const Decoder& child : children->elements()) {
-      checkExtent(child, depth + 1, views);
+      checkExtent(child, depth + 1, extent);
     }
   }
 }
@@ -263,8 +279,8 @@ View localized(View view, const std::function<std::string(const std::string& key
 Value toValue(const View& view) { return encode(view); }
 
 View viewFrom(const Decoder& d) {
-  std::size_t views = 0;
-  checkExtent(d, 1, views);
+  Extent extent;
+  checkExtent(d, 1, extent);
   return decode<View>(d);
 }
 
