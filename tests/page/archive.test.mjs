@@ -5,7 +5,7 @@ import { readFileSync, readdirSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { test } from "node:test";
 import { promisify } from "node:util";
-import { isSanitized, open, programs, shareWorld, until, world } from "./World.mjs";
+import { open, programs, shareWorld, until, world } from "./World.mjs";
 
 shareWorld();
 
@@ -36,7 +36,7 @@ test("the canvas's link has the pictures that are chosen, as render draws them",
   assert.ok(readFileSync(join(folder, name)).equals(readFileSync(expected)));
 });
 
-test("all of a widget comes while the widgets stay live and the extension is killed, and what is missing is told", { skip: isSanitized }, async () => {
+test("all of a widget comes while the widgets stay live and the extension is killed, and what is missing is told", async () => {
   const answer = await world.fetch("/canvas.zip?screen=all&kind=UnpaidMediumWidget");
   assert.equal(answer.status, 200);
   let done = false;

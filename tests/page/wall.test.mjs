@@ -42,7 +42,7 @@ test("what is not live is seen at the edge of the card, in the line, in the titl
   assert.match(live.line, /^Live, \d+:\d\d/);
   await world.stop(world.gateway);
   await world.change("/reload");
-  await until("the line tells", async () => !(await looks()).line.startsWith("Live"));
+  await until("the line tells of every card", async () => (await looks()).line.startsWith("Kept figures, "));
   const away = await looks();
   for (const [what, looked] of Object.entries(away)) assert.notEqual(looked, live[what], what);
   assert.match(away.line, /^Kept figures, as of \d+:\d\d/);
