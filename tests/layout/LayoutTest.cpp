@@ -84,6 +84,10 @@ TEST(Layout, PlacesWhatItIsGiven) {
       {VStack(HStack(box(10, 10), text("a")), text("b")),
        {28, 24.413},
        "fill 0,0 10x10; text a 18,0 10x10; text b 9,14.413 10x10"},
+      // on both sides
+      {VStack(box(28, 9), HStack(box(10, 10), text("a")), box(28, 9)),
+       {28, 39.301},
+       "fill 0,0 28x9; fill 0,13.413 10x10; text a 18,13.413 10x10; fill 0,30.301 28x9"},
       // a column of texts beside a text is ordinary
       {HStack(VStack(text("a"), text("b")), text("c")),
        {28, 20},
@@ -187,6 +191,9 @@ TEST(Layout, AppliesModifiersInTheirOrder) {
        "fill 15,10 20x30; text ab 15,20 20x10"},
       // senseless lengths bind nothing
       {text("ab").frame({.width = -1, .height = nan}).background(black),
+       {50, 50},
+       "fill 15,20 20x10; text ab 15,20 20x10"},
+      {text("ab").frame({.maxWidth = -1, .maxHeight = nan}).background(black),
        {50, 50},
        "fill 15,20 20x10; text ab 15,20 20x10"},
       // a flexible frame bound both ways takes the clamped offer
