@@ -180,9 +180,9 @@ export class World {
     }));
   }
 
-  async allLive() {
+  async allLive(count = 5) {
     const looks = await this.looks();
-    return looks.length === 5 && looks.every(({ status }) => status === "live");
+    return looks.length === count && looks.every(({ status }) => status === "live");
   }
 
   untilLive() {
