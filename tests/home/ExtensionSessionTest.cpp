@@ -136,15 +136,21 @@ TEST_F(ExtensionSessionTest, EndsWhatUsesMoreMemoryThanItMay) {
   EXPECT_THAT(end.detail, testing::MatchesRegex("it used [0-9]+ MB, the limit is 1 MB"));
 }
 
+// A refusal without a number is that of the request under way, if it is but one.
 TEST_F(ExtensionSessionTest, OnlyOpenRequestsAreAnswered) {
-  start(
-      answers(9, R"({"dropped":true})") +
-      R"(echo '{"id":null,"error":{"code":-32700,"message":"what?"}}' >&3; )" + reply(1, anEntry) +
-      "sleep 60");
-  ask();
-  const auto reply = until<channel::NumberedReply>();
-  EXPECT_EQ(reply.id, 1U);
-  EXPECT_EQ(std::get<channel::Refused>(reply.reply).message, "what?");
+  for (const bool oneIsOpen : {true, false}) {
+    start(
+        answers(9, R"({"dropped":true})") +
+        R"(echo '{"id":null,"error":{"code":-32700,"message":"what?"}}' >&3; )" +
+        reply(1, anEntry) + "sleep 60");
+    ask();
+    if (!oneIsOpen) {
+      ask();
+    }
+    const auto reply = until<channel::NumberedReply>();
+    EXPECT_EQ(reply.id, 1U);
+    EXPECT_EQ(std::holds_alternative<channel::Refused>(reply.reply), oneIsOpen);
+  }
 }
 
 TEST_F(ExtensionSessionTest, PrintedLinesAreShowableWhateverTheirBytes) {

@@ -100,6 +100,7 @@ TEST_F(ExtensionTest, TheExtensionEndsWithItsHomeScreen) {
   signIn();
   const fixtures::HttpsServer& gateway =
       serve([](const auto&, fixtures::HttpsServer::Exchange& exchange) { exchange.hold(); });
+  ::signal(SIGINT, SIG_DFL);  // jobs in a shell's background ignore it
   for (const int signal : {SIGKILL, SIGTERM, SIGINT}) {
     const std::size_t before = gateway.requests().size();
     const auto home = start({"timeline", "SalesSmallWidget"});
