@@ -61,9 +61,8 @@ std::size_t translucentEntries(std::span<const ui::Rgba> colors) {
 
 }  // namespace
 
-// The lowest level: the next one makes files a quarter smaller, but mixes a remainder of its
-// state's address into the search for matches, so that the same rows now and then come out in other
-// bytes.
+// The lowest level: the next one makes files a sixth smaller, but mixes a remainder of its state's
+// address into the search for matches, so that the same rows now and then come out in other bytes.
 struct PngEncoder::Compressor {
   // Appends the zlib stream of the rows.
   void compress(const PixelRows& rows, std::vector<std::uint8_t>& out) {
