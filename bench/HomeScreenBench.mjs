@@ -25,8 +25,11 @@ function usage(process) {
   };
 }
 
+const worlds = []; // ended whatever happens
+
 async function signedInWorld(extension) {
   const world = new World();
+  worlds.push(world);
   if (extension) world.extension = extension;
   await world.startGateway();
   world.signIn();
@@ -224,4 +227,8 @@ async function wholeMatrix() {
 
 const parts = { firstPaint, manyTabs, hoursOfReloads, manyWidgets, anotherProgram, wholeMatrix };
 const chosen = process.argv.length > 2 ? process.argv.slice(2) : Object.keys(parts);
-for (const part of chosen) await parts[part]();
+try {
+  for (const part of chosen) await parts[part]();
+} finally {
+  for (const world of worlds) await world.end();
+}
