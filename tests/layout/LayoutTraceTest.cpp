@@ -84,12 +84,6 @@ TEST(LayoutTrace, SaysWhatEachNodeWasOfferedAndTook) {
        "cut off 1: 0 0 0 0\n"},
       // a text of two lines is not
       {text("abcdef"), {30, 20}, "text 30x20 > 30x20 at 0,0\n"},
-      // a picture larger than its frame
-      {Image("Graph").frame(Frame{.width = 10, .height = 20}),
-       {50, 50},
-       "frame 50x50 > 10x20 at 20,15\n"
-       " image 10x20 > 24x12 at 13,19\n"
-       "overflows 1: 0 7 0 7\n"},
       // the innermost that stands out is named, inside the paddings around it
       {VStack(box(10, 30), box(10, 30)).padding(5).clipShape({.cornerRadius = 4}),
        {40, 40},
@@ -103,13 +97,15 @@ TEST(LayoutTrace, SaysWhatEachNodeWasOfferedAndTook) {
        "leaves 2: 14 0 14 0\n"
        "leaves 4: 14 0 0 0\n"
        "leaves 6: 0 0 14 0\n"},
-      // a padding that alone is too large
-      {box(10, 10).padding(20),
-       {40, 60},
-       "padding 40x60 > 50x50 at -5,5\n"
-       " frame 0x20 > 10x10 at 15,25\n"
-       "  fill 10x10 > 10x10 at 15,25\n"
-       "leaves 0: 0 5 0 5\n"},
+      // a padding that alone is too large, and a picture larger than its frame
+      {Image("Graph").frame(Frame{.width = 22.875, .height = 20}).padding(20),
+       {22.875, 60},
+       "padding 22.875x60 > 62.875x60 at -20,0\n"
+       " frame 0x20 > 22.875x20 at 0,20\n"
+       "  image 22.875x20 > 24x12 at -0.5625,24\n"
+       "leaves 0: 0 20 0 20\n"
+       "overflows 2: 0 0.5625 0 0.5625\n"
+       "leaves 2: 0 0.5625 0 0.5625\n"},
       // a negative padding lets stand out what it holds
       {box(20, 20).padding(-5).padding(5),
        {40, 40},
@@ -117,11 +113,11 @@ TEST(LayoutTrace, SaysWhatEachNodeWasOfferedAndTook) {
        " padding 30x30 > 10x10 at 15,15\n"
        "  frame 40x40 > 20x20 at 10,10\n"
        "   fill 20x20 > 20x20 at 10,10\n"},
-      // less than half a pixel is nothing
-      {box(100.8, 10),
+      // half a pixel is nothing
+      {box(101, 10),
        {100, 10},
-       "frame 100x10 > 100.8x10 at -0.4,0\n"
-       " fill 100.8x10 > 100.8x10 at -0.4,0\n"},
+       "frame 100x10 > 101x10 at -0.5,0\n"
+       " fill 101x10 > 101x10 at -0.5,0\n"},
       // a negative padding makes nobody else stand out
       {HStack(box(20, 20).padding(-5)),
        {10, 10},
@@ -176,6 +172,11 @@ TEST(LayoutTrace, LeavesOutWhatIsBehindTheFirstThousandNodes) {
   EXPECT_EQ(trace.layout.items.size(), 600U);
   EXPECT_EQ(trace.itemNodes[498], 998) << "the last text that was taken down";
   EXPECT_EQ(trace.itemNodes[599], 0) << "the next one around it that was";
+
+  View padded = text("a");
+  padded.modifiers.assign(maximumTracedNodes, Padding{});
+  const LayoutTrace none = traceLayout(padded, {90, 60}, LayoutDirection::leftToRight, metrics);
+  EXPECT_EQ(none.itemNodes, std::vector{-1});
 }
 
 // What it asks beyond what layout asks is a few lines, however long a text is.

@@ -35,9 +35,6 @@ std::optional<Line> LineReader::next() {
   return line;
 }
 
-std::string LineReader::takeRest() {
-  skipping_ = false;
-  return std::exchange(rest_, {});
-}
+std::string LineReader::takeRest() { return std::exchange(rest_, {}); }
 
 }  // namespace quillpad::channel

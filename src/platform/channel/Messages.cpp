@@ -23,7 +23,7 @@ template <>
 struct Codec<std::chrono::microseconds> {
   static Value encode(std::chrono::microseconds duration) { return duration.count(); }
   static std::chrono::microseconds decode(const Decoder& d) {
-    return std::chrono::microseconds(d.whole<std::int64_t>(0));
+    return std::chrono::microseconds(d.whole<std::uint64_t>());
   }
 };
 

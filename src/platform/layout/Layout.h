@@ -1,6 +1,7 @@
 // Where the parts of a view stand: a pure function of the view, the size it is offered and the
-// measures of its texts and images. Lengths are points, not yet rounded to device pixels. Callable
-// from any thread, as far as the metrics are.
+// measures of its texts and images. Lengths are points, not yet rounded to device pixels; those of
+// the view are no longer than its codec lets through. Callable from any thread, as far as the
+// metrics are.
 #pragma once
 
 #include <string>

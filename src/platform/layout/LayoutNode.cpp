@@ -1,7 +1,6 @@
 #include "platform/layout/LayoutNode.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -41,12 +40,10 @@ double LayoutNode::flexibility(ui::Axis axis, double proposedAcross) {
   constexpr double infinity = std::numeric_limits<double>::infinity();
   const double longest = along(axis, size(sizeAlong(axis, infinity, proposedAcross)));
   const double shortest = along(axis, size(sizeAlong(axis, 0, proposedAcross)));
-  // Both are infinite where lengths overflow.
-  const double flexibility = std::isnan(longest - shortest) ? 0 : longest - shortest;
   if (keepsFlexibility_) {
-    flexibility_ = flexibility;
+    flexibility_ = longest - shortest;
   }
-  return flexibility;
+  return longest - shortest;
 }
 
 LayoutNodePtr nodeOf(const ui::View& view, const Surroundings& around) {

@@ -8,16 +8,11 @@
 namespace quillpad::drawing {
 namespace {
 
-// What all modifiers have in common: unless they say otherwise, they are as large as their content
-// and leave it where it is.
+// What all modifiers have in common: unless they say otherwise, they are as large as their content.
 class ModifierNode : public LayoutNode {
  public:
   explicit ModifierNode(LayoutNodePtr content)
       : LayoutNode(content->spacing(), content->isSpacer()), content_(std::move(content)) {}
-
-  void place(Size proposed, const Rect& frame, Placement& placement) override {
-    content_->place(proposed, frame, placement);
-  }
 
  protected:
   LayoutNode& content() { return *content_; }

@@ -1,5 +1,7 @@
 #include "platform/layout/Tracer.h"
 
+#include <algorithm>
+#include <ranges>
 #include <utility>
 
 namespace quillpad::drawing {
@@ -19,12 +21,8 @@ class Tracer::Watch final : public LayoutNode {
     const std::size_t first = placement.itemCount();
     content_->place(proposed, frame, placement);
     trace_.itemNodes.resize(placement.itemCount(), -1);
-    for (std::size_t i = first; i < trace_.itemNodes.size(); ++i) {
-      // What stands further inside has taken its own.
-      if (trace_.itemNodes[i] < 0) {
-        trace_.itemNodes[i] = static_cast<int>(node_);
-      }
-    }
+    // What stands further inside has taken its own.
+    std::ranges::replace(trace_.itemNodes | std::views::drop(first), -1, static_cast<int>(node_));
   }
 
  private:
