@@ -179,8 +179,10 @@ TEST(MessagesTest, AReplyToNoRequestUnderWayIsNotRead) {
 }
 
 TEST(MessagesTest, AnAnswerThatNoFrameHoldsBecomesARefusal) {
-  const std::string text(maxFrame, 'x');
-  for (const Value& data : {Value(text), Value("\xFF"), Value(Data{"bytes"})}) {
+  const std::size_t rest = encode(NumberedReply{5, Entry{Date(), ""}}).size();
+  const std::string longest(maxFrame - rest, 'x');
+  EXPECT_EQ(encode(NumberedReply{5, Entry{Date(), longest}}).size(), maxFrame);
+  for (const Value& data : {Value(longest + "x"), Value("\xFF"), Value(Data{"bytes"})}) {
     const auto reply = decodeFromExtension(
         encode(NumberedReply{5, Entry{Date(), data}}), always(Method::snapshot));
     ASSERT_TRUE(reply);

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "home/ScriptedExtension.h"
+#include "home/extension/Confinement.h"
 #include "home/extension/ExtensionClient.h"
 
 namespace quillpad::home {
@@ -137,6 +138,10 @@ TEST_F(ExtensionClientTest, TheExtensionInheritsNothingButItsOwnDescriptors) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   ASSERT_FALSE(entry);
   EXPECT_THAT(entry.error().message, testing::EndsWith("): channel 3"));
+}
+
+TEST(Confinement, NoGapIsToldOfAKernelWithoutOne) {
+  EXPECT_TRUE(LandlockRuleset::kernelVersion() < 4 || confinementGap().empty());
 }
 
 }  // namespace

@@ -42,8 +42,8 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
 
 TEST(Page, OnlyLinksToApplicationsStandOnIt) {
   channel::CatalogueItem widget;
-  widget.linkSchemes = {"quillpad", "MailTo", "javascript", "http", "file"};
-  for (const char* link : {"quillpad://Report", "QuillPad://x", "mailto:someone"}) {
+  widget.linkSchemes = {"quillpad", "ZettelAtoZ", "javascript", "http", "file"};
+  for (const char* link : {"quillpad://Report", "QuillPad://x", "zettelatoz:one"}) {
     EXPECT_TRUE(leadsToApplication(widget, link)) << link;
   }
   const std::vector<const char*> refused[] = {
@@ -176,7 +176,7 @@ TEST(WidgetStatus, WhatIsOverdueIsStaleAndAFailureStatusIsNoted) {
       statusOf({.picture = &picture, .reload = {}, .overdue = true}).level,
       WidgetStatus::Level::stale);
   for (const auto& [statusCode, note] :
-       {std::pair{0, ""}, {200, ""}, {302, ""}, {403, "answered with status 403"}}) {
+       {std::pair{0, ""}, {200, ""}, {302, ""}, {400, "answered with status 400"}}) {
     picture.statusCode = statusCode;
     EXPECT_EQ(statusOf({.picture = &picture, .reload = {}}).note, note);
   }
