@@ -194,12 +194,12 @@ TEST(Layout, AppliesModifiersInTheirOrder) {
        {50, 50},
        "fill 15,10 20x30; text ab 15,20 20x10"},
       // senseless lengths bind nothing
-      {text("ab").frame({.width = -1, .height = nan}).background(black),
-       {50, 50},
-       "fill 15,20 20x10; text ab 15,20 20x10"},
-      {text("ab").frame({.maxWidth = -1, .maxHeight = nan}).background(black),
-       {50, 50},
-       "fill 15,20 20x10; text ab 15,20 20x10"},
+      {Image("Graph").frame({.width = -1, .height = nan}).background(black),
+       {10, 10},
+       "fill -7,-1 24x12; image -7,-1 24x12"},
+      {Image("Graph").frame({.maxWidth = -1, .maxHeight = nan}).background(black),
+       {10, 10},
+       "fill -7,-1 24x12; image -7,-1 24x12"},
       // a flexible frame bound both ways takes the clamped offer
       {framed({.minWidth = 20, .maxWidth = 30}), {100, 50}, "fill 35,20 30x10; text a 45,20 10x10"},
       // and the clamped offer of height
@@ -218,8 +218,10 @@ TEST(Layout, AppliesModifiersInTheirOrder) {
       {HStack(Image("Graph").frame({.width = 8}).clipShape({.cornerRadius = 4}), box(4, 4)),
        {20, 12},
        "image -8,0 24x12 clip 0; fill 16,4 4x4"},
-      // a framed spacer is still a spacer
-      {HStack(Spacer().frame({.height = 4}), box(10, 10)), {100, 10}, "fill 90,0 10x10"},
+      // a framed spacer is still a spacer; one of fixed length stands 8 apart
+      {HStack(Spacer().frame({.height = 4}), box(10, 10), Spacer().frame({.width = 4})),
+       {100, 10},
+       "fill 78,0 10x10"},
   };
   for (const auto& [view, size, placed] : cases) {
     EXPECT_EQ(laidOut(view, size), placed);

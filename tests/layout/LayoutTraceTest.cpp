@@ -127,12 +127,12 @@ TEST(LayoutTrace, SaysWhatEachNodeWasOfferedAndTook) {
        "   fill 20x20 > 20x20 at -5,-5\n"
        "leaves 3: 5 5 5 5\n"},
       // to the left of the card, mirrored
-      {box(70, 10).padding({.leading = 60}),
+      {box(70, 10).padding({.leading = 31.5}),
        {100, 10},
-       "padding 100x10 > 130x10 at -15,0\n"
-       " frame 40x10 > 70x10 at -15,0\n"
-       "  fill 70x10 > 70x10 at -15,0\n"
-       "leaves 2: 0 0 0 15\n",
+       "padding 100x10 > 101.5x10 at -0.75,0\n"
+       " frame 68.5x10 > 70x10 at -0.75,0\n"
+       "  fill 70x10 > 70x10 at -0.75,0\n"
+       "leaves 2: 0 0 0 0.75\n",
        LayoutDirection::rightToLeft},
   };
   for (const auto& one : cases) {

@@ -40,10 +40,11 @@ double LayoutNode::flexibility(ui::Axis axis, double proposedAcross) {
   constexpr double infinity = std::numeric_limits<double>::infinity();
   const double longest = along(axis, size(sizeAlong(axis, infinity, proposedAcross)));
   const double shortest = along(axis, size(sizeAlong(axis, 0, proposedAcross)));
+  const double flexibility = longest - shortest;
   if (keepsFlexibility_) {
-    flexibility_ = longest - shortest;
+    flexibility_ = flexibility;
   }
-  return longest - shortest;
+  return flexibility;
 }
 
 LayoutNodePtr nodeOf(const ui::View& view, const Surroundings& around) {

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -59,14 +58,14 @@ class PaddingNode final : public ModifierNode {
 
 // A length of a frame, where it is one.
 std::optional<double> usable(std::optional<double> length) {
-  return length && *length >= 0 && std::isfinite(*length) ? length : std::nullopt;
+  return length && *length >= 0 ? length : std::nullopt;
 }
 
 // The bounds of one dimension of a flexible frame; an absent one does not bind.
 class Bounds {
  public:
   Bounds(std::optional<double> min, std::optional<double> max)
-      : min_(usable(min)), max_(max && *max >= 0 ? max : std::nullopt) {}
+      : min_(usable(min)), max_(usable(max)) {}
 
   bool any() const { return min_ || max_; }
   bool both() const { return min_ && max_; }
@@ -169,10 +168,8 @@ LayoutNodePtr nodeAround(LayoutNodePtr content, const ui::Padding& padding) {
 }
 
 LayoutNodePtr nodeAround(LayoutNodePtr content, const ui::Frame& frame) {
-  const auto fixed = [](std::optional<double> length) {
-    return Bounds(usable(length), usable(length));
-  };
-  return std::make_unique<FrameNode>(std::move(content), fixed(frame.width), fixed(frame.height));
+  return std::make_unique<FrameNode>(
+      std::move(content), Bounds(frame.width, frame.width), Bounds(frame.height, frame.height));
 }
 
 LayoutNodePtr nodeAround(LayoutNodePtr content, const ui::FlexibleFrame& frame) {

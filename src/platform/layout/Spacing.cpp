@@ -11,9 +11,7 @@ constexpr double ordinaryGap = 8;
 
 Edge merged(const Edge& one, const Edge& other) {
   Edge result;
-  for (std::size_t i = 0; i < Edge::categoryCount; ++i) {
-    result.gaps[i] = std::max(one.gaps[i], other.gaps[i]);
-  }
+  std::ranges::transform(one.gaps, other.gaps, result.gaps.begin(), std::ranges::max);
   return result;
 }
 
