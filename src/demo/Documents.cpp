@@ -30,8 +30,7 @@ constexpr std::array clients = {
     "Σοφία Παπαδοπούλου",
 };
 
-std::string textOf(std::chrono::sys_days day, const char* time) {
-  const std::chrono::year_month_day date(day);
+std::string textOf(std::chrono::year_month_day date, const char* time) {
   std::array<char, 32> text{};
   std::snprintf(
       text.data(),

@@ -18,13 +18,12 @@
 #include "home/commands/ViewChoice.h"
 #include "home/page/CardBatch.h"
 #include "home/page/GalleryPage.h"
+#include "home/page/PictureName.h"
 
 namespace quillpad::home {
 namespace {
 
 using Fate = GalleryFolder::Fate;
-
-constexpr std::array appearances{ui::Appearance::light, ui::Appearance::dark};
 
 std::string_view nameOf(ui::Appearance appearance) {
   return appearance == ui::Appearance::dark ? "dark" : "light";
@@ -168,8 +167,8 @@ struct Gallery {
       cards.push_back(card.drawing);
     }
     std::vector<std::string> labels(cards.size());
-    Progress progress(cards.size() * appearances.size());
-    drawAll(cards, appearances, drawingThreads(), [&](const BatchPicture& picture) {
+    Progress progress(cards.size() * bothAppearances.size());
+    drawAll(cards, bothAppearances, drawingThreads(), [&](const BatchPicture& picture) {
       progress.advance();
       if (!picture.png) {
         return tally.fail({ExitStatus::wrongUsage, picture.png.error()});
@@ -210,7 +209,7 @@ struct Gallery {
     Done done = writeGalleryArchive(*plan, output);
     if (done) {
       done = print(
-          std::to_string(plan->cards.size() * appearances.size()) + " pictures in " + output +
+          std::to_string(plan->cards.size() * bothAppearances.size()) + " pictures in " + output +
           "\n");
     }
     return done ? outcomeOf(*plan) : done;
@@ -298,7 +297,7 @@ struct Gallery {
   static std::expected<std::size_t, Failure> findGone(
       const GalleryPlan& plan, const GalleryFolder& folder, Tally& tally) {
     std::vector<std::string> known;
-    for (const ui::Appearance appearance : appearances) {
+    for (const ui::Appearance appearance : bothAppearances) {
       for (const GalleryPlan::Card& card : plan.cards) {
         known.push_back(fileName(card, appearance));
       }

@@ -1,6 +1,5 @@
 #include "home/commands/GalleryArchive.h"
 
-#include <array>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -15,8 +14,6 @@
 
 namespace quillpad::home {
 namespace {
-
-constexpr std::array appearances{ui::Appearance::light, ui::Appearance::dark};
 
 std::string nameOf(const GalleryPlan::Card& card, ui::Appearance appearance) {
   const drawing::CardRequest& request = card.drawing.request;
@@ -38,13 +35,13 @@ Done writeGalleryArchive(const GalleryPlan& plan, const std::filesystem::path& f
   for (const GalleryPlan::Card& card : plan.cards) {
     cards.push_back(card.drawing);
   }
-  Progress progress(cards.size() * appearances.size());
+  Progress progress(cards.size() * bothAppearances.size());
   std::mutex mutex;
   std::optional<Failure> problem;
   const auto drawInto = [&](const TakePiece& take) {
     ZipWriter zip;
     std::error_code error;
-    drawAll(cards, appearances, drawingThreads(), [&](const BatchPicture& picture) {
+    drawAll(cards, bothAppearances, drawingThreads(), [&](const BatchPicture& picture) {
       progress.advance();
       const std::scoped_lock lock(mutex);
       if (error) {

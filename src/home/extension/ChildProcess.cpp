@@ -26,7 +26,7 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto maxWait = 2s;  // for the end of what was killed
+constexpr auto endingTimeout = 2s;  // for the end of what was killed
 
 std::string textOf(int error) { return std::strerror(error); }
 
@@ -242,7 +242,7 @@ ChildProcess::~ChildProcess() {
   if (process_) {
     kill();
     pollfd ended{process_.get(), POLLIN, 0};
-    ::poll(&ended, 1, static_cast<int>(std::chrono::milliseconds(maxWait).count()));
+    ::poll(&ended, 1, static_cast<int>(std::chrono::milliseconds(endingTimeout).count()));
     reap();
   }
 }
@@ -275,7 +275,7 @@ ChildProcess::End ChildProcess::reap() {
 // none.
 void endStrays() {
   const std::scoped_lock lock(family().mutex);
-  const auto until = Clock::now() + maxWait;
+  const auto until = Clock::now() + endingTimeout;
   for (auto found = strays(); !found.empty() && Clock::now() < until; found = strays()) {
     for (const pid_t stray : found) {
       ::kill(stray, SIGKILL);

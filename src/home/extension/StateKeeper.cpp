@@ -11,7 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto saveDelay = 1s;
-constexpr auto pauseAfterFailure = 30s;
+constexpr auto pauseAfterFailedSave = 30s;
 
 }  // namespace
 
@@ -59,7 +59,7 @@ void StateKeeper::saveNow(const Moment& now, const Supervisor& supervisor) {
   }
   if (const auto written = writeState(*file_, supervisor.saved()); !written) {
     tell_(written.error());
-    saveAt_ = now.uptime + pauseAfterFailure;
+    saveAt_ = now.uptime + pauseAfterFailedSave;
     return;
   }
   savedVersion_ = supervisor.savedVersion();

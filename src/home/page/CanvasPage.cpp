@@ -47,7 +47,8 @@ std::vector<std::string> screensOf(const CanvasQuery& query) {
   return {query.screen.empty() ? std::string(screens().front()) : query.screen};
 }
 
-std::vector<std::string> languagesOf(const CanvasQuery& query, const CanvasModel::Widget& widget) {
+std::vector<std::string> chosenLanguages(
+    const CanvasQuery& query, const CanvasModel::Widget& widget) {
   const auto& all = widget.languages;
   if (query.language.empty()) {
     return all.empty() ? std::vector<std::string>{""} : all;
@@ -56,7 +57,7 @@ std::vector<std::string> languagesOf(const CanvasQuery& query, const CanvasModel
                                                              : std::vector{query.language};
 }
 
-std::vector<Appearances> appearancesOf(const CanvasQuery& query) {
+std::vector<Appearances> chosenAppearances(const CanvasQuery& query) {
   if (query.appearance.empty()) {
     return {Appearances::light, Appearances::dark};
   }
@@ -170,9 +171,9 @@ std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::W
   std::vector<CanvasRow> rows;
   for (const NamedEntry& entry : entriesOf(query, widget)) {
     CanvasRow row{.entry = entry.name, .state = entry.state, .cells = {}};
-    for (const Appearances appearance : appearancesOf(query)) {
+    for (const Appearances appearance : chosenAppearances(query)) {
       for (const std::string& screen : screensOf(query)) {
-        for (const std::string& language : languagesOf(query, widget)) {
+        for (const std::string& language : chosenLanguages(query, widget)) {
           row.cells.push_back(
               {.query =
                    {.kind = widget.kind,

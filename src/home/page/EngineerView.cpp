@@ -1,7 +1,6 @@
 #include "home/page/EngineerView.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "home/page/PictureName.h"
@@ -11,8 +10,6 @@
 
 namespace quillpad::home {
 namespace {
-
-constexpr std::array bothAppearances{ui::Appearance::light, ui::Appearance::dark};
 
 // The appearance of a single picture.
 ui::Appearance appearanceOf(const PreviewQuery& query) {

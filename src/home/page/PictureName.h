@@ -1,12 +1,16 @@
 // How the file of a picture is called that a person keeps: all that makes it different from others.
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 
 #include "platform/ui/Color.h"
 
 namespace quillpad::home {
+
+// Those that a whole set of pictures has.
+inline constexpr std::array bothAppearances{ui::Appearance::light, ui::Appearance::dark};
 
 struct PictureName {
   std::string_view kind;

@@ -13,7 +13,6 @@ namespace {
 constexpr std::size_t maxDigits = 38;
 
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 }  // namespace
 

@@ -10,6 +10,9 @@
 
 namespace quillpad {
 
+// Whether it is one of 0 to 9.
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
 // The number that the whole text is ("." as decimal point; exponents, hexadecimal, "inf" and "nan"
 // are numbers too; out of range gives infinity or zero), or nothing: no blanks, no separators.
 std::optional<double> doubleFromText(std::string_view text);

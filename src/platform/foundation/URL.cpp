@@ -6,13 +6,13 @@
 
 #include "platform/foundation/Hex.h"
 #include "platform/foundation/Icu.h"
+#include "platform/foundation/NumberText.h"
 #include "platform/foundation/Utf8.h"
 
 namespace quillpad {
 namespace {
 
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
 // The signs that may stand in each part as they are, beside letters and digits.

@@ -117,20 +117,20 @@ bool isInColor(FcPattern* font) {
   return FcPatternGetBool(font, FC_COLOR, 0, &inColor) == FcResultMatch && inColor != FcFalse;
 }
 
-struct RankedFont {
-  FcPattern* font = nullptr;
-  FcCharSet* characters = nullptr;
-
-  bool hasAll(std::u32string_view wanted) const {
-    return std::ranges::all_of(wanted, [&](char32_t character) {
-      return FcCharSetHasChar(characters, character) != FcFalse;
-    });
-  }
-};
-
 }  // namespace
 
 struct FontFinder::Impl {
+  struct RankedFont {
+    FcPattern* font = nullptr;
+    FcCharSet* characters = nullptr;
+
+    bool hasAll(std::u32string_view wanted) const {
+      return std::ranges::all_of(wanted, [&](char32_t character) {
+        return FcCharSetHasChar(characters, character) != FcFalse;
+      });
+    }
+  };
+
   Impl() : config(FcConfigCreate()) {
     FcConfigParseAndLoadFromMemory(
         config.get(), reinterpret_cast<const FcChar8*>(folders), FcFalse);
@@ -179,13 +179,13 @@ std::optional<FontFile> FontFinder::find(
   if (impl_->rankings.size() == maxRankings) {
     impl_->rankings.clear();
   }
-  std::vector<RankedFont>& ranking =
+  std::vector<Impl::RankedFont>& ranking =
       impl_->rankings[{script, weight, script == USCRIPT_HAN ? language : std::string()}];
   if (ranking.empty()) {
     ranking = impl_->ranked(script, weight, language);
   }
   const auto best = std::ranges::find_if(
-      ranking, [&](const RankedFont& font) { return font.hasAll(characters); });
+      ranking, [&](const Impl::RankedFont& font) { return font.hasAll(characters); });
   FcChar8* path = nullptr;
   if (best == ranking.end() || FcPatternGetString(best->font, FC_FILE, 0, &path) != FcResultMatch) {
     return std::nullopt;

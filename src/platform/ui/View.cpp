@@ -26,11 +26,76 @@ View::View(Rectangle rectangle) : content(rectangle) {}
 View::View(Spacer spacer) : content(spacer) {}
 View::View(Stack stack) : content(std::move(stack)) {}
 
+View::View(const View& other) = default;
+View::View(View&& other) noexcept = default;
+View& View::operator=(const View& other) = default;
+View& View::operator=(View&& other) noexcept = default;
+View::~View() = default;
+
+void detail::append(std::vector<View>& children, View child) {
+  children.push_back(std::move(child));
+}
+
 void detail::append(std::vector<View>& children, Group group) {
   children.insert(
       children.end(),
       std::make_move_iterator(group.views.begin()),
       std::make_move_iterator(group.views.end()));
 }
+
+template <class Self>
+View Modifiable<Self>::padding(EdgeInsets insets) && {
+  View view = std::move(static_cast<Self&>(*this));
+  view.modifiers.emplace_back(Padding{insets});
+  return view;
+}
+
+template <class Self>
+View Modifiable<Self>::padding(double length) && {
+  return std::move(*this).padding(EdgeInsets{length, length, length, length});
+}
+
+template <class Self>
+View Modifiable<Self>::frame(Frame frame) && {
+  View view = std::move(static_cast<Self&>(*this));
+  view.modifiers.emplace_back(frame);
+  return view;
+}
+
+template <class Self>
+View Modifiable<Self>::frame(FlexibleFrame frame) && {
+  View view = std::move(static_cast<Self&>(*this));
+  view.modifiers.emplace_back(frame);
+  return view;
+}
+
+template <class Self>
+View Modifiable<Self>::background(Color color) && {
+  View view = std::move(static_cast<Self&>(*this));
+  view.modifiers.emplace_back(Background{color});
+  return view;
+}
+
+template <class Self>
+View Modifiable<Self>::clipShape(ClipShape shape) && {
+  View view = std::move(static_cast<Self&>(*this));
+  view.modifiers.emplace_back(shape);
+  return view;
+}
+
+template <class Self>
+View Modifiable<Self>::widgetURL(const std::optional<URL>& url) && {
+  View view = std::move(static_cast<Self&>(*this));
+  if (url) {
+    view.modifiers.emplace_back(WidgetUrl{url->absoluteString()});
+  }
+  return view;
+}
+
+template struct Modifiable<Text>;
+template struct Modifiable<Image>;
+template struct Modifiable<Rectangle>;
+template struct Modifiable<Spacer>;
+template struct Modifiable<View>;
 
 }  // namespace quillpad::ui

@@ -127,6 +127,12 @@ class View : public Modifiable<View> {
   View(Rectangle rectangle);
   View(Spacer spacer);
   View(Stack stack);
+  // Defined once for all who include this: compiling them is most of what a view's file costs.
+  View(const View& other);
+  View(View&& other) noexcept;
+  View& operator=(const View& other);
+  View& operator=(View&& other) noexcept;
+  ~View();
   template <Composite T>
     requires(!std::same_as<T, View>)
   View(const T& composite) : View(composite.body()) {}
@@ -137,9 +143,7 @@ class View : public Modifiable<View> {
 
 namespace detail {
 
-inline void append(std::vector<View>& children, View child) {
-  children.push_back(std::move(child));
-}
+void append(std::vector<View>& children, View child);
 void append(std::vector<View>& children, Group group);
 
 template <class... Children>
@@ -169,55 +173,6 @@ Group ForEach(const Range& range, MakeView makeView) {
     group.views.push_back(makeView(element));
   }
   return group;
-}
-
-template <class Self>
-View Modifiable<Self>::padding(EdgeInsets insets) && {
-  View view = std::move(static_cast<Self&>(*this));
-  view.modifiers.emplace_back(Padding{insets});
-  return view;
-}
-
-template <class Self>
-View Modifiable<Self>::padding(double length) && {
-  return std::move(*this).padding(EdgeInsets{length, length, length, length});
-}
-
-template <class Self>
-View Modifiable<Self>::frame(Frame frame) && {
-  View view = std::move(static_cast<Self&>(*this));
-  view.modifiers.emplace_back(frame);
-  return view;
-}
-
-template <class Self>
-View Modifiable<Self>::frame(FlexibleFrame frame) && {
-  View view = std::move(static_cast<Self&>(*this));
-  view.modifiers.emplace_back(frame);
-  return view;
-}
-
-template <class Self>
-View Modifiable<Self>::background(Color color) && {
-  View view = std::move(static_cast<Self&>(*this));
-  view.modifiers.emplace_back(Background{color});
-  return view;
-}
-
-template <class Self>
-View Modifiable<Self>::clipShape(ClipShape shape) && {
-  View view = std::move(static_cast<Self&>(*this));
-  view.modifiers.emplace_back(shape);
-  return view;
-}
-
-template <class Self>
-View Modifiable<Self>::widgetURL(const std::optional<URL>& url) && {
-  View view = std::move(static_cast<Self&>(*this));
-  if (url) {
-    view.modifiers.emplace_back(WidgetUrl{url->absoluteString()});
-  }
-  return view;
 }
 
 }  // namespace quillpad::ui
