@@ -19,17 +19,18 @@ const Date now{1'800'000'000s};
 
 TEST(ProcessLog, KeepsTheLatestLinesAndCountsTheTimelinesOfADay) {
   ProcessLog log;
-  for (int i = 0; i < 60; ++i) {
+  for (int i = 0; i < 2010; ++i) {
     log.notePrinted(now, std::to_string(i));
+    log.noteRequest(now, channel::TimelineRequest{"C"});
   }
   EXPECT_EQ(log.printed().size(), 50U);
-  EXPECT_EQ(log.printed().front().event, "59");
-  log.noteRequest(now - 25h, channel::TimelineRequest{"A"});
+  EXPECT_EQ(log.printed().front().event, "2009");
+  log.noteRequest(now - 24h, channel::TimelineRequest{"A"});
   log.noteRequest(now - 23h, channel::TimelineRequest{"A"});
   log.noteRequest(now, channel::TimelineRequest{"A"});
   log.noteRequest(now, channel::SnapshotRequest{"B"});
-  EXPECT_THAT(log.timelinesOfTheDay(now), ElementsAre(Pair("A", 2)));
-  EXPECT_THAT(log.timelinesOfTheDay(now + 2h), ElementsAre(Pair("A", 1)));
+  EXPECT_THAT(log.timelinesOfTheDay(now), ElementsAre(Pair("A", 2), Pair("C", 2000)));
+  EXPECT_THAT(log.timelinesOfTheDay(now + 1h), ElementsAre(Pair("A", 1), Pair("C", 2000)));
 }
 
 TEST(ProcessPage, ShowsMemoryTransfersAndWhoAsksMoreThanAPhoneGrants) {

@@ -142,8 +142,8 @@ TEST(Layout, SharesTheRoomByFlexibility) {
        "text aaaaaaaaaaaa 0,0 70x10; text bb 80,0 20x10"},
       // a spacer's least length is held back from the texts
       {HStack(text("aaaaaaaaaaaa"), Spacer()), {58, 10}, "text aaaaaaaaaaaa 0,0 50x10"},
-      // texts in a column are as flexible as at its width
-      {HStack(VStack(text("aaaa"), text("b")), Rectangle(black)),
+      // texts in a column are as flexible as at its width, in six stacks still
+      {VStack(HStack(VStack(HStack(HStack(VStack(text("aaaa"), text("b")), Rectangle(black)))))),
        {48, 30},
        "text aaaa 0,0 20x20; text b 5,20 10x10; fill 28,0 20x30"},
       // two spacers share what is left

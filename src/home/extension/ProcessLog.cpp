@@ -16,7 +16,7 @@ void ProcessLog::noteRequest(Date now, const channel::Request& request) {
   if (const auto* timeline = std::get_if<channel::TimelineRequest>(&request)) {
     std::deque<Date>& asked = timelines_[timeline->kind];
     asked.push_back(now);
-    while (asked.size() > maxTimelines || now - asked.front() >= 24h) {
+    if (asked.size() > maxTimelines) {
       asked.pop_front();
     }
   }
