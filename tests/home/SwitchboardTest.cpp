@@ -30,7 +30,7 @@ class SwitchboardTest : public testing::Test {
     if (const auto* answer = std::get_if<WebAnswer>(&reply)) {
       return *answer;
     }
-    return std::get<LaterAnswer>(reply)().value_or(WebAnswer{.status = 0, .body = "none yet"});
+    return std::get<LaterAnswer>(reply).take().value_or(WebAnswer{.status = 0, .body = "none yet"});
   }
 
   fixtures::TemporaryFolder folder_;
@@ -125,20 +125,20 @@ TEST_F(SwitchboardTest, OneThatIsSilentIsWaitedForAndNotAskedWithoutEnd) {
   const Moment now = presentMoment();
   const WebReply reply = silent->form(now, {});
   const LaterAnswer& later = std::get<LaterAnswer>(reply);
-  EXPECT_FALSE(later());
+  EXPECT_FALSE(later.take());
   for (int i = 0; i < 20; ++i) {
     (void)silent->form(now, {});
   }
   EXPECT_EQ(waiting.size(), 8U);
-  EXPECT_FALSE(silent->run(now.uptime));
+  EXPECT_FALSE(silent->run());
   waiting.front()(HttpsAnswer{200, state});
-  EXPECT_TRUE(silent->run(now.uptime));
-  EXPECT_EQ(later().value_or(WebAnswer{}).status, 200);
+  EXPECT_TRUE(silent->run());
+  EXPECT_EQ(later.take().value_or(WebAnswer{}).status, 200);
 
   const Moment past{.date = now.date, .uptime = now.uptime - std::chrono::seconds(6)};
   const WebReply late = silent->form(past, {});
-  EXPECT_TRUE(silent->run(now.uptime));
-  EXPECT_THAT(std::get<LaterAnswer>(late)().value_or(WebAnswer{}).body, HasSubstr("within 5 s"));
+  EXPECT_THAT(
+      std::get<LaterAnswer>(late).take().value_or(WebAnswer{}).body, HasSubstr("within 5 s"));
 }
 
 }  // namespace

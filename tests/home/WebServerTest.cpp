@@ -180,6 +180,20 @@ TEST(WebServer, AnswersLaterWhenThereIsSomethingToSay) {
   EXPECT_THAT(client.readUntil("at last"), HasSubstr("at last"));
 }
 
+TEST(WebServer, AnswersLaterWithoutAChangeOnceItsPatienceIsOver) {
+  for (const auto pause : {0ms, 20ms}) {
+    int asked = 0;
+    const RunningServer server([&](const WebRequest&) -> WebReply {
+      return LaterAnswer{
+          .take = [&]() -> std::optional<WebAnswer> {
+            return asked++ > 0 ? std::optional(WebAnswer{.body = "enough"}) : std::nullopt;
+          },
+          .patience = pause};
+    });
+    EXPECT_THAT(ask(server, "GET /", server.own()), HasSubstr("enough"));
+  }
+}
+
 TEST(WebServer, BoundsTheAnswersThatAreStillToCome) {
   std::atomic<int> asked = 0;
   std::vector<std::unique_ptr<Client>> clients;

@@ -72,7 +72,7 @@ CanvasView::LaterModel CanvasView::model(
 }
 
 LaterAnswer CanvasView::page(const Moment& now, const WebRequest& request, const PageFrame& frame) {
-  return [later = model(now, request, frame.language), frame]() -> std::optional<WebAnswer> {
+  return {[later = model(now, request, frame.language), frame]() -> std::optional<WebAnswer> {
     const auto model = later();
     if (!model) {
       return std::nullopt;
@@ -81,7 +81,7 @@ LaterAnswer CanvasView::page(const Moment& now, const WebRequest& request, const
         .contentType = "text/html; charset=utf-8",
         .body = canvasPage(*model, frame).html(),
         .headers = pageHeaders(frame)};
-  };
+  }};
 }
 
 WebReply CanvasView::archive(const Moment& now, const WebRequest& request) {

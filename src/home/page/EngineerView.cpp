@@ -67,7 +67,7 @@ WebReply EngineerView::page(const Moment& now, const WebRequest& request, const 
   if (!query.entry.empty() || !query.start.empty() || query.state == PreviewState::entry) {
     columns.push_back(column(now, query, PreviewState::entry, frame.language));
   }
-  return [this, query, widget = *widget, columns, frame]() -> std::optional<WebAnswer> {
+  return LaterAnswer{[this, query, widget = *widget, columns, frame]() -> std::optional<WebAnswer> {
     if (!std::ranges::all_of(columns, &Column::isDone)) {
       return std::nullopt;
     }
@@ -75,7 +75,7 @@ WebReply EngineerView::page(const Moment& now, const WebRequest& request, const 
         .contentType = "text/html; charset=utf-8",
         .body = engineerPage(modelOf(query, widget, columns), frame).html(),
         .headers = pageHeaders(frame)};
-  };
+  }};
 }
 
 WebReply EngineerView::picture(const Moment& now, const WebRequest& request, PictureFormat format) {
@@ -83,22 +83,24 @@ WebReply EngineerView::picture(const Moment& now, const WebRequest& request, Pic
   if (choose(query) == nullptr) {
     return WebAnswer{.status = 404, .body = "There is no widget of this kind.\n"};
   }
-  return [this, query, format, pending = view(now, query)]() -> std::optional<WebAnswer> {
-    if (!*pending) {
-      return std::nullopt;
-    }
-    const auto& outcome = **pending;
-    const auto file =
-        outcome ? draw(query, outcome->view, format) : std::unexpected(outcome.error());
-    if (!file) {
-      return WebAnswer{.status = 422, .body = file.error() + "\n"};
-    }
-    return WebAnswer{
-        .contentType = format == PictureFormat::png ? "image/png" : "image/svg+xml",
-        .body = *file,
-        .headers = {
-            {"Content-Disposition", "attachment; filename=\"" + fileName(query, format) + "\""}}};
-  };
+  return LaterAnswer{
+      [this, query, format, pending = view(now, query)]() -> std::optional<WebAnswer> {
+        if (!*pending) {
+          return std::nullopt;
+        }
+        const auto& outcome = **pending;
+        const auto file =
+            outcome ? draw(query, outcome->view, format) : std::unexpected(outcome.error());
+        if (!file) {
+          return WebAnswer{.status = 422, .body = file.error() + "\n"};
+        }
+        return WebAnswer{
+            .contentType = format == PictureFormat::png ? "image/png" : "image/svg+xml",
+            .body = *file,
+            .headers = {
+                {"Content-Disposition",
+                 "attachment; filename=\"" + fileName(query, format) + "\""}}};
+      }};
 }
 
 PreviewSession::PendingResult EngineerView::view(const Moment& now, const PreviewQuery& query) {

@@ -107,10 +107,7 @@ int HomeScreen::pollTimeout() const {
   std::chrono::milliseconds timeout = server_->pollTimeout();
   const Uptime now = presentMoment().uptime;
   for (const auto deadline :
-       {program_.nextDeadline(),
-        widgets_.nextDeadline(),
-        previews_.nextDeadline(),
-        switchboard_ ? switchboard_->nextDeadline() : std::nullopt}) {
+       {program_.nextDeadline(), widgets_.nextDeadline(), previews_.nextDeadline()}) {
     if (deadline) {
       timeout = std::min(timeout, *deadline - now);
     }
@@ -127,7 +124,7 @@ void HomeScreen::run() {
   }
   widgets_.run(now);
   const bool previewed = previews_.run(now);
-  const bool switched = switchboard_ && switchboard_->run(now.uptime);
+  const bool switched = switchboard_ && switchboard_->run();
   if (previewed || switched || supervisor().version() != shownVersion_) {
     shownVersion_ = supervisor().version();
     server_->wake();
@@ -293,7 +290,7 @@ WebAnswer HomeScreen::processAnswer(const PageFrame& frame) const {
 // Waits for the snapshots that are still missing, as long as they may still come.
 LaterAnswer HomeScreen::galleryAnswer(const PageFrame& frame) {
   const Uptime deadline = presentMoment().uptime + galleryPatience;
-  return [this, deadline, frame]() -> std::optional<WebAnswer> {
+  const auto take = [this, deadline, frame]() -> std::optional<WebAnswer> {
     if (offersVersion_ != supervisor().snapshotVersion()) {
       offersVersion_ = supervisor().snapshotVersion();
       offers_.clear();
@@ -318,6 +315,7 @@ LaterAnswer HomeScreen::galleryAnswer(const PageFrame& frame) {
     }
     return html(galleryMarkup(offers, frame).html());
   };
+  return {.take = take, .patience = galleryPatience};
 }
 
 EventStream HomeScreen::eventsSince(std::uint64_t version, const PageFrame& frame) {

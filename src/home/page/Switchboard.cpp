@@ -198,7 +198,6 @@ WebReply Switchboard::ask(
     }
     ++line_->underWay;
   }
-  deadline_ = now.uptime + patience;
   const auto reply = std::make_shared<Line::Reply>();
   ask_(
       {.method = std::string(method),
@@ -211,7 +210,8 @@ WebReply Switchboard::ask(
         --line->underWay;
         ::eventfd_write(line->came.get(), 1);
       });
-  return [line = line_, reply, until = *deadline_, frame]() -> std::optional<WebAnswer> {
+  const auto take =
+      [line = line_, reply, until = now.uptime + patience, frame]() -> std::optional<WebAnswer> {
     const std::lock_guard lock(line->mutex);
     if (reply->answer) {
       return answerFrom(*reply->answer, frame);
@@ -222,17 +222,14 @@ WebReply Switchboard::ask(
     const std::string waited = std::to_string(std::chrono::seconds(patience).count()) + " s";
     return noAnswer(frame.language.text("No answer came within {1}.", {waited}), frame.language);
   };
+  return LaterAnswer{.take = take, .patience = patience};
 }
 
 pollfd Switchboard::descriptor() const { return {line_->came.get(), POLLIN, 0}; }
 
-bool Switchboard::run(Uptime now) {
-  const bool isOver = deadline_ && now >= *deadline_;
-  if (isOver) {
-    deadline_.reset();
-  }
+bool Switchboard::run() {
   eventfd_t count = 0;
-  return ::eventfd_read(line_->came.get(), &count) == 0 || isOver;
+  return ::eventfd_read(line_->came.get(), &count) == 0;
 }
 
 }  // namespace quillpad::home

@@ -49,12 +49,11 @@ class Switchboard {
   // The same after "fault" and "delay", in seconds, of the request were switched.
   WebReply change(const Moment& now, const WebRequest& request, const PageFrame& frame);
 
-  // What to poll for, and until when at most.
+  // What to poll for.
   pollfd descriptor() const;
-  std::optional<Uptime> nextDeadline() const { return deadline_; }
 
   // Takes what has come. True where an answer to come may be there now.
-  bool run(Uptime now);
+  bool run();
 
  private:
   struct Line;
@@ -71,7 +70,6 @@ class Switchboard {
   std::filesystem::path file_;
   AskOverHttps ask_;
   std::shared_ptr<Line> line_;
-  std::optional<Uptime> deadline_;  // of the latest question
 };
 
 }  // namespace quillpad::home

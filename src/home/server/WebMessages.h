@@ -1,6 +1,7 @@
 // What the web server is asked and what it is answered with. Plain values.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -35,8 +36,12 @@ struct WebAnswer {
   std::vector<std::pair<std::string, std::string>> headers{};
 };
 
-// An answer that is still to come: asked for it after every change.
-using LaterAnswer = std::function<std::optional<WebAnswer>()>;
+// An answer that is still to come: asked for after every change, and once its patience is over even
+// if nothing changes.
+struct LaterAnswer {
+  std::function<std::optional<WebAnswer>()> take;
+  std::optional<std::chrono::milliseconds> patience{};
+};
 
 // A stream of events without an end: asked after every change for what to send next, nothing for
 // now where it is null.

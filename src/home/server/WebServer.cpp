@@ -177,11 +177,12 @@ class WebServer::Engine {
     if (MHD_UNSIGNED_LONG_LONG own = 0; MHD_get_timeout(daemon_, &own) == MHD_YES) {
       timeout = std::min(timeout, std::chrono::milliseconds(own));
     }
-    if (const auto deadline = timers_.nextDeadline()) {
-      const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now());
-      timeout = std::min(timeout, std::max(left, 0ms));
+    auto deadline = timers_.nextDeadline().value_or(Clock::time_point::max());
+    for (const Exchange* exchange : suspended_) {
+      deadline = std::min(deadline, exchange->patienceEnds);
     }
-    return timeout;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    return std::clamp(left, 0ms, timeout);
   }
 
   void run() {
@@ -190,21 +191,30 @@ class WebServer::Engine {
     for (const int connection : timers_.takeExpired(now)) {
       hangUp(connection);
     }
+    bool isDue = std::ranges::any_of(
+        suspended_, [&](const Exchange* exchange) { return now >= exchange->patienceEnds; });
     if (now >= nextHeartbeat_) {
+      isDue = true;
       nextHeartbeat_ = now + limits_.heartbeat;
       for (Exchange* exchange : streams_) {
         if (exchange->stream) {
           exchange->stream->requestHeartbeat();
         }
       }
+    }
+    if (isDue) {
       wake();
     }
   }
 
   void wake() {
+    const auto now = Clock::now();
     for (Exchange* exchange : std::vector(suspended_)) {
       if (exchange->later) {
         exchange->answer = exchange->later();
+        if (now >= exchange->patienceEnds) {
+          exchange->patienceEnds = Clock::time_point::max();
+        }
       }
       if (exchange->answer || (exchange->stream && exchange->stream->hasMore()) ||
           (exchange->file && exchange->file->hasMore())) {
@@ -220,7 +230,8 @@ class WebServer::Engine {
     Engine* engine = nullptr;
     MHD_Connection* connection = nullptr;
     std::optional<WebAnswer> answer{};
-    LaterAnswer later{};
+    std::function<std::optional<WebAnswer>()> later{};
+    Clock::time_point patienceEnds = Clock::time_point::max();
     std::optional<StreamReader> stream{};
     std::optional<FileReader> file{};
     WebAnswer fileHead{};
@@ -261,8 +272,11 @@ class WebServer::Engine {
     if (auto* answer = std::get_if<WebAnswer>(&reply)) {
       exchange.answer = std::move(*answer);
     } else if (auto* later = std::get_if<LaterAnswer>(&reply)) {
-      exchange.answer = (*later)();
-      exchange.later = std::move(*later);
+      exchange.answer = later->take();
+      exchange.later = std::move(later->take);
+      if (later->patience) {
+        exchange.patienceEnds = Clock::now() + *later->patience;
+      }
       if (!exchange.answer && waitingAnswers() >= limits_.laterAnswers) {
         exchange.answer = plainAnswer(503, "The home screen is busy. Try again in a moment.");
       }
