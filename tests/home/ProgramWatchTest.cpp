@@ -1,11 +1,12 @@
 // Which writing of a program counts as its replacement: the rule alone, and on real files.
 #include <chrono>
-#include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 #include "fixtures/TemporaryHome.h"
@@ -25,8 +26,8 @@ TEST(ReplacementRuleTest, CountsOnceNobodyWritesAndAMomentHasPassed) {
       {"a linker",
        {{1ms, "a", gone}, {2ms, "a", begun}, {50ms, "a", done}, {51ms, "a", touched}},
        71ms},
-      {"half a file", {{1ms, "a", begun}, {5ms, "a", begun}}, 0ms},
-      {"half a build", {{1ms, "a", begun}, {2ms, "b", done}}, 0ms},
+      {"half a file, whose end is missed", {{1ms, "a", begun}, {5ms, "a", begun}}, 10'005ms},
+      {"half a build", {{1ms, "a", begun}, {2ms, "b", done}}, 10'002ms},
       {"a whole build", {{1ms, "a", begun}, {2ms, "b", done}, {30ms, "a", done}}, 50ms},
       {"one after the other", {{1ms, "a", done}, {15ms, "b", done}}, 35ms},
       {"taken away", {{1ms, "a", gone}}, 0ms},
@@ -88,6 +89,13 @@ TEST_F(ProgramWatchTest, TellsOfAWholeProgramAndOfResourcesAndOfNothingElse) {
   write(folder_.path() / "bin" / "next", "three");
   std::filesystem::rename(folder_.path() / "bin" / "next", program_);
   EXPECT_TRUE(isReplaced(watch)) << "a rename";
+  EXPECT_FALSE(isReplaced(watch)) << "once";
+  struct stat before{};
+  ::stat(program_.c_str(), &before);
+  write(program_, "THREE");
+  const timespec times[] = {before.st_atim, before.st_mtim};
+  ::utimensat(AT_FDCWD, program_.c_str(), times, 0);
+  EXPECT_TRUE(isReplaced(watch)) << "as long, and as old by its time of writing";
   std::filesystem::remove(program_);
   EXPECT_FALSE(isReplaced(watch)) << "gone";
   std::filesystem::create_hard_link(folder_.path() / "bin" / "other", program_);
@@ -115,6 +123,12 @@ TEST_F(ProgramWatchTest, FollowsALinkToTheProgram) {
   EXPECT_TRUE(isReplaced(watch)) << "the link leads elsewhere";
   write(folder_.path() / "next", "four");
   EXPECT_TRUE(isReplaced(watch)) << "the new target changed";
+  std::ofstream half(folder_.path() / "next");
+  half << "fi" << std::flush;
+  EXPECT_FALSE(isReplaced(watch)) << "half of it";
+  std::filesystem::remove(program_);
+  std::filesystem::create_symlink(resources_ / "real", program_);
+  EXPECT_TRUE(isReplaced(watch)) << "the link leads away from it";
 }
 
 }  // namespace

@@ -119,7 +119,8 @@ void ProgramWatch::take(Uptime now, const inotify_event& event, const std::strin
   } else if (
       name == program_.filename() ||
       name == std::filesystem::canonical(program_, error).filename()) {
-    rule_.happened(now, file, meaningOf(event.mask, file));
+    // One name for the link and its target: what a link led to before is not waited for.
+    rule_.happened(now, program_, meaningOf(event.mask, file));
   }
 }
 
@@ -129,13 +130,13 @@ std::string ProgramWatch::identity() const {
     return "";
   }
   std::string text;
+  // The time of the last change, which unlike that of writing nobody sets.
   for (const auto part :
        {static_cast<std::int64_t>(status.st_dev),
         static_cast<std::int64_t>(status.st_ino),
         static_cast<std::int64_t>(status.st_size),
-        static_cast<std::int64_t>(status.st_mode),
-        static_cast<std::int64_t>(status.st_mtim.tv_sec),
-        static_cast<std::int64_t>(status.st_mtim.tv_nsec)}) {
+        static_cast<std::int64_t>(status.st_ctim.tv_sec),
+        static_cast<std::int64_t>(status.st_ctim.tv_nsec)}) {
     text += std::to_string(part) + " ";
   }
   return text;

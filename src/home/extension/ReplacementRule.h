@@ -1,6 +1,7 @@
 // When a file that is written anew counts as replaced: once nobody writes it any more and nothing
-// has happened to it for a moment, so that neither half a program nor half a build is taken up. Of
-// its inputs alone; a value.
+// has happened to it for a moment, so that neither half a program nor half a build is taken up. One
+// that nothing happens to for long is not waited for: its end may have been missed. Of its inputs
+// alone; a value.
 #pragma once
 
 #include <chrono>
@@ -22,6 +23,7 @@ enum class FileEvent {
 class ReplacementRule {
  public:
   static constexpr std::chrono::milliseconds quietTime{20};
+  static constexpr std::chrono::seconds patience{10};
 
   void happened(Uptime now, const std::string& file, FileEvent event) {
     if (event == FileEvent::begun) {
@@ -35,7 +37,10 @@ class ReplacementRule {
 
   // When it counts at the latest, as far as is known.
   std::optional<Uptime> due() const {
-    return changed_ && begun_.empty() ? std::optional(quietSince_ + quietTime) : std::nullopt;
+    if (!begun_.empty()) {
+      return quietSince_ + patience;
+    }
+    return changed_ ? std::optional(quietSince_ + quietTime) : std::nullopt;
   }
 
   // Whether it counts now; once for each replacement.
@@ -45,6 +50,7 @@ class ReplacementRule {
       return false;
     }
     changed_ = false;
+    begun_.clear();
     return true;
   }
 
