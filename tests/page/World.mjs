@@ -231,7 +231,7 @@ export async function open(path = "/", options) {
     contexts.push(context);
   }
   const page = await contexts.at(-1).newPage();
-  await page.goto(world.address + path);
+  await page.goto(new URL(path, world.address).href);
   return page;
 }
 

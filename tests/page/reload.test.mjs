@@ -50,6 +50,12 @@ const shows = (page, stamp, cards) => async () => {
   return all.length === 5 && all.every((label) => label === stamp);
 };
 
+// In all columns but the placeholder's.
+const engineerShows = (page, stamp) => async () => {
+  const stamps = await labels(page, '.column:not([data-state="placeholder"]) svg[aria-label]');
+  return stamps.length > 0 && stamps.every((each) => each === stamp);
+};
+
 test(`${replacements} replacements at random moments leave no blank, no mixture and no process`, async () => {
   const [home, gallery, engineer] = [await open(), await open(), await open("/?view=engineer")];
   await until("the first program shows", shows(home, "v0"));
@@ -74,16 +80,30 @@ test(`${replacements} replacements at random moments leave no blank, no mixture 
   }
   await until("the last program shows", shows(home, stamp));
   await until("its snapshots show", shows(gallery, stamp, "dialog .card svg"));
-  await until("the engineer's view shows it", async () => {
-    const stamps = (await labels(engineer, ".column svg[aria-label]")).filter((label) => /^v\d+$/.test(label));
-    return stamps.length > 0 && stamps.every((each) => each === stamp);
-  });
+  await until("the engineer's view shows it", engineerShows(engineer, stamp));
   const states = await home.evaluate(() => window.states);
   assert.ok(states.length >= replacements / 10, "every change was seen");
   for (const state of states) assert.equal(new Set(state.split(",")).size, 1, `a mixture: ${state}`);
   const running = world.childProcesses();
   for (const process of seen) assert.ok(running.includes(process) || !existsSync(`/proc/${process}`));
   assert.ok(running.length <= 2, "one for the widgets, one for the engineer's view");
+});
+
+test("the engineer's view asks for one rendering at a time, again where one fails, and ends with the last program", async () => {
+  const page = await open("/?view=engineer");
+  let [asked, underWay, most] = [0, 0, 0];
+  await page.route(/view=engineer/, async (route) => {
+    most = Math.max(most, ++underWay);
+    await pause(300);
+    --underWay;
+    await (++asked % 3 ? route.continue() : route.abort());
+  });
+  for (let turn = 0; turn < 10; ++turn) {
+    rename(`s${turn}`);
+    await pause(100);
+  }
+  await until("the last program shows", engineerShows(page, "s9"));
+  assert.equal(most, 1);
 });
 
 test("a program that breaks or ends at once leaves the last pictures, marked with its last words", async () => {

@@ -350,6 +350,7 @@ std::optional<std::string> HomeScreen::changesSince(std::uint64_t version, const
   }
   const Dictionary changes{
       {"instance", instance_},
+      {"since", version},
       {"version", supervisor().version()},
       {"program", supervisor().programVersion()},
       {"notice", noticeOf(supervisor(), signInHint_, frame.language)},

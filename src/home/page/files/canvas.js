@@ -1,6 +1,6 @@
 // Each choice shows at once, and stands in the address.
 const form = document.getElementById("choices");
-const problem = document.getElementById("problem");
+const say = teller(document.getElementById("problem"));
 form.addEventListener("change", () => form.requestSubmit());
 form.addEventListener("submit", () => {
   for (const field of form.elements) field.disabled = !field.value;
@@ -26,10 +26,8 @@ for (const picture of pictures) {
 
 // Another program draws all of them anew, those in sight at once and the others once they are.
 let program;
-const lost = text("The home screen does not answer. Trying again…");
 listen(({ changes, lost: isLost }) => {
-  if (isLost) problem.textContent = lost;
-  else if (problem.textContent === lost) problem.textContent = "";
+  say({ lost: isLost ? unanswered : "" });
   if (!changes) return;
   if (program !== undefined && program !== changes.program) {
     for (const picture of pictures) {
@@ -39,5 +37,5 @@ listen(({ changes, lost: isLost }) => {
     }
   }
   program = changes.program;
-  problem.textContent = changes.notice;
+  say({ notice: changes.notice });
 })();

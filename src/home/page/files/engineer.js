@@ -1,7 +1,6 @@
 // Each choice is rendered at once, and stands in the address.
 const form = document.getElementById("choices");
-const problem = document.getElementById("problem");
-let latest = 0;
+const say = teller(document.getElementById("problem"));
 
 const editor = form.elements.entry;
 let untouched = editor.value; // as it starts, so that it need not stand in the address
@@ -12,30 +11,49 @@ function markLine(line) {
   editor.classList.toggle("wrong", line > 0);
 }
 
-async function render() {
-  const turn = ++latest;
+// One rendering is asked for at a time, and once more where something changed meanwhile: a queue of them would keep the
+// extension at work for what is gone, and this page from showing what there is.
+let isWanted = false;
+let rendering;
+
+function render() {
+  isWanted = true;
+  return (rendering ??= renderAsWanted());
+}
+
+async function renderAsWanted() {
+  try {
+    while (isWanted) {
+      isWanted = false;
+      await renderOnce();
+    }
+  } finally {
+    rendering = undefined;
+  }
+}
+
+function reasonOf({ status }, body, page) {
+  if ([413, 414, 431].includes(status)) return text("The entry is too long to stand in an address.");
+  return page.content.querySelector(".notice")?.textContent ?? body;
+}
+
+async function renderOnce() {
   const choices = [...new FormData(form)].filter(
     ([name, value]) => value && !(name === "entry" && form.elements.start.value && editor.value === untouched),
   );
   const address = `/?${new URLSearchParams(choices)}`;
   const answer = await fetch(address).catch(() => null);
-  if (turn !== latest) return;
-  if (!answer?.ok) {
-    problem.textContent =
-      answer?.status === 414 || answer?.status === 431 || answer?.status === 413
-        ? text("The entry is too long to stand in an address.")
-        : text("The home screen does not answer. Is it still running?");
-    return;
-  }
-  problem.textContent = "";
-  const html = await answer.text();
-  if (turn !== latest) return;
+  const body = await answer?.text().catch(() => null);
+  const isLost = typeof body !== "string";
   const page = document.createElement("template");
-  page.innerHTML = html;
+  page.innerHTML = isLost ? "" : body;
+  say({ failure: isLost ? unanswered : answer.ok ? "" : reasonOf(answer, body, page) });
+  if (isLost || answer.status === 503) setTimeout(render, 2000);
+  if (isLost || !answer.ok) return;
   inspector.renew(() => document.getElementById("results").replaceWith(page.content.getElementById("results")));
   const fresh = page.content.querySelector("textarea");
   editor.placeholder = fresh.placeholder;
-  if (!choices.some(([name]) => name === "entry")) editor.value = untouched = fresh.value;
+  if (editor.value === untouched && !choices.some(([name]) => name === "entry")) editor.value = untouched = fresh.value;
   markLine(Number(fresh.dataset.wrongLine));
   document.title = page.content.querySelector("title").textContent;
   history.replaceState(null, "", address);
@@ -73,15 +91,11 @@ form.addEventListener("submit", (event) => {
 
 // Another program, or another picture of this widget on the home screen, is shown at once.
 let program;
-let notice = "";
-const lost = text("The home screen does not answer. Trying again…");
 listen(({ changes, lost: isLost }) => {
-  if (isLost) problem.textContent = lost;
-  else if (problem.textContent === lost) problem.textContent = "";
+  say({ lost: isLost ? unanswered : "" });
   if (!changes) return;
   const isOther = program !== changes.program || form.elements.kind.value in changes.cards;
   program = changes.program;
-  if (changes.notice || problem.textContent === notice) problem.textContent = changes.notice;
-  notice = changes.notice;
+  say({ notice: changes.notice });
   if (isOther) render();
 })();

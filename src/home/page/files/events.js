@@ -5,14 +5,17 @@
 const meta = (name) => document.querySelector(`meta[name="${name}"]`).content;
 const instance = meta("instance");
 let version = Number(meta("version"));
+const unanswered = text("The home screen does not answer. Trying again…");
 
 // Calls take({ changes, lost }) with what is new, or that the home screen does not answer. Returns
-// what asks for the changes at once.
+// what asks for the changes at once. What was told between the making of this page and now is asked
+// for, and so is what a page missed for any other reason.
 function listen(take) {
   const channel = new BroadcastChannel(`quillpad-home-${language}`);
   const hear = ({ changes, lost }) => {
     if (changes && changes.instance !== instance) return location.reload();
     const isNew = changes && changes.version > version;
+    if (isNew && changes.since > version) return catchUp();
     if (isNew) version = changes.version;
     take({ changes: isNew ? changes : null, lost });
   };
@@ -50,6 +53,17 @@ function listen(take) {
   });
   addEventListener("pageshow", ({ persisted }) => persisted && catchUp());
   document.addEventListener("visibilitychange", () => document.hidden || catchUp());
+  catchUp();
   return catchUp;
 }
 
+// Says in the element what is most urgent: that nobody answers, why nothing new is shown, which it may say already, or what
+// the home screen notices.
+function teller(element) {
+  const said = { lost: "", failure: element.textContent, notice: "" };
+  return (words) => {
+    Object.assign(said, words);
+    const most = said.lost || said.failure || said.notice;
+    if (element.textContent !== most) element.textContent = most;
+  };
+}

@@ -112,10 +112,8 @@ function apply(changes) {
 
 const connection = document.getElementById("connection");
 
-const noAnswer = text("The home screen does not answer. Trying again…");
-
 function hear({ changes, lost = false }) {
-  connection.textContent = lost ? noAnswer : "";
+  connection.textContent = lost ? unanswered : "";
   root.toggleAttribute("data-lost", lost);
   if (changes) apply(changes);
 }
@@ -198,7 +196,7 @@ async function fillGallery() {
     galleryState.textContent = items.firstElementChild ? "" : text("The extension has not listed its widgets yet.");
     if (focused) gallery.querySelector(`button[data-kind="${CSS.escape(focused)}"]`)?.focus();
   } catch {
-    galleryState.textContent = noAnswer;
+    galleryState.textContent = unanswered;
     if (gallery.open) nextFilling = setTimeout(fillGallery, 2000);
   }
 }
