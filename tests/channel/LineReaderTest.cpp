@@ -33,7 +33,7 @@ TEST(LineReaderTest, CutsTheStreamWhereverItsPiecesEnd) {
       {{"\n\n"}, {"", "", "rest:"}},
       {{"abcd\n"}, {"abcd", "rest:"}},
       {{"abcde\nx\n"}, {"(too long)", "x", "rest:"}},
-      {{"abcde", "fgh", "ijklmnop", "\nx\n"}, {"(too long)", "x", "rest:"}},
+      {{"abc", "fgh", "ijklmnop", "\nx\n"}, {"(too long)", "x", "rest:"}},
       {{"abcde", "\n", "abcde", "\n", "x\n"}, {"(too long)", "(too long)", "x", "rest:"}},
       {{"abcde", "f"}, {"(too long)", "rest:"}},
   };
