@@ -7,6 +7,7 @@
 #include <set>
 
 #include "home/extension/Supervisor.h"
+#include "home/extension/WidgetStatus.h"
 #include "platform/foundation/Iso8601.h"
 
 namespace quillpad::home {
@@ -14,6 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
@@ -265,7 +267,7 @@ TEST_F(SupervisorTest, AReloadTimeInThePastOrFarAwayIsBounded) {
   }
 }
 
-TEST_F(SupervisorTest, ShowsEachEntryOfATimelineWhenItsTimeComes) {
+TEST_F(SupervisorTest, ShowsEachEntryOfATimelineWhenItsTimeComesWhateverElseIsAwaited) {
   supervisor.timePassed(now());
   answerAllButTimelines();
   answer(
@@ -273,7 +275,7 @@ TEST_F(SupervisorTest, ShowsEachEntryOfATimelineWhenItsTimeComes) {
       channel::Timeline{
           {entryAt(date + 2min, "third"), entryAt(date - 1min, "first"), entryAt(date, "second")},
           date + 10min});
-  deliver("B", "b1");
+  answerAllButTimelines();
   EXPECT_EQ(shown("A"), "second");
   EXPECT_THAT(after(1min), IsEmpty());
   EXPECT_EQ(supervisor.nextDeadline(), uptime + 1min);
@@ -543,6 +545,7 @@ TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
     if (pause > 0s) {
       EXPECT_EQ(supervisor.life(), Life::backingOff);
       EXPECT_EQ(supervisor.nextDeadline(), uptime + pause);
+      EXPECT_THAT(noticeOf(supervisor, ""), HasSubstr("58: no JSON”. It is started again"));
       EXPECT_THAT(after(pause - 1ms), IsEmpty());
       pass(1ms);
     }
@@ -555,8 +558,8 @@ TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
   EXPECT_EQ(supervisor.life(), Life::gaveUp);
   EXPECT_EQ(supervisor.nextDeadline(), std::nullopt);
   EXPECT_THAT(after(24h), IsEmpty());
-  EXPECT_EQ(supervisor.lastEnd()->detail, "signal 6, Aborted");
-  EXPECT_EQ(supervisor.lastEnd()->output, "SalesData line 58: no JSON");
+  EXPECT_THAT(noticeOf(supervisor, ""), HasSubstr("(signal 6, Aborted). Its last words: “Sales"));
+  EXPECT_THAT(noticeOf(supervisor, ""), HasSubstr("five times"));
   EXPECT_EQ(shown("A"), "a1");
   EXPECT_EQ(widget("A").reload, std::nullopt);
 
