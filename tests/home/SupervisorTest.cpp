@@ -776,8 +776,10 @@ TEST_F(SupervisorTest, AnotherProgramTakesOverBetweenRequestsAndRendersAllAnew) 
   EXPECT_THAT(done(), UnorderedElementsAre("render A", "render B"));
   answer("render A", channel::Rendering{ui::Text::verbatim("new")});
   EXPECT_THAT(shown("A"), "a1") << "some of either program";
+  const std::uint64_t version = widget("A").version;
   answer("render B", channel::Rendering{ui::Text::verbatim("new")});
   EXPECT_THAT(shown("A") + shown("B"), "a2b2");
+  EXPECT_GT(widget("A").version, version);
   EXPECT_EQ(supervisor.programVersion(), 1U);
   EXPECT_THAT(done(), UnorderedElementsAre("timeline A", "timeline B"));
 }

@@ -197,11 +197,10 @@ void WidgetRecord::outdate(const Moment& now) {
 }
 
 bool WidgetRecord::showRenewed() {
-  bool changed = false;
+  const bool changed = renewed || renewedKept;
   if (auto view = std::exchange(renewedKept, std::nullopt); view && kept) {
     kept->view = *std::move(view);
     keptOutdated = false;
-    changed = true;
   }
   if (auto next = std::exchange(renewed, std::nullopt)) {
     const bool hadKept = kept.has_value();
@@ -211,7 +210,6 @@ bool WidgetRecord::showRenewed() {
     if (problem && isOfProgram(problem->cause)) {
       problem.reset();
     }
-    changed = true;
   }
   return changed;
 }
