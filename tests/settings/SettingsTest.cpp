@@ -1,12 +1,16 @@
+#include <fcntl.h>
 #include <fstream>
 #include <future>
 #include <gmock/gmock.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
+#include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/UserFolders.h"
 #include "platform/foundation/WholeFile.h"
 #include "platform/settings/SettingsWriter.h"
 #include "platform/settings/UserDefaults.h"
@@ -172,6 +176,20 @@ TEST_F(SettingsTest, LoseNothingToManyWritersAtOnce) {
       EXPECT_EQ(stored(name + std::to_string(i)), Value(i)) << name << i;
     }
   }
+}
+
+// An extension can read all of the data folder, and so lock whatever lies there.
+TEST_F(SettingsTest, AreNotHeldUpByAReaderWithLocks) {
+  ASSERT_TRUE(set("token", "abc"));
+  std::vector<FileDescriptor> held;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(*userDataFolder())) {
+    held.emplace_back(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(flock(held.back().get(), LOCK_EX | LOCK_NB), 0) << entry.path();
+  }
+  auto signOut = std::async(std::launch::async, [] { return set("token", "").has_value(); });
+  EXPECT_EQ(signOut.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+  held.clear();
+  EXPECT_TRUE(signOut.get());
 }
 
 }  // namespace

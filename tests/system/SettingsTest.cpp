@@ -84,7 +84,8 @@ TEST_F(SettingsTest, TakeWhatIsKeptOfAnotherBusinessWithThem) {
   std::ofstream(state) << "damaged";
   std::ofstream(state.string() + ".unreadable") << "put aside";
   ASSERT_EQ(run({"settings", "sign-out"}).status, 0);
-  EXPECT_TRUE(std::filesystem::is_empty(state.parent_path()));
+  EXPECT_FALSE(std::filesystem::exists(state));
+  EXPECT_FALSE(std::filesystem::exists(state.string() + ".unreadable"));
 }
 
 TEST_F(SettingsTest, TakeATokenAsItStandsButForItsLineEnd) {

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/UserFolders.h"
 #include "platform/foundation/WholeFile.h"
 #include "platform/settings/PropertyList.h"
 #include "platform/settings/UserDefaults.h"
@@ -36,9 +37,18 @@ std::error_code makePrivateFolders(const std::filesystem::path& folder) {
   return {};
 }
 
+// Not beside the store: an extension reads there, and who can open a file can hold its lock for
+// ever.
+std::filesystem::path lockOf(const std::filesystem::path& file) {
+  const auto folder = userStateFolder();
+  return folder.value_or(file.parent_path()) / (file.filename().string() + ".lock");
+}
+
 // Waits until no other writer holds the lock; the lock ends with the descriptor.
-std::expected<FileDescriptor, std::error_code> lockedBeside(const std::filesystem::path& file) {
-  const std::string lock = file.string() + ".lock";
+std::expected<FileDescriptor, std::error_code> locked(const std::filesystem::path& lock) {
+  if (const std::error_code error = makePrivateFolders(lock.parent_path())) {
+    return std::unexpected(error);
+  }
   FileDescriptor descriptor(
       open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
   if (!descriptor) {
@@ -75,9 +85,11 @@ std::expected<void, std::string> changeSettings(
   if (const std::error_code error = makePrivateFolders(file.parent_path())) {
     return refused(file, error.message(), checkFolder);
   }
-  const std::expected<FileDescriptor, std::error_code> lock = lockedBeside(file);
+  const std::filesystem::path lockFile = lockOf(file);
+  const std::expected<FileDescriptor, std::error_code> lock = locked(lockFile);
   if (!lock) {
-    return refused(file, lock.error().message(), checkFolder);
+    return refused(
+        file, lock.error().message(), "check that " + lockFile.string() + " can be written");
   }
 
   const auto store = UserDefaults::open(suiteName);
