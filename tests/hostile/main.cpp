@@ -10,6 +10,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <string>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
@@ -67,6 +68,19 @@ bool maps(int sharing) {
   constexpr std::size_t gigabyte = std::size_t{1} << 30;
   return ::mmap(nullptr, gigabyte, PROT_READ | PROT_WRITE, sharing | MAP_ANONYMOUS, -1, 0) !=
          MAP_FAILED;
+}
+
+bool fillsAFileInMemory() {
+  const FileDescriptor file(::memfd_create("file", MFD_CLOEXEC));
+  ::signal(SIGXFSZ, SIG_IGN);
+  return ::write(file.get(), "x", 1) == 1;
+}
+
+// So that others wait for it.
+bool holds(const char* program) {
+  const FileDescriptor file(::open(program, O_RDONLY));
+  return ::flock(file.get(), LOCK_EX | LOCK_NB) == 0 ||
+         ::fcntl(file.get(), F_SETLEASE, F_RDLCK) == 0;
 }
 
 bool connects(const std::string& port) {
@@ -139,6 +153,8 @@ const std::vector<Attempt>& attempts() {
        [] { return ::ptrace(PTRACE_SEIZE, ::getppid(), nullptr, nullptr) == 0; }},
       {"map 1 GB", [] { return maps(MAP_PRIVATE); }},
       {"map 1 GB to share", [] { return maps(MAP_SHARED); }},
+      {"fill a file in memory", fillsAFileInMemory},
+      {"hold a file", [] { return holds("/proc/self/exe"); }},
       // What each must be able to.
       {"read a zone", [] { return opens("/usr/share/zoneinfo/UTC", O_RDONLY); }},
       {"read beside itself", [] { return opens(ownFolder(), O_RDONLY | O_DIRECTORY); }},

@@ -119,9 +119,11 @@ Confinement::Confinement(const std::filesystem::path& program)
 
 bool Confinement::enter() const {
   files_.allowReading("/proc/self");
+  constexpr rlim_t fileBytes = 0;  // of files in memory, the others cannot be written
   constexpr rlim_t coreBytes = 1;  // unlike none, also holds where cores are handed to a program
   return limitMemory() && limit(RLIMIT_NOFILE, maxDescriptors) &&
-         limit(RLIMIT_NPROC, maxProcesses_) && limit(RLIMIT_CORE, coreBytes) && files_.enter();
+         limit(RLIMIT_NPROC, maxProcesses_) && limit(RLIMIT_FSIZE, fileBytes) &&
+         limit(RLIMIT_CORE, coreBytes) && files_.enter();
 }
 
 bool Confinement::isOutdated() const {

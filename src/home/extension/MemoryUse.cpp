@@ -2,19 +2,21 @@
 
 #include <fstream>
 #include <string>
-#include <unistd.h>
 
 namespace quillpad::home {
 
 std::size_t privateMemory(pid_t process) {
-  std::ifstream file("/proc/" + std::to_string(process) + "/statm");
-  std::size_t total = 0;
-  std::size_t resident = 0;
-  std::size_t ofFiles = 0;
-  if (!(file >> total >> resident >> ofFiles)) {
-    return 0;
+  std::ifstream file("/proc/" + std::to_string(process) + "/status");
+  std::size_t kilobytes = 0;
+  for (std::string name; file >> name;) {
+    if (name == "RssAnon:" || name == "RssShmem:") {
+      std::size_t count = 0;
+      file >> count;
+      kilobytes += count;
+    }
+    std::getline(file, name);
   }
-  return (resident - ofFiles) * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  return kilobytes * 1024;
 }
 
 }  // namespace quillpad::home

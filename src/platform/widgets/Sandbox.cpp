@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdint>
+#include <fcntl.h>
 #include <memory>
 #include <sched.h>
 #include <span>
@@ -75,6 +76,9 @@ constexpr std::array changingFiles{
     SCMP_SYS(utime),
     SCMP_SYS(utimensat),
     SCMP_SYS(utimes)};
+
+// Who holds a file makes those wait who would write or open it.
+constexpr std::array holdingFiles{SCMP_SYS(flock)};
 
 // They do the work of other system calls.
 constexpr std::array doneUnseen{
@@ -191,6 +195,8 @@ void enterSandbox(const std::vector<std::string>& origins) {
   filter.refuse(otherProcesses);
   filter.refuse(serving);
   filter.refuse(changingFiles);
+  filter.refuse(holdingFiles);
+  filter.refuseWhere(SCMP_SYS(fcntl), argument(1, SCMP_CMP_MASKED_EQ, 0xFFFFFFFF, F_SETLEASE));
   filter.refuse(doneUnseen);
   filter.refuse(muchKernel);
   keepFromProcesses(filter);
