@@ -153,6 +153,16 @@ TEST_F(ExtensionSessionTest, OnlyOpenRequestsAreAnswered) {
   }
 }
 
+TEST_F(ExtensionSessionTest, WhoAnswersWhatItDidNotReadIsEnded) {
+  start("read go <&3; " + reply(2, aView) + "sleep 60");
+  ask();
+  const channel::Entry entry{.date = {}, .data = std::string(1'000'000, 'x')};
+  session_->ask(uptime_, channel::RenderRequest{"A", entry, std::nullopt});
+  const auto end = until<SessionEnd>();
+  EXPECT_EQ(end.cause, Cause::protocolError);
+  EXPECT_EQ(end.detail, "the answer to a request that it had not read");
+}
+
 TEST_F(ExtensionSessionTest, PrintedLinesAreShowableWhateverTheirBytes) {
   start(R"(printf 'plain \303\205se\n\377\376 bad\n\033[31mred\tblue\302\233\n' >&2; )"
         R"(head -c 70000 /dev/zero | tr '\0' x; echo; exit 1)");

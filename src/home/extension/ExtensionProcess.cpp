@@ -106,10 +106,12 @@ std::expected<ExtensionProcess, std::string> ExtensionProcess::start(
   return process;
 }
 
-void ExtensionProcess::send(std::string_view line) {
+std::uint64_t ExtensionProcess::send(std::string_view line) {
   pending_ += line;
   pending_ += '\n';
+  const std::uint64_t end = sentBytes_ + pending_.size();
   writePending();
+  return end;
 }
 
 void ExtensionProcess::writePending() {
@@ -118,6 +120,7 @@ void ExtensionProcess::writePending() {
         ::send(channel_.get(), pending_.data(), pending_.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
     if (count >= 0) {
       pending_.erase(0, static_cast<std::size_t>(count));
+      sentBytes_ += static_cast<std::uint64_t>(count);
     } else if (errno != EINTR) {
       return;  // the channel is full for now, or its end is about to be read
     }

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <expected>
 #include <filesystem>
 #include <optional>
@@ -38,8 +39,12 @@ class ExtensionProcess {
   // Of the child; 0 once it has ended.
   pid_t pid() const { return child_.pid(); }
 
-  // Sends the line, or as much of it as the extension takes now.
-  void send(std::string_view line);
+  // Sends the line, or as much of it as the extension takes now. Returns where it ends in all that
+  // is sent.
+  std::uint64_t send(std::string_view line);
+
+  // How much of all that is sent has left.
+  std::uint64_t sentBytes() const { return sentBytes_; }
 
   // What to poll for; those of no interest now are negative.
   std::array<pollfd, 4> descriptors() const;
@@ -65,6 +70,7 @@ class ExtensionProcess {
   FileDescriptor output_;
   FileDescriptor error_;
   std::string pending_;  // what the channel has not taken yet
+  std::uint64_t sentBytes_ = 0;
   channel::LineReader messages_{channel::maxFrame};
   channel::LineReader outputLines_{maxPrintedLine};
   channel::LineReader errorLines_{maxPrintedLine};

@@ -33,10 +33,14 @@ std::uint64_t ExtensionSession::ask(
     lastWords_.clear();  // they belong to what was asked before
   }
   const std::uint64_t id = ++lastId_;
+  const std::uint64_t end = process_.send(channel::encode(channel::NumberedRequest{id, request}));
   open_.emplace(
       id,
-      OpenRequest{.method = channel::methodOf(request), .sent = now, .deadline = now + allowed});
-  process_.send(channel::encode(channel::NumberedRequest{id, request}));
+      OpenRequest{
+          .method = channel::methodOf(request),
+          .sent = now,
+          .deadline = now + allowed,
+          .end = end});
   return id;
 }
 
@@ -99,8 +103,13 @@ void ExtensionSession::take(
   }
 }
 
-// A refusal without a number can only be meant for the one request that is open.
+// A refusal without a number can only be meant for the one request that is open. Who reads nothing
+// and guesses the numbers is asked no more: what it leaves unread would be kept for ever.
 void ExtensionSession::takeReply(channel::NumberedReply reply, std::vector<SessionEvent>& events) {
+  const auto request = open_.find(reply.id.value_or(0));
+  if (request != open_.end() && request->second.end > process_.sentBytes()) {
+    return end(SessionEnd::Cause::protocolError, "the answer to a request that it had not read");
+  }
   if (!reply.id && open_.size() == 1) {
     reply.id = open_.begin()->first;
   }

@@ -84,6 +84,7 @@ class ExtensionSession {
     channel::Method method{};
     Uptime sent{};
     Uptime deadline{};
+    std::uint64_t end = 0;  // in all that is sent
   };
 
   ExtensionSession(ExtensionProcess process, std::size_t memoryLimit)
