@@ -65,6 +65,8 @@ TEST_F(WholeFileTest, ALinkStaysAndADeviceIsWrittenTo) {
   EXPECT_FALSE(writeWholeFile("/dev/null", "lost"));
   EXPECT_EQ(writeWholeFile("/dev/full", "x"), std::errc::no_space_on_device);
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
+  ASSERT_EQ(::mkfifo(file("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(writeWholeFile(file("pipe"), "x"), std::errc::no_such_device_or_address);
 }
 
 TEST_F(WholeFileTest, WhatCannotBeWrittenIsToldAndLeavesNothing) {

@@ -33,8 +33,11 @@ std::error_code writePieces(int descriptor, const Produce& produce) {
   return produce([descriptor](std::string_view piece) { return writeAll(descriptor, piece); });
 }
 
-std::error_code writeInPlace(const std::filesystem::path& file, const Produce& produce) {
-  const FileDescriptor descriptor(open(file.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+// Whoever put a pipe in a private file's place is not waited for.
+std::error_code writeInPlace(
+    const std::filesystem::path& file, const Produce& produce, FileAccess access) {
+  const int waiting = access == FileAccess::ownerOnly ? O_NONBLOCK : 0;
+  const FileDescriptor descriptor(open(file.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC | waiting));
   return descriptor ? writePieces(descriptor.get(), produce) : lastError();
 }
 
@@ -200,7 +203,7 @@ std::error_code writeWholeFile(
   struct stat old{};
   const bool exists = stat(file.c_str(), &old) == 0;
   if (exists && !S_ISREG(old.st_mode)) {
-    return writeInPlace(file, produce);
+    return writeInPlace(file, produce, options.access);
   }
   std::error_code unresolved;
   const std::filesystem::path target = std::filesystem::canonical(file, unresolved);
