@@ -52,6 +52,20 @@ TEST(CanvasPage, EachPictureLeadsToItselfInTheEngineersView) {
           Not(HasSubstr("<K>"))));
 }
 
+TEST(CanvasPage, ShowsSoManyPicturesAndSaysThatThereAreMore) {
+  const CanvasModel::Widget wide{
+      .kind = "k",
+      .displayName = "",
+      .languages = std::vector<std::string>(100, "en"),
+      .samples = {}};
+  CanvasModel model{.widgets = std::vector(33, wide)};
+  const auto page = [&] { return canvasPage(model, {}).html(); };
+  EXPECT_THAT(page(), Not(HasSubstr("choose fewer")));
+  model.widgets.resize(1000, wide);
+  EXPECT_THAT(page(), HasSubstr("more than 20000 pictures; choose fewer"));
+  EXPECT_LT(canvasPictures(model).size(), 21'000U);
+}
+
 TEST(CanvasPage, WhatIsWrongInTheAddressHasItsUsualValue) {
   const WebRequest request{
       .method = "GET",

@@ -163,6 +163,23 @@ TEST_F(ExtensionSessionTest, WhoAnswersWhatItDidNotReadIsEnded) {
   EXPECT_EQ(end.detail, "the answer to a request that it had not read");
 }
 
+// What is kept of all widgets is bounded, however many there are.
+TEST_F(ExtensionSessionTest, ManyWidgetsShareWhatTheirMessagesMayTake) {
+  std::string items;
+  for (int i = 0; i < 64; ++i) {
+    items += std::string(i == 0 ? "" : ",") + R"({"kind":")" + std::to_string(i) +
+             R"(","displayName":"","description":"","families":["systemSmall"]})";
+  }
+  start(
+      answers(1, "[" + items + "]") + "read r <&3; " +
+      R"({ printf '{"id":2,"result":{"date":"2026-03-07T09:05:03.250Z","data":"'; )"
+      R"(head -c 1048576 /dev/zero | tr '\0' x; echo '"}}'; } >&3; sleep 60)");
+  session_->ask(uptime_, channel::CatalogueRequest{});
+  until<channel::NumberedReply>();
+  ask();
+  EXPECT_EQ(until<SessionEnd>().detail, "a message of more than 1 MiB");
+}
+
 TEST_F(ExtensionSessionTest, PrintedLinesAreShowableWhateverTheirBytes) {
   start(R"(printf 'plain \303\205se\n\377\376 bad\n\033[31mred\tblue\302\233\n' >&2; )"
         R"(head -c 70000 /dev/zero | tr '\0' x; echo; exit 1)");

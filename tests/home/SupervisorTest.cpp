@@ -499,6 +499,15 @@ TEST_F(SupervisorTest, AnEndForWhateverCauseIsFollowedByTheNextQuestion) {
   }
 }
 
+TEST_F(SupervisorTest, AWidgetOfMoreLanguagesThanThereAreIsRefused) {
+  supervisor.timePassed(now());
+  done();
+  channel::Catalogue wide{{{}}};
+  wide.items[0].languages.resize(101);
+  answer("catalogue", wide);
+  EXPECT_EQ(supervisor.lastEnd()->detail, "a widget of more than 100 languages");
+}
+
 TEST_F(SupervisorTest, AnExtensionThatListsNothingOrTooMuchIsStartedAgain) {
   supervisor.timePassed(now());
   done();

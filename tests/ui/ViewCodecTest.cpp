@@ -119,6 +119,10 @@ Value wide(std::size_t count) {
   return Dictionary{{"type", "hstack"}, {"children", Array(count - 1, spacer)}};
 }
 
+Value wrapped(std::size_t count) {
+  return Dictionary{{"type", "hstack"}, {"children", Array(count, modified(24))}};
+}
+
 // Longer texts count as little as may be shaped of them.
 Value verbose(std::size_t count) {
   const Value text = toValue(Text(std::string(100'000, 'a')));
@@ -129,8 +133,9 @@ TEST(ViewCodec, TakesAsMuchAsItsBoundsAndNoMore) {
   const std::tuple<Value (*)(std::size_t count), std::size_t, const char*> cases[] = {
       {modified, 32, "view.modifiers: more than 32 elements"},
       {nested, 256, "more than 256 views deep"},
-      {wide, 10'000, "more than 10000 views"},
-      {verbose, 64, "more than 1 MiB of texts"},
+      {wide, 10'000, "more than 10000 views and modifiers"},
+      {wrapped, 399, "more than 10000 views and modifiers"},
+      {verbose, 4, "more than 64 KiB of texts"},
   };
   for (const auto& [make, most, error] : cases) {
     EXPECT_TRUE(viewFromValue(make(most))) << error;

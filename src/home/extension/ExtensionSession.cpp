@@ -12,6 +12,16 @@ using namespace std::chrono_literals;
 
 constexpr auto measurementPause = 100ms;
 
+// Of what is kept of each widget for as long as it is shown, all together.
+constexpr std::size_t maxMessages = 8 * channel::maxFrame;
+
+std::string sizeText(std::size_t bytes) {
+  constexpr std::size_t kibibyte = 1024;
+  const std::size_t kibibytes = bytes / kibibyte;
+  return kibibytes < kibibyte ? std::to_string(kibibytes) + " KiB"
+                              : std::to_string(kibibytes / kibibyte) + " MiB";
+}
+
 }  // namespace
 
 std::expected<ExtensionSession, std::string> ExtensionSession::start(
@@ -84,8 +94,8 @@ void ExtensionSession::take(
   if (ending_) {
     return;
   }
-  if (line.tooLong) {
-    return end(SessionEnd::Cause::protocolError, "a message of more than 8 MiB");
+  if (line.tooLong || line.text.size() > maxMessage_) {
+    return end(SessionEnd::Cause::protocolError, "a message of more than " + sizeText(maxMessage_));
   }
   auto message = channel::decodeFromExtension(
       line.text, [this](std::uint64_t id) -> std::optional<channel::Method> {
@@ -113,9 +123,16 @@ void ExtensionSession::takeReply(channel::NumberedReply reply, std::vector<Sessi
   if (!reply.id && open_.size() == 1) {
     reply.id = open_.begin()->first;
   }
+  if (const auto* catalogue = std::get_if<channel::Catalogue>(&reply.reply)) {
+    shareOut(catalogue->items.size());
+  }
   if (reply.id && open_.erase(*reply.id) > 0) {
     events.emplace_back(std::move(reply));
   }
+}
+
+void ExtensionSession::shareOut(std::size_t widgets) {
+  maxMessage_ = std::min(channel::maxFrame, maxMessages / std::max<std::size_t>(widgets, 1));
 }
 
 void ExtensionSession::giveUpLateAnswers(Uptime now, std::vector<SessionEvent>& events) {

@@ -91,12 +91,14 @@ class ExtensionSession {
       : process_(std::move(process)), memoryLimit_(memoryLimit) {}
   void take(Uptime now, const channel::Line& line, std::vector<SessionEvent>& events);
   void takeReply(channel::NumberedReply reply, std::vector<SessionEvent>& events);
+  void shareOut(std::size_t widgets);
   void giveUpLateAnswers(Uptime now, std::vector<SessionEvent>& events);
   void measureMemory(Uptime now);
   void end(SessionEnd::Cause cause, std::string detail);
 
   ExtensionProcess process_;
   std::size_t memoryLimit_;
+  std::size_t maxMessage_ = channel::maxFrame;
   std::uint64_t lastId_ = 0;
   std::map<std::uint64_t, OpenRequest> open_;
   Uptime lastHeard_ = Uptime::min();

@@ -13,6 +13,21 @@ using namespace std::chrono_literals;
 constexpr std::chrono::milliseconds pingPause = 1min;
 
 constexpr std::size_t maxKinds = 1000;
+constexpr std::size_t maxLanguages = 100;
+
+// Why the list of widgets is not taken; empty where it is.
+std::string faultOf(const channel::Catalogue* catalogue) {
+  if (catalogue == nullptr || catalogue->items.empty()) {
+    return "no list of its widgets";
+  }
+  if (catalogue->items.size() > maxKinds) {
+    return "a list of more than " + std::to_string(maxKinds) + " widgets";
+  }
+  const bool hasTooMany = std::ranges::any_of(
+      catalogue->items,
+      [](const channel::CatalogueItem& item) { return item.languages.size() > maxLanguages; });
+  return hasTooMany ? "a widget of more than " + std::to_string(maxLanguages) + " languages" : "";
+}
 
 // How long an extension whose program was replaced may take for what is under way.
 constexpr std::chrono::milliseconds lastRequests = 1s;
@@ -431,14 +446,12 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
 // order: what it listed before stays.
 void Supervisor::takeCatalogue(const Moment& now, const channel::Reply& reply) {
   const auto* catalogue = std::get_if<channel::Catalogue>(&reply);
-  const std::size_t count = catalogue == nullptr ? 0 : catalogue->items.size();
-  if (count == 0 || count > maxKinds) {
+  if (std::string fault = faultOf(catalogue); !fault.empty()) {
     actions_.emplace_back(EndExtension{});
     return loseExtension(
         now,
         {.cause = Problem::Cause::protocolError,
-         .detail = count == 0 ? "no list of its widgets"
-                              : "a list of more than " + std::to_string(maxKinds) + " widgets",
+         .detail = std::move(fault),
          .output = "",
          .since = now.date});
   }

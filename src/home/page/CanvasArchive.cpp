@@ -2,10 +2,10 @@
 
 #include <utility>
 
+#include "home/page/CanvasPage.h"
+
 namespace quillpad::home {
 namespace {
-
-constexpr std::size_t maxPictures = 20'000;
 
 bool showSameView(const PreviewQuery& one, const PreviewQuery& other) {
   return one.kind == other.kind && one.state == other.state && one.start == other.start &&
@@ -16,9 +16,9 @@ bool showSameView(const PreviewQuery& one, const PreviewQuery& other) {
 
 CanvasArchive::CanvasArchive(EngineerView& engineer, std::vector<PreviewQuery> pictures)
     : engineer_(engineer), pictures_(std::move(pictures)) {
-  if (pictures_.size() > maxPictures) {
-    pictures_.resize(maxPictures);
-    notDrawn_ = "There are more than " + std::to_string(maxPictures) +
+  if (pictures_.size() > maxCanvasPictures) {
+    pictures_.resize(maxCanvasPictures);
+    notDrawn_ = "There are more than " + std::to_string(maxCanvasPictures) +
                 " pictures; choose fewer on the canvas to have the rest.\n";
   }
 }

@@ -195,6 +195,9 @@ std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::W
 std::vector<PreviewQuery> canvasPictures(const CanvasModel& model) {
   std::vector<PreviewQuery> pictures;
   for (const CanvasModel::Widget& widget : model.widgets) {
+    if (pictures.size() > maxCanvasPictures) {
+      break;
+    }
     if (!model.query.kind.empty() && model.query.kind != widget.kind) {
       continue;
     }
@@ -214,13 +217,22 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
   const CanvasQuery& query = model.query;
   const Language& language = frame.language;
   Markup sections;
+  std::string problem = model.problem;
   std::size_t count = 0;
+  bool isFull = false;
   for (const CanvasModel::Widget& widget : model.widgets) {
-    if (!query.kind.empty() && query.kind != widget.kind) {
+    if (isFull || (!query.kind.empty() && query.kind != widget.kind)) {
       continue;
     }
     Markup rows;
     for (const CanvasRow& row : canvasRows(query, widget)) {
+      isFull = count + row.cells.size() > maxCanvasPictures;
+      if (isFull) {
+        problem = language.text(
+            "There are more than {1} pictures; choose fewer to see the rest.",
+            {std::to_string(maxCanvasPictures)});
+        break;
+      }
       Markup cells;
       for (const CanvasCell& cell : row.cells) {
         cells += cellMarkup(query, cell, frame);
@@ -262,7 +274,7 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
        {"count",
         count == 1 ? escaped(language.text("1 picture"))
                    : filledIn(language.text("{1} pictures"), {numberMarkup(count)})},
-       {"problem", escaped(model.problem)},
+       {"problem", escaped(problem)},
        {"widgets", sections}},
       language);
   return framed(

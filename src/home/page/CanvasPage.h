@@ -2,6 +2,7 @@
 // when it comes into sight, and a link into the engineer's view. Pure.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,6 +47,9 @@ struct CanvasModel {
   std::string problem{};  // why there are no samples; empty where there are
 };
 
+// So many are shown, or put into an archive.
+constexpr std::size_t maxCanvasPictures = 20'000;
+
 // One variant.
 struct CanvasCell {
   PreviewQuery query;
@@ -60,7 +64,8 @@ struct CanvasRow {
 };
 std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::Widget& widget);
 
-// All pictures of the canvas, those of one view one after the other.
+// All pictures of the canvas, those of one view one after the other; where there are more than
+// maxCanvasPictures, those of the first widgets, which are more.
 std::vector<PreviewQuery> canvasPictures(const CanvasModel& model);
 
 Markup canvasPage(const CanvasModel& model, const PageFrame& frame);

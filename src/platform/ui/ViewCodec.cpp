@@ -15,10 +15,10 @@ namespace quillpad {
 namespace {
 
 constexpr std::size_t maxDepth = 256;
-constexpr std::size_t maxViews = 10'000;
+constexpr std::size_t maxParts = 10'000;
 
 // Of each text only as much counts as may be shaped of it.
-constexpr std::size_t maxTextBytes = std::size_t{1} << 20;
+constexpr std::size_t maxTextBytes = std::size_t{64} << 10;
 constexpr std::size_t maxBytesOfText = std::size_t{1} << 14;
 constexpr std::size_t maxModifiers = 32;  // of one view
 // Far beyond any screen, and far from where sums of lengths lose their meaning.
@@ -233,7 +233,7 @@ ui::View Codec<ui::View>::decode(const Decoder& d) {
 namespace {
 
 struct Extent {
-  std::size_t views = 0;
+  std::size_t parts = 0;
   std::size_t textBytes = 0;
 };
 
@@ -241,17 +241,19 @@ struct Extent {
 void checkExtent(const Decoder& view, std::size_t depth, Extent& extent) {
   if (depth > maxDepth) {
     view.fail("more than 256 views deep");
-  } else if (++extent.views > maxViews) {
-    view.fail("more than 10000 views");
   }
+  ++extent.parts;
   if (const auto text = view.find("text")) {
     extent.textBytes += std::min(text->text().size(), maxBytesOfText);
     if (extent.textBytes > maxTextBytes) {
-      view.fail("more than 1 MiB of texts");
+      view.fail("more than 64 KiB of texts");
     }
   }
   if (const auto modifiers = view.find("modifiers")) {
-    modifiers->elements(maxModifiers);
+    extent.parts += modifiers->elements(maxModifiers).size();
+  }
+  if (extent.parts > maxParts) {
+    view.fail("more than 10000 views and modifiers");
   }
   if (const auto children = view.find("children")) {
     for (const Decoder& child : children->elements()) {
