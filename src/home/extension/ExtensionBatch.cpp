@@ -1,6 +1,7 @@
 #include "home/extension/ExtensionBatch.h"
 
 #include <cstddef>
+#include <ranges>
 
 namespace quillpad::home {
 
@@ -32,8 +33,8 @@ std::vector<std::optional<Answer>> ExtensionBatch::askTogether(
   }
   const auto known = static_cast<std::ptrdiff_t>(client_->transfers().size());
   auto answers = client_->answersTo(requests);
-  const std::vector<TransferReport>& all = client_->transfers();
-  transfers_.insert(transfers_.end(), all.begin() + known, all.end());
+  const auto added = client_->transfers() | std::views::drop(known);
+  transfers_.insert(transfers_.end(), added.begin(), added.end());
   if (const std::optional<Failure>& over = client_->over()) {
     lastEnd_ = *over;
     client_.reset();

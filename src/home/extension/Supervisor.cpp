@@ -134,7 +134,6 @@ bool Supervisor::accountIs(const std::string& mark) {
 }
 
 void Supervisor::programReplaced(const Moment& now) {
-  restartAtOnce();
   replaceBy_ = replaceBy_.value_or(now.uptime + lastRequests);
   advance(now);
 }
