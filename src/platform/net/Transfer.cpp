@@ -24,18 +24,32 @@ struct FreeURL {
   void operator()(CURLU* url) const { curl_url_cleanup(url); }
 };
 
-// A part of the address as libcurl reads it; empty where it cannot be read.
-std::string partOf(const std::string& address, CURLUPart part) {
+// The parts of an address as libcurl reads them; empty where it cannot be read.
+struct Parts {
+  std::string scheme;
+  std::string authority;  // host and port
+  std::string path;
+};
+
+Parts partsOf(const std::string& address) {
   const std::unique_ptr<CURLU, FreeURL> url(curl_url());
-  char* text = nullptr;
   if (curl_url_set(url.get(), CURLUPART_URL, address.c_str(), CURLU_NON_SUPPORT_SCHEME) !=
-          CURLUE_OK ||
-      curl_url_get(url.get(), part, &text, CURLU_DEFAULT_PORT) != CURLUE_OK) {
+      CURLUE_OK) {
     return {};
   }
-  std::string copy = text;
-  curl_free(text);
-  return copy;
+  const auto part = [&](CURLUPart which) -> std::string {
+    char* text = nullptr;
+    if (curl_url_get(url.get(), which, &text, CURLU_DEFAULT_PORT) != CURLUE_OK) {
+      return {};
+    }
+    std::string copy = text;
+    curl_free(text);
+    return copy;
+  };
+  return {
+      .scheme = part(CURLUPART_SCHEME),
+      .authority = part(CURLUPART_HOST) + ":" + part(CURLUPART_PORT),
+      .path = part(CURLUPART_PATH)};
 }
 
 // Why an address of this scheme may not be asked, if so.
@@ -71,7 +85,7 @@ bool fitsOnOneLine(std::string_view text) {
   return std::ranges::none_of(text, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
 }
 
-// The current locale as a wish: "de-DE, de;q=0.9".
+// The current locale, of this thread, as a wish: "de-DE, de;q=0.9".
 std::string acceptedLanguages() {
   std::string tag = currentLocale();
   tag.erase(std::min(tag.find("_POSIX"), tag.size()));
@@ -125,17 +139,16 @@ Transfer::Transfer(
     : request_(std::move(request)),
       completion_(std::move(completion)),
       address_(request_.url.absoluteString()),
+      languages_(acceptedLanguages()),
       timeouts_(timeouts) {
   report_.activity = currentActivity();
-  report_.path = partOf(address_, CURLUPART_PATH);
+  Parts parts = partsOf(address_);
+  authority_ = std::move(parts.authority);
+  report_.path = std::move(parts.path);
 }
 
 std::optional<TransportErrorCode> Transfer::refusal() const {
   return refusalOf(std::string(request_.url.scheme()));
-}
-
-std::string Transfer::authority() const {
-  return partOf(address_, CURLUPART_HOST) + ":" + partOf(address_, CURLUPART_PORT);
 }
 
 void Transfer::prepare(CURL* handle) {
@@ -196,9 +209,8 @@ void Transfer::setHeaders(CURL* handle) {
   const auto add = [this](const std::string& line) {
     headers_.reset(curl_slist_append(headers_.release(), line.c_str()));
   };
-  static const std::string languages = "Accept-Language: " + acceptedLanguages();
   add("Expect:");
-  add(languages);
+  add("Accept-Language: " + languages_);
   for (const auto& [field, text] : request_.headers) {
     const std::string_view value = trimmed(text);
     // The length is sent as the sender spelled it, but only if it is the body's.
@@ -256,7 +268,9 @@ bool Transfer::follow(CURL* handle) {
     return false;
   }
   address_ = location;
-  failure_ = refusalOf(partOf(address_, CURLUPART_SCHEME));
+  Parts parts = partsOf(address_);
+  authority_ = std::move(parts.authority);
+  failure_ = refusalOf(parts.scheme);
   if (failure_) {
     return false;
   }

@@ -1,6 +1,6 @@
 // One request on its way: what libcurl is told of it, the answer as it arrives, the redirects it
-// follows and how it ended. Made on the thread that resumes the task, then owned by the thread that
-// drives the transfers, and at last by the one that delivers. Private to the session.
+// follows and how it ended. Made on the thread that resumes the task, then of whichever drives the
+// transfers, and at last of the one that delivers. Private to the session.
 #pragma once
 
 #include <chrono>
@@ -38,7 +38,7 @@ class Transfer {
   std::optional<TransportErrorCode> refusal() const;
 
   // Host and port of the address to ask next.
-  std::string authority() const;
+  const std::string& authority() const { return authority_; }
 
   // Sets the fresh handle up for the next exchange.
   void prepare(CURL* handle);
@@ -83,6 +83,8 @@ class Transfer {
   URLRequest request_;
   URLSession::Completion completion_;
   std::string address_;
+  std::string authority_;
+  std::string languages_;
   TrustStore trust_ = TrustStore::fromEnvironment();
   std::unique_ptr<curl_slist, FreeList> headers_;
 

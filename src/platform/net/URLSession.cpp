@@ -1,24 +1,27 @@
 #include "platform/net/URLSession.h"
 
-#include <algorithm>
+#include <condition_variable>
 #include <cstdlib>
 #include <deque>
+#include <iterator>
 #include <mutex>
-#include <string>
 #include <thread>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "platform/foundation/BackgroundThread.h"
 #include "platform/net/Curl.h"
-#include "platform/net/SerialQueue.h"
+#include "platform/net/Poller.h"
 #include "platform/net/Transfer.h"
+#include "platform/net/Transfers.h"
 
 namespace quillpad {
 
-// What drives the transfers: one thread with one multi handle, started with the first transfer.
-// Finished transfers go to the serial queue. Once started it lasts as long as the process.
+// Who does what: the thread that resumes a task sends its request; of the session's two threads,
+// the one that the answer wakes calls the completion, while the other waits on for what comes
+// meanwhile. So no thread wakes another, and a slow completion holds no transfer up. One thread at
+// a time drives the transfers, and one delivers: who comes second leaves what it has to the first.
+// Once started, the two last as long as the process.
 class URLSession::Impl {
  public:
   using Watcher = std::function<void(const TransferReport&)>;
@@ -29,58 +32,40 @@ class URLSession::Impl {
   Timeouts timeouts();
 
  private:
-  // The transfers to one host and port: those under way are counted, the others wait. libcurl has
-  // such a queue too, but may forget who waits in it.
-  struct HostQueue {
-    int underWay = 0;
-    std::deque<std::unique_ptr<Transfer>> waiting;
-  };
-
   void launch();
   void stop();
-  void run();
-  void takeArrivals();
-  void queue(std::unique_ptr<Transfer> transfer);
-  void advance(const std::string& authority);
-  void add(CURL* handle, std::unique_ptr<Transfer> transfer);
-  void end(CURL* handle, CURLcode result);
-  void endFinished();
-  void endOverdue();
-  void deliver(std::unique_ptr<Transfer> transfer);
-  CURL* takeHandle();
-  void keepHandle(CURL* handle);
-  int untilNextDeadline() const;
+  void work();
+  void drive();
+  void deliver();
 
   std::once_flag launched_;
-  SerialQueue deliveries_;
+  Poller poller_;
+  std::unique_ptr<Transfers> transfers_;  // of the thread that drives
 
-  std::mutex mutex_;  // guards the next four
+  std::mutex mutex_;  // guards all that follows
+  std::condition_variable stopped_;
+  Transfers::List arrivals_;
+  std::vector<int> sockets_;  // to which something happened
+  std::deque<std::unique_ptr<Transfer>> ended_;
+  bool isDriven_ = false;
+  bool isMissed_ = false;      // a thread wanted to drive while another one did
+  std::thread::id deliverer_;  // none while nothing is delivered
+  bool isStopping_ = false;
   Timeouts timeouts_;
-  std::vector<std::unique_ptr<Transfer>> arrivals_;
-  bool stopping_ = false;
   std::shared_ptr<const Watcher> watcher_ = std::make_shared<const Watcher>();
-
-  CURLM* multi_ = nullptr;
-  CURLSH* tlsSessions_ = nullptr;
-  std::thread thread_;
-  std::unordered_map<std::string, HostQueue> hosts_;  // by host and port
-  std::unordered_map<CURL*, std::unique_ptr<Transfer>> running_;
-  std::vector<CURL*> idleHandles_;
-  Transfer::Clock::time_point nextDeadline_ = Transfer::Clock::time_point::max();
 };
 
 void URLSession::Impl::begin(std::unique_ptr<Transfer> transfer) {
-  if (const auto refusal = transfer->refusal()) {
-    transfer->fail(*refusal);
-    deliver(std::move(transfer));
-    return;
-  }
   std::call_once(launched_, [this] { launch(); });
   {
     const std::lock_guard lock(mutex_);
     arrivals_.push_back(std::move(transfer));
   }
-  curl_multi_wakeup(multi_);
+  drive();
+  const std::lock_guard lock(mutex_);
+  if (!ended_.empty()) {
+    poller_.wake();
+  }
 }
 
 void URLSession::Impl::setWatcher(Watcher watcher) {
@@ -100,182 +85,80 @@ URLSession::Timeouts URLSession::Impl::timeouts() {
 
 void URLSession::Impl::launch() {
   curl_global_init(CURL_GLOBAL_DEFAULT);
-  multi_ = curl_multi_init();
-  curl_multi_setopt(multi_, CURLMOPT_PIPELINING, CURLPIPE_MULTIPLEX);
-  curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, 12L);
-  tlsSessions_ = curl_share_init();
-  curl_share_setopt(tlsSessions_, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
-  thread_ = startBackgroundThread([this] { run(); });
+  transfers_ = std::make_unique<Transfers>(poller_);
+  for (int i = 0; i < 2; ++i) {
+    startBackgroundThread([this] { work(); }).detach();
+  }
   // Registered after the TLS library's own, and so run before it: no transfer may move any more
   // when that takes its tables away.
   std::atexit([] { URLSession::shared().impl_->stop(); });
 }
 
 // Transfers under way are left as they are: unfinished, their completions neither called nor
-// destroyed.
+// destroyed. A completion that is being called has a second to end.
 void URLSession::Impl::stop() {
-  {
-    const std::lock_guard lock(mutex_);
-    stopping_ = true;
+  std::unique_lock lock(mutex_);
+  isStopping_ = true;
+  stopped_.wait(lock, [this] { return !isDriven_; });
+  if (deliverer_ != std::this_thread::get_id()) {
+    stopped_.wait_for(
+        lock, std::chrono::seconds(1), [this] { return deliverer_ == std::thread::id(); });
   }
-  curl_multi_wakeup(multi_);
-  thread_.join();
-  deliveries_.stop();
 }
 
-void URLSession::Impl::run() {
+void URLSession::Impl::work() {
   while (true) {
+    const std::vector<int> sockets = poller_.wait();
     {
       const std::lock_guard lock(mutex_);
-      if (stopping_) {
-        return;
-      }
+      sockets_.insert(sockets_.end(), sockets.begin(), sockets.end());
     }
-    takeArrivals();
-    int underWay = 0;
-    curl_multi_perform(multi_, &underWay);
-    endFinished();
-    endOverdue();
-    curl_multi_poll(multi_, nullptr, 0, untilNextDeadline(), nullptr);
+    drive();
+    deliver();
   }
 }
 
-void URLSession::Impl::takeArrivals() {
-  std::vector<std::unique_ptr<Transfer>> arrivals;
-  {
-    const std::lock_guard lock(mutex_);
-    arrivals.swap(arrivals_);
-  }
-  for (std::unique_ptr<Transfer>& transfer : arrivals) {
-    queue(std::move(transfer));
-  }
-}
-
-void URLSession::Impl::queue(std::unique_ptr<Transfer> transfer) {
-  nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
-  const std::string authority = transfer->authority();
-  hosts_[authority].waiting.push_back(std::move(transfer));
-  advance(authority);
-}
-
-void URLSession::Impl::advance(const std::string& authority) {
-  constexpr int maxPerHost = 6;
-  const auto found = hosts_.find(authority);
-  HostQueue& host = found->second;
-  while (host.underWay < maxPerHost && !host.waiting.empty()) {
-    std::unique_ptr<Transfer> transfer = std::move(host.waiting.front());
-    host.waiting.pop_front();
-    ++host.underWay;
-    add(takeHandle(), std::move(transfer));
-  }
-  if (host.underWay == 0) {
-    hosts_.erase(found);
-  }
-}
-
-void URLSession::Impl::add(CURL* handle, std::unique_ptr<Transfer> transfer) {
-  transfer->prepare(handle);
-  running_.emplace(handle, std::move(transfer));
-  curl_multi_add_handle(multi_, handle);
-}
-
-void URLSession::Impl::end(CURL* handle, CURLcode result) {
-  curl_multi_remove_handle(multi_, handle);
-  std::unique_ptr<Transfer> transfer = std::move(running_.extract(handle).mapped());
-  const std::string authority = transfer->authority();
-  const bool goesOn = transfer->endExchange(handle, result);
-  curl_easy_reset(handle);
-  keepHandle(handle);
-  if (goesOn) {
-    queue(std::move(transfer));
-  } else {
-    deliver(std::move(transfer));
-  }
-  --hosts_[authority].underWay;
-  advance(authority);
-}
-
-void URLSession::Impl::endFinished() {
-  int waiting = 0;
-  while (const CURLMsg* message = curl_multi_info_read(multi_, &waiting)) {
-    end(message->easy_handle, message->data.result);
-  }
-}
-
-// Progress only moves a transfer's deadline away, so the earliest one of the last look is never too
-// late for the next.
-void URLSession::Impl::endOverdue() {
-  const Transfer::Clock::time_point now = Transfer::Clock::now();
-  if (now < nextDeadline_) {
+// Moves the transfers on once: this may be a caller's thread, so what comes meanwhile is for one of
+// the session's.
+void URLSession::Impl::drive() {
+  std::unique_lock lock(mutex_);
+  if (isDriven_ || isStopping_) {
+    isMissed_ = true;
     return;
   }
-  nextDeadline_ = Transfer::Clock::time_point::max();
-  const auto isOverdue = [&](const Transfer& transfer) {
-    if (transfer.deadline() > now) {
-      nextDeadline_ = std::min(nextDeadline_, transfer.deadline());
-      return false;
-    }
-    return true;
-  };
-  for (auto& [authority, host] : hosts_) {
-    const auto late = std::ranges::stable_partition(
-        host.waiting, [&](const auto& transfer) { return !isOverdue(*transfer); });
-    for (std::unique_ptr<Transfer>& transfer : late) {
-      transfer->fail(timedOut);
-      deliver(std::move(transfer));
-    }
-    host.waiting.erase(late.begin(), late.end());
+  isDriven_ = true;
+  isMissed_ = false;
+  Transfers::List arrivals = std::exchange(arrivals_, {});
+  const std::vector<int> sockets = std::exchange(sockets_, {});
+  lock.unlock();
+  Transfers::List ended = transfers_->advance(std::move(arrivals), sockets);
+  lock.lock();
+  std::ranges::move(ended, std::back_inserter(ended_));
+  isDriven_ = false;
+  if (isMissed_) {
+    poller_.wake();
   }
-  std::vector<CURL*> overdue;
-  for (const auto& [handle, transfer] : running_) {
-    if (isOverdue(*transfer)) {
-      overdue.push_back(handle);
-    }
-  }
-  for (CURL* handle : overdue) {
-    end(handle, CURLE_OPERATION_TIMEDOUT);
-  }
+  stopped_.notify_all();
 }
 
-void URLSession::Impl::deliver(std::unique_ptr<Transfer> transfer) {
-  deliveries_.post([this, transfer = std::move(transfer)] {
-    std::shared_ptr<const Watcher> watcher;
-    {
-      const std::lock_guard lock(mutex_);
-      watcher = watcher_;
-    }
+// Calls the completions of the transfers that have ended, one at a time.
+void URLSession::Impl::deliver() {
+  std::unique_lock lock(mutex_);
+  if (deliverer_ != std::thread::id()) {
+    return;
+  }
+  deliverer_ = std::this_thread::get_id();
+  while (!ended_.empty() && !isStopping_) {
+    std::unique_ptr<Transfer> transfer = std::move(ended_.front());
+    ended_.pop_front();
+    const std::shared_ptr<const Watcher> watcher = watcher_;
+    lock.unlock();
     transfer->deliver(*watcher);
-  });
-}
-
-CURL* URLSession::Impl::takeHandle() {
-  if (!idleHandles_.empty()) {
-    CURL* handle = idleHandles_.back();
-    idleHandles_.pop_back();
-    return handle;
+    transfer.reset();
+    lock.lock();
   }
-  CURL* handle = curl_easy_init();
-  curl_easy_setopt(handle, CURLOPT_SHARE, tlsSessions_);
-  return handle;
-}
-
-void URLSession::Impl::keepHandle(CURL* handle) {
-  constexpr std::size_t maxKept = 8;
-  if (idleHandles_.size() < maxKept) {
-    idleHandles_.push_back(handle);
-  } else {
-    curl_easy_cleanup(handle);
-  }
-}
-
-int URLSession::Impl::untilNextDeadline() const {
-  constexpr std::chrono::milliseconds maxWait = std::chrono::hours(1);
-  const Transfer::Clock::time_point now = Transfer::Clock::now();
-  if (nextDeadline_ - now > maxWait) {
-    return static_cast<int>(maxWait.count());
-  }
-  const auto left = std::chrono::ceil<std::chrono::milliseconds>(nextDeadline_ - now);
-  return static_cast<int>(std::max(left, std::chrono::milliseconds(0)).count());
+  deliverer_ = {};
+  stopped_.notify_all();
 }
 
 URLSession::URLSession() : impl_(std::make_unique<Impl>()) {}

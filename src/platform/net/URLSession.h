@@ -1,10 +1,10 @@
 // The shared URL session: asynchronous HTTPS with the phone's rules (60 s without progress is a
 // time-out, and 85 s in all, after which nobody waits for the answer any more; status codes are no
 // errors, at most 20 redirects and none carries the Authorization header on). No request is sent
-// twice: one that is lost on its way is an error. One thread drives all transfers; completions are
-// called one at a time on one other thread, never on the caller's. Connections and TLS sessions are
-// kept and reused; there is no cache and no cookie is kept. All operations are callable from any
-// thread.
+// twice: one that is lost on its way is an error. Completions are called one at a time on the
+// session's two threads, never within the call that starts a task, and a slow one holds no transfer
+// up. Connections and TLS sessions are kept and reused; there is no cache and no cookie is kept.
+// All operations are callable from any thread.
 #pragma once
 
 #include <chrono>
@@ -50,8 +50,8 @@ class URLSession {
 
   DataTask dataTask(URLRequest request, Completion completionHandler);
 
-  // Has every transfer's end reported to the watcher, on the thread of the completions and before
-  // the task's own.
+  // Has every transfer's end reported to the watcher, as completions are called and before the
+  // task's own.
   void watchTransfers(std::function<void(const TransferReport&)> watcher);
 
   struct Timeouts {
