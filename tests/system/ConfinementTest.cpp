@@ -67,6 +67,7 @@ TEST_F(ConfinementTest, AnyProgramIsConfined) {
       {"perl -MSocket -e 'socket(S, PF_INET, SOCK_STREAM, 0);"
        "bind(S, sockaddr_in(0, INADDR_LOOPBACK)) or die \"$!\\n\"'",
        "Permission denied"},
+      {"chroot / true", "not permitted"},  // also root has no more rights
       {"echo limits $(ulimit -c) $(ulimit -n) >&2", "limits 0 256"},
       {"perl -e 'open(F, \"<\", \"/usr/bin/perl\") and print STDERR \"well read\\n\"'",
        "well read"},

@@ -1,4 +1,5 @@
 // list, placeholder, snapshot, timeline: what they print and how they fail.
+#include <csignal>
 #include <fstream>
 #include <sstream>
 
@@ -212,6 +213,17 @@ TEST_F(TimelinesTest, TapOpensTheDeepLinkWithoutAShell) {
   const Outcome run = this->run({"tap", "SalesSmallWidget"});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.err, HasSubstr("no application here opens quillpad://Report"));
+}
+
+// Also where no program may gain privileges, as in many containers.
+TEST_F(TimelinesTest, TheApplicationThatATapOpensLivesOn) {
+  std::ofstream(file("xdg-open")) << "#!/bin/sh\nsleep 60 &\necho $! >" << file("application");
+  std::filesystem::permissions(file("xdg-open"), std::filesystem::perms::owner_all);
+  const std::string command = "PATH=" + folder_.path().string() +
+                              ":$PATH setpriv --no-new-privs " HOME_PROGRAM
+                              " --extension " EXTENSION_PROGRAM " tap SalesSmallWidget";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  EXPECT_EQ(::kill(std::stoi(contentsOf(file("application"))), SIGKILL), 0);
 }
 
 }  // namespace

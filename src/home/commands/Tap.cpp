@@ -6,6 +6,7 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 #include "home/commands/Commands.h"
 #include "home/commands/Files.h"
@@ -34,9 +35,9 @@ std::optional<std::string> linkOf(const ui::View& view) {
   return std::nullopt;
 }
 
-// The widget as the extension lists it.
+// The widget as the extension lists it, which ends with that.
 std::expected<channel::CatalogueItem, Failure> itemOf(
-    ExtensionClient& extension, const std::string& kind) {
+    ExtensionClient extension, const std::string& kind) {
   auto catalogue = extension.ask<channel::Catalogue>(channel::CatalogueRequest{});
   if (!catalogue) {
     return std::unexpected(std::move(catalogue.error()));
@@ -99,7 +100,7 @@ struct Tap {
     if (printOnly) {
       return print(*link + '\n');
     }
-    const auto widget = itemOf(*extension, kind);
+    const auto widget = itemOf(std::move(*extension), kind);
     return widget ? openLink(*widget, *link) : std::unexpected(widget.error());
   }
 };

@@ -11,6 +11,7 @@
 #include <poll.h>
 #include <set>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -151,16 +152,14 @@ std::vector<pid_t> children() {
   return result;
 }
 
-// What descends from a child that was started here cannot gain privileges, and cannot take that
-// mark off; other children of this process are not this file's business.
+// What descends from a child that was started here carries the mark of its confinement; other
+// children of this process are not this file's business.
 bool isMarked(pid_t process) {
-  std::ifstream file("/proc/" + std::to_string(process) + "/status");
-  for (std::string line; std::getline(file, line);) {
-    if (line.starts_with("NoNewPrivs:")) {
-      return line.ends_with('1');
-    }
-  }
-  return false;
+  rlimit own{};
+  rlimit limits{};
+  return ::getrlimit(Confinement::mark, &own) == 0 &&
+         ::prlimit(process, Confinement::mark, nullptr, &limits) == 0 &&
+         limits.rlim_max < own.rlim_max;
 }
 
 std::vector<pid_t> strays() {

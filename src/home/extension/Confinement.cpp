@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
+#include <linux/capability.h>
 #include <linux/seccomp.h>
 #include <ranges>
 #include <string_view>
@@ -92,12 +93,32 @@ bool limit(__rlimit_resource resource, rlim_t most) {
   return ::setrlimit(resource, &limits) == 0;
 }
 
+bool limitToMark() {
+  rlimit limits{};
+  ::getrlimit(Confinement::mark, &limits);
+  return limit(Confinement::mark, limits.rlim_max - 1);
+}
+
 bool limitMemory() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   return true;
 #else
   return limit(RLIMIT_AS, Confinement::maxAddressSpace) && limit(RLIMIT_DATA, Confinement::maxData);
 #endif
+}
+
+// Root could raise its limits again, and much else; that files are others' does not keep it from
+// reading them.
+bool dropCapabilities() {
+  constexpr std::uint32_t kept = 1U << CAP_DAC_OVERRIDE | 1U << CAP_DAC_READ_SEARCH;
+  __user_cap_header_struct header{.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
+  std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> sets{};
+  if (::syscall(SYS_capget, &header, sets.data()) != 0) {
+    return false;
+  }
+  const std::uint32_t left = sets[0].permitted & kept;
+  sets = {__user_cap_data_struct{.effective = left, .permitted = left, .inheritable = 0}};
+  return ::syscall(SYS_capset, &header, sets.data()) == 0;
 }
 
 bool kernelHasSystemCallFilters() {
@@ -123,7 +144,7 @@ bool Confinement::enter() const {
   constexpr rlim_t coreBytes = 1;  // unlike none, also holds where cores are handed to a program
   return limitMemory() && limit(RLIMIT_NOFILE, maxDescriptors) &&
          limit(RLIMIT_NPROC, maxProcesses_) && limit(RLIMIT_FSIZE, fileBytes) &&
-         limit(RLIMIT_CORE, coreBytes) && files_.enter();
+         limit(RLIMIT_CORE, coreBytes) && limitToMark() && files_.enter() && dropCapabilities();
 }
 
 bool Confinement::isOutdated() const {

@@ -21,6 +21,9 @@ class Confinement {
   static constexpr rlim_t maxDescriptors = 256;
   // How many processes there may be beyond those of the machine when it was started.
   static constexpr rlim_t maxMoreProcesses = 512;
+  // A limit that Linux keeps and heeds no more: whoever descends from a confined process has a
+  // lower one than this process, and cannot raise it.
+  static constexpr auto mark = RLIMIT_LOCKS;
 
   explicit Confinement(const std::filesystem::path& program);
 
