@@ -809,6 +809,33 @@ TEST_F(SupervisorTest, AnEndOfTheOldProgramDoesNotPartThePicturesOfTheNewOne) {
   EXPECT_THAT(shown("A") + shown("B"), "a2b1");
 }
 
+TEST_F(SupervisorTest, AFreshPictureEndsTheWaitForTheKeptOnesNewView) {
+  bringUp();
+  pass(5min);
+  done();
+  answerUnfetched("timeline A", "zeros");
+  answer("timeline B", timelineOf("b2"));
+  answerAllButTimelines();
+  ASSERT_NE(widget("A").kept, nullptr);
+  supervisor.programReplaced(now());
+  done();
+  answer("catalogue", catalogueOf({"A", "B"}));
+  done();
+  answer("render A", channel::Refused{channel::invalidParams, "no"});
+  EXPECT_THAT(done(), ElementsAre("render A")) << "the kept one";
+  answerWell("render A");
+  supervisor.reload(now(), "A");
+  EXPECT_THAT(done(), ElementsAre("timeline A"));
+  answerWell("timeline A", "a2");
+  done();
+  answerWell("render A");
+  EXPECT_EQ(widget("A").kept, nullptr);
+  answerWell("render B");
+  EXPECT_EQ(shown("A"), "a2");
+  done();
+  EXPECT_THAT(after(1ms), IsEmpty()) << "there is no kept one any more";
+}
+
 TEST_F(SupervisorTest, AProgramThatIsReplacedIsNotWaitedForMoreThanASecond) {
   bringUp();
   supervisor.openGallery(now());

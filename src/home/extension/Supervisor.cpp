@@ -242,12 +242,12 @@ void Supervisor::advance(const Moment& now) {
     replaceExtension(now);
   }
   if (life_ == Life::stopped && isWanted()) {
-    startExtension(now);
+    startExtension();
   }
   if (life_ == Life::running && !replaceBy_) {
     askWhatIsDue(now);
     if (pending_.empty() && now.uptime >= pingAt_) {
-      ask(now, "", Purpose::ping);
+      ask("", Purpose::ping, channel::PingRequest{});
     }
     showRenewed();
     if (answeredInThisRun_ && pending_.empty()) {
@@ -267,12 +267,12 @@ void Supervisor::noticeTheTime(const Moment& now) {
   }
 }
 
-void Supervisor::startExtension(const Moment& now) {
+void Supervisor::startExtension() {
   life_ = Life::starting;
   lastId_ = 0;
   answeredInThisRun_ = false;
   actions_.emplace_back(StartExtension{});
-  ask(now, "", Purpose::catalogue);
+  ask("", Purpose::catalogue, channel::CatalogueRequest{});
   ++version_;
 }
 
@@ -343,49 +343,12 @@ void Supervisor::askWhatIsDue(const Moment& now) {
     if (restarts_.hasEnded() && !pending_.empty()) {
       return;
     }
-    ask(now, *kind, purpose);
+    ask(*kind, purpose, widgets_[*kind].ask(now, *kind, purpose));
   }
 }
 
-void Supervisor::ask(const Moment& now, const std::string& kind, Purpose purpose) {
-  channel::Request request = channel::CatalogueRequest{};
-  if (purpose == Purpose::ping) {
-    request = channel::PingRequest{};
-  } else if (purpose != Purpose::catalogue) {
-    WidgetRecord& widget = widgets_[kind];
-    widget.busy = true;
-    switch (purpose) {
-      case Purpose::catalogue:
-      case Purpose::ping:
-        break;
-      case Purpose::placeholder:
-        request = channel::PlaceholderRequest{kind};
-        break;
-      case Purpose::snapshot:
-        request = channel::SnapshotRequest{kind};
-        break;
-      case Purpose::timeline:
-        widget.asked = now.uptime;
-        request = channel::TimelineRequest{kind};
-        break;
-      case Purpose::rendering:
-        if (widget.unrendered) {
-          request = channel::RenderRequest{kind, widget.unrendered->entry, std::nullopt};
-        }
-        break;
-      case Purpose::keptRendering:
-        if (widget.kept) {
-          request = channel::RenderRequest{kind, widget.kept->entry, std::nullopt};
-        }
-        break;
-    }
-  }
-  Pending pending{.kind = kind, .purpose = purpose};
-  if (!kind.empty() && purpose != Purpose::keptRendering &&
-      widgets_[kind].target(purpose) != Picture::Source::snapshot) {
-    widgets_[kind].asking = widgets_[kind].asking.value_or(now);
-  }
-  pending_.emplace(++lastId_, std::move(pending));
+void Supervisor::ask(std::string kind, Purpose purpose, channel::Request request) {
+  pending_.emplace(++lastId_, Pending{.kind = std::move(kind), .purpose = purpose});
   actions_.emplace_back(Ask{std::move(request)});
 }
 

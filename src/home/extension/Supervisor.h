@@ -120,13 +120,13 @@ class Supervisor {
   const channel::CatalogueItem* offered(std::string_view kind) const;
   std::size_t placeInCatalogueOrder(std::string_view kind) const;
   void advance(const Moment& now);
-  void startExtension(const Moment& now);
+  void startExtension();
   void replaceExtension(const Moment& now);
   void releasePending();
   void showRenewed();
   void askWhatIsDue(const Moment& now);
   void noticeTheTime(const Moment& now);
-  void ask(const Moment& now, const std::string& kind, Purpose purpose);
+  void ask(std::string kind, Purpose purpose, channel::Request request);
   void take(const Moment& now, const Pending& request, const channel::Reply& reply);
   void takeCatalogue(const Moment& now, const channel::Reply& reply);
   void takeRendering(const std::string& kind, const channel::Rendering& rendering);

@@ -6,6 +6,7 @@
 
 #include "home/extension/MemoryUse.h"
 #include "home/extension/WidgetStatus.h"
+#include "platform/foundation/Overloaded.h"
 
 namespace quillpad::home {
 
@@ -47,11 +48,11 @@ std::optional<Uptime> WidgetHost::nextDeadline() const {
 }
 
 void WidgetHost::run(const Moment& now) {
-  auto events = session_ ? session_->poll(now.uptime) : std::vector<SessionEvent>{};
+  const auto events = session_ ? session_->poll(now.uptime) : std::vector<SessionEvent>{};
   if (accountStore_.takeChange() || !events.empty()) {
     noticeAccount();
   }
-  for (SessionEvent& event : events) {
+  for (const SessionEvent& event : events) {
     take(now, event);
   }
   if (session_ && !supervisor_.awaitsAnswers() && session_->isOutdated()) {
@@ -84,50 +85,59 @@ void WidgetHost::noticeAccount() {
   }
 }
 
-void WidgetHost::take(const Moment& now, SessionEvent& event) {
-  if (const auto* reply = std::get_if<channel::NumberedReply>(&event)) {
-    supervisor_.replied(now, *reply);
-  } else if (const auto* transfer = std::get_if<channel::TransferNotice>(&event)) {
-    log_.noteTransfer(now.date, transfer->report);
-    supervisor_.transferred(*transfer);
-  } else if (const auto* late = std::get_if<LateAnswer>(&event)) {
-    supervisor_.answerIsLate(now, *late);
-  } else if (const auto* line = std::get_if<PrintedLine>(&event)) {
-    log_.notePrinted(now.date, line->text);
-    relay_(line->text);
-  } else {
-    session_.reset();
-    const auto& end = std::get<SessionEnd>(event);
-    log_.noteRun(now.date, problemOf(end, now.date));
-    supervisor_.ended(now, end);
-  }
+void WidgetHost::take(const Moment& now, const SessionEvent& event) {
+  const Overloaded taken{
+      [&](const channel::NumberedReply& reply) { supervisor_.replied(now, reply); },
+      [&](const channel::TransferNotice& transfer) {
+        log_.noteTransfer(now.date, transfer.report);
+        supervisor_.transferred(transfer);
+      },
+      [&](const PrintedLine& line) {
+        log_.notePrinted(now.date, line.text);
+        relay_(line.text);
+      },
+      [&](const LateAnswer& late) { supervisor_.answerIsLate(now, late); },
+      [&](const SessionEnd& end) {
+        session_.reset();
+        log_.noteRun(now.date, problemOf(end, now.date));
+        supervisor_.ended(now, end);
+      }};
+  std::visit(taken, event);
 }
 
-// What is still to be asked of an extension that could not be started falls away with it.
 void WidgetHost::carryOut(const Moment& now, const Supervisor::Action& action) {
-  if (std::holds_alternative<Supervisor::StartExtension>(action)) {
-    session_.reset();
-    auto started = ExtensionSession::start(program_);
-    if (started) {
-      session_.emplace(std::move(*started));
-      log_.noteRun(now.date, ProcessLog::Started{session_->pid()});
-    } else {
-      log_.noteRun(
-          now.date,
-          Problem{
-              .cause = Problem::Cause::notStarted,
-              .detail = started.error(),
-              .output = "",
-              .since = now.date});
-      supervisor_.failedToStart(now, started.error());
-    }
-  } else if (const auto* ask = std::get_if<Supervisor::Ask>(&action); ask == nullptr) {
-    log_.noteRun(now.date, ProcessLog::EndedByHome{});
-    session_.reset();
-  } else if (session_) {
-    log_.noteRequest(now.date, ask->request);
-    session_->ask(now.uptime, ask->request);
+  const Overloaded carriedOut{
+      [&](const Supervisor::StartExtension&) { startExtension(now); },
+      [&](const Supervisor::EndExtension&) {
+        log_.noteRun(now.date, ProcessLog::EndedByHome{});
+        session_.reset();
+      },
+      // What is still to be asked of an extension that could not be started falls away with it.
+      [&](const Supervisor::Ask& ask) {
+        if (session_) {
+          log_.noteRequest(now.date, ask.request);
+          session_->ask(now.uptime, ask.request);
+        }
+      }};
+  std::visit(carriedOut, action);
+}
+
+void WidgetHost::startExtension(const Moment& now) {
+  session_.reset();
+  auto started = ExtensionSession::start(program_);
+  if (started) {
+    session_.emplace(std::move(*started));
+    log_.noteRun(now.date, ProcessLog::Started{session_->pid()});
+    return;
   }
+  log_.noteRun(
+      now.date,
+      Problem{
+          .cause = Problem::Cause::notStarted,
+          .detail = started.error(),
+          .output = "",
+          .since = now.date});
+  supervisor_.failedToStart(now, started.error());
 }
 
 }  // namespace quillpad::home

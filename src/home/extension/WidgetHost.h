@@ -54,7 +54,8 @@ class WidgetHost {
 
  private:
   void noticeAccount();
-  void take(const Moment& now, SessionEvent& event);
+  void take(const Moment& now, const SessionEvent& event);
+  void startExtension(const Moment& now);
   void carryOut(const Moment& now, const Supervisor::Action& action);
 
   std::filesystem::path program_;

@@ -4,6 +4,8 @@
 #include <iterator>
 #include <utility>
 
+#include "platform/foundation/Fatal.h"
+
 namespace quillpad::home {
 namespace {
 
@@ -52,6 +54,30 @@ std::optional<Purpose> WidgetRecord::next(const Moment& now, bool placed, bool i
     return Purpose::snapshot;
   }
   return std::nullopt;
+}
+
+channel::Request WidgetRecord::ask(const Moment& now, const std::string& kind, Purpose purpose) {
+  busy = true;
+  if (purpose != Purpose::keptRendering && target(purpose) != Picture::Source::snapshot) {
+    asking = asking.value_or(now);
+  }
+  switch (purpose) {
+    case Purpose::placeholder:
+      return channel::PlaceholderRequest{kind};
+    case Purpose::snapshot:
+      return channel::SnapshotRequest{kind};
+    case Purpose::timeline:
+      asked = now.uptime;
+      return channel::TimelineRequest{kind};
+    case Purpose::rendering:
+      return channel::RenderRequest{kind, forced(unrendered, "the entry").entry, std::nullopt};
+    case Purpose::keptRendering:
+      return channel::RenderRequest{kind, forced(kept, "the kept picture").entry, std::nullopt};
+    case Purpose::catalogue:
+    case Purpose::ping:
+      break;
+  }
+  fatal("the extension is asked for no widget");
 }
 
 Picture::Source WidgetRecord::target(Purpose purpose) const {
@@ -152,6 +178,8 @@ void WidgetRecord::takeTimeline(
 void WidgetRecord::takeOver(Picture next) {
   if (!next.failure) {
     kept.reset();
+    keptOutdated = false;
+    renewedKept.reset();
   } else if (picture && picture->failure) {
     next.failingSince = picture->failingSince;
   } else if (picture && picture->source == Picture::Source::timeline) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "home/extension/Moment.h"
@@ -53,6 +54,8 @@ struct WidgetRecord {
 
   // What to ask now; nothing while there is nothing, or an answer is awaited.
   std::optional<Purpose> next(const Moment& now, bool placed, bool inGallery) const;
+  // The request for that, whose answer is awaited from now on.
+  channel::Request ask(const Moment& now, const std::string& kind, Purpose purpose);
   // What the answer is to lead to.
   Picture::Source target(Purpose purpose) const;
   // When the passing of time alone makes what is shown slow or overdue.
