@@ -4,6 +4,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "home/ScriptedExtension.h"
@@ -125,6 +126,7 @@ TEST_F(ExtensionClientTest, AProgramThatCannotBeStartedIsNamed) {
     ASSERT_FALSE(extension) << path;
     EXPECT_EQ(extension.error().status, ExitStatus::notPossible);
     EXPECT_THAT(extension.error().message, HasSubstr(path.string() + ": "));
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child is left";
   }
 }
 

@@ -12,6 +12,7 @@ TEST(HomeLock, IsHeldByOneHomeScreenWhoseAddressOthersAreTold) {
   std::optional first = HomeLock::take();
   ASSERT_TRUE(*first);
   EXPECT_THAT(HomeLock::take().error(), testing::HasSubstr("has not told yet"));
+  (**first).tell("http://127.0.0.1:8480/the/longer/one/before");
   (**first).tell("http://127.0.0.1:8480/");
   EXPECT_THAT(HomeLock::take().error(), testing::HasSubstr(", at http://127.0.0.1:8480/;"));
   first.reset();

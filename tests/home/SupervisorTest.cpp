@@ -233,9 +233,9 @@ TEST_F(SupervisorTest, FirstRunPlacesTheWholeCatalogueAndShowsPlaceholdersMeanwh
 TEST_F(SupervisorTest, AsksAgainAtTheReloadTimeAndNotBefore) {
   bringUp();
   ASSERT_EQ(supervisor.nextDeadline(), uptime + 1min) << "the ping";
-  EXPECT_THAT(after(4min), IsEmpty());
-  ASSERT_EQ(supervisor.nextDeadline(), uptime + 1min) << "the reload";
-  EXPECT_THAT(after(1min - 1ms), IsEmpty());
+  EXPECT_THAT(after(4min + 30s), IsEmpty());
+  ASSERT_EQ(supervisor.nextDeadline(), uptime + 30s) << "the reload";
+  EXPECT_THAT(after(30s - 1ms), IsEmpty());
   EXPECT_THAT(after(1ms), ElementsAre("timeline A", "timeline B"));
 }
 
@@ -735,12 +735,13 @@ TEST_F(SupervisorTest, ShowsWhatAnEarlierRunLeftUntilFreshEntriesCome) {
 TEST_F(SupervisorTest, AWidgetThatTheExtensionNoLongerOffersIsKeptInMind) {
   bringUp();
   SavedHome saved = supervisor.saved();
-  saved.placed.emplace_back("Former");
+  saved.placed.insert(saved.placed.begin(), "Former");
   supervisor = Supervisor();
   supervisor.restore(std::move(saved));
   bringUp();
   EXPECT_EQ(supervisor.widgets().size(), 2U);
-  EXPECT_EQ(supervisor.nextDeadline(), uptime + 1min);
+  EXPECT_THAT(after(4min + 30s), IsEmpty());
+  EXPECT_EQ(supervisor.nextDeadline(), uptime + 30s) << "the reload of A";
   EXPECT_TRUE(supervisor.isPlaced("Former"));
 }
 

@@ -151,6 +151,15 @@ TEST_F(WidgetHostTest, StartsAnExtensionThatWasKilledAndRelaysWhatItPrints) {
   EXPECT_THAT(relayed_.back(), testing::StartsWith("I am "));
 }
 
+// What an extension is not shown at its start it never sees.
+TEST_F(WidgetHostTest, AnExtensionIsStartedAgainWhereAPlaceToReadFromCameLater) {
+  const fixtures::ScopedVariable variable("SSL_CERT_FILE", folder_.path() / "certificates");
+  start();
+  runUntilLive();
+  std::ofstream(folder_.path() / "certificates") << "new";
+  runUntil("it is started again", [&] { return host_->log().runs().size() == 3; });
+}
+
 TEST_F(WidgetHostTest, AStateThatCannotBeSavedIsSavedLater) {
   start();
   runUntilLive();
