@@ -25,13 +25,15 @@ async function unpacked(archive) {
 
 test("the canvas's link has the pictures that are chosen, as render draws them", async () => {
   const page = await open("/?view=canvas&entry=rows-emoji&language=ar&currency=€");
+  await page.getByLabel("Scale").selectOption("3x");
+  await page.waitForURL(/scale=3/);
   const [file] = await Promise.all([page.waitForEvent("download"), page.locator("a[download]").click()]);
   assert.equal(file.suggestedFilename(), "quillpad-canvas.zip");
   const { folder, names } = await unpacked(await file.path());
   assert.equal(names.length, 4);
-  const name = "UnpaidMediumWidget-rows-emoji-393x852-ar-dark@2x.png";
+  const name = "UnpaidMediumWidget-rows-emoji-393x852-ar-dark@3x.png";
   const expected = join(world.folder, "render.png");
-  command("render", "UnpaidMediumWidget", "--sample", "rows-emoji", "--locale", "ar", "--currency", "€", "--appearance", "dark", "-o", expected);
+  command("render", "UnpaidMediumWidget", "--sample", "rows-emoji", "--locale", "ar", "--currency", "€", "--appearance", "dark", "--scale", "3", "-o", expected);
   assert.ok(names.includes(name), names.join());
   assert.ok(readFileSync(join(folder, name)).equals(readFileSync(expected)));
 });

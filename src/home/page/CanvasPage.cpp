@@ -143,7 +143,8 @@ CanvasQuery CanvasQuery::parse(const WebRequest& request) {
       .screen = std::string(request.parameter("screen")),
       .language = std::string(request.parameter("language")),
       .appearance = std::string(request.parameter("appearance")),
-      .currency = std::string(request.parameter("currency"))};
+      .currency = std::string(request.parameter("currency")),
+      .scale = scaleFrom(request.parameter("scale"))};
   if (query.screen != everything && std::ranges::find(screens(), query.screen) == screens().end()) {
     query.screen.clear();
   }
@@ -164,6 +165,7 @@ std::string CanvasQuery::toUrl(std::string_view path) const {
         {"currency", currency}}) {
     addParameter(url, name, value);
   }
+  addParameter(url, "scale", scale == CanvasQuery().scale ? "" : std::to_string(scale));
   return url;
 }
 
@@ -181,6 +183,7 @@ std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::W
                     .language = language,
                     .currency = query.currency,
                     .appearances = appearance,
+                    .scale = query.scale,
                     .state = entry.state,
                     .start = entry.start},
                .size = widgetSize(widget.family, screen)});
@@ -270,6 +273,7 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
        {"languages", languageSelect(model, language).markup()},
        {"appearances", appearance.markup()},
        {"currency", escaped(query.currency)},
+       {"scales", scaleOptions(query.scale)},
        {"archive", escaped(query.toUrl("/canvas.zip"))},
        {"count",
         count == 1 ? escaped(language.text("1 picture"))

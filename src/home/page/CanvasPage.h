@@ -26,6 +26,7 @@ struct CanvasQuery {
   std::string language{};
   std::string appearance{};  // "light" or "dark"; empty: both
   std::string currency{};
+  int scale = 2;  // of the archive's pictures
 
   static CanvasQuery parse(const WebRequest& request);
 

@@ -176,9 +176,6 @@ Markup engineerPage(const EngineerModel& model, const PageFrame& frame) {
       .add("dark", language.text("Dark"));
   Select format(query.format == Format::png ? "png" : "svg");
   format.add("svg", "SVG").add("png", "PNG");
-  const std::string chosenScale = std::to_string(query.scale);
-  Select scale(chosenScale);
-  scale.add("2", "2x").add("1", "1x").add("3", "3x");
   const Markup body = filled(
       page::engineerHtml,
       {{"home", escaped(addressOf("", frame))},
@@ -191,7 +188,7 @@ Markup engineerPage(const EngineerModel& model, const PageFrame& frame) {
        {"currency", escaped(query.currency)},
        {"appearances", appearance.markup()},
        {"formats", format.markup()},
-       {"scales", scale.markup()},
+       {"scales", scaleOptions(query.scale)},
        {"states", stateSelect(query.state, language).markup()},
        {"boxesChecked", escaped(query.boxes ? " checked" : "")},
        {"sample", escaped(model.sampleEntry)},

@@ -68,6 +68,8 @@ void addParameter(std::string& address, std::string_view name, std::string_view 
   }
 }
 
+int scaleFrom(std::string_view name) { return valueOf(scaleNames, name); }
+
 PreviewQuery PreviewQuery::parse(const WebRequest& request) {
   const std::string_view screen = request.parameter("screen");
   return {
@@ -77,7 +79,7 @@ PreviewQuery PreviewQuery::parse(const WebRequest& request) {
       .currency = std::string(request.parameter("currency")),
       .appearances = valueOf(appearanceNames, request.parameter("appearance")),
       .format = valueOf(formatNames, request.parameter("format")),
-      .scale = valueOf(scaleNames, request.parameter("scale")),
+      .scale = scaleFrom(request.parameter("scale")),
       .boxes = request.parameter("boxes") == "1",
       .state = valueOf(stateNames, request.parameter("state")),
       .start = std::string(request.parameter("start")),

@@ -20,6 +20,9 @@ enum class PreviewState { timeline, placeholder, snapshot, entry };
 inline constexpr std::string_view startFromLive = "live";
 inline constexpr std::string_view startFromSample = "sample/";  // and its name
 
+// Device pixels per point, as an address names them: 1, 2 or 3; 2 for anything else.
+int scaleFrom(std::string_view name);
+
 struct PreviewQuery {
   enum class Appearances { both, light, dark };
   enum class Format { svg, png };

@@ -1,6 +1,7 @@
 // A field of a form with options to choose from: the chosen one is selected.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "home/page/Markup.h"
@@ -27,5 +28,11 @@ class Select {
   std::string_view chosen_;
   Markup markup_;
 };
+
+// The scales that a picture can have.
+inline Markup scaleOptions(int chosen) {
+  const std::string name = std::to_string(chosen);
+  return Select(name).add("2", "2x").add("1", "1x").add("3", "3x").markup();
+}
 
 }  // namespace quillpad::home
