@@ -78,7 +78,10 @@ TEST_F(InspectorTest, TellsWhoOfferedAndWhatTheNeighboursTake) {
           Pair("Offered", "100 × 40 by the card"),
           Pair("Takes", "100 × 15"),
           Pair("Stands at", "0, 12.5"),
-          Pair("Children and (gaps)", "hstack: 30 + (8) + 26.5 + 35.5")));
+          Pair("Children and (gaps)", "hstack: 30 + (8) + 26.5 + 35.5"),
+          Pair(
+              "Order of offers",
+              "frame width 30 height 10 → padding top 3 leading 5 bottom 0 trailing 0 → spacer")));
   EXPECT_THAT(
       facts[3].rows,
       ElementsAre(
@@ -87,6 +90,7 @@ TEST_F(InspectorTest, TellsWhoOfferedAndWhatTheNeighboursTake) {
           Pair("Stands at", "38, 12.5"),
           Pair("Gap before it", "8 from frame width 30 height 10"),
           Pair("In its stack", "hstack: 30 + (8) + 26.5 + 35.5"),
+          Pair("Its turn", "2 of 3"),
           Pair("Insets", "↑ 3 ← 5")));
   EXPECT_THAT(facts[4].rows.back(), Pair("Baselines", "25"));
   EXPECT_THAT(facts[4].rows[facts[4].rows.size() - 2], Pair("Font", "10 medium"));

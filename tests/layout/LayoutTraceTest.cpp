@@ -140,6 +140,19 @@ TEST(LayoutTrace, SaysWhatEachNodeWasOfferedAndTook) {
   }
 }
 
+TEST(LayoutTrace, TellsTheOrderInWhichAStackOffersRoom) {
+  SquareMetrics metrics;
+  const View view =
+      HStack(Rectangle(blackColor), Spacer(), text("abc").padding(1), text("ab"), Image("Graph"));
+  std::vector<int> turns;
+  for (const TracedNode& node :
+       traceLayout(view, {90, 60}, LayoutDirection::leftToRight, metrics).nodes) {
+    turns.push_back(node.turn);
+  }
+  // stack, rectangle, spacer, padding, text, text, image
+  EXPECT_EQ(turns, (std::vector{0, 4, 5, 3, 0, 2, 1}));
+}
+
 TEST(LayoutTrace, LaysOutAsWithoutATrace) {
   const View view = VStack(
                         HStack(text("abcdefgh").background(blackColor), Spacer(), text("ij")),

@@ -58,6 +58,8 @@ test("the card, the tree and the display list light up together, and a click kee
     await page.locator("[name=appearance]").selectOption("dark");
     await until("it is drawn anew", () => page.url().includes("appearance=dark"));
     assert.deepEqual(await lit(tree(page)), [row], "kept while the same card is drawn anew");
+    await page.reload();
+    assert.deepEqual(await lit(tree(page)), [row], "kept by the address");
     await node(page, name).click();
     await page.mouse.move(0, 0);
     assert.deepEqual([await outline(page), await lit(tree(page))], [null, []], "let go");
@@ -79,7 +81,7 @@ test("a name that is too long is warned of, with what it would take", async () =
   assert.match(await page.evaluate(() => document.activeElement.textContent), /Honourable.*⚠/);
   await page.mouse.move(0, 0);
   assert.match(await page.locator(".facts").innerText(), /All of it\s+545.5 × 18/);
-  assert.match(await page.locator(".facts").innerText(), /hstack: 230.5 \+ 15 \+ 60.5/);
+  assert.match(await page.locator(".facts").innerText(), /hstack: 230.5 \+ 15 \+ 60.5\s+Its turn\s+\d of 3/);
   assert.ok(await page.getByRole("button", { name: /vstack leaves the card \(↑ 11.5 ↓ 11.5\)/ }).isVisible());
 
   await page.goto(world.address + sample("rows-none"));

@@ -10,17 +10,19 @@
 namespace quillpad::home {
 namespace {
 
-// A line for each node: what it is, what it was offered, what it takes, where it stands; then what
-// is probably not meant.
+// A line for each node: what it is, as which of its stack's children it was offered what, what it
+// takes, where it stands; then what is probably not meant.
 std::string framesText(const drawing::Inspection& inspection) {
   const drawing::LayoutTrace& trace = inspection.trace;
   const auto depths = depthsOf(trace);
   TextTable table;
-  table.addRow({{"node"}, {"offered"}, {"takes"}, {"stands at"}});
+  table.addRow({{"node"}, {"turn"}, {"offered"}, {"takes"}, {"stands at"}});
   for (std::size_t i = 0; i < trace.nodes.size(); ++i) {
     const auto& [x, y, width, height] = trace.nodes[i].frame;
+    const int turn = trace.nodes[i].turn;
     table.addRow(
         {{std::string(2 * depths[i], ' ') + nodeLabel(trace.nodes[i])},
+         {turn == 0 ? "" : std::to_string(turn)},
          {sizeText(trace.nodes[i].proposed)},
          {sizeText({width, height})},
          {lengthText(x) + ", " + lengthText(y)}});

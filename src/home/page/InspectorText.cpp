@@ -173,7 +173,9 @@ class FactFinder {
       facts.rows.emplace_back(language_.text("Gap before it"), std::move(gap));
     }
     add(language_.text("Children and (gaps)"), sharesText(static_cast<int>(node)));
+    add(language_.text("Order of offers"), orderText(node));
     add(language_.text("In its stack"), sharesText(stackAround(node)));
+    add(language_.text("Its turn"), turnText(node));
     if (at.modifier != nullptr && std::holds_alternative<ui::Padding>(*at.modifier)) {
       add(language_.text("Insets"), insetsText(at.frame, trace_.nodes[node + 1].frame));
     }
@@ -230,10 +232,9 @@ class FactFinder {
       return "";
     }
     const ui::Axis axis = stack->axis;
-    constexpr std::size_t most = 20;
     std::string text = nodeLabel(trace_.nodes[at]) + ": ";
     const drawing::Rect* previous = nullptr;
-    for (const std::size_t child : children_[at] | std::views::take(most)) {
+    for (const std::size_t child : children_[at] | std::views::take(maxListed)) {
       const drawing::Rect& frame = trace_.nodes[child].frame;
       if (previous != nullptr) {
         const std::string gap = lengthText(gapBetween(*previous, frame, axis));
@@ -242,7 +243,36 @@ class FactFinder {
       text += lengthText(axis == ui::Axis::vertical ? frame.height : frame.width);
       previous = &frame;
     }
-    return children_[at].size() > most ? text + " + …" : text;
+    return children_[at].size() > maxListed ? text + " + …" : text;
+  }
+
+  // The children of a stack as they are offered room: "text "a" → spacer"; of others nothing.
+  std::string orderText(std::size_t node) const {
+    if (stackOf(trace_.nodes[node]) == nullptr || children_[node].size() < 2) {
+      return "";
+    }
+    const auto turnOf = [this](std::size_t child) { return trace_.nodes[child].turn; };
+    std::vector<std::size_t> order = children_[node];
+    std::ranges::sort(order, {}, turnOf);
+    std::string text;
+    for (const std::size_t child : order | std::views::take(maxListed)) {
+      text += (text.empty() ? "" : " → ") + nodeLabel(trace_.nodes[child]);
+    }
+    return order.size() > maxListed ? text + " → …" : text;
+  }
+
+  // When the child of a stack that the node belongs to is offered room, unless it is the only one.
+  std::string turnText(std::size_t node) const {
+    const int stack = stackAround(node);
+    const std::size_t count = stack < 0 ? 0 : children_[static_cast<std::size_t>(stack)].size();
+    if (count < 2) {
+      return "";
+    }
+    const TracedNode* child = &trace_.nodes[node];
+    while (child->parent != stack) {
+      child = &trace_.nodes[static_cast<std::size_t>(child->parent)];
+    }
+    return language_.text("{1} of {2}", {std::to_string(child->turn), std::to_string(count)});
   }
 
   static std::string insetsText(const drawing::Rect& outer, const drawing::Rect& inner) {
@@ -260,6 +290,8 @@ class FactFinder {
     }
     return text;
   }
+
+  static constexpr std::size_t maxListed = 20;
 
   const LayoutTrace& trace_;
   const Language& language_;

@@ -66,6 +66,9 @@ class LayoutNode {
   // Places it in a frame of the size that it took of `proposed`.
   virtual void place(Size proposed, const Rect& frame, Placement& placement) = 0;
 
+  // Told before it is placed: when its stack offered it room, 1 for the first child that it did.
+  virtual void takeTurn(int /*turn*/) {}
+
   Spacing& spacing() { return spacing_; }
   bool isSpacer() const { return isSpacer_; }  // a spacer, whatever its modifiers
 

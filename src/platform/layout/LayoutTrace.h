@@ -15,6 +15,7 @@ struct TracedNode {
   const ui::View* view = nullptr;
   const ui::Modifier* modifier = nullptr;  // null: the view's content
   int parent = -1;                         // the node around it; the outermost has none
+  int turn = 0;  // when its stack offered it room: 1 for the first child that it did; 0: in none
   Size proposed{};
   Rect frame{};                 // of the size that it took
   std::optional<Size> whole{};  // of a text that is cut off: what it takes of wholeTextOffer

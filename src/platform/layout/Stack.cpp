@@ -29,6 +29,7 @@ class StackNode final : public LayoutNode {
 
   void place(Size proposed, const Rect& frame, Placement& placement) override {
     measure(proposed);
+    tellTurns();
     double position = 0;
     for (const Child& child : children_) {
       position += child.gapBefore;
@@ -78,6 +79,16 @@ class StackNode final : public LayoutNode {
       breadth = std::max(breadth, across(axis_, child.size));
     }
     return sizeAlong(axis_, length, breadth);
+  }
+
+  // After measure(), which has put them into the order in which they were offered room.
+  void tellTurns() {
+    int turn = 0;
+    for (const auto* sharers : {&others_, &spacers_}) {
+      for (const Flexible& one : *sharers) {
+        children_[one.child].node->takeTurn(++turn);
+      }
+    }
   }
 
   double shareAmong(std::vector<Flexible>& sharers, double room, double proposedAcross) {

@@ -15,6 +15,8 @@ class Tracer::Watch final : public LayoutNode {
         trace_(trace),
         node_(node) {}
 
+  void takeTurn(int turn) override { trace_.nodes[node_].turn = turn; }
+
   void place(Size proposed, const Rect& frame, Placement& placement) override {
     trace_.nodes[node_].proposed = proposed;
     trace_.nodes[node_].frame = placement.mirroredIfNeeded(frame);

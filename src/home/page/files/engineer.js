@@ -57,6 +57,7 @@ async function renderOnce() {
   markLine(Number(fresh.dataset.wrongLine));
   document.title = page.content.querySelector("title").textContent;
   history.replaceState(null, "", address);
+  inspector.keepInAddress();
 }
 
 for (const option of form.elements.language.options) {

@@ -1,4 +1,5 @@
 // What is pointed at in the card, in the view tree or in the display list lights up in all three, and its facts are shown.
+// What is kept stands in the address.
 const inspector = (() => {
   let nodes = [];
   let pinned = -1;
@@ -76,6 +77,14 @@ const inspector = (() => {
     pinned = index;
     for (const row of rows()) row.setAttribute("aria-selected", String(index >= 0 && nodeOf(row) === index));
     light(index);
+    keepInAddress();
+  }
+
+  function keepInAddress() {
+    const address = new URL(location);
+    if (pinned < 0) address.searchParams.delete("node");
+    else address.searchParams.set("node", pinned);
+    if (address.href !== location.href) history.replaceState(null, "", address);
   }
 
   const toggle = (index) => pin(index === pinned ? -1 : index);
@@ -175,6 +184,8 @@ const inspector = (() => {
     if (row) focus([...document.querySelectorAll(`.inspector [role=${role}]`)][at]);
   }
 
+  const linked = new URLSearchParams(location.search).get("node");
   renew();
-  return { renew };
+  if (nodes[linked]) pin(Number(linked));
+  return { renew, keepInAddress };
 })();
