@@ -540,22 +540,24 @@ TEST_F(URLSessionTest, ASlowCompletionHoldsNoTransferUp) {
       exchange.hold();
       exchange.respond(302, "", {{"Location", "/after"}});
     } else {
-      exchange.respond(200, "");
+      exchange.respond(200, "", {{"Connection", "close"}});
     }
   });
+  fetch(server.address("/"));
   Results results;
   start(requestFor(server.address("/held")), results.completion());
-  EXPECT_TRUE(server.waitForRequests(1));
+  EXPECT_TRUE(server.waitForRequests(2));
   bool wentOn = false;
   start(
       requestFor(server.address("/")),
       [&, done = results.completion()](auto data, auto response, auto error) mutable {
         server.release();
-        wentOn = server.waitForRequests(3);
+        wentOn = server.waitForRequests(4);
         done(std::move(data), response, std::move(error));
       });
   results.wait(2);
   EXPECT_TRUE(wentOn);
+  EXPECT_EQ(server.resumedHandshakes(), server.handshakes() - 1) << "TLS sessions are shared";
 }
 
 // Tells where its last owner let go of it.
@@ -573,6 +575,12 @@ TEST_F(URLSessionTest, CompletionsAreDestroyedWhereTheyAreCalled) {
     });
     EXPECT_EQ(ended.get_future().get(), called);
   }
+
+  Results results;
+  std::shared_ptr<void> last(
+      &results, [&](void*) { start(requestFor("http://localhost/"), results.completion()); });
+  start(requestFor("http://localhost/"), [last = std::move(last)](auto&&...) {});
+  EXPECT_EQ(results.wait(1).size(), 1U) << "its end may start a task";
 
   std::promise<std::thread::id> dropped;
   {
