@@ -27,6 +27,14 @@ for (const view of ["canvas", "process"]) {
   });
 }
 
+test("a form says what its address asks for, also where there is nothing of the kind", async () => {
+  for (const [view, names] of [["canvas", ["kind", "entry", "language"]], ["engineer", ["start"]]]) {
+    const page = await open(`/?view=${view}&${names.map((name) => `${name}=<b>`).join("&")}`);
+    for (const name of names) assert.equal(await page.locator(`[name=${name}]`).inputValue(), "<b>");
+    if (view === "canvas") assert.equal(await page.locator(".count").textContent(), "0 pictures");
+  }
+});
+
 test("times, bytes and counts are written as people of the language do, and stay so", async () => {
   const page = await open();
   for (const [language, transfer] of [["de", /Status 200, \d+ ms, 68 Byte gesendet/], ["ar", /الحالة 200، [\d٠-٩]+ .*أُرسل/]]) {

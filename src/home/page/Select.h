@@ -1,4 +1,5 @@
-// A field of a form with options to choose from: the chosen one is selected.
+// A field of a form with options to choose from: the chosen one is selected. One that is not among
+// them stands behind them as it is, so that the form says what was asked for.
 #pragma once
 
 #include <string>
@@ -19,14 +20,18 @@ class Select {
         {{"value", escaped(value)},
          {"selected", escaped(value == chosen_ ? " selected" : "")},
          {"label", escaped(label)}});
+    isOffered_ = isOffered_ || value == chosen_;
     return *this;
   }
 
-  const Markup& markup() const { return markup_; }
+  Markup markup() const {
+    return isOffered_ || chosen_.empty() ? markup_ : Select(*this).add(chosen_, chosen_).markup_;
+  }
 
  private:
   std::string_view chosen_;
   Markup markup_;
+  bool isOffered_ = false;
 };
 
 // The scales that a picture can have.

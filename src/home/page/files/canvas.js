@@ -11,8 +11,16 @@ addEventListener("pageshow", () => {
 
 sayFigures();
 
+function nameOf(tag) {
+  try {
+    return new Intl.DisplayNames(tag, { type: "language" }).of(tag);
+  } catch {
+    return tag; // whatever stands in the address
+  }
+}
+
 for (const option of form.elements.language.options) {
-  if (option.value) option.label = new Intl.DisplayNames(option.value, { type: "language" }).of(option.value);
+  if (option.value) option.label = nameOf(option.value);
 }
 
 // A picture that cannot be had is marked; its cell leads to the reason.
