@@ -1,7 +1,7 @@
 // The network, for the home screen, which does not link it.
 #pragma once
 
-#include "home/page/Switchboard.h"
+#include "home/page/AskOverHttps.h"
 
 namespace quillpad::application {
 

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "home/page/CardBatch.h"
-#include "home/page/CardRenderer.h"
+#include "home/cards/CardBatch.h"
+#include "home/cards/CardRenderer.h"
 
 namespace quillpad::home {
 namespace {

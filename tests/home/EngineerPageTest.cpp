@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
+#include "home/cards/WidgetSizes.h"
 #include "home/page/EngineerPage.h"
 #include "home/page/PreviewQuery.h"
-#include "home/page/WidgetSizes.h"
 
 namespace quillpad::home {
 namespace {

@@ -8,8 +8,8 @@
 #include <unistd.h>
 
 #include "home/ScriptedExtension.h"
+#include "home/commands/ExtensionClient.h"
 #include "home/extension/Confinement.h"
-#include "home/extension/ExtensionClient.h"
 
 namespace quillpad::home {
 namespace {

@@ -3,8 +3,8 @@
 #include <limits>
 #include <string>
 
+#include "home/cards/InspectorText.h"
 #include "home/page/Inspector.h"
-#include "home/page/InspectorText.h"
 #include "platform/paint/Card.h"
 #include "platform/text/FontBook.h"
 #include "platform/text/TextEngine.h"

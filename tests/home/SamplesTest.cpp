@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "fixtures/TemporaryHome.h"
-#include "home/page/Samples.h"
+#include "home/cards/Samples.h"
 
 namespace quillpad::home {
 namespace {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "home/page/WidgetSizes.h"
+#include "home/cards/WidgetSizes.h"
 #include "platform/foundation/NumberText.h"
 
 namespace quillpad::home {

@@ -4,10 +4,10 @@
 #include <expected>
 #include <string>
 
+#include "home/commands/ExtensionClient.h"
+#include "home/commands/Failure.h"
 #include "home/commands/Options.h"
 #include "home/commands/ViewChoice.h"
-#include "home/extension/ExtensionClient.h"
-#include "home/extension/Failure.h"
 #include "platform/paint/Card.h"
 
 namespace quillpad::home {

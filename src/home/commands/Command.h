@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "home/commands/Failure.h"
 #include "home/commands/Options.h"
 #include "home/extension/Account.h"
-#include "home/extension/Failure.h"
-#include "home/page/Switchboard.h"
+#include "home/page/AskOverHttps.h"
 
 namespace quillpad::home {
 

@@ -6,7 +6,7 @@
 
 #include "home/commands/Command.h"
 #include "home/extension/Account.h"
-#include "home/page/Switchboard.h"
+#include "home/page/AskOverHttps.h"
 
 namespace quillpad::home {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "home/extension/Failure.h"
+#include "home/commands/Failure.h"
 
 namespace quillpad::home {
 

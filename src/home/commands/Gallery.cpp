@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "home/cards/CardBatch.h"
+#include "home/cards/PictureName.h"
 #include "home/commands/Commands.h"
 #include "home/commands/Files.h"
 #include "home/commands/GalleryArchive.h"
@@ -16,9 +18,7 @@
 #include "home/commands/GalleryPlan.h"
 #include "home/commands/Progress.h"
 #include "home/commands/ViewChoice.h"
-#include "home/page/CardBatch.h"
 #include "home/page/GalleryPage.h"
-#include "home/page/PictureName.h"
 
 namespace quillpad::home {
 namespace {

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "home/cards/PictureName.h"
 #include "home/commands/Progress.h"
-#include "home/page/PictureName.h"
 #include "platform/foundation/WholeFile.h"
 #include "platform/foundation/ZipWriter.h"
 

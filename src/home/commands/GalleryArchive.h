@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
+#include "home/commands/Failure.h"
 #include "home/commands/GalleryPlan.h"
-#include "home/extension/Failure.h"
 
 namespace quillpad::home {
 

@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
+#include "home/commands/Failure.h"
 #include "home/commands/GalleryPlan.h"
 #include "home/commands/PictureDifference.h"
-#include "home/extension/Failure.h"
 
 namespace quillpad::home {
 

@@ -4,9 +4,9 @@
 #include <array>
 #include <utility>
 
+#include "home/cards/Samples.h"
+#include "home/cards/WidgetSizes.h"
 #include "home/commands/ViewChoice.h"
-#include "home/page/Samples.h"
-#include "home/page/WidgetSizes.h"
 #include "platform/foundation/Decoder.h"
 #include "platform/foundation/Locale.h"
 #include "platform/foundation/Named.h"

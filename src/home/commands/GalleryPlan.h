@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
-#include "home/extension/ExtensionBatch.h"
-#include "home/extension/Failure.h"
-#include "home/page/CardBatch.h"
+#include "home/cards/CardBatch.h"
+#include "home/commands/ExtensionBatch.h"
+#include "home/commands/Failure.h"
 #include "home/page/GalleryPage.h"
 #include "platform/foundation/Value.h"
 #include "platform/ui/View.h"

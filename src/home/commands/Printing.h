@@ -4,9 +4,9 @@
 #include <expected>
 
 #include "home/commands/EntryText.h"
+#include "home/commands/ExtensionClient.h"
+#include "home/commands/Failure.h"
 #include "home/commands/Files.h"
-#include "home/extension/ExtensionClient.h"
-#include "home/extension/Failure.h"
 #include "platform/foundation/Json.h"
 
 namespace quillpad::home {

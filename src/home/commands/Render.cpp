@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <unistd.h>
 
+#include "home/cards/CardRenderer.h"
 #include "home/commands/CardChoice.h"
 #include "home/commands/Commands.h"
 #include "home/commands/Files.h"
 #include "home/commands/ViewChoice.h"
-#include "home/page/CardRenderer.h"
 
 namespace quillpad::home {
 namespace {

@@ -1,10 +1,10 @@
+#include "home/cards/CardRenderer.h"
+#include "home/cards/InspectorText.h"
 #include "home/commands/CardChoice.h"
 #include "home/commands/Commands.h"
 #include "home/commands/Printing.h"
 #include "home/commands/TextTable.h"
 #include "home/commands/ViewChoice.h"
-#include "home/page/CardRenderer.h"
-#include "home/page/InspectorText.h"
 #include "platform/ui/ViewCodec.h"
 
 namespace quillpad::home {

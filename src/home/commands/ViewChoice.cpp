@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "home/cards/Samples.h"
 #include "home/commands/Files.h"
-#include "home/page/Samples.h"
 #include "platform/foundation/Locale.h"
 
 namespace quillpad::home {

@@ -7,9 +7,9 @@
 #include <span>
 #include <string>
 
+#include "home/commands/ExtensionClient.h"
+#include "home/commands/Failure.h"
 #include "home/commands/Options.h"
-#include "home/extension/ExtensionClient.h"
-#include "home/extension/Failure.h"
 #include "platform/paint/Card.h"
 #include "platform/ui/Environment.h"
 #include "platform/ui/View.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "home/extension/ExtensionSession.h"
+#include "home/extension/Problem.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/TransferReport.h"
 #include "platform/foundation/Value.h"
@@ -29,25 +29,6 @@ struct Picture {
   int statusCode = 0;     // of the response behind the entry; 0 where there is none
   bool restored = false;  // from an earlier run of the home screen
 };
-
-// Why a widget did not get a newer picture when it was last asked for.
-struct Problem {
-  enum class Cause {
-    dropped,        // the extension let the request go unanswered
-    refused,        // it could not take the request
-    late,           // no answer came in time
-    ended,          // it ended
-    protocolError,  // it said what is not to be understood, and was ended
-    overMemory,     // it was ended for using too much memory
-    notStarted,     // it could not be started
-  };
-
-  Cause cause = Cause::ended;
-  std::string detail;  // the circumstances, or the extension's reason; may be empty
-  std::string output;  // the extension's last words; may be empty
-  Date since;
-};
-Problem problemOf(const SessionEnd& end, Date now);
 
 // A placed widget as the page shows it. The pointers are good until the supervisor's next event.
 struct WidgetState {

@@ -20,19 +20,6 @@ std::string inWords(
 
 }  // namespace
 
-Problem problemOf(const SessionEnd& end, Date now) {
-  static constexpr std::array causes{
-      Problem::Cause::ended,
-      Problem::Cause::overMemory,
-      Problem::Cause::late,
-      Problem::Cause::protocolError};
-  return {
-      .cause = causes.at(static_cast<std::size_t>(end.cause)),
-      .detail = end.detail,
-      .output = end.lastWords,
-      .since = now};
-}
-
 std::string inPlainWords(const Problem& problem, const Language& language) {
   const std::string& detail = problem.detail;
   switch (problem.cause) {

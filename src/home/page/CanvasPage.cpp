@@ -5,10 +5,10 @@
 #include <cmath>
 #include <set>
 
+#include "home/cards/WidgetSizes.h"
 #include "home/page/Figures.h"
 #include "home/page/PageFiles.h"
 #include "home/page/Select.h"
-#include "home/page/WidgetSizes.h"
 
 namespace quillpad::home {
 namespace {

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "home/cards/WidgetSizes.h"
 #include "home/page/CanvasArchive.h"
-#include "home/page/WidgetSizes.h"
 
 namespace quillpad::home {
 namespace {

@@ -7,11 +7,11 @@
 #include <optional>
 #include <utility>
 
+#include "home/cards/Samples.h"
 #include "home/extension/PreviewSession.h"
 #include "home/extension/Supervisor.h"
 #include "home/page/CanvasPage.h"
 #include "home/page/EngineerView.h"
-#include "home/page/Samples.h"
 #include "home/server/WebMessages.h"
 
 namespace quillpad::home {

@@ -2,11 +2,11 @@
 
 #include <array>
 
+#include "home/cards/InspectorText.h"
+#include "home/cards/WidgetSizes.h"
 #include "home/page/Inspector.h"
-#include "home/page/InspectorText.h"
 #include "home/page/PageFiles.h"
 #include "home/page/Select.h"
-#include "home/page/WidgetSizes.h"
 #include "platform/foundation/Base64.h"
 
 namespace quillpad::home {

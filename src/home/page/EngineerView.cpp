@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "home/page/PictureName.h"
-#include "home/page/WidgetSizes.h"
+#include "home/cards/PictureName.h"
+#include "home/cards/WidgetSizes.h"
 #include "platform/foundation/Iso8601.h"
 #include "platform/foundation/Json.h"
 

@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "home/cards/CardRenderer.h"
+#include "home/cards/Samples.h"
 #include "home/extension/PreviewSession.h"
 #include "home/extension/Supervisor.h"
-#include "home/page/CardRenderer.h"
 #include "home/page/EngineerPage.h"
 #include "home/page/Page.h"
 #include "home/page/PreviewQuery.h"
-#include "home/page/Samples.h"
 #include "home/server/WebServer.h"
 #include "platform/paint/Card.h"
 

@@ -6,11 +6,11 @@
 #include <unistd.h>
 #include <utility>
 
+#include "home/cards/WidgetSizes.h"
 #include "home/extension/PrintedLine.h"
 #include "home/extension/StateFile.h"
 #include "home/extension/WidgetStatus.h"
 #include "home/page/ProcessPage.h"
-#include "home/page/WidgetSizes.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "home/cards/CardRenderer.h"
 #include "home/extension/Account.h"
 #include "home/extension/LineRelay.h"
 #include "home/extension/Moment.h"
@@ -23,7 +24,6 @@
 #include "home/extension/WidgetHost.h"
 #include "home/extension/WidgetState.h"
 #include "home/page/CanvasView.h"
-#include "home/page/CardRenderer.h"
 #include "home/page/EngineerView.h"
 #include "home/page/Page.h"
 #include "home/page/PageAccess.h"

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "home/page/InspectorText.h"
+#include "home/cards/InspectorText.h"
 #include "home/page/PageFiles.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Value.h"

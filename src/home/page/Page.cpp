@@ -2,9 +2,9 @@
 
 #include <chrono>
 
+#include "home/cards/WidgetSizes.h"
 #include "home/extension/Links.h"
 #include "home/page/PageFiles.h"
-#include "home/page/WidgetSizes.h"
 #include "platform/foundation/Iso8601.h"
 #include "platform/foundation/LocalTime.h"
 #include "platform/foundation/Locale.h"

@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "home/page/WidgetSizes.h"
+#include "home/cards/WidgetSizes.h"
 #include "platform/foundation/Hex.h"
 
 namespace quillpad::home {

@@ -15,27 +15,11 @@
 #include <string_view>
 
 #include "home/extension/Moment.h"
+#include "home/page/AskOverHttps.h"
 #include "home/page/Page.h"
 #include "home/server/WebMessages.h"
 
 namespace quillpad::home {
-
-struct HttpsQuestion {
-  std::string method;
-  std::string address;
-  std::string authorization;
-  std::string body{};
-};
-
-struct HttpsAnswer {
-  int status = 0;
-  std::string body;
-};
-
-// How the program asks over the network, which the home screen does not link. The second argument
-// is called once, on any thread, with the answer or one sentence that tells why there is none.
-using AskOverHttps = std::function<void(
-    HttpsQuestion, std::move_only_function<void(std::expected<HttpsAnswer, std::string>)>)>;
 
 class Switchboard {
  public:

@@ -1,4 +1,4 @@
-#include "home/page/CardRenderer.h"
+#include "home/cards/CardRenderer.h"
 
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Locale.h"

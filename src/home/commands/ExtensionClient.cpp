@@ -1,4 +1,4 @@
-#include "home/extension/ExtensionClient.h"
+#include "home/commands/ExtensionClient.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "home/page/PictureName.h"
+#include "home/cards/PictureName.h"
 
 namespace quillpad::home {
 

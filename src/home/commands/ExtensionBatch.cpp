@@ -1,4 +1,4 @@
-#include "home/extension/ExtensionBatch.h"
+#include "home/commands/ExtensionBatch.h"
 
 #include <cstddef>
 #include <ranges>

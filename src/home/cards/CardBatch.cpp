@@ -1,4 +1,4 @@
-#include "home/page/CardBatch.h"
+#include "home/cards/CardBatch.h"
 
 #include <algorithm>
 #include <atomic>
@@ -6,7 +6,7 @@
 #include <thread>
 #include <tuple>
 
-#include "home/page/CardRenderer.h"
+#include "home/cards/CardRenderer.h"
 #include "platform/foundation/Json.h"
 #include "platform/ui/ViewCodec.h"
 

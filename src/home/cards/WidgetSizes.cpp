@@ -1,4 +1,4 @@
-#include "home/page/WidgetSizes.h"
+#include "home/cards/WidgetSizes.h"
 
 #include <algorithm>
 #include <array>

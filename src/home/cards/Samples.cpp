@@ -1,4 +1,4 @@
-#include "home/page/Samples.h"
+#include "home/cards/Samples.h"
 
 #include <algorithm>
 #include <system_error>

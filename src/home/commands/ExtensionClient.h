@@ -13,8 +13,8 @@
 #include <variant>
 #include <vector>
 
+#include "home/commands/Failure.h"
 #include "home/extension/ExtensionSession.h"
-#include "home/extension/Failure.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/TransferReport.h"
 

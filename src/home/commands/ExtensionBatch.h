@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "home/extension/ExtensionClient.h"
+#include "home/commands/ExtensionClient.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/TransferReport.h"
 

@@ -1,4 +1,4 @@
-#include "home/page/InspectorText.h"
+#include "home/cards/InspectorText.h"
 
 #include <algorithm>
 #include <array>
