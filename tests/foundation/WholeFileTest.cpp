@@ -56,11 +56,17 @@ TEST_F(WholeFileTest, TheModeIsTheOldOneTheUmasksOrTheOwnersAlone) {
 }
 
 TEST_F(WholeFileTest, ALinkStaysAndADeviceIsWrittenTo) {
-  std::ofstream(file("target")) << "old";
-  std::filesystem::create_symlink("target", file("link"));
-  EXPECT_FALSE(writeWholeFile(file("link"), "new"));
-  EXPECT_TRUE(std::filesystem::is_symlink(file("link")));
-  EXPECT_EQ(readWholeFile(file("target"), plenty), "new");
+  std::filesystem::create_directory(file("folder"));
+  std::filesystem::create_symlink("../target", file("folder/link"));
+  std::filesystem::create_symlink("folder/link", file("link"));
+  for (const char* text : {"made", "replaced"}) {
+    EXPECT_FALSE(writeWholeFile(file("link"), text));
+    EXPECT_TRUE(std::filesystem::is_symlink(file("link")));
+    EXPECT_TRUE(std::filesystem::is_symlink(file("folder/link")));
+    EXPECT_EQ(readWholeFile(file("target"), plenty), text);
+  }
+  std::filesystem::create_symlink("loop", file("loop"));
+  EXPECT_EQ(writeWholeFile(file("loop"), "x"), std::errc::too_many_symbolic_link_levels);
 
   EXPECT_FALSE(writeWholeFile("/dev/null", "lost"));
   EXPECT_EQ(writeWholeFile("/dev/full", "x"), std::errc::no_space_on_device);
@@ -96,20 +102,28 @@ TEST_F(WholeFileTest, PiecesAreInPlaceAllOfThemOrNone) {
 // Files of a megabyte, killed at any point of the way.
 TEST_F(WholeFileTest, AKilledWriterLeavesTheOldOrTheNewFileAndNoOther) {
   const std::string bytes[] = {std::string(1 << 20, 'a'), std::string(1 << 20, 'b')};
+  std::string before = bytes[0];
+  int changes = 0;
+  ASSERT_FALSE(writeWholeFile(file("file"), before));
   for (int round = 0; round < 30; ++round) {
     const pid_t writer = ::fork();
     ASSERT_GE(writer, 0);
     if (writer == 0) {
-      for (int turn = 0;; ++turn) {
-        (void)writeWholeFile(file("file"), bytes[turn % 2]);
+      for (int turn = before == bytes[0] ? 1 : 0;; ++turn) {
+        if (writeWholeFile(file("file"), bytes[turn % 2], {.durability = Durability::unsynced})) {
+          ::_exit(1);
+        }
       }
     }
     ::usleep(static_cast<useconds_t>(1000 + round * 700));
     ::kill(writer, SIGKILL);
     ::waitpid(writer, nullptr, 0);
     const auto found = readWholeFile(file("file"), 2 * plenty);
-    EXPECT_TRUE(!found || *found == bytes[0] || *found == bytes[1]);
+    ASSERT_TRUE(found == bytes[0] || found == bytes[1]);
+    changes += *found == before ? 0 : 1;
+    before = *found;
   }
+  EXPECT_GT(changes, 0);
   // A name is in use only between a link and the rename that follows it at once.
   EXPECT_LE(filesInFolder(), 2);
 }

@@ -4,15 +4,13 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
-#include <cstdint>
 #include <fcntl.h>
-#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
-#include "platform/foundation/Fatal.h"
 #include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/Random.h"
 
 namespace quillpad {
 namespace {
@@ -45,11 +43,25 @@ constexpr std::string_view temporaryPrefix = ".quillpad-";
 
 // A name that tells whose it is and that no other process can have foreseen.
 std::string temporaryName() {
-  std::uint64_t number = 0;
-  if (getrandom(&number, sizeof number, 0) != sizeof number) {
-    fatal("WholeFile.cpp: the system has no random numbers");
+  return std::string(temporaryPrefix) + std::to_string(getpid()) + "-" + randomHex(8);
+}
+
+// The file that a name stands for, there or not: what the last of its links leads to.
+std::filesystem::path targetOf(std::filesystem::path file) {
+  constexpr int maxLinks = 40;  // as many as the system follows
+  for (int links = 0; links < maxLinks; ++links) {
+    std::error_code isNoLink;
+    const auto next = std::filesystem::read_symlink(file, isNoLink);
+    if (isNoLink) {
+      break;
+    }
+    file = file.parent_path() / next;
   }
-  return std::string(temporaryPrefix) + std::to_string(getpid()) + "-" + std::to_string(number);
+  return file;
+}
+
+std::filesystem::path folderOf(const std::filesystem::path& file) {
+  return file.has_parent_path() ? file.parent_path() : ".";
 }
 
 // Removes what processes that were ended while they wrote have left there: it may hold what was to
@@ -73,7 +85,7 @@ class NewFile {
  public:
   NewFile(std::filesystem::path place, mode_t mode)
       : place_(std::move(place)),
-        folder_(place_.has_parent_path() ? place_.parent_path() : "."),
+        folder_(folderOf(place_)),
         temporary_(folder_ / temporaryName()),
         descriptor_(open(folder_.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, mode)) {
     if (!descriptor_) {  // a file system without nameless files, or no such folder
@@ -202,19 +214,20 @@ std::error_code writeWholeFile(
     const std::filesystem::path& file, const Produce& produce, WriteOptions options) {
   struct stat old{};
   const bool exists = stat(file.c_str(), &old) == 0;
+  if (!exists && errno != ENOENT) {
+    return lastError();
+  }
   if (exists && !S_ISREG(old.st_mode)) {
     return writeInPlace(file, produce, options.access);
   }
-  std::error_code unresolved;
-  const std::filesystem::path target = std::filesystem::canonical(file, unresolved);
-  NewFile created(
-      unresolved ? file : target, options.access == FileAccess::ownerOnly ? 0600 : 0666);
+  const std::filesystem::path target = targetOf(file);
+  NewFile created(target, options.access == FileAccess::ownerOnly ? 0600 : 0666);
   if (exists && options.access == FileAccess::asBefore) {
     created.setMode(old.st_mode & 0777U);
   }
   const std::error_code error = created.fill(produce, options.durability);
   if (options.access == FileAccess::ownerOnly) {
-    removeLeftovers((unresolved ? file : target).parent_path());
+    removeLeftovers(folderOf(target));
   }
   return error;
 }

@@ -38,7 +38,8 @@ struct WriteOptions {
 
 // Puts the bytes in the file's place, durably unless said otherwise: who opens the file finds what
 // was there before or all of the new. On failure the old file stands. A symbolic link stays and its
-// target is replaced; a device or a pipe is written to, but a private file waits for no reader.
+// target is made or replaced; a device or a pipe is written to, but a private file waits for no
+// reader.
 //
 // The bytes are collected in a file without a name where the file system has such files, so a
 // process that is killed leaves nothing behind, but for the instant in which a file that replaces
