@@ -116,7 +116,7 @@ class DemoGateway {
   std::string origin_;
 };
 
-// A member of /proc/PID/smaps_rollup in b, or the sum of several.
+// A member of /proc/PID/smaps_rollup in KiB, or the sum of several.
 long memory(pid_t process, const std::vector<std::string>& names) {
   std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
   long sum = 0;
@@ -253,11 +253,11 @@ void measureBurst(home::ExtensionSession& extension) {
 void measureMemory(home::ExtensionSession& extension) {
   constexpr int refreshes = 10'000;
   constexpr int underWay = 5;
-  std::printf("The extension's memory:   resident    private\n");
+  std::printf("The extension's memory:     resident     private\n");
   Answers answers;
   const auto tell = [&] {
     std::printf(
-        "  after %6d refreshes  %7ld b %7ld b\n",
+        "  after %6d refreshes  %7ld KiB %7ld KiB\n",
         answers.timelines,
         memory(extension.pid(), {"Rss"}),
         memory(extension.pid(), {"Private_Clean", "Private_Dirty"}));

@@ -6,7 +6,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "application/SettingsKeys.h"
@@ -97,12 +96,10 @@ struct Show {
   Done run(const CommandContext& /*context*/) const {
     const std::filesystem::path store = UserDefaults::path(appGroup);
     const auto settings = UserDefaults::open(appGroup);
-    std::error_code ignored;
-    if (!settings && std::filesystem::exists(store, ignored)) {
+    if (!settings && settings.error() != SettingsError::absent) {
       return failure(
           ExitStatus::notPossible,
-          "the settings store " + store.string() +
-              " cannot be read as a property list; repair it or move it away, then sign in again");
+          "the settings in " + store.string() + " cannot be shown: " + describe(settings.error()));
     }
 
     const auto object = [&](const char* key) {

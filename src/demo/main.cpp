@@ -111,10 +111,7 @@ struct Identity {
 
 // One gateway at a time makes or reads what lies in the folder.
 std::expected<Identity, std::string> loadOrMakeIdentity(const std::filesystem::path& folder) {
-  std::error_code error;
-  if (std::filesystem::create_directories(folder, error)) {
-    std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
-  }
+  (void)makePrivateFolders(folder);  // what is missing then cannot be opened
   const int lock = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (lock < 0) {
     return std::unexpected(

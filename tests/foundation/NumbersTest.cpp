@@ -50,6 +50,12 @@ TEST(Number, TextOfADoubleReadsBackAsTheSameDouble) {
   }
 }
 
+TEST(NumberText, WritesBytesInTheLargestUnit) {
+  EXPECT_EQ(bytesText(8U << 20U), "8 MiB");
+  EXPECT_EQ(bytesText((1U << 20U) - 1), "1023 KiB");
+  EXPECT_EQ(bytesText(1023), "1023 bytes");
+}
+
 TEST(NumberText, ReadsOnlyWhatIsANumberAsAWhole) {
   const std::pair<std::string_view, double> cases[] = {
       {"9999.99", 9999.99},

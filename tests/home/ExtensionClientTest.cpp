@@ -77,7 +77,7 @@ TEST_F(ExtensionClientTest, StopsAnExtensionThatDoesNotAnswer) {
   const auto entry = askSnapshot("trap '' TERM; sleep 60", 200ms);
   ASSERT_FALSE(entry);
   EXPECT_EQ(entry.error().status, ExitStatus::notPossible);
-  EXPECT_THAT(entry.error().message, HasSubstr("not answered within 1 s"));
+  EXPECT_THAT(entry.error().message, HasSubstr("not answered within 1 seconds and was stopped"));
 }
 
 TEST_F(ExtensionClientTest, AnAnswerBeforeTheEndCountsAndNothingIsAskedAfterIt) {
@@ -97,7 +97,7 @@ TEST_F(ExtensionClientTest, AnExtensionMayNotUseAllMemory) {
   const auto entry = extension->ask<channel::Entry>(channel::SnapshotRequest{"A"});
   ASSERT_FALSE(entry);
   EXPECT_EQ(entry.error().status, ExitStatus::extensionEnded);
-  EXPECT_THAT(entry.error().message, HasSubstr("the limit is 30 MB"));
+  EXPECT_THAT(entry.error().message, HasSubstr("the limit is 30 MiB"));
 }
 
 TEST_F(ExtensionClientTest, SendsARequestThatIsLargerThanTheChannelTakesAtOnce) {

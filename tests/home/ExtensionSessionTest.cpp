@@ -133,7 +133,7 @@ TEST_F(ExtensionSessionTest, EndsWhatUsesMoreMemoryThanItMay) {
     ::usleep(2000);
   }
   EXPECT_EQ(end.cause, Cause::overMemory);
-  EXPECT_THAT(end.detail, testing::MatchesRegex("it used [0-9]+ MB, the limit is 1 MB"));
+  EXPECT_THAT(end.detail, testing::MatchesRegex("it used [0-9]+ MiB, the limit is 1 MiB"));
 }
 
 // A refusal without a number is that of the request under way, if it is but one.

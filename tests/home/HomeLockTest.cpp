@@ -13,7 +13,7 @@ TEST(HomeLock, IsHeldByOneHomeScreenWhoseAddressOthersAreTold) {
   ASSERT_TRUE(*first);
   EXPECT_THAT(HomeLock::take().error(), testing::HasSubstr("has not told yet"));
   (**first).tell("http://127.0.0.1:8480/the/longer/one/before");
-  (**first).tell("http://127.0.0.1:8480/");
+  (**first).tell("http://127.0.0.1:8480/?key=0a");
   EXPECT_THAT(HomeLock::take().error(), testing::HasSubstr(", at http://127.0.0.1:8480/;"));
   first.reset();
   EXPECT_TRUE(HomeLock::take());

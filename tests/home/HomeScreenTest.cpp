@@ -158,12 +158,16 @@ TEST_F(HomeScreenTest, ChangesAreThoseSinceTheVersionOfThisRun) {
   }
 }
 
-TEST_F(HomeScreenTest, ADroppedRequestIsToldInTheExtensionsWordsAndTheHint) {
+TEST_F(HomeScreenTest, ADroppedRequestIsToldInTheExtensionsWordsAndTheHintWhereNobodyIsSignedIn) {
   const fixtures::ScopedVariable stopped("CLOCK_STOPPED", "yes");
-  screen_ = HomeScreen::start(CLOCK_EXTENSION, 0, {.hint = "Wind it."}).value();
-  const std::string page = askUntil("GET /", "Wind it.");
-  EXPECT_THAT(
-      page, AllOf(HasSubstr("the clock has stopped Wind it."), HasSubstr("=\"placeholder\"")));
+  for (const char* mark : {"", "somebody"}) {
+    screen_ =
+        HomeScreen::start(CLOCK_EXTENSION, 0, {.mark = [mark] { return mark; }, .hint = "Wind it."})
+            .value();
+    const std::string page = askUntil("GET /", "the clock has stopped");
+    EXPECT_THAT(page, HasSubstr("=\"placeholder\""));
+    EXPECT_EQ(page.contains("the clock has stopped Wind it."), *mark == '\0');
+  }
 }
 
 TEST_F(HomeScreenTest, ChangesNeedThePagesTokenAndSomethingToChange) {

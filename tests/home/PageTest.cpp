@@ -132,7 +132,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   const Problem droppedSilently{Cause::dropped, "", "", noon};
   const Problem ended{Cause::ended, "signal 6, Aborted", "SalesData line 58: no JSON", noon};
   const Problem late{Cause::late, "90 s", "", noon};
-  const Problem tooLarge{Cause::overMemory, "it used 41 MB, the limit is 30 MB", "", noon};
+  const Problem tooLarge{Cause::overMemory, "it used 41 MiB, the limit is 30 MiB", "", noon};
   using Words = std::vector<const char*>;
   const std::tuple<const Picture*, const Problem*, const char*, Words> cases[] = {
       {&live, nullptr, "live", {}},
@@ -142,10 +142,10 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
       {&fallback, &late, "fallback", {"Could not connect", "90 s"}},
       {&live, &ended, "stale", {"signal 6, Aborted", "SalesData line 58: no JSON"}},
       {&live, &droppedSilently, "stale", {"gave no reason"}},
-      {&live, &tooLarge, "stale", {"used 41 MB, the limit is 30 MB"}},
+      {&live, &tooLarge, "stale", {"used 41 MiB, the limit is 30 MiB"}},
       {&restored, nullptr, "stale", {"before the home screen was started"}},
       {nullptr, nullptr, "empty", {"not sent a picture"}},
-      {nullptr, &ended, "empty", {"signal 6"}},
+      {nullptr, &ended, "empty", {"signal 6", "no JSON”. Wind it."}},
   };
   for (const auto& [picture, problem, level, words] : cases) {
     const WidgetStatus status = statusOf(

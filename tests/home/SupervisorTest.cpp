@@ -515,7 +515,8 @@ TEST_F(SupervisorTest, AnExtensionThatListsNothingOrTooMuchIsStartedAgain) {
   EXPECT_THAT(done(), ElementsAre("end", "start", "catalogue"));
   answer("catalogue", channel::Refused{channel::internalError, "not now"});
   EXPECT_THAT(done(), ElementsAre("end"));
-  EXPECT_EQ(supervisor.lastEnd()->cause, Cause::protocolError);
+  EXPECT_EQ(supervisor.lastEnd()->cause, Cause::refused);
+  EXPECT_EQ(supervisor.lastEnd()->detail, "not now");
   passThePause();
   done();
   answer("catalogue", channel::Catalogue{std::vector<channel::CatalogueItem>(1001)});

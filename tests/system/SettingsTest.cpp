@@ -125,7 +125,10 @@ TEST_F(SettingsTest, LeaveAStoreThatCannotBeReadAsItIs) {
        {std::vector<std::string>{"settings", "show"}, {"settings", "sign-out"}}) {
     const Outcome run = this->run(arguments);
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.err, HasSubstr(path.string()));
+    EXPECT_THAT(
+        run.err,
+        testing::AllOf(
+            HasSubstr(path.string()), HasSubstr("not a property list"), HasSubstr("move it away")));
   }
   EXPECT_EQ(contentsOf(path), "<plist><dict><key>token");
 }

@@ -100,6 +100,7 @@ TEST_F(TimelinesTest, AnswersOfAnotherShapeEndTheExtension) {
         AllOf(
             HasSubstr("quillpad-home: the extension ended (signal 6, Aborted): "),
             HasSubstr(lastWords),
+            Not(HasSubstr("Nobody is signed in")),
             Not(HasSubstr(token))));
   }
 }
@@ -117,7 +118,7 @@ TEST_F(TimelinesTest, AnEmptyIdentifierOrTokenDropsTheRequest) {
         AllOf(
             testing::StartsWith("没有获取到businessID\n"),
             HasSubstr(
-                "no timeline: The business identifier is empty. Nobody is signed in: sign in with"),
+                "no answer: The business identifier is empty. Nobody is signed in: sign in with"),
             HasSubstr("settings sign-in")));
   }
   EXPECT_TRUE(gateway.requests().empty());
@@ -126,7 +127,9 @@ TEST_F(TimelinesTest, AnEmptyIdentifierOrTokenDropsTheRequest) {
 TEST_F(TimelinesTest, AStoreThatWasNeverSignedInToEndsTheExtension) {
   const Outcome run = this->run({"timeline", "SalesSmallWidget"});
   EXPECT_EQ(run.status, 4);
-  EXPECT_THAT(run.err, HasSubstr("businessId"));
+  EXPECT_THAT(
+      run.err,
+      AllOf(HasSubstr("businessId"), HasSubstr(" is absent. Nobody is signed in: sign in with")));
 }
 
 TEST_F(TimelinesTest, WrongUsageIsOneLineAndStatusTwo) {

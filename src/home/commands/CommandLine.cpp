@@ -243,12 +243,14 @@ int runCommandLine(const Program& program, int argc, const char* const* argv) {
   if (done) {
     return 0;
   }
-  std::string message = done.error().message;
-  if (done.error().status == ExitStatus::dropped && !program.account.hint.empty()) {
-    message += " " + program.account.hint;
+  const auto& [status, reason] = done.error();
+  std::string message = reason;
+  const bool lacksAnswer = status == ExitStatus::dropped || status == ExitStatus::extensionEnded;
+  if (lacksAnswer && program.account.mark && program.account.mark() == "") {
+    message += (message.ends_with('.') ? " " : ". ") + program.account.hint;
   }
   std::fprintf(stderr, "%s: %s\n", program.name.c_str(), printable(message).c_str());
-  return static_cast<int>(done.error().status);
+  return static_cast<int>(status);
 }
 
 }  // namespace quillpad::home

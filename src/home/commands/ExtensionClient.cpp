@@ -31,24 +31,22 @@ Answer meaningOf(channel::Reply reply) {
   if (const auto* dropped = std::get_if<channel::Dropped>(&reply)) {
     return failure(
         ExitStatus::dropped,
-        "the extension dropped the request, so there is no timeline" +
+        "the extension dropped the request, so there is no answer" +
             (dropped->reason.empty() ? "." : ": " + dropped->reason));
   }
   return reply;
 }
 
-Failure late(std::chrono::milliseconds allowed) {
+Failure late(const std::string& waited) {
   return {
       ExitStatus::notPossible,
-      "the extension has not answered within " +
-          std::to_string(std::chrono::ceil<std::chrono::seconds>(allowed).count()) +
-          " s and was stopped; try again"};
+      "the extension has not answered within " + waited + " and was stopped; try again"};
 }
 
-Failure meaningOf(const SessionEnd& end, std::chrono::milliseconds allowed) {
+Failure meaningOf(const SessionEnd& end) {
   switch (end.cause) {
     case SessionEnd::Cause::late:
-      return late(allowed);
+      return late(end.detail);
     case SessionEnd::Cause::protocolError:
       return {ExitStatus::notPossible, "the extension sent " + end.detail};
     case SessionEnd::Cause::overMemory:
@@ -76,10 +74,8 @@ std::expected<ExtensionClient, Failure> ExtensionClient::start(
 std::vector<std::optional<Answer>> ExtensionClient::answersTo(
     std::span<const channel::Request> requests, std::optional<std::chrono::milliseconds> allowed) {
   std::map<std::uint64_t, std::size_t> places;
-  std::chrono::milliseconds longest{};
   for (const channel::Request& request : requests) {
     const auto time = allowed.value_or(ExtensionSession::timeFor(request));
-    longest = std::max(longest, time);
     places.emplace(session_.ask(presentMoment().uptime, request, time), places.size());
   }
   std::vector<std::optional<Answer>> answers(requests.size());
@@ -95,12 +91,12 @@ std::vector<std::optional<Answer>> ExtensionClient::answersTo(
       } else if (auto* line = std::get_if<PrintedLine>(&event)) {
         relay(std::move(*line));
       } else if (const auto* end = std::get_if<SessionEnd>(&event)) {
-        over_ = meaningOf(*end, longest);
+        over_ = meaningOf(*end);
         if (!places.empty() && !end->lastWords.empty()) {
           heldLine_.reset();
         }
-      } else {
-        over_ = late(longest);
+      } else if (const auto* answer = std::get_if<LateAnswer>(&event)) {
+        over_ = late(std::to_string(answer->waited.count()) + " seconds");
       }
     }
   }

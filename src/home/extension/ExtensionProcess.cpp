@@ -7,6 +7,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "platform/foundation/NumberText.h"
+
 namespace quillpad::home {
 namespace {
 
@@ -177,7 +179,7 @@ void ExtensionProcess::readPrinted(PrintedLine::Stream stream, std::vector<Print
       isError ? errorLines_ : outputLines_,
       [&](const channel::Line& line) {
         if (line.tooLong) {
-          printed.push_back({stream, "(a line of more than 64 KiB)"});
+          printed.push_back({stream, "(a line of more than " + bytesText(maxPrintedLine) + ")"});
         } else if (!line.text.empty()) {
           printed.push_back({stream, printableText(line.text)});
         }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "home/extension/MemoryUse.h"
+#include "platform/foundation/NumberText.h"
 
 namespace quillpad::home {
 namespace {
@@ -14,13 +15,6 @@ constexpr auto measurementPause = 100ms;
 
 // Of what is kept of each widget for as long as it is shown, all together.
 constexpr std::size_t maxMessages = 8 * channel::maxFrame;
-
-std::string sizeText(std::size_t bytes) {
-  constexpr std::size_t kibibyte = 1024;
-  const std::size_t kibibytes = bytes / kibibyte;
-  return kibibytes < kibibyte ? std::to_string(kibibytes) + " KiB"
-                              : std::to_string(kibibytes / kibibyte) + " MiB";
-}
 
 }  // namespace
 
@@ -95,7 +89,8 @@ void ExtensionSession::take(
     return;
   }
   if (line.tooLong || line.text.size() > maxMessage_) {
-    return end(SessionEnd::Cause::protocolError, "a message of more than " + sizeText(maxMessage_));
+    return end(
+        SessionEnd::Cause::protocolError, "a message of more than " + bytesText(maxMessage_));
   }
   auto message = channel::decodeFromExtension(
       line.text, [this](std::uint64_t id) -> std::optional<channel::Method> {
@@ -158,11 +153,8 @@ void ExtensionSession::measureMemory(Uptime now) {
   }
   nextMeasurement_ = now + measurementPause;
   if (const std::size_t used = privateMemory(process_.pid()); used > memoryLimit_) {
-    const auto megabytes = [](std::size_t bytes) {
-      return std::to_string(bytes / (std::size_t{1024} * 1024)) + " MB";
-    };
     end(SessionEnd::Cause::overMemory,
-        "it used " + megabytes(used) + ", the limit is " + megabytes(memoryLimit_));
+        "it used " + bytesText(used) + ", the limit is " + bytesText(memoryLimit_));
   }
 }
 

@@ -3,9 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/file.h>
-#include <system_error>
 #include <unistd.h>
 
 #include "home/extension/PrintedLine.h"
@@ -16,27 +14,30 @@ namespace {
 
 constexpr std::size_t maxAddressBytes = 256;
 
+// Without the page's key, as it may end up in a journal that others read.
 std::string addressIn(const FileDescriptor& file) {
   std::array<char, maxAddressBytes> bytes{};
   const ssize_t count = ::pread(file.get(), bytes.data(), bytes.size(), 0);
-  return count <= 0 ? "an address that it has not told yet"
-                    : printableText({bytes.data(), static_cast<std::size_t>(count)});
+  if (count <= 0) {
+    return "an address that it has not told yet";
+  }
+  const std::string_view address(bytes.data(), static_cast<std::size_t>(count));
+  return printableText(address.substr(0, address.find('?')));
 }
 
 }  // namespace
 
 std::expected<HomeLock, std::string> HomeLock::take() {
   const auto folder = userStateFolder();
-  std::error_code error;
-  if (!folder || (std::filesystem::create_directories(*folder, error), error)) {
+  if (!folder || makePrivateFolders(*folder)) {
     return HomeLock(FileDescriptor());
   }
-  FileDescriptor file(
-      ::open((*folder / "home.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+  const std::filesystem::path place = *folder / "home.lock";
+  FileDescriptor file(::open(place.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (file && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
     return std::unexpected(
-        "a home screen is running already, at " + addressIn(file) +
-        "; open that, or stop it first");
+        "a home screen is running already, at " + addressIn(file) + "; open that, the first time " +
+        "with the key as in " + place.string() + ", or stop it first");
   }
   return HomeLock(std::move(file));
 }

@@ -112,9 +112,6 @@ void PreviewSession::takeReply(const Moment& now, const channel::Reply& reply) {
 }
 
 void PreviewSession::askForRendering(const Moment& now) {
-  if (!session_) {
-    return;
-  }
   const Job& job = jobs_.front().job;
   asked_ = session_->ask(
       now.uptime,

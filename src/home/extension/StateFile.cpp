@@ -100,8 +100,7 @@ std::expected<void, std::string> writeState(
   if (!text) {
     return std::unexpected("the home screen's state cannot be written: " + text.error());
   }
-  std::error_code error;
-  std::filesystem::create_directories(file.parent_path(), error);
+  std::error_code error = makePrivateFolders(file.parent_path());
   if (!error) {
     error = writeWholeFile(file, *text);
   }

@@ -375,12 +375,16 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
   if (request.purpose == Purpose::ping) {
     return;
   }
-  if (request.purpose == Purpose::catalogue) {
-    takeCatalogue(now, reply);
-  } else if (const auto* dropped = std::get_if<channel::Dropped>(&reply)) {
+  if (const auto* dropped = std::get_if<channel::Dropped>(&reply)) {
     fail(Problem::Cause::dropped, dropped->reason);
   } else if (const auto* refused = std::get_if<channel::Refused>(&reply)) {
     fail(Problem::Cause::refused, refused->message);
+  } else if (request.purpose == Purpose::catalogue) {
+    const auto* catalogue = std::get_if<channel::Catalogue>(&reply);
+    if (std::string fault = faultOf(catalogue); !fault.empty()) {
+      return fail(Problem::Cause::protocolError, std::move(fault));
+    }
+    takeCatalogue(now, *catalogue);
   } else if (const auto* timeline = std::get_if<channel::Timeline>(&reply);
              timeline != nullptr && request.purpose == Purpose::timeline) {
     WidgetRecord& widget = widgets_[request.kind];
@@ -406,19 +410,9 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
 
 // An extension without a single widget is of no use, one with more than any page shows is not in
 // order: what it listed before stays.
-void Supervisor::takeCatalogue(const Moment& now, const channel::Reply& reply) {
-  const auto* catalogue = std::get_if<channel::Catalogue>(&reply);
-  if (std::string fault = faultOf(catalogue); !fault.empty()) {
-    actions_.emplace_back(EndExtension{});
-    return loseExtension(
-        now,
-        {.cause = Problem::Cause::protocolError,
-         .detail = std::move(fault),
-         .output = "",
-         .since = now.date});
-  }
+void Supervisor::takeCatalogue(const Moment& now, const channel::Catalogue& catalogue) {
   life_ = Life::running;
-  setCatalogue(catalogue->items);
+  setCatalogue(catalogue.items);
   std::erase_if(widgets_, [&](const auto& each) {
     return offered(each.first) == nullptr && !isPlaced(each.first);
   });
@@ -466,7 +460,8 @@ void Supervisor::takeRendering(const std::string& kind, const channel::Rendering
 
 void Supervisor::requestFailed(const Moment& now, const Pending& request, Problem problem) {
   if (request.purpose == Purpose::catalogue) {
-    return takeCatalogue(now, channel::Dropped{});
+    actions_.emplace_back(EndExtension{});
+    return loseExtension(now, std::move(problem));
   }
   if (request.purpose == Purpose::ping) {
     return;

@@ -128,7 +128,7 @@ class Supervisor {
   void noticeTheTime(const Moment& now);
   void ask(std::string kind, Purpose purpose, channel::Request request);
   void take(const Moment& now, const Pending& request, const channel::Reply& reply);
-  void takeCatalogue(const Moment& now, const channel::Reply& reply);
+  void takeCatalogue(const Moment& now, const channel::Catalogue& catalogue);
   void takeRendering(const std::string& kind, const channel::Rendering& rendering);
   std::optional<Pending> takePending(std::uint64_t id);
   void requestFailed(const Moment& now, const Pending& request, Problem problem);

@@ -13,9 +13,10 @@ std::string inWords(const TransportError& failure, const Language& language) {
 }
 
 std::string inWords(
-    const Problem& problem, const std::string& droppedHint, const Language& language) {
-  const bool helps = problem.cause == Problem::Cause::dropped && !droppedHint.empty();
-  return inPlainWords(problem, language) + (helps ? " " + droppedHint : "");
+    const Problem& problem, const std::string& signInHint, const Language& language) {
+  using enum Problem::Cause;
+  const bool helps = (problem.cause == dropped || problem.cause == ended) && !signInHint.empty();
+  return inPlainWords(problem, language) + (helps ? " " + signInHint : "");
 }
 
 }  // namespace
@@ -47,7 +48,7 @@ std::string inPlainWords(const Problem& problem, const Language& language) {
 }
 
 WidgetStatus statusOf(
-    const WidgetState& widget, const std::string& droppedHint, const Language& language) {
+    const WidgetState& widget, const std::string& signInHint, const Language& language) {
   using Level = WidgetStatus::Level;
   WidgetStatus status;
   const Picture* picture = widget.picture;
@@ -84,7 +85,7 @@ WidgetStatus statusOf(
         Level::stale, language.text("Old picture"), language.text("A newer picture is overdue."));
   }
   if (widget.problem != nullptr) {
-    const std::string words = inWords(*widget.problem, droppedHint, language);
+    const std::string words = inWords(*widget.problem, signInHint, language);
     const bool replaces = status.level == Level::placeholder || status.level == Level::empty;
     status.cause = replaces ? words : status.cause + " " + words;
   }
@@ -95,7 +96,7 @@ WidgetStatus statusOf(
 }
 
 WidgetStatus statusOfKept(
-    const WidgetState& widget, const std::string& droppedHint, const Language& language) {
+    const WidgetState& widget, const std::string& signInHint, const Language& language) {
   WidgetStatus status{
       WidgetStatus::Level::stale,
       language.text("Kept figures"),
@@ -105,7 +106,7 @@ WidgetStatus statusOfKept(
     status.cause += " " + inWords(*widget.picture->failure, language);
   }
   if (widget.problem != nullptr) {
-    status.cause += " " + inWords(*widget.problem, droppedHint, language);
+    status.cause += " " + inWords(*widget.problem, signInHint, language);
   }
   return status;
 }

@@ -25,14 +25,14 @@ struct WidgetStatus {
   std::string note{};  // some words in passing; empty where there is nothing to add
 };
 
-// Of what the phone would show. The hint is said where the extension dropped a request: why that
-// may be and what helps.
+// Of what the phone would show. The hint, empty unless nobody is signed in, is said where the
+// extension dropped a request or ended: that may be why, and what helps.
 WidgetStatus statusOf(
-    const WidgetState& widget, const std::string& droppedHint = "", const Language& language = {});
+    const WidgetState& widget, const std::string& signInHint = "", const Language& language = {});
 
 // Of the picture that is kept where the transfer behind the phone's failed.
 WidgetStatus statusOfKept(
-    const WidgetState& widget, const std::string& droppedHint = "", const Language& language = {});
+    const WidgetState& widget, const std::string& signInHint = "", const Language& language = {});
 
 // "live", "placeholder", "fallback", "stale" or "empty".
 std::string_view levelName(WidgetStatus::Level level);

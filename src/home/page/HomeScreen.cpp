@@ -371,11 +371,12 @@ void HomeScreen::say(const std::string& line) {
 
 CardModel HomeScreen::modelOf(const WidgetState& widget, const Language& language) {
   const Drawn& drawn = this->drawn(widget);
+  const std::string signInHint = supervisor().isSignedOut() ? signInHint_ : "";
   CardModel model{
       .about = widget.about,
       .face =
           {.drawing = drawn.card ? &*drawn.card : nullptr,
-           .status = statusOf(widget, signInHint_, language)},
+           .status = statusOf(widget, signInHint, language)},
       .reload = widget.reload,
       .awaited = widget.awaited,
       .slowSince = widget.slowSince};
@@ -387,7 +388,7 @@ CardModel HomeScreen::modelOf(const WidgetState& widget, const Language& languag
     model.onPhone = std::exchange(
         model.face,
         {.drawing = &*drawn.kept,
-         .status = statusOfKept(widget, signInHint_, language),
+         .status = statusOfKept(widget, signInHint, language),
          .updated = widget.kept->received,
          .failingSince = picture->failingSince});
   }

@@ -1,9 +1,9 @@
 #include "home/page/PageAccess.h"
 
 #include <string_view>
-#include <system_error>
 
 #include "platform/foundation/Random.h"
+#include "platform/foundation/UserFolders.h"
 #include "platform/foundation/WholeFile.h"
 
 namespace quillpad::home {
@@ -42,9 +42,9 @@ PageAccess::PageAccess(const std::optional<std::filesystem::path>& folder)
     key_ = *kept;
     return;
   }
-  std::error_code error;
-  std::filesystem::create_directories(*folder, error);
-  (void)writeWholeFile(file, key_);  // where this fails, the key is good for this run
+  if (!makePrivateFolders(*folder)) {
+    (void)writeWholeFile(file, key_);  // where this fails, the key is good for this run
+  }
 }
 
 bool PageAccess::admits(const WebRequest& request, std::uint16_t port) const {

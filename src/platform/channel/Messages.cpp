@@ -5,6 +5,7 @@
 
 #include "platform/foundation/Codec.h"
 #include "platform/foundation/Json.h"
+#include "platform/foundation/NumberText.h"
 #include "platform/foundation/Overloaded.h"
 #include "platform/ui/ViewCodec.h"
 
@@ -213,7 +214,7 @@ std::string encode(const NumberedReply& reply) {
   if (line && line->size() <= maxFrame) {
     return *line;
   }
-  const std::string reason = line ? "the answer is longer than 8 MiB"
+  const std::string reason = line ? "the answer is longer than " + bytesText(maxFrame)
                                   : "the answer cannot be written: " + line.error().reason;
   return lineOf(replyDocument({reply.id, Refused{internalError, reason}}));
 }

@@ -131,7 +131,8 @@ std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fr
   ValueBuilder builder;
   if (!nlohmann::json::sax_parse(text.begin(), text.end(), &builder)) {
     if (builder.tooDeep()) {
-      return refused("more than 512 arrays and objects inside one another");
+      return refused(
+          "more than " + std::to_string(maxDepth) + " arrays and objects inside one another");
     }
     return refusedAt(text, builder.errorPosition());
   }

@@ -5,7 +5,6 @@
 #include <clocale>
 #include <cstdlib>
 #include <limits>
-#include <string>
 
 namespace quillpad {
 namespace {
@@ -72,6 +71,15 @@ std::int64_t integerValue(std::string_view text) {
     text.remove_prefix(1);
   }
   return value;
+}
+
+std::string bytesText(std::size_t bytes) {
+  constexpr std::size_t step = 1024;
+  if (bytes < step) {
+    return std::to_string(bytes) + " bytes";
+  }
+  return bytes < step * step ? std::to_string(bytes / step) + " KiB"
+                             : std::to_string(bytes / (step * step)) + " MiB";
 }
 
 }  // namespace quillpad

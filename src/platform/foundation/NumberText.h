@@ -1,9 +1,11 @@
-// Reading numbers out of text, independent of the locale. Functions of their argument alone,
-// callable from any thread.
+// Numbers read out of text and put into sentences, independent of the locale. Functions of their
+// argument alone, callable from any thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/foundation/Value.h"
@@ -24,5 +26,9 @@ std::optional<Number> wholeNumberFromText(std::string_view text);
 // The whole number that the text begins with: leading white space skipped, an optional sign,
 // digits; 0 without digits, the nearest bound where it does not fit.
 std::int64_t integerValue(std::string_view text);
+
+// So many bytes in the largest unit of which they are at least one, rounded down: "8 MiB", "64
+// KiB".
+std::string bytesText(std::size_t bytes);
 
 }  // namespace quillpad

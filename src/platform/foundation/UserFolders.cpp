@@ -1,6 +1,8 @@
 #include "platform/foundation/UserFolders.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <sys/stat.h>
 
 namespace quillpad {
 namespace {
@@ -25,6 +27,17 @@ std::optional<std::filesystem::path> userDataFolder() {
 
 std::optional<std::filesystem::path> userStateFolder() {
   return userFolder("XDG_STATE_HOME", ".local/state");
+}
+
+std::error_code makePrivateFolders(const std::filesystem::path& folder) {
+  std::filesystem::path made;
+  for (const std::filesystem::path& part : folder) {
+    made /= part;
+    if (mkdir(made.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
+      return {errno, std::system_category()};
+    }
+  }
+  return {};
 }
 
 }  // namespace quillpad

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <system_error>
 
 namespace quillpad {
 
@@ -12,5 +13,8 @@ std::optional<std::filesystem::path> userDataFolder();
 
 // "quillpad" in ${XDG_STATE_HOME:-$HOME/.local/state}, or nothing where neither names a folder.
 std::optional<std::filesystem::path> userStateFolder();
+
+// Makes the folder and those above it that are missing, for their owner alone.
+std::error_code makePrivateFolders(const std::filesystem::path& folder);
 
 }  // namespace quillpad

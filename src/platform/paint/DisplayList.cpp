@@ -10,7 +10,7 @@ namespace quillpad::drawing {
 
 namespace {
 
-constexpr double maximumWork = 1 << 28;  // about a second
+constexpr std::int64_t maximumWork = 1 << 28;  // about a second
 constexpr double pixelsPerItem = 1 << 14;
 
 // What of it lies on the card.
@@ -61,7 +61,8 @@ std::optional<std::string> sizeError(Size size, int scale) {
     return "an empty card cannot be drawn: its width and height must be more than 0 points";
   }
   if (width * height > static_cast<double>(maximumPixels)) {
-    return "a card of more than 32 million pixels cannot be drawn: use a smaller size or scale";
+    return "a card of more than " + std::to_string(maximumPixels) +
+           " pixels cannot be drawn: use a smaller size or scale";
   }
   return std::nullopt;
 }
@@ -78,9 +79,9 @@ std::optional<std::string> drawingError(const DisplayList& list) {
         (pixelsPerItem +
          std::visit([&](const auto& content) { return pixelsOf(content, list); }, item.content));
   }
-  if (!(pixels <= maximumWork)) {
+  if (!(pixels <= static_cast<double>(maximumWork))) {
     return "the card has too much to draw: its " + std::to_string(list.items.size()) +
-           " items cover 256 million pixels or more";
+           " items cover " + std::to_string(maximumWork) + " pixels or more";
   }
   return std::nullopt;
 }

@@ -1,5 +1,8 @@
 #include "platform/paint/PngReader.h"
 
+#include <cstdint>
+#include <string>
+
 #include "platform/paint/Png.h"
 
 namespace quillpad::drawing {
@@ -11,7 +14,7 @@ std::expected<Bitmap, std::string> finished(png_image& image) {
   image.format = PNG_FORMAT_RGBA;
   if (std::int64_t{image.width} * image.height > maximumPixels) {
     png_image_free(&image);
-    return std::unexpected("it has more than 32 million pixels");
+    return std::unexpected("it has more than " + std::to_string(maximumPixels) + " pixels");
   }
   Bitmap picture{
       .width = static_cast<int>(image.width),

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/foundation/Base64.h"
+#include "platform/foundation/NumberText.h"
 #include "platform/foundation/Xml.h"
 #include "platform/paint/Background.h"
 #include "platform/paint/PngWriter.h"
@@ -292,7 +293,8 @@ std::expected<std::string, std::string> writeSvg(
   }
   SvgDocument document(appearance, fonts, pictures, idPrefix);
   if (!document.paint(list)) {
-    return std::unexpected("the card has too much to draw: more than 8 MB of SVG");
+    return std::unexpected(
+        "the card has too much to draw: more than " + bytesText(maxBytes) + " of SVG");
   }
   return document.finished(list);
 }

@@ -1,12 +1,27 @@
 #include "platform/settings/UserDefaults.h"
 
-#include <string>
-
+#include "platform/foundation/NumberText.h"
 #include "platform/foundation/UserFolders.h"
 #include "platform/foundation/WholeFile.h"
 #include "platform/settings/PropertyList.h"
 
 namespace quillpad {
+
+std::string describe(SettingsError error) {
+  switch (error) {
+    case SettingsError::absent:
+      return "there is no such file; sign in";
+    case SettingsError::unreadable:
+      return "the file cannot be read; check who owns it and its mode";
+    case SettingsError::tooLarge:
+      return "the file is larger than " + bytesText(maxSettingsBytes) +
+             "; move it away and sign in again";
+    case SettingsError::damaged:
+      break;
+  }
+  return "the file is not a property list with a dictionary; move it away and sign in again";
+}
+
 std::filesystem::path UserDefaults::path(std::string_view suiteName) {
   const auto folder = userDataFolder();
   if (!folder) {

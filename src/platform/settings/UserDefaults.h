@@ -7,6 +7,7 @@
 #include <expected>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/foundation/Value.h"
@@ -19,6 +20,9 @@ inline constexpr std::size_t maxSettingsBytes = std::size_t{1} << 20;
 // Why a store cannot be opened. A damaged one is cut off, not an XML property list, or of another
 // shape than a dictionary.
 enum class SettingsError { absent, unreadable, tooLarge, damaged };
+
+// Why, and what to do, in two clauses for a person.
+std::string describe(SettingsError error);
 
 class UserDefaults {
  public:

@@ -10,6 +10,7 @@
 
 #include "platform/foundation/Codec.h"
 #include "platform/foundation/Hex.h"
+#include "platform/foundation/NumberText.h"
 
 namespace quillpad {
 namespace {
@@ -30,7 +31,7 @@ struct Length {
   static double decode(const Decoder& d) {
     const double length = d.number();
     if (!(std::abs(length) <= maxLength)) {
-      d.fail("longer than 1000000 points");
+      d.fail("longer than " + Number(maxLength).stringValue() + " points");
     }
     return length;
   }
@@ -240,20 +241,20 @@ struct Extent {
 // Fails for a tree that is deeper or larger than any in use, before anything of it is made.
 void checkExtent(const Decoder& view, std::size_t depth, Extent& extent) {
   if (depth > maxDepth) {
-    view.fail("more than 256 views deep");
+    view.fail("more than " + std::to_string(maxDepth) + " views deep");
   }
   ++extent.parts;
   if (const auto text = view.find("text")) {
     extent.textBytes += std::min(text->text().size(), maxBytesOfText);
     if (extent.textBytes > maxTextBytes) {
-      view.fail("more than 64 KiB of texts");
+      view.fail("more than " + bytesText(maxTextBytes) + " of texts");
     }
   }
   if (const auto modifiers = view.find("modifiers")) {
     extent.parts += modifiers->elements(maxModifiers).size();
   }
   if (extent.parts > maxParts) {
-    view.fail("more than 10000 views and modifiers");
+    view.fail("more than " + std::to_string(maxParts) + " views and modifiers");
   }
   if (const auto children = view.find("children")) {
     for (const Decoder& child : children->elements()) {

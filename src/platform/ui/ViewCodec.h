@@ -17,8 +17,8 @@ View localized(View view, const std::function<std::string(const std::string& key
 // The view as a JSON value. What viewFromValue reads back gives the same value again.
 Value toValue(const View& view);
 
-// The view that the value describes; on failure the first error with its place in the tree. At most
-// 256 levels deep, 100,000 views and 32 modifiers of one view.
+// The view that the value describes; on failure the first error with its place in the tree. Depth,
+// views, texts and the modifiers of one view are bounded.
 std::expected<View, std::string> viewFromValue(const Value& value);
 
 // The same for a view within a document; an error stays with the decoder.

@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "platform/foundation/Activity.h"
+#include "platform/foundation/Fatal.h"
 #include "platform/foundation/Locale.h"
+#include "platform/foundation/NumberText.h"
 #include "platform/locale/LocalizedStrings.h"
 #include "platform/net/URLSession.h"
 #include "platform/ui/ViewCodec.h"
@@ -49,7 +51,8 @@ Server::Server(
 void Server::run() {
   while (const auto line = connection_->receive()) {
     if (line->tooLong) {
-      const Refused refused{channel::invalidRequest, "the line is longer than 8 MiB"};
+      const Refused refused{
+          channel::invalidRequest, "the line is longer than " + bytesText(channel::maxFrame)};
       send(*connection_, std::nullopt, refused);
     } else {
       answer(line->text);
@@ -126,7 +129,9 @@ std::optional<Reply> Server::handle(
     std::uint64_t /*id*/,
     const WidgetConfiguration& widget,
     const channel::RenderRequest& request) {
-  const ui::WidgetFamily family = request.family.value_or(widget.families.front());
+  const auto* own = widget.families.empty() ? nullptr : widget.families.data();
+  const ui::WidgetFamily family =
+      request.family ? *request.family : forced(own, "a supported family of " + widget.kind);
   const ScopedLocale locale(request.locale, request.currency);
   return channel::Rendering{ui::localized(widget.render({family}, request.entry), lookUp)};
 }
