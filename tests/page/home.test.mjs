@@ -35,21 +35,6 @@ test("a change reaches every tab, also beyond a browser's connections, without m
   }
 });
 
-test("a tab that is on its way while another one hears of a change knows it too", async () => {
-  const first = await open();
-  const page = await open("about:blank");
-  await page.route(`${world.address}/`, async (route) => {
-    const response = await route.fetch();
-    await world.change("/remove?kind=PendingSmallWidget");
-    await until("the other tab knows it", async () => (await first.locator(".widget").count()) === 4);
-    await route.fulfill({ response });
-  });
-  await page.goto(world.address);
-  await until("this one knows it", async () => (await page.locator(".widget").count()) === 4);
-  await world.change("/place?kind=PendingSmallWidget");
-  await world.untilLive();
-});
-
 test("the appearance follows the system unless a person forces one", async () => {
   const page = await open();
   const ground = () => page.locator(`${salesCard} svg rect`).first().evaluate((rect) => getComputedStyle(rect).fill);

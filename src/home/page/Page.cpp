@@ -80,8 +80,23 @@ Markup directionOf(std::string_view language) {
 }
 
 std::string sizeName(const channel::CatalogueItem& about, const Language& language) {
-  const bool small = familyOf(about) == ui::WidgetFamily::systemSmall;
-  return language.text(small ? "Small" : "Medium");
+  switch (familyOf(about)) {
+    case ui::WidgetFamily::systemSmall:
+      return language.text("Small");
+    case ui::WidgetFamily::systemMedium:
+      return language.text("Medium");
+    case ui::WidgetFamily::systemLarge:
+      return language.text("Large");
+    case ui::WidgetFamily::systemExtraLarge:
+      return language.text("Extra large");
+    case ui::WidgetFamily::accessoryCircular:
+      return language.text("Circular");
+    case ui::WidgetFamily::accessoryRectangular:
+      return language.text("Rectangular");
+    case ui::WidgetFamily::accessoryInline:
+      return language.text("Inline");
+  }
+  return "";
 }
 
 Markup faceMarkup(
