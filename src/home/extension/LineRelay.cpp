@@ -26,12 +26,27 @@ void LineRelay::add(Uptime now, std::string_view line) {
     ++dropped_;
     return;
   }
+  tellDropped();
+  append(line);
+  bytesInSecond_ += line.size();
+  write();
+}
+
+std::optional<Uptime> LineRelay::nextDeadline() const {
+  return dropped_ > 0 && pending_.empty() ? std::optional(second_ + 1s) : std::nullopt;
+}
+
+void LineRelay::run(Uptime now) {
+  if (const auto deadline = nextDeadline(); deadline && now >= *deadline) {
+    tellDropped();
+  }
+  write();
+}
+
+void LineRelay::tellDropped() {
   if (const std::size_t count = std::exchange(dropped_, 0); count > 0) {
     append("quillpad-home: " + std::to_string(count) + " lines were dropped, they came too fast");
   }
-  append(line);
-  bytesInSecond_ += line.size();
-  run();
 }
 
 void LineRelay::append(std::string_view line) {
@@ -40,7 +55,7 @@ void LineRelay::append(std::string_view line) {
 }
 
 // What is ready for writing takes PIPE_BUF bytes without waiting.
-void LineRelay::run() {
+void LineRelay::write() {
   std::size_t written = 0;
   while (written < pending_.size()) {
     pollfd ready{descriptor_, POLLOUT, 0};

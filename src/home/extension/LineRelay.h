@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <poll.h>
 #include <string>
 #include <string_view>
@@ -23,10 +24,15 @@ class LineRelay {
   // What to poll for; negative while there is nothing to write.
   pollfd descriptor() const { return {pending_.empty() ? -1 : descriptor_, POLLOUT, 0}; }
 
+  // When lines that were dropped are to be told of, though no other line comes.
+  std::optional<Uptime> nextDeadline() const;
+
   // Writes what is taken now. To be called after each poll.
-  void run();
+  void run(Uptime now);
 
  private:
+  void tellDropped();
+  void write();
   void append(std::string_view line);
 
   int descriptor_;

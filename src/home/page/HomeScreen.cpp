@@ -107,7 +107,10 @@ int HomeScreen::pollTimeout() const {
   std::chrono::milliseconds timeout = server_->pollTimeout();
   const Uptime now = presentMoment().uptime;
   for (const auto deadline :
-       {program_.nextDeadline(), widgets_.nextDeadline(), previews_.nextDeadline()}) {
+       {relay_.nextDeadline(),
+        program_.nextDeadline(),
+        widgets_.nextDeadline(),
+        previews_.nextDeadline()}) {
     if (deadline) {
       timeout = std::min(timeout, *deadline - now);
     }
@@ -118,7 +121,7 @@ int HomeScreen::pollTimeout() const {
 void HomeScreen::run() {
   const Moment now = presentMoment();
   server_->run();
-  relay_.run();
+  relay_.run(now.uptime);
   if (program_.run(now.uptime)) {
     takeUpProgram(now);
   }
