@@ -38,6 +38,15 @@ TEST(Samples, AreReadFromTheirFolderByName) {
   EXPECT_TRUE(suits(*entry, Dictionary{{"x", "other"}}));
   EXPECT_FALSE(suits(*entry, Dictionary{{"x", 1}, {"y", 1}}));
   EXPECT_EQ(entryFromText(textOf(*entry)).value(), *entry);
+
+  std::ofstream(folder.path() / "large.json") << std::string((1U << 20U) + 1, ' ');
+  EXPECT_TRUE(samples.entry("b"));
+  EXPECT_THAT(samples.read().error(), testing::HasSubstr("large.json cannot be read: "));
+  std::filesystem::remove(folder.path() / "large.json");
+  for (int number = 999; number > 700; --number) {
+    std::ofstream(folder.path() / ("a" + std::to_string(number) + ".json")) << "{}";
+  }
+  EXPECT_EQ(samples.read().value().back().name, "a900");
 }
 
 }  // namespace

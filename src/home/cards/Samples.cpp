@@ -70,51 +70,75 @@ bool suits(const channel::Entry& sample, const Value& data) {
 SampleFolder::SampleFolder(const std::filesystem::path& folder)
     : folder_(folder.empty() ? Bundle::main().folder() / "samples" : folder) {}
 
-std::expected<std::vector<SampleFolder::Sample>, std::string> SampleFolder::read() const {
-  std::vector<Sample> samples;
+std::expected<std::vector<std::string>, std::string> SampleFolder::names() const {
+  std::vector<std::string> names;
   std::error_code error;
   for (std::filesystem::directory_iterator file(folder_, error), end; !error && file != end;
        file.increment(error)) {
-    if (file->path().extension() != ".json" || samples.size() == maxSamples) {
-      continue;
+    if (file->path().extension() == ".json") {
+      names.push_back(file->path().stem());
     }
-    auto text = readWholeFile(file->path(), maxSampleBytes);
-    if (!text) {
-      return std::unexpected(
-          "the sample " + file->path().string() + " cannot be read: " + text.error().message());
-    }
-    samples.push_back({file->path().stem(), std::move(*text)});
   }
   if (error) {
     return std::unexpected(
         "the samples in " + folder_.string() + " cannot be read: " + error.message() +
         "; --samples names the folder of files NAME.json");
   }
-  std::ranges::sort(samples, {}, &Sample::name);
+  std::ranges::sort(names);
+  names.resize(std::min(names.size(), maxSamples));
+  return names;
+}
+
+std::expected<std::string, std::string> SampleFolder::textOf(const std::string& name) const {
+  const std::filesystem::path file = folder_ / (name + ".json");
+  auto text = readWholeFile(file, maxSampleBytes);
+  if (!text) {
+    return std::unexpected(
+        "the sample " + file.string() + " cannot be read: " + text.error().message());
+  }
+  return *std::move(text);
+}
+
+std::expected<std::vector<SampleFolder::Sample>, std::string> SampleFolder::read() const {
+  const auto names = this->names();
+  if (!names) {
+    return std::unexpected(names.error());
+  }
+  std::vector<Sample> samples;
+  for (const std::string& name : *names) {
+    auto text = textOf(name);
+    if (!text) {
+      return std::unexpected(text.error());
+    }
+    samples.push_back({name, *std::move(text)});
+  }
   return samples;
 }
 
 std::expected<channel::Entry, std::string> SampleFolder::entry(const std::string& name) const {
-  const auto samples = read();
-  if (!samples) {
-    return std::unexpected(samples.error());
+  const auto names = this->names();
+  if (!names) {
+    return std::unexpected(names.error());
   }
-  std::string names;
-  for (const Sample& sample : *samples) {
-    if (sample.name != name) {
-      names += (names.empty() ? "" : ", ") + sample.name;
-      continue;
-    }
-    auto entry = entryFromText(sample.text);
-    if (entry) {
-      return *std::move(entry);
+  if (!std::ranges::binary_search(*names, name)) {
+    std::string known;
+    for (const std::string& each : *names) {
+      known += (known.empty() ? "" : ", ") + each;
     }
     return std::unexpected(
-        "the sample " + (folder_ / (name + ".json")).string() + ", " + describe(entry.error()));
+        "there is no sample \"" + name + "\" in " + folder_.string() +
+        (known.empty() ? ", which holds none" : "; there are " + known));
+  }
+  const auto text = textOf(name);
+  if (!text) {
+    return std::unexpected(text.error());
+  }
+  auto entry = entryFromText(*text);
+  if (entry) {
+    return *std::move(entry);
   }
   return std::unexpected(
-      "there is no sample \"" + name + "\" in " + folder_.string() +
-      (names.empty() ? ", which holds none" : "; there are " + names));
+      "the sample " + (folder_ / (name + ".json")).string() + ", " + describe(entry.error()));
 }
 
 }  // namespace quillpad::home

@@ -49,7 +49,8 @@ class SampleFolder {
 
   const std::filesystem::path& folder() const { return folder_; }
 
-  // In the alphabetical order of their names; on failure one line that tells what is missing.
+  // In the alphabetical order of their names, the first 200; on failure one line that tells what is
+  // missing, or which of them cannot be read.
   std::expected<std::vector<Sample>, std::string> read() const;
 
   // The entry of the name; on failure one line that tells where it is wrong, or which names there
@@ -57,6 +58,9 @@ class SampleFolder {
   std::expected<channel::Entry, std::string> entry(const std::string& name) const;
 
  private:
+  std::expected<std::vector<std::string>, std::string> names() const;
+  std::expected<std::string, std::string> textOf(const std::string& name) const;
+
   std::filesystem::path folder_;
 };
 
