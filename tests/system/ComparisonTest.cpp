@@ -83,11 +83,18 @@ TEST_F(ComparisonTest, AGalleryIsCheckedAgainstARecordedOne) {
     EXPECT_THAT(page, HasSubstr(part));
   }
   EXPECT_EQ(gallery({"--check", recorded, "-o", recorded / "."}).status, 2);
+  EXPECT_THAT(
+      gallery({"--check", recorded, "--scale", "3"}).err, HasSubstr("leave out the options"));
 
   EXPECT_EQ(gallery({"--check", recorded, "--accept", "SalesSmallWidget-dark"}).status, 2);
   EXPECT_EQ(
       gallery({"--check", recorded, "--accept", "PendingSmallWidget-dark"}).out,
       "PendingSmallWidget-dark.png kept\n");
+  EXPECT_THAT(
+      contentsOf(recorded / "index.html"),
+      AllOf(
+          HasSubstr("UnpaidSmallWidget-light.png"),
+          Not(HasSubstr("UnpaidMediumWidget-light.png"))));
   EXPECT_EQ(gallery({"--check", recorded}).status, 5);
   EXPECT_EQ(gallery({"--check", recorded, "--accept"}).status, 0);
   EXPECT_EQ(gallery({"--check", recorded}).status, 0);

@@ -16,7 +16,10 @@ using testing::StartsWith;
 class PicturesTest : public HomeScreenTest {
  protected:
   Outcome render(const std::string& kind, std::vector<std::string> options) const {
-    options.insert(options.begin(), {"render", kind, "--state", "snapshot"});
+    if (!options.front().starts_with("--sample") && options.front() != "--entry") {
+      options.insert(options.begin(), {"--state", "snapshot"});
+    }
+    options.insert(options.begin(), {"render", kind});
     return run(std::move(options));
   }
 };
@@ -109,6 +112,7 @@ TEST_F(PicturesTest, WhatCannotBeDrawnLeavesTheOldFile) {
       {{"--sample", "rows-two", "--samples", file("none")}, 2, "none cannot be read"},
       {{"--sample", "no", "--samples", folder_.path()}, 2, "no.json, line 1"},
       {{"--sample", "rows-two", "--entry", "x"}, 2, "exclude"},
+      {{"--entry", file("shape.json"), "--state", "snapshot"}, 2, "exclude"},
       {{"--sample", "rows-two"}, 4, "the extension ended"},
       {{"--locale", "12"}, 2, "names no locale"},
       {{"--entry", file("shape.json")}, 4, "the extension ended"},

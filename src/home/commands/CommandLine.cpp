@@ -119,6 +119,17 @@ class Parser {
     return print(topic->get_formatter()->make_help(topic, name, CLI::AppFormatMode::Normal));
   }
 
+  // Of the command that was named, or of all.
+  std::string whereHelpIs() const {
+    std::string names;
+    for (const CLI::App* level = &app_; !level->get_subcommands().empty();) {
+      level = level->get_subcommands().front();
+      names += " " + level->get_name();
+    }
+    return '"' + program_.name +
+           (names.empty() ? " --help\" lists the commands" : " help" + names + "\" explains it");
+  }
+
   std::string hintFor(const std::string& unknown) const {
     const CLI::App* command = &app_;
     while (!command->get_subcommands().empty()) {
@@ -137,8 +148,7 @@ class Parser {
       }
     }
     const std::string meant = nearest(unknown, candidates);
-    return meant.empty() ? "\"" + program_.name + " --help\" lists the commands"
-                         : "did you mean \"" + meant + "\"?";
+    return meant.empty() ? whereHelpIs() : "did you mean \"" + meant + "\"?";
   }
 
   // --help and --version come as errors too.
@@ -155,8 +165,7 @@ class Parser {
     }
     std::string reason = error.what();
     std::ranges::replace(reason, '\n', ' ');
-    return failure(
-        ExitStatus::wrongUsage, reason + "; \"" + program_.name + " --help\" lists the commands");
+    return failure(ExitStatus::wrongUsage, reason + "; " + whereHelpIs());
   }
 
   const Program& program_;

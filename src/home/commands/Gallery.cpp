@@ -29,8 +29,8 @@ std::string_view nameOf(ui::Appearance appearance) {
   return appearance == ui::Appearance::dark ? "dark" : "light";
 }
 
-std::string fileName(const GalleryPlan::Card& card, ui::Appearance appearance) {
-  return card.stem + "-" + std::string(nameOf(appearance)) + ".png";
+std::string fileName(const std::string& stem, ui::Appearance appearance) {
+  return stem + "-" + std::string(nameOf(appearance)) + ".png";
 }
 
 // What became of the pictures of a run. Filled from several threads.
@@ -78,6 +78,17 @@ Done outcomeOf(const GalleryPlan& plan) {
           std::to_string(plan.missing.size() + plan.cards.size()) +
           " cards could not be drawn, first " + plan.missing.front() + ": " +
           plan.failure->message);
+}
+
+// Whether what was given of the settings is what a gallery was recorded with; samples may lie
+// elsewhere.
+bool agrees(const GallerySettings& given, const GallerySettings& recorded) {
+  const auto fits = [&](auto GallerySettings::* member) {
+    return given.*member == GallerySettings{}.*member || given.*member == recorded.*member;
+  };
+  return fits(&GallerySettings::entries) && fits(&GallerySettings::all) &&
+         fits(&GallerySettings::scale) && fits(&GallerySettings::locale) &&
+         fits(&GallerySettings::currency);
 }
 
 struct Gallery {
@@ -145,6 +156,12 @@ struct Gallery {
       return std::unexpected(before.error());
     }
     if (const std::optional<GallerySettings>& kept = *before) {
+      if (!agrees(settings, *kept)) {
+        return failure(
+            ExitStatus::wrongUsage,
+            "--check draws the gallery as it was recorded: leave out the options that differ, or "
+            "record it anew with -o");
+      }
       const std::string samples = settings.samples;
       settings = *kept;
       settings.samples = samples;
@@ -174,7 +191,7 @@ struct Gallery {
         return tally.fail({ExitStatus::wrongUsage, picture.png.error()});
       }
       const GalleryPlan::Card& card = plan.cards[picture.card];
-      const std::string name = fileName(card, picture.appearance);
+      const std::string name = fileName(card.stem, picture.appearance);
       auto comparison = folder.compare(name, *picture.png, tolerance);
       if (!comparison) {
         return tally.fail(std::move(comparison.error()));
@@ -287,10 +304,29 @@ struct Gallery {
       return std::unexpected(gone.error());
     }
     Done done = report(tally, *gone, folder);
-    if (done && accepts && accepted.empty()) {
-      done = folder.write("index.html", galleryPage(plan->widgets).html());
+    if (done && accepts) {
+      const auto kept = widgetsIn(folder, plan->widgets);
+      done = kept ? folder.write("index.html", galleryPage(*kept).html())
+                  : Done(std::unexpected(kept.error()));
     }
     return done ? outcomeOf(*plan) : done;
+  }
+
+  // The widgets with those pictures that the folder has in both appearances.
+  static std::expected<std::vector<GalleryWidget>, Failure> widgetsIn(
+      const GalleryFolder& folder, std::vector<GalleryWidget> widgets) {
+    const auto names = folder.pictures();
+    if (!names) {
+      return std::unexpected(names.error());
+    }
+    for (GalleryWidget& widget : widgets) {
+      std::erase_if(widget.pictures, [&](const GalleryWidget::Picture& picture) {
+        return !std::ranges::all_of(bothAppearances, [&](ui::Appearance appearance) {
+          return std::ranges::binary_search(*names, fileName(picture.stem, appearance));
+        });
+      });
+    }
+    return widgets;
   }
 
   // Adds the recorded pictures that nothing was drawn for; their number.
@@ -299,10 +335,10 @@ struct Gallery {
     std::vector<std::string> known;
     for (const ui::Appearance appearance : bothAppearances) {
       for (const GalleryPlan::Card& card : plan.cards) {
-        known.push_back(fileName(card, appearance));
+        known.push_back(fileName(card.stem, appearance));
       }
       for (const std::string& stem : plan.missing) {
-        known.push_back(fileName({.stem = stem, .title = "", .drawing = {}}, appearance));
+        known.push_back(fileName(stem, appearance));
       }
     }
     std::ranges::sort(known);

@@ -55,25 +55,19 @@ std::expected<channel::Entry, Failure> entryInState(
 
 std::expected<channel::Entry, Failure> entryOf(
     ExtensionClient& extension, const ViewChoice& choice) {
-  if (!choice.entryFile.empty() && !choice.sample.empty()) {
-    return failure(ExitStatus::wrongUsage, "--entry and --sample exclude each other; give one");
+  if (!choice.entryFile.empty() + !choice.sample.empty() + choice.state.has_value() > 1) {
+    return failure(
+        ExitStatus::wrongUsage, "--state, --sample and --entry exclude each other; give one");
   }
   if (!choice.entryFile.empty()) {
     return entryInFile(choice.entryFile);
   }
-  return choice.sample.empty() ? entryInState(extension, choice.state, choice.kind)
-                               : entryOfSample(choice.sampleFolder, choice.sample);
+  return choice.sample.empty()
+             ? entryInState(extension, choice.state.value_or(EntryState::timeline), choice.kind)
+             : entryOfSample(choice.sampleFolder, choice.sample);
 }
 
 }  // namespace
-
-void declareState(Options& options, EntryState& state) {
-  static constexpr std::array<Choice<EntryState>, 3> states{
-      {{"placeholder", EntryState::placeholder},
-       {"snapshot", EntryState::snapshot},
-       {"timeline", EntryState::timeline}}};
-  options.choice<EntryState>("--state", state, "The entry to draw", states);
-}
 
 void declareRegion(Options& options, std::string& locale, std::string& currency) {
   options.locale("--locale", locale, "Language, numbers and direction, for example de_DE");
@@ -86,7 +80,12 @@ void declareSamples(Options& options, std::string& folder) {
 
 void ViewChoice::declare(Options& options) {
   options.kind(kind);
-  declareState(options, state);
+  static constexpr std::array<Choice<std::optional<EntryState>>, 3> states{
+      {{"placeholder", EntryState::placeholder},
+       {"snapshot", EntryState::snapshot},
+       {"timeline", EntryState::timeline}}};
+  options.choice<std::optional<EntryState>>(
+      "--state", state, "The entry to draw, usually the timeline's", states);
   options.text("--sample", sample, "A sample entry by its name", "NAME");
   declareSamples(options, sampleFolder);
   options.text("--entry", entryFile, "An entry of your own, as snapshot --json prints it", "FILE");
@@ -122,8 +121,11 @@ void reportFailedTransfers(std::span<const TransferReport> transfers) {
     if (transfer.error) {
       std::fprintf(
           stderr,
-          "quillpad-home: a transfer failed (%s); fallback data stands in\n",
-          transfer.error->localizedDescription.c_str());
+          "quillpad-home: the transfer of %s failed (%d, %s), so zeros or a sample stand in; check "
+          "the network and that the gateway runs, then try again\n",
+          printable(transfer.path).c_str(),
+          transfer.error->code,
+          printable(transfer.error->localizedDescription).c_str());
     }
   }
 }

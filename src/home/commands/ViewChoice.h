@@ -18,9 +18,6 @@ namespace quillpad::home {
 
 enum class EntryState { placeholder, snapshot, timeline };
 
-// The option --state.
-void declareState(Options& options, EntryState& state);
-
 // The options --locale and --currency.
 void declareRegion(Options& options, std::string& locale, std::string& currency);
 
@@ -29,7 +26,7 @@ void declareSamples(Options& options, std::string& folder);
 
 struct ViewChoice {
   std::string kind{};
-  EntryState state = EntryState::timeline;
+  std::optional<EntryState> state{};         // absent: the timeline's entry
   std::string entryFile{};                   // an entry of one's own in place of the state's
   std::string sample{};                      // or one of the samples
   std::string sampleFolder{};                // empty: those that come with the programs
@@ -43,9 +40,8 @@ struct ViewChoice {
 
   // A placeholder shows no figures: nothing was fetched yet.
   drawing::Redaction redaction() const {
-    return entryFile.empty() && sample.empty() && state == EntryState::placeholder
-               ? drawing::Redaction::placeholder
-               : drawing::Redaction::none;
+    return state == EntryState::placeholder ? drawing::Redaction::placeholder
+                                            : drawing::Redaction::none;
   }
 };
 

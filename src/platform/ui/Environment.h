@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <optional>
 #include <string_view>
 
 #include "platform/foundation/Named.h"
@@ -31,11 +30,6 @@ inline constexpr std::array widgetFamilyNames{
 
 constexpr std::string_view familyName(WidgetFamily family) {
   return nameOf(widgetFamilyNames, family);
-}
-
-constexpr std::optional<WidgetFamily> familyFromName(std::string_view name) {
-  const auto* family = valueNamed(widgetFamilyNames, name);
-  return family == nullptr ? std::nullopt : std::optional(*family);
 }
 
 struct Environment {
