@@ -6,8 +6,6 @@
 #include <unistd.h>
 #include <utility>
 
-#include "home/cards/WidgetSizes.h"
-#include "home/extension/PrintedLine.h"
 #include "home/extension/StateFile.h"
 #include "home/extension/WidgetStatus.h"
 #include "home/page/ProcessPage.h"
@@ -81,6 +79,7 @@ HomeScreen::HomeScreen(
           account,
           [this](std::string_view line) { relay_.add(presentMoment().uptime, line); }),
       previews_(extension),
+      drawings_(cards_, locale_, [this](const std::string& line) { say(line); }),
       engineer_(widgets_.supervisor(), previews_, cards_, samples, locale_),
       canvas_(widgets_.supervisor(), previews_, engineer_, samples),
       switchboard_(std::move(switchboard)) {}
@@ -137,6 +136,7 @@ void HomeScreen::run() {
 void HomeScreen::takeUpProgram(const Moment& now) {
   relay_.add(now.uptime, "quillpad-home: the extension or its resources changed; starting it anew");
   cards_.forgetPictures();
+  drawings_.keepOnly([this](std::string_view kind) { return supervisor().isPlaced(kind); });
   previews_.programReplaced();
   widgets_.supervisor().programReplaced(now);
 }
@@ -294,10 +294,6 @@ WebAnswer HomeScreen::processAnswer(const PageFrame& frame) const {
 LaterAnswer HomeScreen::galleryAnswer(const PageFrame& frame) {
   const Uptime deadline = presentMoment().uptime + galleryPatience;
   const auto take = [this, deadline, frame]() -> std::optional<WebAnswer> {
-    if (offersVersion_ != supervisor().snapshotVersion()) {
-      offersVersion_ = supervisor().snapshotVersion();
-      offers_.clear();
-    }
     std::vector<OfferModel> offers;
     for (const channel::CatalogueItem& item : supervisor().catalogue()) {
       const Picture* snapshot = supervisor().snapshot(item.kind);
@@ -305,15 +301,11 @@ LaterAnswer HomeScreen::galleryAnswer(const PageFrame& frame) {
           presentMoment().uptime < deadline) {
         return std::nullopt;
       }
-      auto drawing = offers_.find(item.kind);
-      if (snapshot != nullptr && drawing == offers_.end()) {
-        if (auto drawn = draw(item, *snapshot, idPrefix("o", item.kind))) {
-          drawing = offers_.emplace(item.kind, std::move(*drawn)).first;
-        }
-      }
       offers.push_back(
           {.about = &item,
-           .drawing = drawing == offers_.end() ? nullptr : &drawing->second,
+           .drawing = snapshot == nullptr
+                          ? nullptr
+                          : drawings_.ofSnapshot(item, *snapshot, supervisor().snapshotVersion()),
            .placed = supervisor().isPlaced(item.kind)});
     }
     return html(galleryMarkup(offers, frame).html());
@@ -373,7 +365,7 @@ void HomeScreen::say(const std::string& line) {
 }
 
 CardModel HomeScreen::modelOf(const WidgetState& widget, const Language& language) {
-  const Drawn& drawn = this->drawn(widget);
+  const CardDrawings::Drawn& drawn = drawings_.of(widget);
   const std::string signInHint = supervisor().isSignedOut() ? signInHint_ : "";
   CardModel model{
       .about = widget.about,
@@ -396,44 +388,6 @@ CardModel HomeScreen::modelOf(const WidgetState& widget, const Language& languag
          .failingSince = picture->failingSince});
   }
   return model;
-}
-
-const HomeScreen::Drawn& HomeScreen::drawn(const WidgetState& widget) {
-  Drawn& drawn = drawings_[widget.about->kind];
-  if (drawn.version != widget.version) {
-    drawn.version = widget.version;
-    const auto drawnFrom = [&](const Picture* picture, std::string_view use) {
-      return picture == nullptr ? std::nullopt
-                                : draw(*widget.about, *picture, idPrefix(use, widget.about->kind));
-    };
-    drawn.card = drawnFrom(widget.picture, "c");
-    drawn.kept = drawnFrom(widget.kept, "k");
-  }
-  return drawn;
-}
-
-std::string HomeScreen::idPrefix(std::string_view use, const std::string& kind) {
-  const std::size_t number = numbers_.try_emplace(kind, numbers_.size()).first->second;
-  return std::string(use) + std::to_string(number) + "-";
-}
-
-std::optional<DrawnCard> HomeScreen::draw(
-    const channel::CatalogueItem& about, const Picture& picture, const std::string& idPrefix) {
-  const ui::WidgetFamily family = familyOf(about);
-  const drawing::DisplayList list = cards_.compose(
-      picture.view,
-      {.kind = about.kind,
-       .family = std::string(ui::familyName(family)),
-       .size = widgetSize(family),
-       .redaction = picture.source == Picture::Source::placeholder ? drawing::Redaction::placeholder
-                                                                   : drawing::Redaction::none},
-      locale_);
-  auto document = cards_.writeForPage(list, idPrefix);
-  if (!document) {
-    say("the picture of " + printableText(about.kind) + " is not shown: " + document.error());
-    return std::nullopt;
-  }
-  return DrawnCard{.picture = trusted(std::move(*document)), .link = list.link};
 }
 
 std::string HomeScreen::emptyText(const Language& language) const {

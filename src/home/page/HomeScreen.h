@@ -24,6 +24,7 @@
 #include "home/extension/WidgetHost.h"
 #include "home/extension/WidgetState.h"
 #include "home/page/CanvasView.h"
+#include "home/page/CardDrawings.h"
 #include "home/page/EngineerView.h"
 #include "home/page/Page.h"
 #include "home/page/PageAccess.h"
@@ -59,13 +60,6 @@ class HomeScreen {
   HomeScreen& operator=(const HomeScreen&) = delete;
 
  private:
-  // A widget's drawings, as of a version of its card.
-  struct Drawn {
-    std::uint64_t version = 0;
-    std::optional<DrawnCard> card;
-    std::optional<DrawnCard> kept;
-  };
-
   HomeScreen(
       const std::filesystem::path& extension,
       const Account& account,
@@ -88,10 +82,6 @@ class HomeScreen {
   void say(const std::string& line);
 
   CardModel modelOf(const WidgetState& widget, const Language& language);
-  std::string idPrefix(std::string_view use, const std::string& kind);
-  const Drawn& drawn(const WidgetState& widget);
-  std::optional<DrawnCard> draw(
-      const channel::CatalogueItem& about, const Picture& picture, const std::string& idPrefix);
   std::string emptyText(const Language& language) const;
 
   PageAccess access_;
@@ -105,13 +95,10 @@ class HomeScreen {
   WidgetHost widgets_;
   PreviewSession previews_;
   CardRenderer cards_;
+  CardDrawings drawings_;
   EngineerView engineer_;
   CanvasView canvas_;
-  std::unique_ptr<Switchboard> switchboard_;    // none where nobody told of one
-  std::map<std::string, std::size_t> numbers_;  // by kind, for ids that are short
-  std::map<std::string, Drawn, std::less<>> drawings_;
-  std::uint64_t offersVersion_ = 0;  // of the snapshots that are drawn in offers_
-  std::map<std::string, DrawnCard, std::less<>> offers_;
+  std::unique_ptr<Switchboard> switchboard_;  // none where nobody told of one
   std::unique_ptr<WebServer> server_;
 
   std::uint64_t shownVersion_ = 0;
