@@ -7,6 +7,7 @@
 
 #include "home/cards/Samples.h"
 #include "home/commands/Files.h"
+#include "home/commands/TextTable.h"
 #include "platform/foundation/Locale.h"
 
 namespace quillpad::home {
