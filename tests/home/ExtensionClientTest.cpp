@@ -142,6 +142,16 @@ TEST_F(ExtensionClientTest, TheExtensionInheritsNothingButItsOwnDescriptors) {
   EXPECT_THAT(entry.error().message, testing::EndsWith("): channel 3"));
 }
 
+TEST(Confinement, WhatCannotBeMadeIsNoGap) {
+  rlimit before{};
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none{0, before.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  const auto confinement = Confinement::of("/bin/true");
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(confinement.has_value(), LandlockRuleset::kernelVersion() == 0);
+}
+
 TEST(Confinement, NoGapIsToldOfAKernelWithoutOne) {
   EXPECT_TRUE(LandlockRuleset::kernelVersion() < 4 || confinementGap().empty());
 }

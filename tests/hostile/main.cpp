@@ -5,19 +5,23 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
+#include <mqueue.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <signal.h>
 #include <spawn.h>
 #include <string>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/mman.h>
+#include <sys/personality.h>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -79,17 +83,62 @@ bool fillsAFileInMemory() {
 // So that others wait for it.
 bool holds(const char* program) {
   const FileDescriptor file(::open(program, O_RDONLY));
+  struct flock lock{};
+  lock.l_type = F_RDLCK;
   return ::flock(file.get(), LOCK_EX | LOCK_NB) == 0 ||
-         ::fcntl(file.get(), F_SETLEASE, F_RDLCK) == 0;
+         ::fcntl(file.get(), F_SETLEASE, F_RDLCK) == 0 || ::fcntl(file.get(), F_SETLK, &lock) == 0;
 }
 
-bool connects(const std::string& port) {
+sockaddr_in addressOf(const std::string& port) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(static_cast<std::uint16_t>(std::stoi(port)));
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  return address;
+}
+
+bool signalsWithAValue(pid_t process) {
+  siginfo_t value{};
+  value.si_code = SI_QUEUE;
+  return ::syscall(SYS_rt_sigqueueinfo, process, 0, &value) == 0 ||
+         ::syscall(SYS_rt_tgsigqueueinfo, process, process, 0, &value) == 0;
+}
+
+// The kernel signals the owner of a descriptor when there is something to read.
+bool makesOwner(pid_t process) {
+  const FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM, 0));
+  return ::fcntl(socket.get(), F_SETOWN, process) == 0 ||
+         ::ioctl(socket.get(), FIOSETOWN, &process) == 0;
+}
+
+// Datagrams go from one end of a pair to any other socket too.
+bool sendsToLocalSockets() {
+  int ends[2]{-1, -1};
+  ::socketpair(AF_UNIX, SOCK_DGRAM, 0, ends);
+  const FileDescriptor sender(ends[0]);
+  const FileDescriptor other(ends[1]);
+  const sockaddr_un nobody{AF_UNIX, "\0nobody"};
+  ::sendto(sender.get(), "x", 1, 0, reinterpret_cast<const sockaddr*>(&nobody), sizeof nobody);
+  return errno == ECONNREFUSED;  // was looked for
+}
+
+bool connects(const std::string& port, int protocol = IPPROTO_TCP) {
+  const sockaddr_in address = addressOf(port);
+  const FileDescriptor socket(::socket(AF_INET, SOCK_STREAM, protocol));
+  return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+// To the port, which connects.
+bool sends(const std::string& port) {
+  const sockaddr_in address = addressOf(port);
   const FileDescriptor socket(::socket(AF_INET, SOCK_STREAM, 0));
-  return ::connect(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+  return ::sendto(
+             socket.get(),
+             "x",
+             1,
+             MSG_FASTOPEN,
+             reinterpret_cast<const sockaddr*>(&address),
+             sizeof address) == 1;
 }
 
 bool listens() {
@@ -133,17 +182,25 @@ const std::vector<Attempt>& attempts() {
       {"write beside itself", [] { return opens(ownFolder() + "/new", O_WRONLY | O_CREAT); }},
       {"remove a key", [] { return ::unlink(variable("HOSTILE_KEY").c_str()) == 0; }},
       {"show a key to others", [] { return ::chmod(variable("HOSTILE_KEY").c_str(), 0644) == 0; }},
+      {"age a key",
+       [] { return ::syscall(SYS_futimesat, AT_FDCWD, variable("HOSTILE_KEY").c_str(), 0) == 0; }},
       {"outlive its parent",
        [] { return ::syscall(SYS_prctl, 1UL << 32 | PR_SET_PDEATHSIG, 0) == 0; }},
       {"connect to another port", [] { return connects(variable("HOSTILE_PORT")); }},
+      {"connect by another protocol",
+       [] { return connects(variable("HOSTILE_PORT"), IPPROTO_MPTCP); }},
+      {"connect by sending", [] { return sends(variable("HOSTILE_PORT")); }},
       {"listen", listens},
       {"talk to a local service",
        [] { return bool(FileDescriptor(::socket(AF_UNIX, SOCK_STREAM, 0))); }},
+      {"talk to local services by a pair", sendsToLocalSockets},
       {"send raw packets", [] { return bool(FileDescriptor(::socket(AF_PACKET, SOCK_RAW, 0))); }},
       {"fork", forks},
       {"start a program", [] { return starts("/usr/bin/true"); }},
       {"become a program", execs},
       {"signal its parent", [] { return ::kill(::getppid(), 0) == 0; }},
+      {"signal its parent with a value", [] { return signalsWithAValue(::getppid()); }},
+      {"have its parent signalled", [] { return makesOwner(::getppid()); }},
       {"limit its parent",
        [] {
          constexpr rlimit oneByte{1, 1};
@@ -154,6 +211,9 @@ const std::vector<Attempt>& attempts() {
       {"map 1 GB", [] { return maps(MAP_PRIVATE); }},
       {"map 1 GB to share", [] { return maps(MAP_SHARED); }},
       {"fill a file in memory", fillsAFileInMemory},
+      {"leave a queue behind",
+       [] { return bool(FileDescriptor(::mq_open("/hostile", O_RDWR | O_CREAT, 0600, nullptr))); }},
+      {"call what nobody named", [] { return ::personality(0xFFFFFFFF) >= 0; }},
       {"hold a file", [] { return holds("/proc/self/exe"); }},
       // What each must be able to.
       {"read a zone", [] { return opens("/usr/share/zoneinfo/UTC", O_RDONLY); }},

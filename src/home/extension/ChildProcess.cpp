@@ -36,6 +36,12 @@ std::string textOf(int error) { return std::strerror(error); }
 struct Family {
   std::mutex mutex;
   std::set<pid_t> members;
+  // Of this process, from before any child could lower it.
+  rlim_t markBefore = [] {
+    rlimit limits{};
+    ::getrlimit(Confinement::mark, &limits);
+    return limits.rlim_max;
+  }();
 };
 
 Family& family() {
@@ -155,11 +161,9 @@ std::vector<pid_t> children() {
 // What descends from a child that was started here carries the mark of its confinement; other
 // children of this process are not this file's business.
 bool isMarked(pid_t process) {
-  rlimit own{};
   rlimit limits{};
-  return ::getrlimit(Confinement::mark, &own) == 0 &&
-         ::prlimit(process, Confinement::mark, nullptr, &limits) == 0 &&
-         limits.rlim_max < own.rlim_max;
+  return ::prlimit(process, Confinement::mark, nullptr, &limits) == 0 &&
+         limits.rlim_max < family().markBefore;
 }
 
 std::vector<pid_t> strays() {

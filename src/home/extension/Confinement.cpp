@@ -4,9 +4,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <linux/capability.h>
-#include <linux/seccomp.h>
 #include <ranges>
 #include <string_view>
 #include <sys/stat.h>
@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "platform/foundation/Bundle.h"
+#include "platform/foundation/SystemCallFilters.h"
 #include "platform/foundation/UserFolders.h"
 
 namespace quillpad::home {
@@ -121,21 +122,26 @@ bool dropCapabilities() {
   return ::syscall(SYS_capset, &header, sets.data()) == 0;
 }
 
-bool kernelHasSystemCallFilters() {
-  const std::uint32_t action = SECCOMP_RET_ERRNO;
-  return ::syscall(SYS_seccomp, SECCOMP_GET_ACTION_AVAIL, 0, &action) == 0;
-}
-
 }  // namespace
 
-Confinement::Confinement(const std::filesystem::path& program)
-    : files_(LandlockRuleset::ofFiles()), maxProcesses_(processesNow() + maxMoreProcesses) {
-  files_.allowWriting("/dev/null");
+Confinement::Confinement(LandlockRuleset files)
+    : files_(std::move(files)), maxProcesses_(processesNow() + maxMoreProcesses) {}
+
+std::expected<Confinement, std::string> Confinement::of(const std::filesystem::path& program) {
+  auto files = LandlockRuleset::ofFiles();
+  if (!files) {
+    return std::unexpected(
+        "its files cannot be closed to it: " + std::string(std::strerror(files.error())) +
+        "; end other programs and try again");
+  }
+  Confinement confinement(std::move(*files));
+  confinement.files_.allowWriting("/dev/null");
   for (Path& path : readablePlaces(program)) {
     const auto [device, file] = identityOf(path);
-    files_.allowReading(path.c_str());
-    places_.push_back({.path = std::move(path), .device = device, .file = file});
+    confinement.files_.allowReading(path.c_str());
+    confinement.places_.push_back({.path = std::move(path), .device = device, .file = file});
   }
+  return confinement;
 }
 
 bool Confinement::enter() const {

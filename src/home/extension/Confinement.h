@@ -3,6 +3,7 @@
 // the machine. Made before the process by any thread, and entered by the process itself.
 #pragma once
 
+#include <expected>
 #include <filesystem>
 #include <string>
 #include <sys/resource.h>
@@ -25,7 +26,8 @@ class Confinement {
   // lower one than this process, and cannot raise it.
   static constexpr auto mark = RLIMIT_LOCKS;
 
-  explicit Confinement(const std::filesystem::path& program);
+  // What confines the program; a sentence for a person where this machine cannot confine it now.
+  static std::expected<Confinement, std::string> of(const std::filesystem::path& program);
 
   // Confines the calling process for good; false, with errno, where it cannot. Only system calls.
   bool enter() const;
@@ -40,6 +42,8 @@ class Confinement {
     dev_t device = 0;
     ino_t file = 0;  // 0 where there is none
   };
+
+  explicit Confinement(LandlockRuleset files);
 
   LandlockRuleset files_;
   std::vector<Place> places_;

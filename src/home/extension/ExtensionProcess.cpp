@@ -88,12 +88,15 @@ std::expected<ExtensionProcess, std::string> ExtensionProcess::start(
   if (!output || !error) {
     return startFailure(program, output ? error.error() : output.error());
   }
-  Confinement confinement(program);
+  auto confinement = Confinement::of(program);
+  if (!confinement) {
+    return startFailure(program, confinement.error());
+  }
   ChildPlan plan{
       .program = program,
       .environment = childEnvironment(),
       .descriptors = {},
-      .confinement = confinement};
+      .confinement = *confinement};
   plan.descriptors.push_back(std::move(output->writeEnd));
   plan.descriptors.push_back(std::move(error->writeEnd));
   plan.descriptors.push_back(std::move(childEnd));
@@ -101,7 +104,7 @@ std::expected<ExtensionProcess, std::string> ExtensionProcess::start(
   if (!child) {
     return startFailure(program, child.error());
   }
-  ExtensionProcess process(std::move(*child), std::move(confinement));
+  ExtensionProcess process(std::move(*child), std::move(*confinement));
   process.channel_ = std::move(ourEnd);
   process.output_ = std::move(output->readEnd);
   process.error_ = std::move(error->readEnd);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <fcntl.h>
 #include <linux/landlock.h>
 #include <sys/prctl.h>
@@ -17,6 +18,8 @@ struct RulesetAttributes {
   std::uint64_t files = 0;
   std::uint64_t tcp = 0;
   std::uint64_t scopes = 0;
+
+  bool operator==(const RulesetAttributes&) const = default;
 };
 
 struct PortRule {
@@ -36,11 +39,19 @@ constexpr std::array fileRights{0, 13, 14, 15, 15, 16};
 constexpr int firstWithTcp = 4;
 constexpr int firstWithScopes = 6;
 
-FileDescriptor makeRuleset(const RulesetAttributes& attributes) {
+// Not open where there is nothing that it could close.
+std::expected<FileDescriptor, int> makeRuleset(const RulesetAttributes& attributes) {
+  if (attributes == RulesetAttributes()) {
+    return FileDescriptor();
+  }
   constexpr int lowest = 10;  // out of the way of those that a child is given
   const FileDescriptor made(
       static_cast<int>(::syscall(SYS_landlock_create_ruleset, &attributes, sizeof attributes, 0)));
-  return FileDescriptor(made ? ::fcntl(made.get(), F_DUPFD_CLOEXEC, lowest) : -1);
+  FileDescriptor ruleset(made ? ::fcntl(made.get(), F_DUPFD_CLOEXEC, lowest) : -1);
+  if (!ruleset) {
+    return std::unexpected(errno);
+  }
+  return ruleset;
 }
 
 }  // namespace
@@ -51,22 +62,25 @@ int LandlockRuleset::kernelVersion() {
   return static_cast<int>(std::max(version, 0L));
 }
 
-LandlockRuleset LandlockRuleset::ofFiles() {
+std::expected<LandlockRuleset, int> LandlockRuleset::ofFiles() {
   const int version = kernelVersion();
   const auto known =
       std::min<std::size_t>(static_cast<std::size_t>(version), fileRights.size() - 1);
-  return LandlockRuleset(
-      version == 0 ? FileDescriptor()
-                   : makeRuleset(
-                         {.files = (std::uint64_t{1} << fileRights.at(known)) - 1,
-                          .tcp = version < firstWithTcp ? 0 : bindTcp,
-                          .scopes = version < firstWithScopes ? 0 : abstractSockets | signals}));
+  return of(makeRuleset(
+      {.files = (std::uint64_t{1} << fileRights.at(known)) - 1,
+       .tcp = version < firstWithTcp ? 0 : bindTcp,
+       .scopes = version < firstWithScopes ? 0 : abstractSockets | signals}));
 }
 
-LandlockRuleset LandlockRuleset::ofTcp() {
-  return LandlockRuleset(
-      kernelVersion() < firstWithTcp ? FileDescriptor()
-                                     : makeRuleset({.tcp = bindTcp | connectTcp}));
+std::expected<LandlockRuleset, int> LandlockRuleset::ofTcp() {
+  return of(makeRuleset({.tcp = kernelVersion() < firstWithTcp ? 0 : bindTcp | connectTcp}));
+}
+
+std::expected<LandlockRuleset, int> LandlockRuleset::of(std::expected<FileDescriptor, int> made) {
+  if (!made) {
+    return std::unexpected(made.error());
+  }
+  return LandlockRuleset(std::move(*made));
 }
 
 void LandlockRuleset::allowReading(const char* place) const {

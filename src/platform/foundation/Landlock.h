@@ -4,7 +4,8 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
+#include <expected>
+#include <utility>
 
 #include "platform/foundation/FileDescriptor.h"
 
@@ -15,11 +16,12 @@ class LandlockRuleset {
   // How much of Landlock the kernel has: 0 has none of it, 1 has files, 4 has TCP ports.
   static int kernelVersion();
 
-  // All files but those allowed afterwards, listening by TCP, and signals to other processes.
-  static LandlockRuleset ofFiles();
+  // All files but those allowed afterwards, binding a TCP port, and signals to other processes.
+  // errno where the kernel would close it but cannot now, for want of descriptors or memory.
+  static std::expected<LandlockRuleset, int> ofFiles();
 
-  // Connecting and listening by TCP, but what is allowed afterwards.
-  static LandlockRuleset ofTcp();
+  // Connecting to and binding a TCP port, but what is allowed afterwards. errno as above.
+  static std::expected<LandlockRuleset, int> ofTcp();
 
   // The file, or the folder with everything below it, as it is now; nothing where it is not there.
   // Only system calls.
@@ -35,9 +37,10 @@ class LandlockRuleset {
  private:
   void allow(const char* place, std::uint64_t ofFiles, std::uint64_t ofFolders) const;
 
+  static std::expected<LandlockRuleset, int> of(std::expected<FileDescriptor, int> made);
   explicit LandlockRuleset(FileDescriptor ruleset) : ruleset_(std::move(ruleset)) {}
 
-  FileDescriptor ruleset_;  // not open where the kernel closes nothing
+  FileDescriptor ruleset_;  // not open where the kernel has nothing to close it by
 };
 
 }  // namespace quillpad

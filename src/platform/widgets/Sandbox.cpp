@@ -1,21 +1,26 @@
 #include "platform/widgets/Sandbox.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <fcntl.h>
+#include <initializer_list>
+#include <linux/netlink.h>
 #include <memory>
+#include <netinet/in.h>
 #include <sched.h>
 #include <span>
 #include <string_view>
+#include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <type_traits>
 #include <unistd.h>
 
 #include "platform/foundation/Landlock.h"
+#include "platform/foundation/SystemCallFilters.h"
 #include "platform/widgets/Seccomp.h"
 
 namespace quillpad::widgets {
@@ -24,84 +29,79 @@ namespace {
 constexpr std::uint16_t domainPort = 53;  // names are looked up by TCP where an answer is long
 constexpr std::uint16_t httpsPort = 443;
 
-// What is refused whatever its arguments are.
+// What is allowed whatever its arguments are. All else is as if the kernel had none of it, which
+// libraries are prepared for.
 
-constexpr std::array otherProcesses{
-    SCMP_SYS(execve),
-    SCMP_SYS(execveat),
-    SCMP_SYS(fork),
-    SCMP_SYS(vfork),
-    SCMP_SYS(ioprio_set),
-    SCMP_SYS(kcmp),
-    SCMP_SYS(migrate_pages),
-    SCMP_SYS(move_pages),
-    SCMP_SYS(pidfd_getfd),
-    SCMP_SYS(pidfd_open),
-    SCMP_SYS(pidfd_send_signal),
-    SCMP_SYS(process_madvise),
-    SCMP_SYS(process_vm_readv),
-    SCMP_SYS(process_vm_writev),
-    SCMP_SYS(ptrace),
-    SCMP_SYS(sched_setaffinity),
-    SCMP_SYS(sched_setattr),
-    SCMP_SYS(sched_setparam),
-    SCMP_SYS(sched_setscheduler),
-    SCMP_SYS(setpriority),
-    SCMP_SYS(tkill)};
+constexpr std::array memory{
+    SCMP_SYS(brk),
+    SCMP_SYS(madvise),
+    SCMP_SYS(membarrier),
+    SCMP_SYS(mincore),
+    SCMP_SYS(mmap),
+    SCMP_SYS(mprotect),
+    SCMP_SYS(mremap),
+    SCMP_SYS(munmap)};
 
-constexpr std::array serving{
-    SCMP_SYS(accept),
-    SCMP_SYS(accept4),
-    SCMP_SYS(listen),
-    SCMP_SYS(msgget),
-    SCMP_SYS(semget),
-    SCMP_SYS(shmget)};
+// Which of the files may be opened is Landlock's.
+constexpr std::array files{
+    SCMP_SYS(access),     SCMP_SYS(close),      SCMP_SYS(close_range), SCMP_SYS(dup),
+    SCMP_SYS(dup2),       SCMP_SYS(dup3),       SCMP_SYS(eventfd2),    SCMP_SYS(faccessat),
+    SCMP_SYS(faccessat2), SCMP_SYS(fadvise64),  SCMP_SYS(fstat),       SCMP_SYS(fstatfs),
+    SCMP_SYS(getcwd),     SCMP_SYS(getdents64), SCMP_SYS(lseek),       SCMP_SYS(lstat),
+    SCMP_SYS(newfstatat), SCMP_SYS(open),       SCMP_SYS(openat),      SCMP_SYS(pipe),
+    SCMP_SYS(pipe2),      SCMP_SYS(pread64),    SCMP_SYS(read),        SCMP_SYS(readlink),
+    SCMP_SYS(readlinkat), SCMP_SYS(readv),      SCMP_SYS(stat),        SCMP_SYS(statfs),
+    SCMP_SYS(statx),      SCMP_SYS(write),      SCMP_SYS(writev)};
 
-// Those that Landlock knows nothing of, or not in every version.
-constexpr std::array changingFiles{
-    SCMP_SYS(chmod),
-    SCMP_SYS(chown),
-    SCMP_SYS(fchmod),
-    SCMP_SYS(fchmodat),
-    SCMP_SYS(fchown),
-    SCMP_SYS(fchownat),
-    SCMP_SYS(fremovexattr),
-    SCMP_SYS(fsetxattr),
-    SCMP_SYS(lchown),
-    SCMP_SYS(lremovexattr),
-    SCMP_SYS(lsetxattr),
-    SCMP_SYS(removexattr),
-    SCMP_SYS(setxattr),
-    SCMP_SYS(truncate),
-    SCMP_SYS(utime),
-    SCMP_SYS(utimensat),
-    SCMP_SYS(utimes)};
+constexpr std::array waiting{
+    SCMP_SYS(clock_getres),   SCMP_SYS(clock_gettime),  SCMP_SYS(clock_nanosleep),
+    SCMP_SYS(epoll_create1),  SCMP_SYS(epoll_ctl),      SCMP_SYS(epoll_pwait),
+    SCMP_SYS(epoll_wait),     SCMP_SYS(futex),          SCMP_SYS(gettimeofday),
+    SCMP_SYS(nanosleep),      SCMP_SYS(pause),          SCMP_SYS(poll),
+    SCMP_SYS(ppoll),          SCMP_SYS(pselect6),       SCMP_SYS(restart_syscall),
+    SCMP_SYS(sched_yield),    SCMP_SYS(select),         SCMP_SYS(time),
+    SCMP_SYS(timerfd_create), SCMP_SYS(timerfd_settime)};
 
-// Who holds a file makes those wait who would write or open it.
-constexpr std::array holdingFiles{SCMP_SYS(flock)};
+constexpr std::array itself{
+    SCMP_SYS(exit),
+    SCMP_SYS(exit_group),
+    SCMP_SYS(getcpu),
+    SCMP_SYS(getegid),
+    SCMP_SYS(geteuid),
+    SCMP_SYS(getgid),
+    SCMP_SYS(getpid),
+    SCMP_SYS(getppid),
+    SCMP_SYS(getrandom),
+    SCMP_SYS(getresgid),
+    SCMP_SYS(getresuid),
+    SCMP_SYS(getrlimit),
+    SCMP_SYS(getrusage),
+    SCMP_SYS(gettid),
+    SCMP_SYS(getuid),
+    SCMP_SYS(rseq),
+    SCMP_SYS(rt_sigaction),
+    SCMP_SYS(rt_sigprocmask),
+    SCMP_SYS(rt_sigreturn),
+    SCMP_SYS(sched_getaffinity),
+    SCMP_SYS(sched_getparam),
+    SCMP_SYS(sched_getscheduler),
+    SCMP_SYS(set_robust_list),
+    SCMP_SYS(sigaltstack),
+    SCMP_SYS(sysinfo),
+    SCMP_SYS(uname)};
 
-// They do the work of other system calls.
-constexpr std::array doneUnseen{
-    SCMP_SYS(io_uring_enter), SCMP_SYS(io_uring_register), SCMP_SYS(io_uring_setup)};
-
-// Much of the kernel for little use.
-constexpr std::array muchKernel{
-    SCMP_SYS(add_key),
-    SCMP_SYS(bpf),
-    SCMP_SYS(chroot),
-    SCMP_SYS(fsopen),
-    SCMP_SYS(keyctl),
-    SCMP_SYS(mount),
-    SCMP_SYS(name_to_handle_at),
-    SCMP_SYS(open_by_handle_at),
-    SCMP_SYS(open_tree),
-    SCMP_SYS(perf_event_open),
-    SCMP_SYS(pivot_root),
-    SCMP_SYS(request_key),
-    SCMP_SYS(setns),
-    SCMP_SYS(umount2),
-    SCMP_SYS(unshare),
-    SCMP_SYS(userfaultfd)};
+// Of an open socket. Who may not listen is bound to a port for nothing.
+constexpr std::array sockets{
+    SCMP_SYS(bind),
+    SCMP_SYS(connect),
+    SCMP_SYS(getpeername),
+    SCMP_SYS(getsockname),
+    SCMP_SYS(getsockopt),
+    SCMP_SYS(recvfrom),
+    SCMP_SYS(recvmmsg),
+    SCMP_SYS(recvmsg),
+    SCMP_SYS(setsockopt),
+    SCMP_SYS(shutdown)};
 
 struct Release {
   void operator()(void* filter) const { seccomp_release(filter); }
@@ -109,64 +109,95 @@ struct Release {
 
 class Filter {
  public:
-  Filter() : filter_(seccomp_init(SCMP_ACT_ALLOW)) {}
+  Filter() : filter_(seccomp_init(SCMP_ACT_ERRNO(ENOSYS))) {}
 
-  void refuse(std::span<const int> systemCalls) {
+  void allow(std::span<const int> systemCalls) {
     for (const int systemCall : systemCalls) {
-      add(systemCall, EPERM, nullptr);
+      allow(systemCall, {});
     }
   }
-  // As if the kernel had none.
-  void deny(int systemCall) { add(systemCall, ENOSYS, nullptr); }
-  void refuseWhere(int systemCall, const scmp_arg_cmp& condition) {
-    add(systemCall, EPERM, &condition);
+
+  // Where all of the conditions hold.
+  void allow(int systemCall, std::initializer_list<scmp_arg_cmp> conditions) {
+    const int error = seccomp_rule_add_array(
+        filter_.get(),
+        SCMP_ACT_ALLOW,
+        systemCall,
+        static_cast<unsigned>(conditions.size()),
+        conditions.begin());
+    error_ = error_ == 0 ? -error : error_;
   }
 
-  // Fails without effect where the kernel has no such filters.
-  void enter() { seccomp_load(filter_.get()); }
+  // 0, or what went wrong.
+  int enter() {
+    if (error_ == 0) {
+      error_ = -seccomp_attr_set(filter_.get(), SCMP_FLTATR_API_SYSRAWRC, 1);
+    }
+    return error_ == 0 ? -seccomp_load(filter_.get()) : error_;
+  }
 
  private:
-  // One that this machine does not have is refused by the kernel.
-  void add(int systemCall, int error, const scmp_arg_cmp* condition) {
-    seccomp_rule_add_array(
-        filter_.get(),
-        SCMP_ACT_ERRNO(static_cast<std::uint16_t>(error)),
-        systemCall,
-        condition == nullptr ? 0 : 1,
-        condition);
-  }
-
   std::unique_ptr<std::remove_pointer_t<scmp_filter_ctx>, Release> filter_;
+  int error_ = 0;
 };
 
-scmp_arg_cmp argument(
-    unsigned index, scmp_compare comparison, std::uint64_t first, std::uint64_t second = 0) {
-  return {.arg = index, .op = comparison, .datum_a = first, .datum_b = second};
+// Of an argument that is an int the kernel looks at this alone.
+constexpr std::uint64_t ofInt = 0xFFFFFFFF;
+
+scmp_arg_cmp bits(unsigned index, std::uint64_t mask, std::uint64_t value) {
+  return {.arg = index, .op = SCMP_CMP_MASKED_EQ, .datum_a = mask, .datum_b = value};
 }
 
-// Threads are made by either call; the flags of the newer one cannot be looked at, and the C
-// library falls back to the other.
-void keepFromProcesses(Filter& filter) {
-  filter.deny(SCMP_SYS(clone3));
-  filter.refuseWhere(SCMP_SYS(clone), argument(0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, 0));
+scmp_arg_cmp is(unsigned index, std::uint64_t value) { return bits(index, ofInt, value); }
+
+// Its threads and itself. The flags of the newer call that makes threads cannot be looked at; the C
+// library falls back to this one.
+void keepToItself(Filter& filter) {
+  filter.allow(SCMP_SYS(clone), {bits(0, CLONE_THREAD, CLONE_THREAD)});
   const auto self = static_cast<std::uint64_t>(::getpid());
-  filter.refuseWhere(SCMP_SYS(kill), argument(0, SCMP_CMP_NE, self));
-  filter.refuseWhere(SCMP_SYS(tgkill), argument(0, SCMP_CMP_NE, self));
-  filter.refuseWhere(SCMP_SYS(prlimit64), argument(0, SCMP_CMP_NE, 0));
-  constexpr std::uint64_t read = 0xFFFFFFFF;  // of what is handed over the kernel looks at this
-  filter.refuseWhere(SCMP_SYS(prctl), argument(0, SCMP_CMP_MASKED_EQ, read, PR_SET_PDEATHSIG));
+  filter.allow(SCMP_SYS(kill), {is(0, self)});
+  filter.allow(SCMP_SYS(tgkill), {is(0, self)});
+  filter.allow(SCMP_SYS(prlimit64), {is(0, 0)});
+  for (const std::uint64_t option : {PR_GET_DUMPABLE, PR_GET_NAME, PR_SET_NAME, PR_SET_VMA}) {
+    filter.allow(SCMP_SYS(prctl), {is(0, option)});
+  }
 }
 
-// Of the internet, and the one by which name lookup asks for this machine's addresses.
-void keepToInternetSockets(Filter& filter) {
-  constexpr std::array<unsigned, 3> allowed{AF_INET, AF_INET6, AF_NETLINK};
-  constexpr unsigned last = std::ranges::max(allowed);
-  for (unsigned family = 0; family < last; ++family) {
-    if (std::ranges::find(allowed, family) == allowed.end()) {
-      filter.refuseWhere(SCMP_SYS(socket), argument(0, SCMP_CMP_EQ, family));
+// Neither locks and leases, which make others wait, nor signals about files, which may go to
+// others.
+void keepFromHoldingFiles(Filter& filter) {
+  for (const std::uint64_t command :
+       {F_DUPFD, F_DUPFD_CLOEXEC, F_GETFD, F_SETFD, F_GETFL, F_SETFL}) {
+    filter.allow(SCMP_SYS(fcntl), {is(1, command)});
+  }
+  for (const std::uint64_t request : {FIONBIO, FIONREAD, TCGETS}) {
+    filter.allow(SCMP_SYS(ioctl), {is(1, request)});
+  }
+}
+
+// TCP and UDP over the internet, what name lookup asks for this machine's addresses, and pairs of
+// which both ends are here. Other protocols would pass Landlock by, as does a connection that is
+// made by what is sent first.
+void keepToInternet(Filter& filter) {
+  constexpr std::uint64_t kind = 0xF;  // the rest of the type are flags
+  const auto allow = [&](std::uint64_t family, __socket_type type, std::uint64_t protocol) {
+    filter.allow(
+        SCMP_SYS(socket), {is(0, family), bits(1, kind, std::uint64_t{type}), is(2, protocol)});
+  };
+  for (const std::uint64_t family : {AF_INET, AF_INET6}) {
+    for (const std::uint64_t protocol : {IPPROTO_IP, IPPROTO_TCP}) {
+      allow(family, SOCK_STREAM, protocol);
+    }
+    for (const std::uint64_t protocol : {IPPROTO_IP, IPPROTO_UDP}) {
+      allow(family, SOCK_DGRAM, protocol);
     }
   }
-  filter.refuseWhere(SCMP_SYS(socket), argument(0, SCMP_CMP_GT, last));
+  allow(AF_NETLINK, SOCK_RAW, NETLINK_ROUTE);
+  filter.allow(SCMP_SYS(socketpair), {is(0, AF_UNIX), bits(1, kind, SOCK_STREAM)});
+
+  filter.allow(SCMP_SYS(sendto), {bits(3, MSG_FASTOPEN, 0)});
+  filter.allow(SCMP_SYS(sendmsg), {bits(2, MSG_FASTOPEN, 0)});
+  filter.allow(SCMP_SYS(sendmmsg), {bits(3, MSG_FASTOPEN, 0)});
 }
 
 // Of an origin: "https://host", "https://host:8443" or "https://[::1]:8443".
@@ -179,29 +210,45 @@ std::uint16_t portOf(std::string_view origin) {
   return port;
 }
 
+std::unexpected<std::string> failure(const char* what, int error) {
+  return std::unexpected(
+      std::string("the widget extension does not run, since ") + what +
+      " cannot be closed to it: " + std::strerror(error) + "; end other programs and try again");
+}
+
 }  // namespace
 
-void enterSandbox(const std::vector<std::string>& origins) {
+std::expected<void, std::string> enterSandbox(const std::vector<std::string>& origins) {
   ::prctl(PR_SET_DUMPABLE, 0);
 
-  const LandlockRuleset ports = LandlockRuleset::ofTcp();
-  ports.allowConnecting(domainPort);
-  for (const std::string& origin : origins) {
-    ports.allowConnecting(portOf(origin));
+  const auto ports = LandlockRuleset::ofTcp();
+  if (!ports) {
+    return failure("the network", ports.error());
   }
-  ports.enter();
+  ports->allowConnecting(domainPort);
+  for (const std::string& origin : origins) {
+    ports->allowConnecting(portOf(origin));
+  }
+  if (!ports->enter()) {
+    return failure("the network", errno);
+  }
 
+  if (!kernelHasSystemCallFilters()) {
+    return {};
+  }
   Filter filter;
-  filter.refuse(otherProcesses);
-  filter.refuse(serving);
-  filter.refuse(changingFiles);
-  filter.refuse(holdingFiles);
-  filter.refuseWhere(SCMP_SYS(fcntl), argument(1, SCMP_CMP_MASKED_EQ, 0xFFFFFFFF, F_SETLEASE));
-  filter.refuse(doneUnseen);
-  filter.refuse(muchKernel);
-  keepFromProcesses(filter);
-  keepToInternetSockets(filter);
-  filter.enter();
+  filter.allow(memory);
+  filter.allow(files);
+  filter.allow(waiting);
+  filter.allow(itself);
+  filter.allow(sockets);
+  keepToItself(filter);
+  keepFromHoldingFiles(filter);
+  keepToInternet(filter);
+  if (const int error = filter.enter(); error != 0) {
+    return failure("the kernel", error);
+  }
+  return {};
 }
 
 }  // namespace quillpad::widgets

@@ -8,6 +8,7 @@
 namespace quillpad::widgets {
 
 inline constexpr const char* libseccomp = "libseccomp.so.2";
+QUILLPAD_LATE_FUNCTION(libseccomp, seccomp_attr_set);
 QUILLPAD_LATE_FUNCTION(libseccomp, seccomp_init);
 QUILLPAD_LATE_FUNCTION(libseccomp, seccomp_load);
 QUILLPAD_LATE_FUNCTION(libseccomp, seccomp_release);

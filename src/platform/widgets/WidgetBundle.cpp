@@ -61,7 +61,10 @@ int serve(std::vector<WidgetConfiguration> widgets, Entitlements entitlements) {
   std::signal(SIGPIPE, SIG_IGN);
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 
-  enterSandbox(entitlements.origins);
+  if (const auto entered = enterSandbox(entitlements.origins); !entered) {
+    std::fprintf(stderr, "%s\n", entered.error().c_str());
+    return EXIT_FAILURE;
+  }
 
   Server(
       std::move(widgets),
