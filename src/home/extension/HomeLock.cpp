@@ -36,8 +36,8 @@ std::expected<HomeLock, std::string> HomeLock::take() {
   FileDescriptor file(::open(place.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (file && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
     return std::unexpected(
-        "a home screen is running already, at " + addressIn(file) + "; open that, the first time " +
-        "with the key as in " + place.string() + ", or stop it first");
+        "a home screen is running already, at " + addressIn(file) +
+        "; open that (with its key it stands in " + place.string() + "), or stop it first");
   }
   return HomeLock(std::move(file));
 }

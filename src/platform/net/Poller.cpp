@@ -35,9 +35,9 @@ void Poller::forget(int socket) { ::epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, socke
 void Poller::setAlarm(Clock::time_point time) {
   const auto sinceBoot = time.time_since_epoch();  // as the kernel counts too
   const auto seconds = std::chrono::floor<std::chrono::seconds>(sinceBoot);
-  itimerspec spec{};
-  spec.it_value = {.tv_sec = seconds.count(), .tv_nsec = (sinceBoot - seconds).count()};
-  ::timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME, &spec, nullptr);
+  itimerspec alarm{};
+  alarm.it_value = {.tv_sec = seconds.count(), .tv_nsec = (sinceBoot - seconds).count()};
+  ::timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME, &alarm, nullptr);
 }
 
 void Poller::wake() { ::eventfd_write(waker_.get(), 1); }
