@@ -1,4 +1,4 @@
-# Sourced by ./demo and tools/readme-picture: a throw-away home with the demo gateway running and its business signed in.
+# Sourced by ./demo and tools/readme-pictures: a throw-away home with the demo gateway running and its business signed in.
 
 bin=$PWD/build/release/bin
 home=

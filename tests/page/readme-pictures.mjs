@@ -1,5 +1,5 @@
-// Makes the pictures of the home screen and of the canvas in docs, light and dark: "node
-// readme-pictures.mjs" in this folder, after a release build.
+// The part of tools/readme-pictures that makes the pictures of the home screen and of the canvas,
+// light and dark.
 import { fileURLToPath } from "node:url";
 import { World, launchBrowser, until } from "./World.mjs";
 
