@@ -760,6 +760,8 @@ TEST_F(SupervisorTest, ARenderingThatIsRefusedLeavesNothingToWaitFor) {
   answer("render A", channel::Refused{channel::invalidParams, "no"});
   EXPECT_EQ(shown("A"), "empty");
   EXPECT_THAT(after(2min), IsEmpty());
+  supervisor.programReplaced(now());
+  EXPECT_THAT(answerAllButTimelines(), testing::Contains("placeholder A")) << "of another program";
 }
 
 TEST_F(SupervisorTest, AnAnswerOfAnotherKindIsARefusal) {
@@ -809,6 +811,23 @@ TEST_F(SupervisorTest, AnEndOfTheOldProgramDoesNotPartThePicturesOfTheNewOne) {
   EXPECT_THAT(shown("A"), "a1") << "some of either program";
   answer("render B", channel::Rendering{ui::Text::verbatim("new")});
   EXPECT_THAT(shown("A") + shown("B"), "a2b1");
+}
+
+TEST_F(SupervisorTest, PicturesOfAProgramThatIsReplacedBeforeAllAreThereAreNotShown) {
+  bringUp();
+  reloadAll();
+  supervisor.programReplaced(now());
+  answer("timeline A", timelineOf("a2"));
+  answer("timeline B", timelineOf("b2"));
+  for (const char* first : {"render A", "render B"}) {
+    done();
+    answer("catalogue", catalogueOf({"A", "B"}));
+    done();
+    answerWell(first);
+    EXPECT_EQ(shown("A") + shown("B"), "a1b1") << first;
+    supervisor.programReplaced(now());
+    pass(1s);
+  }
 }
 
 TEST_F(SupervisorTest, AFreshPictureEndsTheWaitForTheKeptOnesNewView) {
