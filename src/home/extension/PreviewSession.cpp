@@ -112,6 +112,9 @@ void PreviewSession::takeReply(const Moment& now, const channel::Reply& reply) {
 }
 
 void PreviewSession::askForRendering(const Moment& now) {
+  if (!session_) {
+    return finish(now, std::unexpected("The extension gave no answer."));
+  }
   const Job& job = jobs_.front().job;
   asked_ = session_->ask(
       now.uptime,
