@@ -32,7 +32,8 @@ const DrawnCard* CardDrawings::ofSnapshot(
   if (kept == snapshots_.end()) {
     kept = snapshots_.emplace(about.kind, draw(about, snapshot)).first;
   }
-  return kept->second ? &*kept->second : nullptr;
+  const std::optional<DrawnCard>& drawn = kept->second;
+  return drawn ? &*drawn : nullptr;
 }
 
 void CardDrawings::keepOnly(const std::function<bool(std::string_view kind)>& isShown) {
