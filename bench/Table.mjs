@@ -1,5 +1,5 @@
 // The table that bench/all prints: what a person waits for, the comparison and the goal.
-import { execFileSync } from "node:child_process";
+import { execFileSync, spawnSync } from "node:child_process";
 import { mkdtempSync, readFileSync, readdirSync, rmSync, utimesSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
@@ -10,6 +10,7 @@ import { World, programs, until } from "../tests/page/World.mjs";
 const root = fileURLToPath(new URL("..", import.meta.url));
 const rows = [["what a person waits for", "today", "beside it", "goal"]];
 const add = (...row) => rows.push(row);
+const median = (values) => values.toSorted((a, b) => a - b)[Math.floor(values.length / 2)];
 const numberIn = (text, pattern) => Number(text.match(pattern)?.[1] ?? NaN);
 
 function seconds(task) {
@@ -33,7 +34,7 @@ function measureBuilds() {
         utimesSync(join(folder, file), new Date(), new Date());
         return seconds(() => shell("ninja -C build/release quillpad-widgets"));
       });
-      add(`${file} saved, to the linked extension`, `${times.sort((a, b) => a - b)[1].toFixed(1)} s`, "", goal);
+      add(`${file} saved, to the linked extension`, `${median(times).toFixed(1)} s`, "", goal);
     }
   } finally {
     rmSync(folder, { recursive: true, force: true });
@@ -59,6 +60,40 @@ function measureRefresh() {
     `bare libcurl: ${numberIn(output, /bare libcurl +median +([\d.]+)/)} us (${numberIn(output, /ratio of medians ([\d.]+)/)})`,
     "1.2 of it",
   );
+}
+
+// In milliseconds, the median of nine runs.
+function timeOf(program, args, env) {
+  return median(
+    Array.from({ length: 9 }, (_, turn) => {
+      const start = performance.now();
+      const { status, stderr } = spawnSync(join(programs, program), args(turn), { env });
+      if (status !== 0) throw new Error(`${program}: ${stderr}`);
+      return performance.now() - start;
+    }),
+  );
+}
+
+function measureCards() {
+  for (const [card, goal] of [["small", "0.95 of bare"], ["medium", "0.85 of bare"]]) {
+    const answer = execFileSync(join(programs, "card_worker"), { input: `${card} 3 250 0 -\n`, encoding: "utf8" });
+    add(`card to PNG at 3x, warm, ${card}`, `${median(JSON.parse(answer).ms).toFixed(3)} ms`, "", goal);
+    const once = timeOf("card_worker", () => ["--once", card, "3", "/dev/null"], process.env);
+    add(`one card cold, ${card}`, `${once.toFixed(1)} ms`, "", "1.1 of bare");
+  }
+}
+
+async function measureMatrix() {
+  const world = new World();
+  try {
+    await world.startGateway();
+    world.signIn();
+    const args = (turn) => ["--extension", world.extension, "gallery", "--all", "-o", join(world.folder, `matrix-${turn}`)];
+    const time = timeOf("quillpad-home", args, world.environment);
+    add("the whole matrix, 2,100 pictures at 2x", `${(time / 1000).toFixed(2)} s`, "", "1 s");
+  } finally {
+    await world.end();
+  }
 }
 
 // Of a process and all its threads.
@@ -117,7 +152,9 @@ async function measureManyWidgets() {
 
 if (process.argv.includes("--build")) measureBuilds();
 measureCommands();
+measureCards();
 measureRefresh();
+await measureMatrix();
 await measureRest();
 await measureManyWidgets();
 const widths = rows[0].map((_, column) => Math.max(...rows.map((row) => row[column].length)));
