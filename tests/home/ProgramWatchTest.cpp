@@ -107,6 +107,8 @@ TEST_F(ProgramWatchTest, TellsOfAWholeProgramAndOfResourcesAndOfNothingElse) {
   EXPECT_FALSE(isReplaced(watch)) << "an empty folder";
   write(resources_ / "fr.lproj" / "texts", "textes");
   EXPECT_TRUE(isReplaced(watch)) << "a translation in a new folder";
+  std::ofstream(program_, std::ios::app) << "";
+  EXPECT_FALSE(isReplaced(watch)) << "the same as before, after a translation";
 }
 
 TEST_F(ProgramWatchTest, FollowsALinkToTheProgram) {
