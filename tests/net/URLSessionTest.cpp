@@ -109,7 +109,8 @@ TEST_F(URLSessionTest, PostsTheBodyAndItsFields) {
   const std::string body("{\"businessId\":\0\"7\"}", 19);
   URLRequest request = postFor(server.address("/invoice?page=1"), body);
   request.setValue("4000", "content-length");
-  request.setValue("evil\r\nInjected: yes", "X-Note");
+  request.setValue("evil\nInjected: yes", "X-Note");
+  request.setValue("evil\rInjected: yes", "X-Other-Note");
   request.setValue("", "X-Empty");
 
   const Result result = fetch(std::move(request));
@@ -125,7 +126,7 @@ TEST_F(URLSessionTest, PostsTheBodyAndItsFields) {
   EXPECT_EQ(got.headerCount("Content-Length"), 1);
   EXPECT_EQ(got.header("Content-Length"), "19");
   EXPECT_EQ(got.header("X-Empty"), "");
-  EXPECT_EQ(got.headerCount("X-Note"), 0);
+  EXPECT_EQ(got.headerCount("X-Note") + got.headerCount("X-Other-Note"), 0);
   EXPECT_EQ(got.headerCount("Injected"), 0);
   EXPECT_EQ(got.headerCount("Cookie"), 0);
 }
