@@ -49,7 +49,7 @@ struct CanvasModel {
 };
 
 // So many are shown, or put into an archive.
-constexpr std::size_t maxCanvasPictures = 20'000;
+inline constexpr std::size_t maxCanvasPictures = 20'000;
 
 // One variant.
 struct CanvasCell {

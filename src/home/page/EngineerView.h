@@ -14,7 +14,7 @@
 #include "home/page/EngineerPage.h"
 #include "home/page/Page.h"
 #include "home/page/PreviewQuery.h"
-#include "home/server/WebServer.h"
+#include "home/server/WebMessages.h"
 #include "platform/paint/Card.h"
 
 namespace quillpad::home {

@@ -3,6 +3,14 @@
 #include <iterator>
 
 namespace quillpad::ui {
+namespace {
+
+View modified(View view, Modifier modifier) {
+  view.modifiers.push_back(std::move(modifier));
+  return view;
+}
+
+}  // namespace
 
 Text Text::verbatim(std::string text) {
   Text view(std::move(text));
@@ -45,9 +53,7 @@ void detail::append(std::vector<View>& children, Group group) {
 
 template <class Self>
 View Modifiable<Self>::padding(EdgeInsets insets) && {
-  View view = std::move(static_cast<Self&>(*this));
-  view.modifiers.emplace_back(Padding{insets});
-  return view;
+  return modified(std::move(static_cast<Self&>(*this)), Padding{insets});
 }
 
 template <class Self>
@@ -57,39 +63,28 @@ View Modifiable<Self>::padding(double length) && {
 
 template <class Self>
 View Modifiable<Self>::frame(Frame frame) && {
-  View view = std::move(static_cast<Self&>(*this));
-  view.modifiers.emplace_back(frame);
-  return view;
+  return modified(std::move(static_cast<Self&>(*this)), frame);
 }
 
 template <class Self>
 View Modifiable<Self>::frame(FlexibleFrame frame) && {
-  View view = std::move(static_cast<Self&>(*this));
-  view.modifiers.emplace_back(frame);
-  return view;
+  return modified(std::move(static_cast<Self&>(*this)), frame);
 }
 
 template <class Self>
 View Modifiable<Self>::background(Color color) && {
-  View view = std::move(static_cast<Self&>(*this));
-  view.modifiers.emplace_back(Background{color});
-  return view;
+  return modified(std::move(static_cast<Self&>(*this)), Background{color});
 }
 
 template <class Self>
 View Modifiable<Self>::clipShape(ClipShape shape) && {
-  View view = std::move(static_cast<Self&>(*this));
-  view.modifiers.emplace_back(shape);
-  return view;
+  return modified(std::move(static_cast<Self&>(*this)), shape);
 }
 
 template <class Self>
 View Modifiable<Self>::widgetURL(const std::optional<URL>& url) && {
   View view = std::move(static_cast<Self&>(*this));
-  if (url) {
-    view.modifiers.emplace_back(WidgetUrl{url->absoluteString()});
-  }
-  return view;
+  return url ? modified(std::move(view), WidgetUrl{url->absoluteString()}) : view;
 }
 
 template struct Modifiable<Text>;
