@@ -177,13 +177,15 @@ TEST_F(TimelinesTest, HelpExplainsEachCommandWithAnExample) {
   EXPECT_THAT(run({"help"}).out, HasSubstr("gallery"));
 }
 
-// What is said on a terminal, on which `script` runs the command.
+// What is said on a terminal, on which `script` runs the command, in the place of its shell: there
+// are shells that stay and die of the Ctrl-C themselves.
 TEST_F(TimelinesTest, ATerminalGetsNoPictureAndIsToldHowToEnd) {
   const std::string out = file("out").string();
   const auto onTerminal = [&](const std::string& typing, const std::string& arguments) {
-    const std::string command =
-        typing + " | timeout 60 script -qec '" HOME_PROGRAM " --extension " EXTENSION_PROGRAM " " +
-        arguments + "' /dev/null >" + out + " 2>&1";
+    const std::string command = typing +
+                                " | timeout 60 script -qec 'exec " HOME_PROGRAM
+                                " --extension " EXTENSION_PROGRAM " " +
+                                arguments + "' /dev/null >" + out + " 2>&1";
     const int status = std::system(command.c_str());
     return std::pair{WEXITSTATUS(status), contentsOf(file("out"))};
   };
