@@ -9,7 +9,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/WholeFile.h"
 
 namespace quillpad::demo {
 namespace {

@@ -22,9 +22,9 @@
 #include "demo/Gateway.h"
 #include "demo/Server.h"
 #include "platform/foundation/Json.h"
-#include "platform/foundation/Random.h"
-#include "platform/foundation/UserFolders.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/Random.h"
+#include "platform/os/UserFolders.h"
+#include "platform/os/WholeFile.h"
 
 using namespace quillpad;
 

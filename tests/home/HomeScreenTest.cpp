@@ -11,7 +11,7 @@
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
 #include "home/page/HomeScreen.h"
-#include "platform/foundation/UserFolders.h"
+#include "platform/os/UserFolders.h"
 
 namespace quillpad::home {
 namespace {

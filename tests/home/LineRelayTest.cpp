@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "home/extension/LineRelay.h"
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad::home {
 namespace {

@@ -16,7 +16,7 @@
 
 #include "fixtures/Loopback.h"
 #include "home/server/WebServer.h"
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad::home {
 namespace {

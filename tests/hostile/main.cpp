@@ -29,7 +29,7 @@
 
 #include "fixtures/TextEntry.h"
 #include "platform/foundation/Clock.h"
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 #include "platform/widgets/WidgetBundle.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include "fixtures/TemporaryHome.h"
 #include "platform/foundation/Iso8601.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/WholeFile.h"
 #include "platform/settings/PropertyList.h"
 
 namespace quillpad {

@@ -9,9 +9,9 @@
 
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
-#include "platform/foundation/FileDescriptor.h"
-#include "platform/foundation/UserFolders.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/FileDescriptor.h"
+#include "platform/os/UserFolders.h"
+#include "platform/os/WholeFile.h"
 #include "platform/settings/SettingsWriter.h"
 #include "platform/settings/UserDefaults.h"
 

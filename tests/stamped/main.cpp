@@ -6,7 +6,7 @@
 
 #include "fixtures/TextEntry.h"
 #include "platform/foundation/Clock.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/WholeFile.h"
 #include "platform/widgets/WidgetBundle.h"
 
 namespace {

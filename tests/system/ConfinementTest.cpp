@@ -7,7 +7,7 @@
 #include "fixtures/Loopback.h"
 #include "home/ScriptedExtension.h"
 #include "platform/foundation/Json.h"
-#include "platform/foundation/Landlock.h"
+#include "platform/os/Landlock.h"
 #include "system/HomeScreen.h"
 
 namespace quillpad {

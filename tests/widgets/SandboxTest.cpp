@@ -8,7 +8,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "platform/foundation/Landlock.h"
+#include "platform/os/Landlock.h"
 #include "platform/widgets/Sandbox.h"
 
 namespace quillpad {

@@ -5,7 +5,7 @@
 
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Json.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/WholeFile.h"
 
 namespace quillpad::home {
 namespace {

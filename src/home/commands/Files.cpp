@@ -5,8 +5,8 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "platform/foundation/FileDescriptor.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/FileDescriptor.h"
+#include "platform/os/WholeFile.h"
 
 namespace quillpad::home {
 namespace {

@@ -9,8 +9,8 @@
 
 #include "home/cards/PictureName.h"
 #include "home/commands/Progress.h"
-#include "platform/foundation/WholeFile.h"
 #include "platform/foundation/ZipWriter.h"
+#include "platform/os/WholeFile.h"
 
 namespace quillpad::home {
 namespace {

@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "platform/foundation/Json.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/WholeFile.h"
 
 namespace quillpad::home {
 namespace {

@@ -18,7 +18,7 @@
 #include "home/extension/Confinement.h"
 #include "home/extension/HomeLock.h"
 #include "home/page/HomeScreen.h"
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad::home {
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "home/extension/Confinement.h"
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad::home {
 

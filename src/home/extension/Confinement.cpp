@@ -15,8 +15,8 @@
 #include <utility>
 
 #include "platform/foundation/Bundle.h"
-#include "platform/foundation/SystemCallFilters.h"
-#include "platform/foundation/UserFolders.h"
+#include "platform/os/SystemCallFilters.h"
+#include "platform/os/UserFolders.h"
 
 namespace quillpad::home {
 namespace {

@@ -10,7 +10,7 @@
 #include <sys/types.h>
 #include <vector>
 
-#include "platform/foundation/Landlock.h"
+#include "platform/os/Landlock.h"
 
 namespace quillpad::home {
 

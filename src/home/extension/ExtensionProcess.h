@@ -20,7 +20,7 @@
 #include "home/extension/PrintedLine.h"
 #include "platform/channel/LineReader.h"
 #include "platform/channel/Messages.h"
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad::home {
 

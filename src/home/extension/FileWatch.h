@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <set>
 
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad::home {
 

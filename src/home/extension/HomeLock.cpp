@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 #include "home/extension/PrintedLine.h"
-#include "platform/foundation/UserFolders.h"
+#include "platform/os/UserFolders.h"
 
 namespace quillpad::home {
 namespace {

@@ -6,7 +6,7 @@
 #include <expected>
 #include <string>
 
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad::home {
 

@@ -15,7 +15,7 @@
 
 #include "home/extension/Moment.h"
 #include "home/extension/ReplacementRule.h"
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad::home {
 

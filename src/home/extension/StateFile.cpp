@@ -6,8 +6,8 @@
 #include "platform/foundation/Decoder.h"
 #include "platform/foundation/Iso8601.h"
 #include "platform/foundation/Json.h"
-#include "platform/foundation/UserFolders.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/UserFolders.h"
+#include "platform/os/WholeFile.h"
 #include "platform/ui/ViewCodec.h"
 
 namespace quillpad::home {

@@ -13,8 +13,8 @@
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Locale.h"
-#include "platform/foundation/Random.h"
-#include "platform/foundation/UserFolders.h"
+#include "platform/os/Random.h"
+#include "platform/os/UserFolders.h"
 
 namespace quillpad::home {
 namespace {

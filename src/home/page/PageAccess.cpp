@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-#include "platform/foundation/Random.h"
-#include "platform/foundation/UserFolders.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/Random.h"
+#include "platform/os/UserFolders.h"
+#include "platform/os/WholeFile.h"
 
 namespace quillpad::home {
 namespace {

@@ -12,9 +12,9 @@
 #include "home/page/PageFiles.h"
 #include "home/page/Select.h"
 #include "platform/foundation/Decoder.h"
-#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/Json.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/FileDescriptor.h"
+#include "platform/os/WholeFile.h"
 
 namespace quillpad::home {
 namespace {

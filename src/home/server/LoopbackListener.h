@@ -5,7 +5,7 @@
 #include <expected>
 #include <system_error>
 
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad::home {
 

@@ -7,7 +7,7 @@
 
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Locale.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/WholeFile.h"
 #include "platform/settings/PropertyList.h"
 
 namespace quillpad {

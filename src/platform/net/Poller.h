@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad {
 

@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "platform/foundation/BackgroundThread.h"
 #include "platform/net/Curl.h"
 #include "platform/net/Poller.h"
 #include "platform/net/Transfer.h"
 #include "platform/net/Transfers.h"
+#include "platform/os/BackgroundThread.h"
 
 namespace quillpad {
 

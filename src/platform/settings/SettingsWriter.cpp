@@ -7,10 +7,10 @@
 #include <sys/stat.h>
 #include <system_error>
 
-#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/NumberText.h"
-#include "platform/foundation/UserFolders.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/FileDescriptor.h"
+#include "platform/os/UserFolders.h"
+#include "platform/os/WholeFile.h"
 #include "platform/settings/PropertyList.h"
 #include "platform/settings/UserDefaults.h"
 

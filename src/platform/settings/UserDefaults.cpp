@@ -1,8 +1,8 @@
 #include "platform/settings/UserDefaults.h"
 
 #include "platform/foundation/NumberText.h"
-#include "platform/foundation/UserFolders.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/UserFolders.h"
+#include "platform/os/WholeFile.h"
 #include "platform/settings/PropertyList.h"
 
 namespace quillpad {

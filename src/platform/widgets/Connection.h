@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/channel/LineReader.h"
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad::widgets {
 

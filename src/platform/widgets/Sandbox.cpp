@@ -19,8 +19,8 @@
 #include <type_traits>
 #include <unistd.h>
 
-#include "platform/foundation/Landlock.h"
-#include "platform/foundation/SystemCallFilters.h"
+#include "platform/os/Landlock.h"
+#include "platform/os/SystemCallFilters.h"
 #include "platform/widgets/Seccomp.h"
 
 namespace quillpad::widgets {

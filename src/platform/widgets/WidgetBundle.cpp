@@ -15,7 +15,7 @@
 
 #include "platform/channel/Messages.h"
 #include "platform/foundation/Fatal.h"
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 #include "platform/widgets/Sandbox.h"
 #include "platform/widgets/Server.h"
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/UserFolders.h"
+#include "platform/os/UserFolders.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "platform/foundation/Random.h"
+#include "platform/os/Random.h"
 
 #include <array>
 #include <sys/random.h>

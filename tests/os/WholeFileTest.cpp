@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include "fixtures/TemporaryHome.h"
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/WholeFile.h"
 
 namespace quillpad {
 namespace {

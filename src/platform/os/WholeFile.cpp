@@ -1,4 +1,4 @@
-#include "platform/foundation/WholeFile.h"
+#include "platform/os/WholeFile.h"
 
 #include <array>
 #include <cerrno>
@@ -9,8 +9,8 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/foundation/FileDescriptor.h"
-#include "platform/foundation/Random.h"
+#include "platform/os/FileDescriptor.h"
+#include "platform/os/Random.h"
 
 namespace quillpad {
 namespace {

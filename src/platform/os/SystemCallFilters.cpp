@@ -1,4 +1,4 @@
-#include "platform/foundation/SystemCallFilters.h"
+#include "platform/os/SystemCallFilters.h"
 
 #include <cstdint>
 #include <linux/seccomp.h>

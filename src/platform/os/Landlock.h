@@ -7,7 +7,7 @@
 #include <expected>
 #include <utility>
 
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/os/FileDescriptor.h"
 
 namespace quillpad {
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/BackgroundThread.h"
+#include "platform/os/BackgroundThread.h"
 
 #include <csignal>
 #include <pthread.h>

@@ -1,4 +1,4 @@
-#include "platform/foundation/Landlock.h"
+#include "platform/os/Landlock.h"
 
 #include <algorithm>
 #include <array>
