@@ -95,7 +95,7 @@ TEST_F(InspectorTest, TellsWhoOfferedAndWhatTheNeighboursTake) {
   EXPECT_THAT(facts[4].rows.back(), Pair("Baselines", "25"));
   EXPECT_THAT(facts[4].rows[facts[4].rows.size() - 2], Pair("Font", "10 medium"));
 
-  const auto mirrored = factsOf(inspected(view, true), Language::wished("ar"));
+  const auto mirrored = factsOf(inspected(view, true), Language::preferred("ar"));
   EXPECT_THAT(mirrored[3].rows.back().second, "\u2066↑ 3 → 5\u2069");
   EXPECT_THAT(mirrored[5].rows[3].second, HasSubstr("\u20660\u2069"));
   EXPECT_THAT(mirrored[0].rows[0].second, HasSubstr("\u2066100 × 40\u2069"));

@@ -6,7 +6,7 @@
 namespace quillpad::home {
 namespace {
 
-TEST(Language, IsTheDearestOfTheWishesThatIsSpoken) {
+TEST(Language, IsTheMostPreferredThatIsSpoken) {
   const std::pair<const char*, const char*> cases[] = {
       {"", "en"},
       {"de", "de"},
@@ -24,16 +24,16 @@ TEST(Language, IsTheDearestOfTheWishesThatIsSpoken) {
       {";;,,=q;q=", "en"},
       {"../../de", "en"},
   };
-  for (const auto& [wishes, tag] : cases) {
-    EXPECT_EQ(Language::wished(wishes).tag(), tag) << wishes;
+  for (const auto& [preferences, tag] : cases) {
+    EXPECT_EQ(Language::preferred(preferences).tag(), tag) << preferences;
   }
-  EXPECT_EQ(Language::wished(std::string(100'000, ',') + "de").tag(), "en");
-  EXPECT_TRUE(Language::wished("ar").isRightToLeft());
-  EXPECT_FALSE(Language::wished("ja").isRightToLeft());
+  EXPECT_EQ(Language::preferred(std::string(100'000, ',') + "de").tag(), "en");
+  EXPECT_TRUE(Language::preferred("ar").isRightToLeft());
+  EXPECT_FALSE(Language::preferred("ja").isRightToLeft());
 }
 
 TEST(Language, PutsValuesIntoItsTexts) {
-  const Language german = Language::wished("de");
+  const Language german = Language::preferred("de");
   EXPECT_EQ(german.text("Reload"), "Neu laden");
   EXPECT_EQ(german.text("nobody says this {1}", {"x"}), "nobody says this x");
   EXPECT_EQ(german.text("Move {1}, {2}", {"{2}", "x"}), "{2} verschieben, x");

@@ -77,8 +77,8 @@ class Client {
   }
 
   explicit Client(std::uint16_t port) : socket_(fixtures::connectedTo(port)) {
-    const timeval patience{10, 0};
-    ::setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    const timeval timeout{10, 0};
+    ::setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
   }
 
   void write(const std::string& bytes) const {
@@ -180,7 +180,7 @@ TEST(WebServer, AnswersLaterWhenThereIsSomethingToSay) {
   EXPECT_THAT(client.readUntil("at last"), HasSubstr("at last"));
 }
 
-TEST(WebServer, AnswersLaterWithoutAChangeOnceItsPatienceIsOver) {
+TEST(WebServer, AnswersLaterWithoutAChangeOnceItTimesOut) {
   for (const auto pause : {0ms, 20ms}) {
     int asked = 0;
     const RunningServer server([&](const WebRequest&) -> WebReply {
@@ -188,7 +188,7 @@ TEST(WebServer, AnswersLaterWithoutAChangeOnceItsPatienceIsOver) {
           .take = [&]() -> std::optional<WebAnswer> {
             return asked++ > 0 ? std::optional(WebAnswer{.body = "enough"}) : std::nullopt;
           },
-          .patience = pause};
+          .timeout = pause};
     });
     EXPECT_THAT(ask(server, "GET /", server.own()), HasSubstr("enough"));
   }

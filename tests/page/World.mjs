@@ -28,8 +28,8 @@ const browserFlags = [
 ];
 
 // Asks until the answer is true; says what was waited for when it never is.
-export async function until(what, answer, patience = 30_000) {
-  const end = Date.now() + patience;
+export async function until(what, answer, timeout = 30_000) {
+  const end = Date.now() + timeout;
   for (;;) {
     if (await answer()) return;
     if (Date.now() > end) throw new Error(`waited in vain: ${what}`);

@@ -36,9 +36,9 @@ std::vector<Cluster> clustersOf(std::string_view text) {
 
 std::string shown(std::string_view text, const Line& line) {
   std::string result(text.substr(line.begin, line.end - line.begin));
-  return result + (line.sign == Line::Sign::hyphen     ? "="
-                   : line.sign == Line::Sign::ellipsis ? "…"
-                                                       : "");
+  return result + (line.suffix == Line::Suffix::hyphen     ? "="
+                   : line.suffix == Line::Suffix::ellipsis ? "…"
+                                                           : "");
 }
 
 TEST(Lines, BreakAtTheLastPlaceThatFits) {
@@ -123,29 +123,31 @@ ShapedText bidirectional(std::string_view text, bool paragraphRightToLeft) {
 }
 
 TEST(Lines, StandFromLeftToRight) {
-  using enum Line::Sign;
-  const std::tuple<const char*, bool, std::size_t, std::size_t, Line::Sign, const char*> cases[] = {
-      {"ab CDE fg", false, 0, 9, none, "ab EDC fg"},
-      {"ab CDE fg", false, 0, 5, none, "ab DC"},  // the run goes on in the next line
-      {"ab CDE fg", false, 5, 9, none, "E fg"},
-      {"ab CDE fg", false, 4, 6, none, "ED"},
-      {"ab CDE fg", false, 1, 4, ellipsis, "b C."},
-      {"ab CDE", false, 0, 6, ellipsis, "ab EDC."},
-      {"CDE", false, 0, 3, hyphen, ".EDC"},
-      {"CD ab 12 EF", true, 0, 11, none, "FE 12 ab DC"},
-      {"CD ab 12 EF", true, 0, 4, none, "a DC"},
-      {"CD ab 12 EF", true, 4, 10, none, "E 12 b"},
-      {"CD ab", true, 0, 5, ellipsis, ".ab DC"},
-      {"CD ab", true, 0, 5, hyphen, "ab. DC"},
-      {"CD ab", true, 3, 3, ellipsis, "."},
-      {"CD ab", true, 3, 3, none, ""},
-  };
-  const ShapedText sign{.text = ".", .clusters = clustersOf("."), .runs = {{}}, .glyphs = {{'.'}}};
-  for (const auto& [words, rightToLeft, begin, end, lineSign, expected] : cases) {
+  using enum Line::Suffix;
+  const std::tuple<const char*, bool, std::size_t, std::size_t, Line::Suffix, const char*> cases[] =
+      {
+          {"ab CDE fg", false, 0, 9, none, "ab EDC fg"},
+          {"ab CDE fg", false, 0, 5, none, "ab DC"},  // the run goes on in the next line
+          {"ab CDE fg", false, 5, 9, none, "E fg"},
+          {"ab CDE fg", false, 4, 6, none, "ED"},
+          {"ab CDE fg", false, 1, 4, ellipsis, "b C."},
+          {"ab CDE", false, 0, 6, ellipsis, "ab EDC."},
+          {"CDE", false, 0, 3, hyphen, ".EDC"},
+          {"CD ab 12 EF", true, 0, 11, none, "FE 12 ab DC"},
+          {"CD ab 12 EF", true, 0, 4, none, "a DC"},
+          {"CD ab 12 EF", true, 4, 10, none, "E 12 b"},
+          {"CD ab", true, 0, 5, ellipsis, ".ab DC"},
+          {"CD ab", true, 0, 5, hyphen, "ab. DC"},
+          {"CD ab", true, 3, 3, ellipsis, "."},
+          {"CD ab", true, 3, 3, none, ""},
+      };
+  const ShapedText suffix{
+      .text = ".", .clusters = clustersOf("."), .runs = {{}}, .glyphs = {{'.'}}};
+  for (const auto& [words, rightToLeft, begin, end, lineSuffix, expected] : cases) {
     const ShapedText text = bidirectional(words, rightToLeft);
-    const Line line{.begin = begin, .end = end, .next = end, .sign = lineSign};
+    const Line line{.begin = begin, .end = end, .next = end, .suffix = lineSuffix};
     std::string fromLeft;
-    for (const LinePart& part : partsFromLeft(text, line, sign)) {
+    for (const LinePart& part : partsFromLeft(text, line, suffix)) {
       for (const ShapedGlyph& glyph : part.glyphs) {
         fromLeft += static_cast<char>(glyph.id);
       }

@@ -17,7 +17,7 @@
 namespace quillpad::home {
 namespace {
 
-constexpr std::size_t maxWishes = 32;
+constexpr std::size_t maxPreferences = 32;
 
 using Texts = std::map<std::string, std::string, std::less<>>;
 
@@ -40,32 +40,34 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(0, text.find_last_not_of(" \t") + 1);
 }
 
-struct Wish {
+struct Preference {
   std::string tag;
   double weight = 1;
 };
 
-Wish wishIn(std::string_view item) {
+Preference preferenceIn(std::string_view item) {
   const std::size_t end = item.find(';');
-  Wish wish{.tag = std::string(trimmed(item.substr(0, end)))};
+  Preference preference{.tag = std::string(trimmed(item.substr(0, end)))};
   if (const std::size_t q = item.find("q=", std::min(end, item.size())); q != item.npos) {
-    wish.weight = 0;
-    std::from_chars(item.data() + q + 2, item.data() + item.size(), wish.weight);
+    preference.weight = 0;
+    std::from_chars(item.data() + q + 2, item.data() + item.size(), preference.weight);
   }
-  return wish;
+  return preference;
 }
 
-// The dearest first.
-std::vector<Wish> wishesIn(std::string_view list) {
-  std::vector<Wish> wishes;
-  while (!list.empty() && wishes.size() < maxWishes) {
+// The most preferred first.
+std::vector<Preference> preferencesIn(std::string_view list) {
+  std::vector<Preference> preferences;
+  while (!list.empty() && preferences.size() < maxPreferences) {
     const std::size_t end = std::min(list.find(','), list.size());
-    wishes.push_back(wishIn(list.substr(0, end)));
+    preferences.push_back(preferenceIn(list.substr(0, end)));
     list.remove_prefix(std::min(end + 1, list.size()));
   }
-  std::erase_if(wishes, [](const Wish& wish) { return wish.tag.empty() || !(wish.weight > 0); });
-  std::ranges::stable_sort(wishes, std::greater(), &Wish::weight);
-  return wishes;
+  std::erase_if(preferences, [](const Preference& preference) {
+    return preference.tag.empty() || !(preference.weight > 0);
+  });
+  std::ranges::stable_sort(preferences, std::greater(), &Preference::weight);
+  return preferences;
 }
 
 }  // namespace
@@ -87,9 +89,9 @@ const Language::Catalogue* Language::catalogueOf(std::string_view tag) {
   return found == all.end() ? nullptr : &*found;
 }
 
-Language Language::wished(std::string_view wishes) {
-  for (const Wish& wish : wishesIn(wishes)) {
-    for (const std::string& language : languagesOf(wish.tag)) {
+Language Language::preferred(std::string_view preferences) {
+  for (const Preference& preference : preferencesIn(preferences)) {
+    for (const std::string& language : languagesOf(preference.tag)) {
       const Catalogue* catalogue = catalogueOf(language);
       if (catalogue != nullptr || language == "en") {
         return Language(catalogue);

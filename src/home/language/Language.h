@@ -14,9 +14,9 @@ class Language {
   // English.
   Language() = default;
 
-  // The first of the wishes that is spoken: tags as in Accept-Language, "de-AT,fr;q=0.7". English
+  // The most preferred one that is spoken, of tags as in Accept-Language, "de-AT,fr;q=0.7". English
   // where there is none.
-  static Language wished(std::string_view wishes);
+  static Language preferred(std::string_view preferences);
 
   // For HTML's lang: "zh-Hans".
   std::string_view tag() const;

@@ -36,11 +36,11 @@ struct WebAnswer {
   std::vector<std::pair<std::string, std::string>> headers{};
 };
 
-// An answer that is still to come: asked for after every change, and once its patience is over even
+// An answer that is still to come: asked for after every change, and once its timeout is over even
 // if nothing changes.
 struct LaterAnswer {
   std::function<std::optional<WebAnswer>()> take;
-  std::optional<std::chrono::milliseconds> patience{};
+  std::optional<std::chrono::milliseconds> timeout{};
 };
 
 // A stream of events without an end: asked after every change for what to send next, nothing for

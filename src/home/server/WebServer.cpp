@@ -179,7 +179,7 @@ class WebServer::Engine {
     }
     auto deadline = timers_.nextDeadline().value_or(Clock::time_point::max());
     for (const Exchange* exchange : suspended_) {
-      deadline = std::min(deadline, exchange->patienceEnds);
+      deadline = std::min(deadline, exchange->timeoutAt);
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     return std::clamp(left, 0ms, timeout);
@@ -192,7 +192,7 @@ class WebServer::Engine {
       hangUp(connection);
     }
     bool isDue = std::ranges::any_of(
-        suspended_, [&](const Exchange* exchange) { return now >= exchange->patienceEnds; });
+        suspended_, [&](const Exchange* exchange) { return now >= exchange->timeoutAt; });
     if (now >= nextHeartbeat_) {
       isDue = true;
       nextHeartbeat_ = now + limits_.heartbeat;
@@ -212,8 +212,8 @@ class WebServer::Engine {
     for (Exchange* exchange : std::vector(suspended_)) {
       if (exchange->later) {
         exchange->answer = exchange->later();
-        if (now >= exchange->patienceEnds) {
-          exchange->patienceEnds = Clock::time_point::max();
+        if (now >= exchange->timeoutAt) {
+          exchange->timeoutAt = Clock::time_point::max();
         }
       }
       if (exchange->answer || (exchange->stream && exchange->stream->hasMore()) ||
@@ -231,7 +231,7 @@ class WebServer::Engine {
     MHD_Connection* connection = nullptr;
     std::optional<WebAnswer> answer{};
     std::function<std::optional<WebAnswer>()> later{};
-    Clock::time_point patienceEnds = Clock::time_point::max();
+    Clock::time_point timeoutAt = Clock::time_point::max();
     std::optional<StreamReader> stream{};
     std::optional<FileReader> file{};
     WebAnswer fileHead{};
@@ -274,8 +274,8 @@ class WebServer::Engine {
     } else if (auto* later = std::get_if<LaterAnswer>(&reply)) {
       exchange.answer = later->take();
       exchange.later = std::move(later->take);
-      if (later->patience) {
-        exchange.patienceEnds = Clock::now() + *later->patience;
+      if (later->timeout) {
+        exchange.timeoutAt = Clock::now() + *later->timeout;
       }
       if (!exchange.answer && waitingAnswers() >= limits_.laterAnswers) {
         exchange.answer = plainAnswer(503, "The home screen is busy. Try again in a moment.");

@@ -15,24 +15,24 @@ namespace {
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
-// The signs that may stand in each part as they are, beside letters and digits.
-constexpr std::string_view userSigns = "-._~!$&'()*+,;=:";
-constexpr std::string_view hostSigns = "-._~!$&'()*+,;=";
-constexpr std::string_view pathSigns = "-._~!$&'()*+,;=:@/";
-constexpr std::string_view querySigns = "-._~!$&'()*+,;=:@/?";
+// The characters that may stand in each part as they are, beside letters and digits.
+constexpr std::string_view userCharacters = "-._~!$&'()*+,;=:";
+constexpr std::string_view hostCharacters = "-._~!$&'()*+,;=";
+constexpr std::string_view pathCharacters = "-._~!$&'()*+,;=:@/";
+constexpr std::string_view queryCharacters = "-._~!$&'()*+,;=:@/?";
 
-bool mayStand(char c, std::string_view signs) {
-  return isLetter(c) || isDigit(c) || signs.contains(c);
+bool mayStand(char c, std::string_view allowed) {
+  return isLetter(c) || isDigit(c) || allowed.contains(c);
 }
 
-bool isValid(std::string_view part, std::string_view signs) {
+bool isValid(std::string_view part, std::string_view allowed) {
   for (std::size_t i = 0; i < part.size(); ++i) {
     if (part[i] == '%') {
       if (i + 2 >= part.size() || !isHexDigit(part[i + 1]) || !isHexDigit(part[i + 2])) {
         return false;
       }
       i += 2;
-    } else if (!mayStand(part[i], signs)) {
+    } else if (!mayStand(part[i], allowed)) {
       return false;
     }
   }
@@ -40,13 +40,13 @@ bool isValid(std::string_view part, std::string_view signs) {
 }
 
 // A part with one character out of place is encoded anew as a whole, its "%" too, as on the phone.
-std::string encoded(std::string_view part, std::string_view signs) {
-  if (isValid(part, signs)) {
+std::string encoded(std::string_view part, std::string_view allowed) {
+  if (isValid(part, allowed)) {
     return std::string(part);
   }
   std::string text;
   for (const char c : part) {
-    if (mayStand(c, signs)) {
+    if (mayStand(c, allowed)) {
       text += c;
     } else {
       text += "%" + upperHexByte(static_cast<unsigned char>(c));
@@ -83,7 +83,7 @@ std::optional<std::string> internationalHost(std::string_view host) {
     return std::nullopt;
   }
   const std::string ascii(text.data(), static_cast<std::size_t>(length));
-  return isValid(ascii, hostSigns) ? std::optional(ascii) : std::nullopt;
+  return isValid(ascii, hostCharacters) ? std::optional(ascii) : std::nullopt;
 }
 
 std::optional<std::string> hostOf(std::string_view text) {
@@ -94,7 +94,7 @@ std::optional<std::string> hostOf(std::string_view text) {
         std::ranges::all_of(address, [](char c) { return isHexDigit(c) || c == ':' || c == '.'; });
     return isAddress ? std::optional(std::string(text)) : std::nullopt;
   }
-  if (isValid(text, hostSigns)) {
+  if (isValid(text, hostCharacters)) {
     return std::string(text);
   }
   const bool isAscii =
@@ -111,7 +111,7 @@ struct Authority {
 std::optional<Authority> authorityOf(std::string_view text) {
   Authority authority;
   if (const std::size_t at = text.rfind('@'); at != std::string_view::npos) {
-    authority.user = encoded(text.substr(0, at), userSigns) + "@";
+    authority.user = encoded(text.substr(0, at), userCharacters) + "@";
     text.remove_prefix(at + 1);
   }
   const std::size_t colon = text.find(':', text.starts_with('[') ? text.find(']') : 0);
@@ -135,9 +135,9 @@ std::optional<URL> URL::parse(std::string_view text) {
   if (text.empty() || !isUtf8(text)) {
     return std::nullopt;
   }
-  // Takes the front of the text up to the first of the signs.
-  const auto takeUntil = [&text](std::string_view signs) {
-    const std::string_view front = text.substr(0, text.find_first_of(signs));
+  // Takes the front of the text up to the first of the delimiters.
+  const auto takeUntil = [&text](std::string_view delimiters) {
+    const std::string_view front = text.substr(0, text.find_first_of(delimiters));
     text.remove_prefix(front.size());
     return front;
   };
@@ -161,13 +161,13 @@ std::optional<URL> URL::parse(std::string_view text) {
     url.text_ += "//" + authority->user + authority->host + authority->port;
     url.host_ = std::move(authority->host);
   }
-  url.text_ += encoded(takeUntil("?#"), pathSigns);
+  url.text_ += encoded(takeUntil("?#"), pathCharacters);
   if (text.starts_with('?')) {
     text.remove_prefix(1);
-    url.text_ += "?" + encoded(takeUntil("#"), querySigns);
+    url.text_ += "?" + encoded(takeUntil("#"), queryCharacters);
   }
   if (text.starts_with('#')) {
-    url.text_ += "#" + encoded(text.substr(1), querySigns);
+    url.text_ += "#" + encoded(text.substr(1), queryCharacters);
   }
   return url;
 }

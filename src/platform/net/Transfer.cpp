@@ -85,7 +85,7 @@ bool fitsOnOneLine(std::string_view text) {
   return std::ranges::none_of(text, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
 }
 
-// The current locale, of this thread, as a wish: "de-DE, de;q=0.9".
+// The current locale, of this thread, as Accept-Language has it: "de-DE, de;q=0.9".
 std::string acceptedLanguages() {
   std::string tag = currentLocale();
   tag.erase(std::min(tag.find("_POSIX"), tag.size()));
@@ -219,7 +219,7 @@ void Transfer::setHeaders(CURL* handle) {
     if (isReserved(field) || isWrongLength || !fitsOnOneLine(field) || !fitsOnOneLine(value)) {
       continue;
     }
-    // libcurl takes "Field:" as the wish not to send it, and "Field;" as an empty value.
+    // libcurl takes "Field:" as a request not to send it, and "Field;" as an empty value.
     add(value.empty() ? field + ";" : field + ": " + std::string(value));
   }
   curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers_.get());

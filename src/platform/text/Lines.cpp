@@ -6,9 +6,9 @@ namespace quillpad::drawing {
 namespace {
 
 std::vector<LinePart> inOrderOfReading(
-    const ShapedText& text, const Line& line, const ShapedText& sign) {
+    const ShapedText& text, const Line& line, const ShapedText& suffix) {
   std::vector<LinePart> parts;
-  std::uint8_t signLevel = 0;
+  std::uint8_t suffixLevel = 0;
   for (std::size_t begin = line.begin; begin < line.end;) {
     const Cluster& first = text.clusters[begin];
     std::size_t end = begin;
@@ -22,11 +22,13 @@ std::vector<LinePart> inOrderOfReading(
     const Cluster& right = isLeftToRight ? last : first;
     const std::size_t count = right.firstGlyph + right.glyphCount - left.firstGlyph;
     parts.push_back({run.font, run.level, std::span(text.glyphs).subspan(left.firstGlyph, count)});
-    signLevel = line.sign == Line::Sign::hyphen ? run.level : run.paragraphRightToLeft ? 1 : 0;
+    suffixLevel = line.suffix == Line::Suffix::hyphen ? run.level
+                  : run.paragraphRightToLeft          ? 1
+                                                      : 0;
     begin = end;
   }
-  if (line.sign != Line::Sign::none) {
-    parts.push_back({sign.runs.front().font, signLevel, sign.glyphs});
+  if (line.suffix != Line::Suffix::none) {
+    parts.push_back({suffix.runs.front().font, suffixLevel, suffix.glyphs});
   }
   return parts;
 }
@@ -58,7 +60,7 @@ Line breakLine(
     } else if (cluster.breakAfter == Break::hyphen && filled.width + hyphenWidth <= limit) {
       broken = filled;
       broken.width += hyphenWidth;
-      broken.sign = Line::Sign::hyphen;
+      broken.suffix = Line::Suffix::hyphen;
     }
   }
   return filled;
@@ -71,7 +73,7 @@ Line truncateLine(
     return line;
   }
   line.width = ellipsisWidth;
-  line.sign = Line::Sign::ellipsis;
+  line.suffix = Line::Suffix::ellipsis;
   double length = ellipsisWidth;
   for (std::size_t i = begin; i < clusters.size(); ++i) {
     length += clusters[i].advance;
@@ -87,8 +89,8 @@ Line truncateLine(
 }
 
 std::vector<LinePart> partsFromLeft(
-    const ShapedText& text, const Line& line, const ShapedText& sign) {
-  std::vector<LinePart> parts = inOrderOfReading(text, line, sign);
+    const ShapedText& text, const Line& line, const ShapedText& suffix) {
+  std::vector<LinePart> parts = inOrderOfReading(text, line, suffix);
   if (parts.size() < 2) {
     return parts;
   }

@@ -13,14 +13,14 @@ namespace quillpad::drawing {
 
 // Clusters of a text, without the spaces that hang over the line's end.
 struct Line {
-  // A sign that the text does not have, drawn behind the last cluster.
-  enum class Sign : std::uint8_t { none, hyphen, ellipsis };
+  // What is drawn behind the last cluster though the text does not have it.
+  enum class Suffix : std::uint8_t { none, hyphen, ellipsis };
 
   std::size_t begin = 0;
   std::size_t end = 0;
   std::size_t next = 0;  // where the next line begins
-  double width = 0;      // with the sign
-  Sign sign = Sign::none;
+  double width = 0;      // with the suffix
+  Suffix suffix = Suffix::none;
   friend bool operator==(const Line&, const Line&) = default;
 };
 
@@ -42,10 +42,10 @@ struct LinePart {
   std::span<const ShapedGlyph> glyphs;
 };
 
-// The line's parts in the order in which they stand. The line's sign, if it has one, comes behind
+// The line's parts in the order in which they stand. The line's suffix, if it has one, comes behind
 // the last cluster in the order of reading: a hyphen belongs to the word before it, an ellipsis to
 // the paragraph.
 std::vector<LinePart> partsFromLeft(
-    const ShapedText& text, const Line& line, const ShapedText& sign);
+    const ShapedText& text, const Line& line, const ShapedText& suffix);
 
 }  // namespace quillpad::drawing

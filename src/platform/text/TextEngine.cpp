@@ -24,8 +24,8 @@ std::size_t linesThatFit(double height, double size) {
   return static_cast<std::size_t>(std::clamp(lines, 1.0, maxLines));
 }
 
-// In the order of Line::Sign.
-constexpr std::array<const char*, 3> signTexts{"", "-", "…"};
+// In the order of Line::Suffix.
+constexpr std::array<const char*, 3> suffixTexts{"", "-", "…"};
 
 }  // namespace
 
@@ -56,18 +56,18 @@ LazyText& TextEngine::shaped(const ui::Text& text, const TextPlace& place) {
   return *young_.emplace(std::move(key), std::move(kept)).first->second;
 }
 
-const ShapedText& TextEngine::sign(Line::Sign sign, ui::Weight weight) {
-  const auto number = static_cast<std::size_t>(sign);
-  auto& text = signs_.at(static_cast<std::size_t>(weight)).at(number);
+const ShapedText& TextEngine::suffix(Line::Suffix suffix, ui::Weight weight) {
+  const auto number = static_cast<std::size_t>(suffix);
+  auto& text = suffixes_.at(static_cast<std::size_t>(weight)).at(number);
   if (!text) {
-    text = std::make_unique<LazyText>(signTexts.at(number), TextStyle{.weight = weight});
+    text = std::make_unique<LazyText>(suffixTexts.at(number), TextStyle{.weight = weight});
     text->reaches(0, tools_);
   }
   return text->shaped();
 }
 
-double TextEngine::signWidth(Line::Sign which, ui::Weight weight) {
-  return sign(which, weight).clusters.front().advance;
+double TextEngine::suffixWidth(Line::Suffix which, ui::Weight weight) {
+  return suffix(which, weight).clusters.front().advance;
 }
 
 // Shapes as much of the text as the line needs, and looks for breaks only where it overflows.
@@ -79,7 +79,8 @@ Line TextEngine::nextLine(LazyText& text, std::size_t begin, double limit) {
   }
   if (line.next < clusters.size() && clusters[line.next - 1].breakAfter != Break::required) {
     text.findBreaks(tools_);
-    line = breakLine(clusters, begin, limit, signWidth(Line::Sign::hyphen, text.style().weight));
+    line =
+        breakLine(clusters, begin, limit, suffixWidth(Line::Suffix::hyphen, text.style().weight));
   }
   return line;
 }
@@ -92,7 +93,7 @@ void TextEngine::breakLines(LazyText& text, double size, Size proposed) {
     Line line = nextLine(text, begin, limit);
     begin = line.next;
     if (lines_.size() + 1 == maxLines && text.reaches(begin, tools_)) {
-      const double ellipsis = signWidth(Line::Sign::ellipsis, text.style().weight);
+      const double ellipsis = suffixWidth(Line::Suffix::ellipsis, text.style().weight);
       line = truncateLine(text.shaped().clusters, line.begin, limit, ellipsis);
     }
     lines_.push_back(line);
@@ -122,8 +123,8 @@ TextEngine::Setting TextEngine::set(const ui::Text& text, const TextPlace& place
   for (const Line& line : lines_) {
     const double y = roundedToPixel(baseline, place.scale);
     double x = place.rightToLeft ? frame.x + frame.width - line.width * size : frame.x;
-    const ShapedText& sign = this->sign(line.sign, text.textFont.weight);
-    for (const LinePart& part : partsFromLeft(source.shaped(), line, sign)) {
+    const ShapedText& suffix = this->suffix(line.suffix, text.textFont.weight);
+    for (const LinePart& part : partsFromLeft(source.shaped(), line, suffix)) {
       if (setting.runs.empty() || setting.runs.back().font != part.font) {
         setting.runs.push_back({.font = part.font, .size = size, .glyphs = {}});
       }
@@ -140,7 +141,7 @@ TextEngine::Setting TextEngine::set(const ui::Text& text, const TextPlace& place
     const std::size_t end = lines_.back().end;
     const ShapedText& shaped = source.shaped();
     setting.text = shaped.text.substr(0, end == 0 ? 0 : shaped.clusters[end - 1].textEnd);
-    if (lines_.back().sign == Line::Sign::ellipsis) {
+    if (lines_.back().suffix == Line::Suffix::ellipsis) {
       setting.text += "…";
     }
   }

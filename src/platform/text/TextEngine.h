@@ -50,13 +50,13 @@ class TextEngine {
   // The lines that fit, into lines_.
   void breakLines(LazyText& text, double size, Size proposed);
   Line nextLine(LazyText& text, std::size_t begin, double limit);
-  const ShapedText& sign(Line::Sign sign, ui::Weight weight);
-  double signWidth(Line::Sign which, ui::Weight weight);
+  const ShapedText& suffix(Line::Suffix suffix, ui::Weight weight);
+  double suffixWidth(Line::Suffix which, ui::Weight weight);
 
   TextTools tools_;
   std::vector<Line> lines_;
 
-  std::array<std::array<std::unique_ptr<LazyText>, 3>, 3> signs_;  // by weight
+  std::array<std::array<std::unique_ptr<LazyText>, 3>, 3> suffixes_;  // by weight
 
   // Two generations: a text that was not asked for while the younger one filled up goes.
   struct Key {

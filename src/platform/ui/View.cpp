@@ -5,8 +5,9 @@
 namespace quillpad::ui {
 namespace {
 
-View modified(View view, Modifier modifier) {
-  view.modifiers.push_back(std::move(modifier));
+template <class T>
+View modified(View view, T modifier) {
+  view.modifiers.emplace_back(std::in_place_type<T>, std::move(modifier));
   return view;
 }
 
