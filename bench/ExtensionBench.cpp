@@ -161,8 +161,8 @@ void takeTimelines(
           giveUp("no timeline");
         }
         ++answers.timelines;
-      } else if (const auto* notice = std::get_if<channel::TransferNotice>(&event)) {
-        answers.failedTransfers += notice->report.error ? 1 : 0;
+      } else if (const auto* transfer = std::get_if<TransferReport>(&event)) {
+        answers.failedTransfers += transfer->error ? 1 : 0;
       } else if (const auto* end = std::get_if<home::SessionEnd>(&event)) {
         giveUp("the extension ended: " + end->lastWords);
       }

@@ -19,7 +19,6 @@ void quillpad::tryInput(std::string_view input) {
         {.kind = "Card",
          .scale = 1 + static_cast<int>(choice % 3),
          .rightToLeft = choice > 127,
-         .redaction =
-             choice % 5 == 4 ? drawing::Redaction::placeholder : drawing::Redaction::none});
+         .redacted = choice % 5 == 4});
   }
 }

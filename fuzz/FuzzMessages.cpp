@@ -19,9 +19,8 @@ void quillpad::tryInput(std::string_view input) {
       continue;
     }
     const auto* reply = std::get_if<channel::NumberedReply>(&*message);
-    const std::string sent = reply != nullptr
-                                 ? channel::encode(*reply)
-                                 : channel::encode(std::get<channel::TransferNotice>(*message));
+    const std::string sent = reply != nullptr ? channel::encode(*reply)
+                                              : channel::encode(std::get<TransferReport>(*message));
     expect(channel::decodeFromExtension(sent, methodOfId).has_value());
   }
 }

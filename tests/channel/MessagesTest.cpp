@@ -59,7 +59,7 @@ TEST(MessagesTest, EachDocumentedLineIsReadAndWrittenAsItStands) {
       EXPECT_EQ(encode(*reply), line);
     } else {
       ++transfers;
-      EXPECT_EQ(encode(std::get<TransferNotice>(*message)), line);
+      EXPECT_EQ(encode(std::get<TransferReport>(*message)), line);
     }
   }
   EXPECT_EQ(asked.size(), std::variant_size_v<Request>);

@@ -24,7 +24,7 @@ TEST(CanvasPage, ShowsTheVariantsThatAreChosen) {
   const std::pair<CanvasQuery, std::size_t> cases[] = {
       {{}, 20},
       {{.screen = CanvasQuery::everything}, 200},
-      {{.entry = "two", .appearance = "dark"}, 2},
+      {{.entry = "two", .appearance = ui::Appearance::dark}, 2},
       {{.entry = "snapshot", .language = "de"}, 2},
       {{.language = "fr"}, 0},
       {{.entry = "nobody"}, 0},
@@ -36,7 +36,8 @@ TEST(CanvasPage, ShowsTheVariantsThatAreChosen) {
 
 TEST(CanvasPage, EachPictureLeadsToItselfInTheEngineersView) {
   const CanvasModel model{
-      .query = {.entry = "one", .language = "de", .appearance = "dark", .currency = "€"},
+      .query =
+          {.entry = "one", .language = "de", .appearance = ui::Appearance::dark, .currency = "€"},
       .widgets = {widget},
       .problem = "a <problem>"};
   const std::string choices =
@@ -72,7 +73,8 @@ TEST(CanvasPage, WhatIsWrongInTheAddressHasItsUsualValue) {
       .path = "/",
       .parameters = {{"screen", "1x1"}, {"appearance", "sepia"}, {"kind", "<K>"}}};
   const CanvasQuery query = CanvasQuery::parse(request);
-  EXPECT_EQ(query.screen + query.appearance + query.kind, "<K>");
+  EXPECT_EQ(query.screen + query.kind, "<K>");
+  EXPECT_EQ(query.appearance, ui::Appearance::unspecified);
 }
 
 }  // namespace

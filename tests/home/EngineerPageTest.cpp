@@ -76,12 +76,12 @@ drawing::DisplayList cardOf(const std::string& text) {
 
 TEST(EngineerPage, ShowsEveryColumnWithItsPictures) {
   EngineerModel model{
-      .query = {.kind = "<K>", .boxes = true, .state = PreviewState::snapshot, .entry = "{<\"}"},
+      .query = {.kind = "<K>", .boxes = true, .source = EntrySource::snapshot, .entry = "{<\"}"},
       .kinds = {"<K>", "Other"},
       .languages = {"de"},
       .columns =
-          {{.state = PreviewState::timeline, .reason = "It said <b>no</b>."},
-           {.state = PreviewState::entry,
+          {{.source = EntrySource::timeline, .reason = "It said <b>no</b>."},
+           {.source = EntrySource::given,
             .date = "2026-03-07",
             .card = drawing::Inspection{cardOf("<i>"), {}, {-1}},
             .pictures =
@@ -103,8 +103,8 @@ TEST(EngineerPage, ShowsEveryColumnWithItsPictures) {
           HasSubstr("/picture.png?kind=%3CK%3E&amp;appearance=light&amp;state=entry&amp;entry="),
           HasSubstr("placeholder=\"{&quot;sample&quot;}\"")));
 
-  model.query.state = PreviewState::entry;
-  model.query.format = PreviewQuery::Format::png;
+  model.query.source = EntrySource::given;
+  model.query.format = PictureFormat::png;
   model.query.boxes = false;
   EXPECT_THAT(
       engineerPage(model, {}).html(),

@@ -12,8 +12,8 @@ TEST(HomeLock, IsHeldByOneHomeScreenWhoseAddressOthersAreTold) {
   std::optional first = HomeLock::take();
   ASSERT_TRUE(*first);
   EXPECT_THAT(HomeLock::take().error(), testing::HasSubstr("has not told yet"));
-  (**first).tell("http://127.0.0.1:8480/the/longer/one/before");
-  (**first).tell("http://127.0.0.1:8480/?key=0a");
+  (**first).setAddress("http://127.0.0.1:8480/the/longer/one/before");
+  (**first).setAddress("http://127.0.0.1:8480/?key=0a");
   EXPECT_THAT(HomeLock::take().error(), testing::HasSubstr(", at http://127.0.0.1:8480/;"));
   first.reset();
   EXPECT_TRUE(HomeLock::take());

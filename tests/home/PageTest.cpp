@@ -121,12 +121,12 @@ TEST(Page, KeptFiguresSaySinceWhenAndWhatThePhoneShowsWaitsInATemplate) {
 TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   using Cause = Problem::Cause;
   const channel::CatalogueItem item{"A", "A", "", {}, {}, {}};
-  const Picture live{.source = Picture::Source::timeline, .entry = {}, .received = noon};
-  Picture placeholder = live;
-  placeholder.source = Picture::Source::placeholder;
-  Picture fallback = live;
+  const RenderedEntry live{.source = EntrySource::timeline, .entry = {}, .received = noon};
+  RenderedEntry placeholder = live;
+  placeholder.source = EntrySource::placeholder;
+  RenderedEntry fallback = live;
   fallback.failure = TransportError{-1004, "Could not connect to the server."};
-  Picture restored = live;
+  RenderedEntry restored = live;
   restored.restored = true;
   const Problem dropped{Cause::dropped, "It has no hands.", "", noon};
   const Problem droppedSilently{Cause::dropped, "", "", noon};
@@ -134,7 +134,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   const Problem late{Cause::late, "90 s", "", noon};
   const Problem tooLarge{Cause::overMemory, "it used 41 MiB, the limit is 30 MiB", "", noon};
   using Words = std::vector<const char*>;
-  const std::tuple<const Picture*, const Problem*, const char*, Words> cases[] = {
+  const std::tuple<const RenderedEntry*, const Problem*, const char*, Words> cases[] = {
       {&live, nullptr, "live", {}},
       {&placeholder, nullptr, "placeholder", {"on their way"}},
       {&placeholder, &dropped, "placeholder", {"without an answer. It has no hands. Wind it."}},
@@ -159,7 +159,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
 }
 
 TEST(WidgetStatus, KeptFiguresAreStaleForWhateverReason) {
-  Picture zeros{.source = Picture::Source::timeline, .entry = {}, .received = noon};
+  RenderedEntry zeros{.source = EntrySource::timeline, .entry = {}, .received = noon};
   zeros.failure = TransportError{-1004, "Could not connect to the server."};
   const Problem late{Problem::Cause::late, "90 s", "", noon};
   const WidgetStatus status = statusOfKept({.picture = &zeros, .problem = &late});
@@ -170,7 +170,7 @@ TEST(WidgetStatus, KeptFiguresAreStaleForWhateverReason) {
 }
 
 TEST(WidgetStatus, WhatIsOverdueIsStaleAndAFailureStatusIsNoted) {
-  Picture picture{.source = Picture::Source::timeline, .entry = {}, .received = noon};
+  RenderedEntry picture{.source = EntrySource::timeline, .entry = {}, .received = noon};
   EXPECT_EQ(statusOf({.picture = &picture, .reload = {}}).level, WidgetStatus::Level::live);
   EXPECT_EQ(
       statusOf({.picture = &picture, .reload = {}, .overdue = true}).level,
@@ -185,14 +185,14 @@ TEST(WidgetStatus, WhatIsOverdueIsStaleAndAFailureStatusIsNoted) {
 TEST(Page, ScriptsAreGivenTheTextsThatTheyAskFor) {
   const std::string_view script = R"(a = text("Done"); b(text("{1}: {2} of {3}", x)); say("Add"))";
   EXPECT_EQ(
-      textsOf(script, Language::wished("de")).html(),
+      textsOf(script, Language::preferred("de")).html(),
       R"({"Done":"Fertig","{1}: {2} of {3}":"{1}: {2} von {3}"})");
   EXPECT_EQ(textsOf(script, {}).html(), "{}");
 }
 
 TEST(Page, ATemplateIsFilledWithTextsAndValues) {
   EXPECT_EQ(
-      filled("{{\"Widgets\"}} {{x}}", {{"x", escaped("<")}}, Language::wished("ar")).html(),
+      filled("{{\"Widgets\"}} {{x}}", {{"x", escaped("<")}}, Language::preferred("ar")).html(),
       "الأدوات &lt;");
   EXPECT_DEATH(filled("a {{missing}} b", {{"other", {}}}), "no value for missing");
 }

@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::HasSubstr;
-using Source = PreviewSession::Source;
+using Source = EntrySource;
 
 class PreviewSessionTest : public testing::Test {
  protected:

@@ -24,8 +24,8 @@ SavedHome example() {
       .pictures = {}};
   home.pictures.emplace(
       "A",
-      Picture{
-          .source = Picture::Source::timeline,
+      RenderedEntry{
+          .source = EntrySource::timeline,
           .entry = {*dateFromIso8601("2026-03-07T09:05:03.250Z"), 23.89},
           .view = ui::VStack(ui::Text::verbatim("Åse <b>"), ui::Spacer()).padding(16),
           .received = *dateFromIso8601("2026-03-07T09:05:04.000Z"),

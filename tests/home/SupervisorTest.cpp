@@ -97,9 +97,9 @@ class SupervisorTest : public testing::Test {
   // The answer after a transfer that failed.
   void answerUnfetched(const std::string& words, const std::string& data) {
     supervisor.transferred(
-        {{.activity = open.at(words),
-          .path = "/invoice",
-          .error = TransportError{-1004, "Could not connect to the server."}}});
+        {.activity = open.at(words),
+         .path = "/invoice",
+         .error = TransportError{-1004, "Could not connect to the server."}});
     answer(words, timelineOf(data));
     answerAllButTimelines();
   }
@@ -184,10 +184,10 @@ class SupervisorTest : public testing::Test {
     return {};
   }
 
-  Picture picture(const std::string& kind) const {
-    const Picture* shown = widget(kind).picture;
+  RenderedEntry picture(const std::string& kind) const {
+    const RenderedEntry* shown = widget(kind).picture;
     EXPECT_NE(shown, nullptr) << kind << " is empty";
-    return shown == nullptr ? Picture{} : *shown;
+    return shown == nullptr ? RenderedEntry{} : *shown;
   }
 
   Problem problem(const std::string& kind) const {
@@ -198,7 +198,7 @@ class SupervisorTest : public testing::Test {
 
   // The data of the entry that the widget shows.
   std::string shown(const std::string& kind) const {
-    const Picture* picture = widget(kind).picture;
+    const RenderedEntry* picture = widget(kind).picture;
     return picture == nullptr ? "empty" : *picture->entry.data.as<std::string>();
   }
 
@@ -220,12 +220,12 @@ TEST_F(SupervisorTest, FirstRunPlacesTheWholeCatalogueAndShowsPlaceholdersMeanwh
   answer("placeholder B", entryAt(date, "sample"));
   EXPECT_THAT(
       answerAllButTimelines(), ElementsAre("render A", "render B", "timeline A", "timeline B"));
-  EXPECT_EQ(picture("A").source, Picture::Source::placeholder);
+  EXPECT_EQ(picture("A").source, EntrySource::placeholder);
 
   answer("timeline B", timelineOf("b1"));
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("render B"));
   EXPECT_EQ(shown("B"), "b1");
-  EXPECT_EQ(picture("B").source, Picture::Source::timeline);
+  EXPECT_EQ(picture("B").source, EntrySource::timeline);
   EXPECT_EQ(widget("B").reload, date + 5min);
   EXPECT_EQ(shown("A"), "sample");
 }
@@ -316,7 +316,7 @@ TEST_F(SupervisorTest, KnowsOfZerosThatStandInForFiguresByTheFailedTransfer) {
   supervisor.timePassed(now());
   answerAllButTimelines();
   supervisor.transferred(
-      {{.activity = open.at("timeline A"), .path = "/invoice", .error = {}, .statusCode = 500}});
+      {.activity = open.at("timeline A"), .path = "/invoice", .error = {}, .statusCode = 500});
   answer("timeline A", timelineOf("a1"));
   answerUnfetched("timeline B", "zeros");
   EXPECT_EQ(widget("B").kept, nullptr) << "there was none before";
@@ -631,10 +631,10 @@ TEST_F(SupervisorTest, AnIdleExtensionIsPingedAndStartedAgainWhereItIsStuck) {
 
 TEST_F(SupervisorTest, AnOutdatedExtensionIsStartedAgainWhereItIsNotAtWork) {
   bringUp();
-  supervisor.extensionIsOutdated(now());
+  supervisor.extensionNeedsRestart(now());
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("end", "start", "catalogue"));
   supervisor.reload(now());
-  supervisor.extensionIsOutdated(now());
+  supervisor.extensionNeedsRestart(now());
   EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
 }
 

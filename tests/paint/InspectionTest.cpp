@@ -39,8 +39,7 @@ TEST_F(InspectionTest, TellsTheNodeOfEachItemAlsoWhereSomeAreLeftOutOrBecomeBars
         toJson(card.list, Appearance::light),
         toJson(compose(view, request, imageSize_, texts_), Appearance::light));
   }
-  const Inspection placeholder =
-      inspected(view, {.language = "en", .redaction = Redaction::placeholder});
+  const Inspection placeholder = inspected(view, {.language = "en", .redacted = true});
   EXPECT_THAT(placeholder.nodes, ElementsAre(-1, 3, 3, 4, 5)) << "two lines are two bars";
 }
 

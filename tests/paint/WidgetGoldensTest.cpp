@@ -165,17 +165,16 @@ TEST_F(WidgetGoldens, InBothAppearances) {
 
 // Nothing can be read of what was not fetched yet, by nobody.
 TEST_F(WidgetGoldens, Placeholder) {
-  constexpr Redaction redaction = Redaction::placeholder;
   const quillpad::SalesMallView sales{"0", "quillpad://Report"};
   const quillpad::UnpaidMediumView unpaid{rows(3)};
-  expectPictures("sales-placeholder", sales, {.redaction = redaction});
-  expectPictures("unpaid-placeholder", unpaid, {.size = medium, .redaction = redaction});
+  expectPictures("sales-placeholder", sales, {.redacted = true});
+  expectPictures("unpaid-placeholder", unpaid, {.size = medium, .redacted = true});
   expectPictures(
       "unpaid-placeholder-mirrored",
       unpaid,
-      {.size = medium, .rightToLeft = true, .redaction = redaction});
+      {.size = medium, .rightToLeft = true, .redacted = true});
   for (const ui::View& view : {ui::View(sales), ui::View(unpaid)}) {
-    const DisplayList list = composed(view, {.kind = "Kind", .redaction = redaction});
+    const DisplayList list = composed(view, {.kind = "Kind", .redacted = true});
     EXPECT_EQ(accessibilityLabel(list), "Kind");
     EXPECT_GT(list.items.size(), 4U);
     for (const Item& item : list.items) {
@@ -186,7 +185,7 @@ TEST_F(WidgetGoldens, Placeholder) {
 
 TEST_F(WidgetGoldens, APlaceholderHasABarForEachLine) {
   const ui::View text = ui::Text::verbatim("two lines of text").font({20, ui::Weight::regular});
-  const CardRequest request{.size = {100, 60}, .redaction = Redaction::placeholder};
+  const CardRequest request{.size = {100, 60}, .redacted = true};
   const DisplayList list = composed(text, request);
   ASSERT_EQ(list.items.size(), 3U);
   const Rect first = std::get<Fill>(list.items[1].content).frame;

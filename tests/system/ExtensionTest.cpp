@@ -32,8 +32,8 @@ class ExtensionTest : public HomeScreenTest {
         if (const auto* reply = std::get_if<channel::NumberedReply>(&event)) {
           return reply->id.value_or(0);
         }
-        if (const auto* notice = std::get_if<channel::TransferNotice>(&event)) {
-          transfers_.push_back(notice->report);
+        if (const auto* transfer = std::get_if<TransferReport>(&event)) {
+          transfers_.push_back(*transfer);
         } else if (const auto* end = std::get_if<home::SessionEnd>(&event)) {
           ADD_FAILURE() << end->detail << ": " << end->lastWords;
           return 0;

@@ -39,13 +39,12 @@ std::vector<Alike> groupsOf(std::span<const BatchCard> cards) {
   std::map<std::tuple<std::string, std::size_t, double, double, int, bool>, Alike> groups;
   for (std::size_t place = 0; place < cards.size(); ++place) {
     const auto& [view, request, locale] = cards[place];
-    const bool isRedacted = request.redaction == drawing::Redaction::placeholder;
     groups[{locale,
             names.of(view),
             request.size.width,
             request.size.height,
             request.scale,
-            isRedacted}]
+            request.redacted}]
         .push_back(place);
   }
   std::vector<Alike> result;

@@ -3,11 +3,13 @@
 // Belongs to one thread.
 #pragma once
 
+#include <array>
 #include <expected>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "platform/foundation/Named.h"
 #include "platform/paint/Card.h"
 #include "platform/paint/DisplayList.h"
 #include "platform/paint/Pictures.h"
@@ -21,6 +23,11 @@
 namespace quillpad::home {
 
 enum class PictureFormat { png, svg, json };
+
+inline constexpr std::array pictureFormatNames{
+    Named{"png", PictureFormat::png},
+    Named{"svg", PictureFormat::svg},
+    Named{"json", PictureFormat::json}};
 
 // Whether the language that the locale gets its texts in is written from right to left: true for
 // "ar_EG", false for "he_IL" as long as there is no Hebrew translation.

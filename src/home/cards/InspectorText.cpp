@@ -20,11 +20,6 @@ using drawing::Inspection;
 using drawing::LayoutTrace;
 using drawing::TracedNode;
 
-constexpr std::array weights{
-    Named{"regular", ui::Weight::regular},
-    Named{"medium", ui::Weight::medium},
-    Named{"semibold", ui::Weight::semibold}};
-
 std::string colorText(const ui::Color& color) {
   const std::string light = drawing::hexName(color.light);
   const std::string dark = drawing::hexName(color.dark);
@@ -182,7 +177,7 @@ class FactFinder {
     if (const ui::Text* text = textOf(at)) {
       add(language_.text("Font"),
           lengthText(text->textFont.size) + " " +
-              std::string(nameOf(weights, text->textFont.weight)) +
+              std::string(nameOf(ui::weightNames, text->textFont.weight)) +
               (text->color ? " " + colorText(*text->color) : ""));
     }
     add(language_.text("Baselines"), baselinesText(node));

@@ -69,7 +69,7 @@ std::expected<drawing::CardRequest, Failure> CardChoice::request(
       .family = std::string(ui::familyName(*family)),
       .size = points,
       .scale = scale,
-      .redaction = view.redaction()};
+      .redacted = view.source == EntrySource::placeholder};
 }
 
 }  // namespace quillpad::home

@@ -71,6 +71,12 @@ std::expected<ExtensionClient, Failure> ExtensionClient::start(
   return ExtensionClient(std::move(*session));
 }
 
+Answer ExtensionClient::answerTo(
+    const channel::Request& request, std::optional<std::chrono::milliseconds> allowed) {
+  auto answer = std::move(answersTo({&request, 1}, allowed).front());
+  return answer ? *std::move(answer) : std::unexpected(over_.value_or(Failure{}));
+}
+
 std::vector<std::optional<Answer>> ExtensionClient::answersTo(
     std::span<const channel::Request> requests, std::optional<std::chrono::milliseconds> allowed) {
   std::map<std::uint64_t, std::size_t> places;
@@ -86,8 +92,8 @@ std::vector<std::optional<Answer>> ExtensionClient::answersTo(
         if (const auto place = places.extract(reply->id.value_or(0)); !place.empty()) {
           answers[place.mapped()] = meaningOf(std::move(reply->reply));
         }
-      } else if (const auto* notice = std::get_if<channel::TransferNotice>(&event)) {
-        transfers_.push_back(notice->report);
+      } else if (const auto* transfer = std::get_if<TransferReport>(&event)) {
+        transfers_.push_back(*transfer);
       } else if (auto* line = std::get_if<PrintedLine>(&event)) {
         relay(std::move(*line));
       } else if (const auto* end = std::get_if<SessionEnd>(&event)) {

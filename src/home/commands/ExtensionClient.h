@@ -41,20 +41,17 @@ class ExtensionClient {
     return failure(ExitStatus::notPossible, "the extension answered something else than was asked");
   }
 
-  // The answer to the request, of the type expected. After a failure nothing more can be asked.
+  // The answer to the request. After a failure nothing more can be asked.
+  Answer answerTo(
+      const channel::Request& request,
+      std::optional<std::chrono::milliseconds> allowed = std::nullopt);
+
+  // The same, of the type expected.
   template <class Expected>
   std::expected<Expected, Failure> ask(
-      const channel::Request& request, std::chrono::milliseconds allowed) {
-    auto answer = std::move(answersTo({&request, 1}, allowed).front());
-    if (answer) {
-      return as<Expected>(*std::move(answer));
-    }
-    return std::unexpected(over_.value_or(Failure{}));
-  }
-
-  template <class Expected>
-  std::expected<Expected, Failure> ask(const channel::Request& request) {
-    return ask<Expected>(request, ExtensionSession::timeFor(request));
+      const channel::Request& request,
+      std::optional<std::chrono::milliseconds> allowed = std::nullopt) {
+    return as<Expected>(answerTo(request, allowed));
   }
 
   // The answers to all of the requests, which are under way together; those that did not come until

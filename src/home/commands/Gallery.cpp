@@ -23,22 +23,18 @@
 namespace quillpad::home {
 namespace {
 
-using Fate = GalleryFolder::Fate;
-
-std::string_view nameOf(ui::Appearance appearance) {
-  return appearance == ui::Appearance::dark ? "dark" : "light";
-}
+using Status = GalleryFolder::Status;
 
 std::string fileName(const std::string& stem, ui::Appearance appearance) {
-  return stem + "-" + std::string(nameOf(appearance)) + ".png";
+  return stem + "-" + std::string(ui::appearanceName(appearance)) + ".png";
 }
 
 // What became of the pictures of a run. Filled from several threads.
 class Tally {
  public:
-  void add(Fate fate) {
+  void add(Status status) {
     const std::scoped_lock lock(mutex_);
-    ++counts_.at(static_cast<std::size_t>(fate));
+    ++counts_.at(static_cast<std::size_t>(status));
   }
 
   void add(PictureChange change) {
@@ -51,7 +47,7 @@ class Tally {
     failure_ = failure_ ? failure_ : std::optional(std::move(failure));
   }
 
-  std::size_t count(Fate fate) const { return counts_.at(static_cast<std::size_t>(fate)); }
+  std::size_t count(Status status) const { return counts_.at(static_cast<std::size_t>(status)); }
   // The first failure, if there was one.
   Done outcome() const { return failure_ ? Done(std::unexpected(*failure_)) : Done(); }
 
@@ -100,18 +96,13 @@ struct Gallery {
   drawing::Tolerance tolerance{};
 
   void declare(Options& options) {
-    static constexpr std::array<Choice<std::optional<GalleryEntries>>, 4> entries{
-        {{"placeholder", GalleryEntries::placeholder},
-         {"snapshot", GalleryEntries::snapshot},
-         {"timeline", GalleryEntries::timeline},
-         {"samples", GalleryEntries::samples}}};
     options.text(
         "-o,--output",
         output,
         "Where to, or one archive NAME.zip; with --check, where to show what changed",
         "FOLDER");
-    options.choice<std::optional<GalleryEntries>>(
-        "--state", settings.entries, "The entries to draw, usually the timeline's", entries);
+    options.choice(
+        "--state", settings.entries, "The entries to draw, usually the timeline's", gallerySources);
     options.flag("--all", settings.all, "All states, on every screen and in every language");
     declareSamples(options, settings.samples);
     declareRegion(options, settings.locale, settings.currency);
@@ -196,7 +187,7 @@ struct Gallery {
       if (!comparison) {
         return tally.fail(std::move(comparison.error()));
       }
-      tally.add(comparison->fate);
+      tally.add(comparison->status);
       if (picture.appearance == ui::Appearance::light) {
         labels[picture.card] = picture.accessibilityLabel;
       }
@@ -247,7 +238,7 @@ struct Gallery {
           {},
           tally,
           [&](const auto&, const std::string& name, const auto& picture, const auto& comparison) {
-            if (comparison.fate != Fate::unchanged) {
+            if (comparison.status != Status::unchanged) {
               if (Done written = folder.write(name, *picture.png); !written) {
                 tally.fail(std::move(written.error()));
               }
@@ -265,9 +256,9 @@ struct Gallery {
     }
     if (done) {
       done = print(
-          std::to_string(tally.count(Fate::isNew)) + " new, " +
-          std::to_string(tally.count(Fate::changed)) + " changed, " +
-          std::to_string(tally.count(Fate::unchanged)) + " unchanged in " + output + "\n");
+          std::to_string(tally.count(Status::isNew)) + " new, " +
+          std::to_string(tally.count(Status::changed)) + " changed, " +
+          std::to_string(tally.count(Status::unchanged)) + " unchanged in " + output + "\n");
     }
     return done ? outcomeOf(*plan) : done;
   }
@@ -284,12 +275,12 @@ struct Gallery {
         tolerance,
         tally,
         [&](const auto& card, const std::string& name, const auto& picture, auto comparison) {
-          if (comparison.fate != Fate::unchanged) {
+          if (comparison.status != Status::unchanged) {
             tally.add(
-                {.title = card.title + ", " + std::string(nameOf(picture.appearance)),
+                {.title = card.title + ", " + std::string(ui::appearanceName(picture.appearance)),
                  .fileName = name,
-                 .change = comparison.fate == Fate::isNew ? "it is new"
-                                                          : comparison.difference.description,
+                 .change = comparison.status == Status::isNew ? "it is new"
+                                                              : comparison.difference.description,
                  .size = card.drawing.request.size,
                  .expected = std::move(comparison.before),
                  .actual = *picture.png,
@@ -364,10 +355,10 @@ struct Gallery {
   }
 
   Done report(Tally& tally, std::size_t gone, const GalleryFolder& folder) const {
-    const std::string counts = std::to_string(tally.count(Fate::changed)) + " changed, " +
-                               std::to_string(tally.count(Fate::isNew)) + " new, " +
+    const std::string counts = std::to_string(tally.count(Status::changed)) + " changed, " +
+                               std::to_string(tally.count(Status::isNew)) + " new, " +
                                std::to_string(gone) + " gone, " +
-                               std::to_string(tally.count(Fate::unchanged)) + " unchanged";
+                               std::to_string(tally.count(Status::unchanged)) + " unchanged";
     const std::vector<PictureChange> changes = tally.takeChanges();
     if (!output.empty()) {
       const GalleryFolder shown(output);

@@ -42,7 +42,7 @@ std::expected<GalleryFolder::Comparison, Failure> GalleryFolder::compare(
     const std::string& name, std::string_view png, const drawing::Tolerance& tolerance) const {
   auto before = readWholeFile(folder_ / name, maxPictureBytes);
   if (!before && before.error() == std::errc::no_such_file_or_directory) {
-    return Comparison{.fate = Fate::isNew};
+    return Comparison{.status = Status::isNew};
   }
   if (!before) {
     return unreadable(folder_ / name, before.error().message());
@@ -60,7 +60,7 @@ std::expected<GalleryFolder::Comparison, Failure> GalleryFolder::compare(
     return Comparison{};
   }
   return Comparison{
-      .fate = Fate::changed, .before = *std::move(before), .difference = std::move(found)};
+      .status = Status::changed, .before = *std::move(before), .difference = std::move(found)};
 }
 
 Done GalleryFolder::write(const std::string& name, std::string_view bytes) const {

@@ -17,11 +17,11 @@ namespace quillpad::home {
 
 class GalleryFolder {
  public:
-  enum class Fate { unchanged, changed, isNew };
+  enum class Status { unchanged, changed, isNew };
 
   // What became of a picture; what it was and how it differs where it was changed.
   struct Comparison {
-    Fate fate = Fate::unchanged;
+    Status status = Status::unchanged;
     std::string before{};
     PictureDifference difference{};
   };

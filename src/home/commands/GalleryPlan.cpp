@@ -1,7 +1,6 @@
 #include "home/commands/GalleryPlan.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "home/cards/Samples.h"
@@ -9,19 +8,11 @@
 #include "home/commands/ViewChoice.h"
 #include "platform/foundation/Decoder.h"
 #include "platform/foundation/Locale.h"
-#include "platform/foundation/Named.h"
 
 namespace quillpad::home {
 namespace {
 
 using Answer = ExtensionClient::Answer;
-using enum GalleryEntries;
-
-constexpr std::array<Named<GalleryEntries>, 4> entriesNames{
-    {{"placeholder", placeholder},
-     {"snapshot", snapshot},
-     {"timeline", timeline},
-     {"samples", GalleryEntries::samples}}};
 
 // Recordings from samples look the same on every machine.
 constexpr const char* recordedLocale = "en_US";
@@ -31,37 +22,9 @@ constexpr const char* recordedCurrency = "$";
 struct NamedEntry {
   std::size_t widget = 0;
   std::string name;
-  drawing::Redaction redaction = drawing::Redaction::none;
+  bool redacted = false;
   std::expected<channel::Entry, Failure> entry;
 };
-
-channel::Request requestFor(GalleryEntries state, const std::string& kind) {
-  switch (state) {
-    case placeholder:
-      return channel::PlaceholderRequest{kind};
-    case timeline:
-      return channel::TimelineRequest{kind};
-    case snapshot:
-    case GalleryEntries::samples:
-      break;
-  }
-  return channel::SnapshotRequest{kind};
-}
-
-std::expected<channel::Entry, Failure> entryIn(
-    Answer answer, GalleryEntries state, const std::string& kind) {
-  if (state != timeline) {
-    return ExtensionClient::as<channel::Entry>(std::move(answer));
-  }
-  auto line = ExtensionClient::as<channel::Timeline>(std::move(answer));
-  if (!line) {
-    return std::unexpected(line.error());
-  }
-  if (line->entries.empty()) {
-    return failure(ExitStatus::notPossible, "the timeline of " + kind + " has no entry to draw");
-  }
-  return std::move(line->entries.front());
-}
 
 // A kind or a sample as part of a file's name.
 std::string fileNamePart(std::string name) {
@@ -103,34 +66,33 @@ class Planner {
   }
 
  private:
-  bool isFromSamples() const { return settings_.entries == GalleryEntries::samples; }
+  bool isFromSamples() const { return settings_.entries == EntrySource::given; }
 
-  std::vector<GalleryEntries> states() const {
+  std::vector<EntrySource> sources() const {
     if (settings_.all && !settings_.entries) {
-      return {placeholder, snapshot, timeline};
+      return {EntrySource::placeholder, EntrySource::snapshot, EntrySource::timeline};
     }
-    return {settings_.entries.value_or(timeline)};
+    return {settings_.entries.value_or(EntrySource::timeline)};
   }
 
   Done findEntries() {
     std::vector<channel::Request> requests;
-    for (const GalleryEntries state : states()) {
+    for (const EntrySource source : sources()) {
       for (const channel::CatalogueItem& item : widgets_) {
-        requests.push_back(requestFor(state, item.kind));
+        requests.push_back(requestFor(isFromSamples() ? EntrySource::snapshot : source, item.kind));
       }
     }
     std::vector<Answer> answers = extension_.ask(requests);
     reportFailedTransfers(extension_.transfers());
     std::size_t next = 0;
-    for (const GalleryEntries state : states()) {
+    for (const EntrySource source : sources()) {
       for (std::size_t widget = 0; widget < widgets_.size(); ++widget) {
-        auto entry = entryIn(std::move(answers[next++]), state, widgets_[widget].kind);
+        auto entry = entryIn(std::move(answers[next++]), widgets_[widget].kind);
         if (!isFromSamples()) {
           entries_.push_back(
               {.widget = widget,
-               .name = std::string(nameOf(entriesNames, state)),
-               .redaction = state == placeholder ? drawing::Redaction::placeholder
-                                                 : drawing::Redaction::none,
+               .name = std::string(nameOf(gallerySources, source)),
+               .redacted = source == EntrySource::placeholder,
                .entry = std::move(entry)});
         } else if (Done added = addSamples(widget, entry); !added) {
           return added;
@@ -243,7 +205,7 @@ class Planner {
                     .family = std::string(ui::familyName(family)),
                     .size = widgetSize(family, screen),
                     .scale = settings_.scale,
-                    .redaction = of.redaction},
+                    .redacted = of.redacted},
                .locale = locale.empty() ? currentLocale() : locale}});
     }
   }
@@ -259,7 +221,7 @@ class Planner {
 
 Value GallerySettings::toValue() const {
   return Dictionary{
-      {"entries", entries ? Value(nameOf(entriesNames, *entries)) : Value(Null())},
+      {"entries", entries ? Value(nameOf(gallerySources, *entries)) : Value(Null())},
       {"all", all},
       {"scale", scale},
       {"locale", locale},
@@ -270,7 +232,7 @@ std::expected<GallerySettings, std::string> GallerySettings::fromValue(const Val
   const Decoder d(value);
   GallerySettings settings;
   if (const Decoder entries = d["entries"]; entries.value() != Value(Null())) {
-    settings.entries = entries.oneOf(entriesNames);
+    settings.entries = entries.oneOf(gallerySources);
   }
   settings.all = d["all"].boolean();
   settings.scale = d["scale"].whole<int>(1, 3);

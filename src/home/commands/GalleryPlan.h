@@ -12,17 +12,19 @@
 #include "home/cards/CardBatch.h"
 #include "home/commands/ExtensionBatch.h"
 #include "home/commands/Failure.h"
+#include "home/extension/EntrySource.h"
 #include "home/page/GalleryPage.h"
 #include "platform/foundation/Value.h"
 #include "platform/ui/View.h"
 
 namespace quillpad::home {
 
-enum class GalleryEntries { placeholder, snapshot, timeline, samples };
+// Where the entries of a gallery come from; the given ones are samples.
+inline constexpr auto gallerySources = sourcesWithGiven("samples");
 
 struct GallerySettings {
-  std::optional<GalleryEntries> entries{};  // absent: the timeline; of a whole matrix, all states
-  bool all = false;                         // every screen and language
+  std::optional<EntrySource> entries{};  // absent: the timeline; of a whole matrix, all three
+  bool all = false;                      // every screen and language
   int scale = 2;
   std::string locale{};    // empty: that of this process; "en_US" for samples
   std::string currency{};  // empty: that of the settings; "$" for samples
@@ -38,7 +40,7 @@ struct GalleryPlan {
     std::size_t widget = 0;  // its place among the widgets
     std::string stem;        // of its files' names
     std::string title;       // for a person
-    std::string entry{};     // a state's or a sample's name
+    std::string entry{};     // a source's or a sample's name
     std::string screen{};
     std::string language{};  // empty: that of this process
     BatchCard drawing;

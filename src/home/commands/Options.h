@@ -3,12 +3,14 @@
 // includes, as it is slow to compile.
 #pragma once
 
-#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <functional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/foundation/Named.h"
 
 namespace CLI {
 class App;
@@ -16,13 +18,6 @@ class Option;
 }  // namespace CLI
 
 namespace quillpad::home {
-
-// A value that an option can have, by its name.
-template <class Value>
-struct Choice {
-  std::string_view name;
-  Value value;
-};
 
 enum class Need { optional, required };
 
@@ -67,23 +62,24 @@ class Options {
     });
   }
 
-  // One of the values; the variable's own is the default, if it is one of them.
-  template <class Value>
+  // One of the values of the table, which must outlive the parsing too; the variable's own is the
+  // default, if it is one of them.
+  template <class Value, class Choice, std::size_t count>
   void choice(
       const std::string& name,
       Value& value,
       const std::string& help,
-      std::span<const Choice<Value>> choices) {
+      const std::array<Named<Choice>, count>& choices) {
     std::vector<std::string> names;
     std::string preset;
-    for (const Choice<Value>& each : choices) {
+    for (const Named<Choice>& each : choices) {
       names.emplace_back(each.name);
       if (each.value == value) {
         preset = each.name;
       }
     }
-    addChoice(name, names, preset, help, [&value, choices](std::string_view given) {
-      value = std::ranges::find(choices, given, &Choice<Value>::name)->value;
+    addChoice(name, names, preset, help, [&value, &choices](std::string_view given) {
+      value = *valueNamed(choices, given);
     });
   }
 

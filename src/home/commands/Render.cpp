@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <unistd.h>
 
 #include "home/cards/CardRenderer.h"
@@ -10,13 +9,6 @@
 namespace quillpad::home {
 namespace {
 
-constexpr std::array<Choice<std::optional<PictureFormat>>, 3> formats{
-    {{"png", PictureFormat::png}, {"svg", PictureFormat::svg}, {"json", PictureFormat::json}}};
-constexpr std::array<Choice<ui::Appearance>, 3> appearances{
-    {{"light", ui::Appearance::light},
-     {"dark", ui::Appearance::dark},
-     {"unspecified", ui::Appearance::unspecified}}};
-
 struct Render {
   ViewChoice view{};
   std::string output{};
@@ -27,10 +19,9 @@ struct Render {
   void declare(Options& options) {
     view.declare(options);
     options.text("-o,--output", output, "Where to; -: standard output", "FILE", Need::required);
-    options.choice<std::optional<PictureFormat>>(
-        "--format", format, "png, svg or json; else by the file's ending", formats);
-    options.choice<ui::Appearance>(
-        "--appearance", appearance, "The appearance to draw in", appearances);
+    options.choice(
+        "--format", format, "png, svg or json; else by the file's ending", pictureFormatNames);
+    options.choice("--appearance", appearance, "The appearance to draw in", ui::appearanceNames);
     card.declare(options);
   }
 
@@ -64,10 +55,11 @@ struct Render {
       return *format;
     }
     const std::string ending = std::filesystem::path(output).extension();
-    const auto named = std::ranges::find_if(
-        formats, [&](const auto& each) { return ending == "." + std::string(each.name); });
-    if (named != formats.end() && named->value) {
-      return *named->value;
+    const auto* named = ending.empty()
+                            ? nullptr
+                            : valueNamed(pictureFormatNames, std::string_view(ending).substr(1));
+    if (named != nullptr) {
+      return *named;
     }
     return failure(
         ExitStatus::wrongUsage,

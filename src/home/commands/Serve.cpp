@@ -56,9 +56,8 @@ struct Serve {
 
   void declare(Options& options) {
     options.number<std::uint16_t>("--port", port, "The port of 127.0.0.1; 0: a free one", 0, 65535);
-    static constexpr std::array<Choice<HomeView>, 2> views{
-        {{"desk", HomeView::desk}, {"wall", HomeView::wall}}};
-    options.choice<HomeView>(
+    static constexpr std::array views{Named{"desk", HomeView::desk}, Named{"wall", HomeView::wall}};
+    options.choice(
         "--view", view, "Whose address to print: of the page, or of the cards alone", views);
     declareSamples(options, samples);
     options.text(
@@ -95,7 +94,7 @@ struct Serve {
     if (!screen) {
       return failure(ExitStatus::notPossible, screen.error());
     }
-    lock->tell((*screen)->address());
+    lock->setAddress((*screen)->address());
     if (Done printed = print((*screen)->address(view) + "\n"); !printed) {
       return printed;
     }

@@ -7,7 +7,7 @@ namespace quillpad::home {
 namespace {
 
 struct Show {
-  EntryState state = EntryState::timeline;
+  EntrySource source = EntrySource::timeline;
   std::string kind{};
   bool json = false;
 
@@ -21,15 +21,11 @@ struct Show {
     if (!extension) {
       return std::unexpected(extension.error());
     }
-    switch (state) {
-      case EntryState::placeholder:
-        return printAnswer(extension->ask<channel::Entry>(channel::PlaceholderRequest{kind}), json);
-      case EntryState::snapshot:
-        return printAnswer(extension->ask<channel::Entry>(channel::SnapshotRequest{kind}), json);
-      case EntryState::timeline:
-        break;
+    const channel::Request request = requestFor(source, kind);
+    if (source != EntrySource::timeline) {
+      return printAnswer(extension->ask<channel::Entry>(request), json);
     }
-    const auto timeline = extension->ask<channel::Timeline>(channel::TimelineRequest{kind});
+    const auto timeline = extension->ask<channel::Timeline>(request);
     reportFailedTransfers(extension->transfers());
     return printAnswer(timeline, json);
   }
@@ -42,7 +38,7 @@ Command placeholderCommand() {
       "placeholder",
       "Print the widget's placeholder",
       "placeholder KIND",
-      Show{.state = EntryState::placeholder});
+      Show{.source = EntrySource::placeholder});
 }
 
 Command snapshotCommand() {
@@ -50,7 +46,7 @@ Command snapshotCommand() {
       "snapshot",
       "Print the widget's snapshot",
       "snapshot KIND --json",
-      Show{.state = EntryState::snapshot});
+      Show{.source = EntrySource::snapshot});
 }
 
 Command timelineCommand() {
@@ -58,7 +54,7 @@ Command timelineCommand() {
       "timeline",
       "Fetch the widget's timeline and print it",
       "timeline KIND",
-      Show{.state = EntryState::timeline});
+      Show{.source = EntrySource::timeline});
 }
 
 }  // namespace quillpad::home

@@ -89,7 +89,7 @@ struct Tap {
     if (!extension) {
       return std::unexpected(extension.error());
     }
-    const auto view = viewOf(*extension, {.kind = kind, .state = EntryState::snapshot});
+    const auto view = viewOf(*extension, {.kind = kind, .source = EntrySource::snapshot});
     if (!view) {
       return std::unexpected(view.error());
     }

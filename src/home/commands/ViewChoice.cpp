@@ -1,7 +1,5 @@
 #include "home/commands/ViewChoice.h"
 
-#include <algorithm>
-#include <array>
 #include <cstdio>
 #include <utility>
 
@@ -35,28 +33,18 @@ std::expected<channel::Entry, Failure> entryOfSample(
   return *std::move(entry);
 }
 
-std::expected<channel::Entry, Failure> entryInState(
-    ExtensionClient& extension, EntryState state, const std::string& kind) {
-  if (state == EntryState::timeline) {
-    auto timeline = extension.ask<channel::Timeline>(channel::TimelineRequest{kind});
+std::expected<channel::Entry, Failure> entryFrom(
+    ExtensionClient& extension, EntrySource source, const std::string& kind) {
+  auto entry = entryIn(extension.answerTo(requestFor(source, kind)), kind);
+  if (source == EntrySource::timeline) {
     reportFailedTransfers(extension.transfers());
-    if (!timeline) {
-      return std::unexpected(timeline.error());
-    }
-    if (timeline->entries.empty()) {
-      return failure(ExitStatus::notPossible, "the timeline of " + kind + " has no entry to draw");
-    }
-    return std::move(timeline->entries.front());
   }
-  const channel::Request request = state == EntryState::snapshot
-                                       ? channel::Request(channel::SnapshotRequest{kind})
-                                       : channel::Request(channel::PlaceholderRequest{kind});
-  return extension.ask<channel::Entry>(request);
+  return entry;
 }
 
 std::expected<channel::Entry, Failure> entryOf(
     ExtensionClient& extension, const ViewChoice& choice) {
-  if (!choice.entryFile.empty() + !choice.sample.empty() + choice.state.has_value() > 1) {
+  if (!choice.entryFile.empty() + !choice.sample.empty() + choice.source.has_value() > 1) {
     return failure(
         ExitStatus::wrongUsage, "--state, --sample and --entry exclude each other; give one");
   }
@@ -64,7 +52,7 @@ std::expected<channel::Entry, Failure> entryOf(
     return entryInFile(choice.entryFile);
   }
   return choice.sample.empty()
-             ? entryInState(extension, choice.state.value_or(EntryState::timeline), choice.kind)
+             ? entryFrom(extension, choice.source.value_or(EntrySource::timeline), choice.kind)
              : entryOfSample(choice.sampleFolder, choice.sample);
 }
 
@@ -81,28 +69,31 @@ void declareSamples(Options& options, std::string& folder) {
 
 void ViewChoice::declare(Options& options) {
   options.kind(kind);
-  static constexpr std::array<Choice<std::optional<EntryState>>, 3> states{
-      {{"placeholder", EntryState::placeholder},
-       {"snapshot", EntryState::snapshot},
-       {"timeline", EntryState::timeline}}};
-  options.choice<std::optional<EntryState>>(
-      "--state", state, "The entry to draw, usually the timeline's", states);
+  options.choice("--state", source, "The entry to draw, usually the timeline's", providerSources);
   options.text("--sample", sample, "A sample entry by its name", "NAME");
   declareSamples(options, sampleFolder);
   options.text("--entry", entryFile, "An entry of your own, as snapshot --json prints it", "FILE");
-  static constexpr auto families = [] {
-    std::array<Choice<std::optional<ui::WidgetFamily>>, ui::widgetFamilyNames.size()> all{};
-    std::ranges::transform(ui::widgetFamilyNames, all.begin(), [](const auto& named) {
-      return Choice<std::optional<ui::WidgetFamily>>{named.name, named.value};
-    });
-    return all;
-  }();
-  options.choice<std::optional<ui::WidgetFamily>>(
-      "--family", family, "The widget's size class; the content is the same in each", families);
+  options.choice(
+      "--family",
+      family,
+      "The widget's size class; the content is the same in each",
+      ui::widgetFamilyNames);
   declareRegion(options, locale, currency);
 }
 
 std::string ViewChoice::localeOrOwn() const { return locale.empty() ? currentLocale() : locale; }
+
+std::expected<channel::Entry, Failure> entryIn(
+    ExtensionClient::Answer answer, const std::string& kind) {
+  if (!answer || !std::holds_alternative<channel::Timeline>(*answer)) {
+    return ExtensionClient::as<channel::Entry>(std::move(answer));
+  }
+  auto& entries = std::get<channel::Timeline>(*answer).entries;
+  if (entries.empty()) {
+    return failure(ExitStatus::notPossible, "the timeline of " + kind + " has no entry to draw");
+  }
+  return std::move(entries.front());
+}
 
 std::expected<ui::View, Failure> viewOf(ExtensionClient& extension, const ViewChoice& choice) {
   const auto entry = entryOf(extension, choice);

@@ -10,13 +10,11 @@
 #include "home/commands/ExtensionClient.h"
 #include "home/commands/Failure.h"
 #include "home/commands/Options.h"
-#include "platform/paint/Card.h"
+#include "home/extension/EntrySource.h"
 #include "platform/ui/Environment.h"
 #include "platform/ui/View.h"
 
 namespace quillpad::home {
-
-enum class EntryState { placeholder, snapshot, timeline };
 
 // The options --locale and --currency.
 void declareRegion(Options& options, std::string& locale, std::string& currency);
@@ -26,8 +24,8 @@ void declareSamples(Options& options, std::string& folder);
 
 struct ViewChoice {
   std::string kind{};
-  std::optional<EntryState> state{};         // absent: the timeline's entry
-  std::string entryFile{};                   // an entry of one's own in place of the state's
+  std::optional<EntrySource> source{};       // absent: the timeline's entry
+  std::string entryFile{};                   // an entry of one's own in place of the source's
   std::string sample{};                      // or one of the samples
   std::string sampleFolder{};                // empty: those that come with the programs
   std::optional<ui::WidgetFamily> family{};  // absent: the kind's own
@@ -37,13 +35,11 @@ struct ViewChoice {
   void declare(Options& options);
 
   std::string localeOrOwn() const;  // the one chosen, or that of this process
-
-  // A placeholder shows no figures: nothing was fetched yet.
-  drawing::Redaction redaction() const {
-    return state == EntryState::placeholder ? drawing::Redaction::placeholder
-                                            : drawing::Redaction::none;
-  }
 };
+
+// The entry that the provider answered with, of a timeline the first.
+std::expected<channel::Entry, Failure> entryIn(
+    ExtensionClient::Answer answer, const std::string& kind);
 
 std::expected<ui::View, Failure> viewOf(ExtensionClient& extension, const ViewChoice& choice);
 

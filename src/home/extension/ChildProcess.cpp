@@ -104,7 +104,7 @@ bool takeDescriptors(const Child& child) {
     ::execve(child.program, child.arguments.data(), child.environment.data());
   }
   const int error = errno;
-  [[maybe_unused]] const ssize_t told = ::write(child.failure, &error, sizeof error);
+  [[maybe_unused]] const ssize_t written = ::write(child.failure, &error, sizeof error);
   ::_exit(127);
 }
 

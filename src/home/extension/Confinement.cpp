@@ -153,7 +153,7 @@ bool Confinement::enter() const {
          limit(RLIMIT_CORE, coreBytes) && limitToMark() && files_.enter() && dropCapabilities();
 }
 
-bool Confinement::isOutdated() const {
+bool Confinement::isStale() const {
   return std::ranges::any_of(places_, [](const Place& place) {
     return identityOf(place.path) != std::pair{place.device, place.file};
   });

@@ -34,7 +34,7 @@ class Confinement {
 
   // Whether a place that may be read has come or was replaced since, which the process does not
   // see.
-  bool isOutdated() const;
+  bool isStale() const;
 
  private:
   struct Place {

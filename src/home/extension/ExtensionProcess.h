@@ -53,7 +53,7 @@ class ExtensionProcess {
   Arrivals take();
 
   // Whether there is something to read that only another run would see.
-  bool isOutdated() const { return confinement_.isOutdated(); }
+  bool needsRestart() const { return confinement_.isStale(); }
 
   // Ends the extension at once.
   void kill() const { child_.kill(); }

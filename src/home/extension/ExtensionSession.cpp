@@ -101,8 +101,8 @@ void ExtensionSession::take(
     return end(SessionEnd::Cause::protocolError, printableText(message.error()));
   }
   lastHeard_ = now;
-  if (auto* notice = std::get_if<channel::TransferNotice>(&*message)) {
-    events.emplace_back(std::move(*notice));
+  if (auto* transfer = std::get_if<TransferReport>(&*message)) {
+    events.emplace_back(std::move(*transfer));
   } else if (auto* reply = std::get_if<channel::NumberedReply>(&*message)) {
     takeReply(std::move(*reply), events);
   }

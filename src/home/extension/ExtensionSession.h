@@ -40,8 +40,8 @@ struct LateAnswer {
 
 // Every request is followed by its reply or its LateAnswer, unless the session ends before; nothing
 // follows a SessionEnd.
-using SessionEvent = std::
-    variant<channel::NumberedReply, channel::TransferNotice, PrintedLine, LateAnswer, SessionEnd>;
+using SessionEvent =
+    std::variant<channel::NumberedReply, TransferReport, PrintedLine, LateAnswer, SessionEnd>;
 
 class ExtensionSession {
  public:
@@ -77,7 +77,7 @@ class ExtensionSession {
   pid_t pid() const { return process_.pid(); }
 
   // Whether there is something to read that only another run would see.
-  bool isOutdated() const { return process_.isOutdated(); }
+  bool needsRestart() const { return process_.needsRestart(); }
 
  private:
   struct OpenRequest {

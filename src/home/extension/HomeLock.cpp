@@ -42,9 +42,10 @@ std::expected<HomeLock, std::string> HomeLock::take() {
   return HomeLock(std::move(file));
 }
 
-void HomeLock::tell(const std::string& address) const {
+void HomeLock::setAddress(const std::string& address) const {
   if (file_ && ::ftruncate(file_.get(), 0) == 0) {
-    [[maybe_unused]] const ssize_t told = ::pwrite(file_.get(), address.data(), address.size(), 0);
+    [[maybe_unused]] const ssize_t written =
+        ::pwrite(file_.get(), address.data(), address.size(), 0);
   }
 }
 

@@ -17,7 +17,7 @@ class HomeLock {
   static std::expected<HomeLock, std::string> take();
 
   // From now on others are told this address.
-  void tell(const std::string& address) const;
+  void setAddress(const std::string& address) const;
 
  private:
   explicit HomeLock(FileDescriptor file) : file_(std::move(file)) {}

@@ -69,12 +69,10 @@ void PreviewSession::beginNext(const Moment& now) {
       }
       session_.emplace(std::move(*started));
     }
-    if (job.source == Source::given) {
+    if (job.source == EntrySource::given) {
       askForRendering(now);
-    } else if (job.source == Source::snapshot) {
-      asked_ = session_->ask(now.uptime, channel::SnapshotRequest{job.kind});
     } else {
-      asked_ = session_->ask(now.uptime, channel::PlaceholderRequest{job.kind});
+      asked_ = session_->ask(now.uptime, requestFor(job.source, job.kind));
     }
   }
 }
@@ -99,12 +97,12 @@ void PreviewSession::takeReply(const Moment& now, const channel::Reply& reply) {
   if (const auto* refused = std::get_if<channel::Refused>(&reply)) {
     finish(now, std::unexpected("The extension could not take it: " + refused->message + "."));
   } else if (const auto* entry = std::get_if<channel::Entry>(&reply);
-             entry != nullptr && job.source != Source::given) {
+             entry != nullptr && job.source != EntrySource::given) {
     job.entry = *entry;
-    job.source = Source::given;
+    job.source = EntrySource::given;
     askForRendering(now);
   } else if (const auto* rendering = std::get_if<channel::Rendering>(&reply);
-             rendering != nullptr && job.source == Source::given) {
+             rendering != nullptr && job.source == EntrySource::given) {
     finish(now, Result{.entry = job.entry, .view = rendering->view});
   } else {
     finish(now, std::unexpected("The extension gave no answer."));

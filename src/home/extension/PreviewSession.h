@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "home/extension/EntrySource.h"
 #include "home/extension/ExtensionSession.h"
 #include "home/extension/Moment.h"
 #include "platform/channel/Messages.h"
@@ -23,14 +24,12 @@ namespace quillpad::home {
 
 class PreviewSession {
  public:
-  enum class Source { placeholder, snapshot, given };
-
   struct Job {
     std::string kind;
-    Source source = Source::placeholder;
-    channel::Entry entry;    // where it is given
-    std::string locale;      // empty: the extension's own
-    std::string currency{};  // empty: that of the settings
+    EntrySource source = EntrySource::placeholder;  // no timeline
+    channel::Entry entry{};                         // where it is given
+    std::string locale{};                           // empty: the extension's own
+    std::string currency{};                         // empty: that of the settings
   };
 
   struct Result {

@@ -23,7 +23,7 @@ enum class FileEvent {
 class ReplacementRule {
  public:
   static constexpr std::chrono::milliseconds quietTime{20};
-  static constexpr std::chrono::seconds patience{10};
+  static constexpr std::chrono::seconds maxWait{10};
 
   void happened(Uptime now, const std::string& file, FileEvent event) {
     if (event == FileEvent::begun) {
@@ -38,7 +38,7 @@ class ReplacementRule {
   // When it counts at the latest, as far as is known.
   std::optional<Uptime> due() const {
     if (!begun_.empty()) {
-      return quietSince_ + patience;
+      return quietSince_ + maxWait;
     }
     return changed_ ? std::optional(quietSince_ + quietTime) : std::nullopt;
   }

@@ -16,7 +16,7 @@ namespace {
 constexpr int formatVersion = 1;
 constexpr std::size_t maxFileBytes = std::size_t{64} * 1024 * 1024;
 
-Value encodePicture(const Picture& picture) {
+Value encodePicture(const RenderedEntry& picture) {
   Dictionary encoded{
       {"received", iso8601(picture.received)},
       {"entry", channel::toValue(picture.entry)},
@@ -32,9 +32,9 @@ Value encodePicture(const Picture& picture) {
   return encoded;
 }
 
-Picture decodePicture(const Decoder& d) {
-  Picture picture{
-      .source = Picture::Source::timeline,
+RenderedEntry decodePicture(const Decoder& d) {
+  RenderedEntry picture{
+      .source = EntrySource::timeline,
       .entry = channel::entryFrom(d["entry"]),
       .view = ui::viewFrom(d["view"]),
       .received = d["received"].date()};
@@ -46,7 +46,7 @@ Picture decodePicture(const Decoder& d) {
   return picture;
 }
 
-Dictionary encodePictures(const std::map<std::string, Picture>& pictures) {
+Dictionary encodePictures(const std::map<std::string, RenderedEntry>& pictures) {
   Dictionary encoded;
   for (const auto& [kind, picture] : pictures) {
     encoded.set(kind, encodePicture(picture));
@@ -54,8 +54,8 @@ Dictionary encodePictures(const std::map<std::string, Picture>& pictures) {
   return encoded;
 }
 
-std::map<std::string, Picture> decodePictures(const Decoder& d) {
-  std::map<std::string, Picture> pictures;
+std::map<std::string, RenderedEntry> decodePictures(const Decoder& d) {
+  std::map<std::string, RenderedEntry> pictures;
   for (const auto& [kind, picture] : d.members()) {
     pictures.emplace(kind, decodePicture(picture));
   }

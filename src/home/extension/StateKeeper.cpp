@@ -26,7 +26,7 @@ std::optional<SavedHome> StateKeeper::load() const {
   const std::filesystem::path aside = asideOf(*file_);
   std::error_code error;
   std::filesystem::rename(*file_, aside, error);
-  tell_(
+  report_(
       saved.error() + "; starting afresh" +
       (error ? std::string() : ", it is kept as " + aside.string()));
   return std::nullopt;
@@ -37,7 +37,7 @@ void StateKeeper::accountChanged() const {
     return;
   }
   if (const auto forgotten = forgetAside(*file_); !forgotten) {
-    tell_(forgotten.error());
+    report_(forgotten.error());
   }
 }
 
@@ -58,7 +58,7 @@ void StateKeeper::saveNow(const Moment& now, const Supervisor& supervisor) {
     return;
   }
   if (const auto written = writeState(*file_, supervisor.saved()); !written) {
-    tell_(written.error());
+    report_(written.error());
     saveAt_ = now.uptime + pauseAfterFailedSave;
     return;
   }

@@ -17,9 +17,10 @@ namespace quillpad::home {
 
 class StateKeeper {
  public:
-  // Where there is no file, nothing is kept. `tell` gets one line for each thing that goes wrong.
-  StateKeeper(std::optional<std::filesystem::path> file, std::function<void(std::string_view)> tell)
-      : file_(std::move(file)), tell_(std::move(tell)) {}
+  // Where there is no file, nothing is kept. `report` gets one line for each thing that goes wrong.
+  StateKeeper(
+      std::optional<std::filesystem::path> file, std::function<void(std::string_view)> report)
+      : file_(std::move(file)), report_(std::move(report)) {}
 
   // What the last run left. A file that cannot be understood is kept aside.
   std::optional<SavedHome> load() const;
@@ -36,7 +37,7 @@ class StateKeeper {
 
  private:
   std::optional<std::filesystem::path> file_;
-  std::function<void(std::string_view)> tell_;
+  std::function<void(std::string_view)> report_;
   std::uint64_t savedVersion_ = 0;
   std::optional<Uptime> saveAt_;
 };

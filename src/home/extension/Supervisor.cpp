@@ -65,7 +65,7 @@ void Supervisor::timePassed(const Moment& now) { advance(now); }
 void Supervisor::replied(const Moment& now, const channel::NumberedReply& reply) {
   if (const auto request = takePending(reply.id.value_or(0))) {
     pingAt_ = now.uptime + pingPause;
-    if (!request->outdated) {
+    if (!request->isOfFormerAccount) {
       take(now, *request, reply.reply);
     }
   }
@@ -73,7 +73,7 @@ void Supervisor::replied(const Moment& now, const channel::NumberedReply& reply)
 
 void Supervisor::answerIsLate(const Moment& now, const LateAnswer& late) {
   if (const auto request = takePending(late.id)) {
-    if (!request->outdated) {
+    if (!request->isOfFormerAccount) {
       requestFailed(
           now,
           *request,
@@ -85,10 +85,10 @@ void Supervisor::answerIsLate(const Moment& now, const LateAnswer& late) {
   }
 }
 
-void Supervisor::transferred(const channel::TransferNotice& notice) {
-  if (const auto found = pending_.find(notice.report.activity); found != pending_.end()) {
-    found->second.failure = notice.report.error;
-    found->second.statusCode = notice.report.statusCode;
+void Supervisor::transferred(const TransferReport& transfer) {
+  if (const auto found = pending_.find(transfer.activity); found != pending_.end()) {
+    found->second.failure = transfer.error;
+    found->second.statusCode = transfer.statusCode;
   }
 }
 
@@ -105,7 +105,7 @@ void Supervisor::failedToStart(const Moment& now, std::string why) {
        .since = now.date});
 }
 
-void Supervisor::extensionIsOutdated(const Moment& now) {
+void Supervisor::extensionNeedsRestart(const Moment& now) {
   if (life_ == Life::running && pending_.empty()) {
     actions_.emplace_back(EndExtension{});
     life_ = Life::stopped;
@@ -120,7 +120,7 @@ bool Supervisor::accountIs(const std::string& mark) {
   const bool wasAnother = account_ || mark.empty();
   account_ = mark;
   for (auto& [id, request] : pending_) {
-    request.outdated = request.purpose != Purpose::catalogue;
+    request.isOfFormerAccount = request.purpose != Purpose::catalogue;
   }
   for (auto& [kind, widget] : widgets_) {
     widget.forgetAccount();
@@ -255,13 +255,13 @@ void Supervisor::advance(const Moment& now) {
       lastEnd_.reset();
     }
   }
-  noticeTheTime(now);
+  updateLateness(now);
 }
 
-void Supervisor::noticeTheTime(const Moment& now) {
+void Supervisor::updateLateness(const Moment& now) {
   for (const std::string& kind : placed_) {
     WidgetRecord& widget = widgets_[kind];
-    if (widget.noticeTheTime(now, life_ == Life::gaveUp)) {
+    if (widget.updateLateness(now, life_ == Life::gaveUp)) {
       markChanged(widget);
     }
   }
@@ -401,8 +401,8 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
              entry != nullptr &&
              (request.purpose == Purpose::placeholder || request.purpose == Purpose::snapshot)) {
     WidgetRecord& widget = widgets_[request.kind];
-    widget.unrendered =
-        Picture{.source = widget.target(request.purpose), .entry = *entry, .received = now.date};
+    widget.unrendered = RenderedEntry{
+        .source = widget.target(request.purpose), .entry = *entry, .received = now.date};
   } else {
     fail(Problem::Cause::refused, "it answered something else than was asked");
   }
@@ -434,9 +434,9 @@ void Supervisor::takeRendering(const std::string& kind, const channel::Rendering
   if (!awaited) {
     return;
   }
-  Picture picture = std::move(*awaited);
+  RenderedEntry picture = std::move(*awaited);
   picture.view = rendering.view;
-  if (picture.source == Picture::Source::snapshot) {
+  if (picture.source == EntrySource::snapshot) {
     widget.snapshot = std::move(picture);
     widget.snapshotOutdated = false;
     ++snapshotVersion_;
@@ -446,7 +446,7 @@ void Supervisor::takeRendering(const std::string& kind, const channel::Rendering
   if (!isPlaced(kind)) {
     return;
   }
-  if (picture.source == Picture::Source::timeline) {
+  if (picture.source == EntrySource::timeline) {
     widget.endWait();
     ++savedVersion_;
   }
@@ -486,7 +486,7 @@ void Supervisor::loseExtension(const Moment& now, Problem problem) {
       continue;
     }
     WidgetRecord& widget = widgets_[request.kind];
-    if (widget.target(request.purpose) == Picture::Source::timeline) {
+    if (widget.target(request.purpose) == EntrySource::timeline) {
       widget.due = now.uptime;
       widget.reload = now.date;
       widget.problem = problem;
@@ -543,8 +543,8 @@ std::optional<Uptime> Supervisor::nextDeadline() const {
       continue;
     }
     const WidgetRecord& widget = found->second;
-    if (const auto notice = widget.nextNotice()) {
-      consider(*notice);
+    if (const auto change = widget.nextLatenessChange()) {
+      consider(*change);
     }
     if (asks && !widget.busy) {
       consider(widget.due);
@@ -588,7 +588,7 @@ std::optional<Date> Supervisor::nextReload(const WidgetRecord& widget) const {
   return life_ == Life::backingOff ? std::max(*widget.reload, startAt_.date) : *widget.reload;
 }
 
-const Picture* Supervisor::snapshot(std::string_view kind) const {
+const RenderedEntry* Supervisor::snapshot(std::string_view kind) const {
   const auto found = widgets_.find(kind);
   return found == widgets_.end() ? nullptr : addressOf(found->second.snapshot);
 }
@@ -606,8 +606,7 @@ SavedHome Supervisor::saved() const {
       continue;
     }
     const WidgetRecord& widget = found->second;
-    if (const auto& picture = widget.picture;
-        picture && picture->source == Picture::Source::timeline) {
+    if (const auto& picture = widget.picture; picture && picture->source == EntrySource::timeline) {
       saved.pictures.emplace(kind, *picture);
     }
     if (widget.kept) {

@@ -53,11 +53,11 @@ class Supervisor {
   void timePassed(const Moment& now);
   void replied(const Moment& now, const channel::NumberedReply& reply);
   void answerIsLate(const Moment& now, const LateAnswer& late);
-  void transferred(const channel::TransferNotice& notice);
+  void transferred(const TransferReport& transfer);
   void ended(const Moment& now, const SessionEnd& end);
   void failedToStart(const Moment& now, std::string why);
   // There is something to read that only another run of the extension would see.
-  void extensionIsOutdated(const Moment& now);
+  void extensionNeedsRestart(const Moment& now);
   // The extension's program is another one now: it is started anew when nothing is under way, or
   // after a while, and what the widgets show is asked of the new one and changes all at once.
   void programReplaced(const Moment& now);
@@ -97,7 +97,7 @@ class Supervisor {
   const std::vector<channel::CatalogueItem>& catalogue() const { return catalogue_; }
   bool isPlaced(std::string_view kind) const { return placed_.has(kind); }
   // The picture for the gallery, once there is one; the version grows with each that comes.
-  const Picture* snapshot(std::string_view kind) const;
+  const RenderedEntry* snapshot(std::string_view kind) const;
   std::uint64_t snapshotVersion() const { return snapshotVersion_; }
   // Grows when another program has listed its widgets.
   std::uint64_t programVersion() const { return programVersion_; }
@@ -112,8 +112,8 @@ class Supervisor {
     std::string kind;
     Purpose purpose = Purpose::catalogue;
     std::optional<TransportError> failure{};
-    int statusCode = 0;     // of the latest transfer
-    bool outdated = false;  // asked on behalf of who is signed in no more
+    int statusCode = 0;  // of the latest transfer
+    bool isOfFormerAccount = false;
   };
 
   void setCatalogue(std::vector<channel::CatalogueItem> items);
@@ -125,7 +125,7 @@ class Supervisor {
   void releasePending();
   void showRenewed();
   void askWhatIsDue(const Moment& now);
-  void noticeTheTime(const Moment& now);
+  void updateLateness(const Moment& now);
   void ask(std::string kind, Purpose purpose, channel::Request request);
   void take(const Moment& now, const Pending& request, const channel::Reply& reply);
   void takeCatalogue(const Moment& now, const channel::Catalogue& catalogue);

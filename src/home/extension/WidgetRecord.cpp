@@ -20,7 +20,7 @@ constexpr std::chrono::milliseconds pauseAfterFailure = 5min;
 constexpr std::chrono::milliseconds maxOverdue = 1min;
 
 // From when on an answer is slow.
-constexpr std::chrono::milliseconds patience = 2s;
+constexpr std::chrono::milliseconds slowAfter = 2s;
 
 // Whether another program may do better.
 bool isOfProgram(Problem::Cause cause) {
@@ -58,17 +58,16 @@ std::optional<Purpose> WidgetRecord::next(const Moment& now, bool placed, bool i
 
 channel::Request WidgetRecord::ask(const Moment& now, const std::string& kind, Purpose purpose) {
   busy = true;
-  if (purpose != Purpose::keptRendering && target(purpose) != Picture::Source::snapshot) {
+  if (purpose != Purpose::keptRendering && target(purpose) != EntrySource::snapshot) {
     asking = asking.value_or(now);
   }
   switch (purpose) {
-    case Purpose::placeholder:
-      return channel::PlaceholderRequest{kind};
-    case Purpose::snapshot:
-      return channel::SnapshotRequest{kind};
     case Purpose::timeline:
       asked = now.uptime;
-      return channel::TimelineRequest{kind};
+      [[fallthrough]];
+    case Purpose::placeholder:
+    case Purpose::snapshot:
+      return requestFor(target(purpose), kind);
     case Purpose::rendering:
       return channel::RenderRequest{kind, forced(unrendered, "the entry").entry, std::nullopt};
     case Purpose::keptRendering:
@@ -80,33 +79,33 @@ channel::Request WidgetRecord::ask(const Moment& now, const std::string& kind, P
   fatal("the extension is asked for no widget");
 }
 
-Picture::Source WidgetRecord::target(Purpose purpose) const {
+EntrySource WidgetRecord::target(Purpose purpose) const {
   switch (purpose) {
     case Purpose::placeholder:
-      return Picture::Source::placeholder;
+      return EntrySource::placeholder;
     case Purpose::snapshot:
-      return Picture::Source::snapshot;
+      return EntrySource::snapshot;
     case Purpose::rendering:
-      return unrendered ? unrendered->source : Picture::Source::timeline;
+      return unrendered ? unrendered->source : EntrySource::timeline;
     case Purpose::timeline:
     case Purpose::keptRendering:
     case Purpose::catalogue:
     case Purpose::ping:
       break;
   }
-  return Picture::Source::timeline;
+  return EntrySource::timeline;
 }
 
-std::optional<Uptime> WidgetRecord::nextNotice() const {
-  std::optional<Uptime> notice;
+std::optional<Uptime> WidgetRecord::nextLatenessChange() const {
+  std::optional<Uptime> change;
   if (!overdue) {
-    notice = freshUntil;
+    change = freshUntil;
   }
   if (asking && !slow) {
-    const Uptime becomesSlow = asking->uptime + patience;
-    notice = notice ? std::min(*notice, becomesSlow) : becomesSlow;
+    const Uptime becomesSlow = asking->uptime + slowAfter;
+    change = change ? std::min(*change, becomesSlow) : becomesSlow;
   }
-  return notice;
+  return change;
 }
 
 bool WidgetRecord::awaitsRenewal() const {
@@ -125,9 +124,9 @@ void WidgetRecord::endWait() {
   slow = false;
 }
 
-bool WidgetRecord::noticeTheTime(const Moment& now, bool nothingComes) {
+bool WidgetRecord::updateLateness(const Moment& now, bool nothingComes) {
   const bool wasOverdue = std::exchange(overdue, nothingComes || now.uptime >= freshUntil);
-  const bool wasSlow = std::exchange(slow, asking && now.uptime - asking->uptime >= patience);
+  const bool wasSlow = std::exchange(slow, asking && now.uptime - asking->uptime >= slowAfter);
   return overdue != wasOverdue || slow != wasSlow;
 }
 
@@ -165,8 +164,8 @@ void WidgetRecord::takeTimeline(
   if (next == later.begin()) {
     ++next;
   }
-  unrendered = Picture{
-      .source = Picture::Source::timeline,
+  unrendered = RenderedEntry{
+      .source = EntrySource::timeline,
       .entry = std::prev(next)->entry,
       .received = now.date,
       .failure = failure,
@@ -175,36 +174,38 @@ void WidgetRecord::takeTimeline(
   later.erase(later.begin(), next);
 }
 
-void WidgetRecord::takeOver(Picture next) {
+void WidgetRecord::takeOver(RenderedEntry next) {
   if (!next.failure) {
     kept.reset();
     keptOutdated = false;
     renewedKept.reset();
   } else if (picture && picture->failure) {
     next.failingSince = picture->failingSince;
-  } else if (picture && picture->source == Picture::Source::timeline) {
+  } else if (picture && picture->source == EntrySource::timeline) {
     kept = picture;
   }
   picture = std::move(next);
 }
 
-void WidgetRecord::fail(const Moment& now, Picture::Source target, Problem cause) {
+void WidgetRecord::fail(const Moment& now, EntrySource target, Problem cause) {
   switch (target) {
-    case Picture::Source::placeholder:
+    case EntrySource::placeholder:
       placeholderFailed = true;
       problem = std::move(cause);
       break;
-    case Picture::Source::snapshot:
+    case EntrySource::snapshot:
       snapshotFailed = true;
       break;
-    case Picture::Source::timeline:
+    case EntrySource::timeline:
       due = now.uptime + pauseAfterFailure;
       reload = now.date + pauseAfterFailure;
       problem = std::move(cause);
       break;
+    case EntrySource::given:
+      break;
   }
   unrendered.reset();
-  if (target != Picture::Source::snapshot) {
+  if (target != EntrySource::snapshot) {
     endWait();
   }
   outdated = renewed.has_value();
@@ -256,7 +257,7 @@ void WidgetRecord::forgetAccount() {
   fresh.snapshotOutdated = snapshotOutdated;
   fresh.busy = busy;
   fresh.wanted = true;
-  if (picture && picture->source == Picture::Source::placeholder) {
+  if (picture && picture->source == EntrySource::placeholder) {
     fresh.outdated = outdated;
     fresh.picture = std::move(picture);
   }

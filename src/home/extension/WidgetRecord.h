@@ -14,7 +14,8 @@
 
 namespace quillpad::home {
 
-// What a request of the extension is for; the first two are about no widget.
+// What a request of the extension is for: the first two are about no widget, and a rendering may be
+// of the entry that comes next or of the one that is kept.
 enum class Purpose { catalogue, ping, placeholder, snapshot, timeline, rendering, keptRendering };
 
 struct WidgetRecord {
@@ -23,16 +24,16 @@ struct WidgetRecord {
     channel::Entry entry;
   };
 
-  std::optional<Picture> picture;
-  std::optional<Picture> kept;  // see WidgetState
-  std::optional<Picture> snapshot;
-  std::optional<Picture> unrendered;  // an entry whose view is still to come
-  std::vector<LaterEntry> later;      // of the timeline, the earliest first
+  std::optional<RenderedEntry> picture;
+  std::optional<RenderedEntry> kept;  // see WidgetState
+  std::optional<RenderedEntry> snapshot;
+  std::optional<RenderedEntry> unrendered;  // an entry whose view is still to come
+  std::vector<LaterEntry> later;            // of the timeline, the earliest first
   std::optional<Problem> problem;
 
   // Where the pictures are from the program before: what replaces them, together with all others.
   bool outdated = false;
-  std::optional<Picture> renewed;
+  std::optional<RenderedEntry> renewed;
   bool keptOutdated = false;
   std::optional<ui::View> renewedKept;
   bool snapshotOutdated = false;
@@ -57,9 +58,9 @@ struct WidgetRecord {
   // The request for that, whose answer is awaited from now on.
   channel::Request ask(const Moment& now, const std::string& kind, Purpose purpose);
   // What the answer is to lead to.
-  Picture::Source target(Purpose purpose) const;
+  EntrySource target(Purpose purpose) const;
   // When the passing of time alone makes what is shown slow or overdue.
-  std::optional<Uptime> nextNotice() const;
+  std::optional<Uptime> nextLatenessChange() const;
   // Whether another picture, or another view of the kept one, is still to come from a new program.
   bool awaitsRenewal() const;
 
@@ -68,7 +69,7 @@ struct WidgetRecord {
   void endWait();
 
   // Whether it became overdue or slow, or is no longer.
-  bool noticeTheTime(const Moment& now, bool nothingComes);
+  bool updateLateness(const Moment& now, bool nothingComes);
   // Takes the entry of the timeline whose time has come, to be rendered.
   void showNextEntry(const Moment& now);
   // What came of the transfer is noted with the entry that is to be rendered, if there is one.
@@ -78,9 +79,9 @@ struct WidgetRecord {
       const std::optional<TransportError>& failure,
       int statusCode);
   // While transfers fail, the last picture from one that went well is kept.
-  void takeOver(Picture next);
+  void takeOver(RenderedEntry next);
   // The widget keeps its picture and is asked again later.
-  void fail(const Moment& now, Picture::Source target, Problem cause);
+  void fail(const Moment& now, EntrySource target, Problem cause);
 
   // The program is another one: all that is shown is asked of it anew.
   void outdate(const Moment& now);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "home/extension/EntrySource.h"
 #include "home/extension/Problem.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/TransferReport.h"
@@ -16,10 +17,8 @@
 namespace quillpad::home {
 
 // An entry and what it looks like.
-struct Picture {
-  enum class Source { placeholder, snapshot, timeline };
-
-  Source source = Source::placeholder;
+struct RenderedEntry {
+  EntrySource source = EntrySource::placeholder;
   channel::Entry entry;
   ui::View view = ui::Spacer{};  // until it is rendered
   Date received;
@@ -33,8 +32,8 @@ struct Picture {
 // A placed widget as the page shows it. The pointers are good until the supervisor's next event.
 struct WidgetState {
   const channel::CatalogueItem* about = nullptr;
-  const Picture* picture = nullptr;  // nullptr until there is a first one
-  const Picture* kept =
+  const RenderedEntry* picture = nullptr;  // nullptr until there is a first one
+  const RenderedEntry* kept =
       nullptr;  // the last one from a transfer that went well, where this one's failed
   const Problem* problem = nullptr;  // nullptr: none
   std::optional<Date> reload{};      // when it is asked for next, if that is known
@@ -48,9 +47,9 @@ struct WidgetState {
 struct SavedHome {
   std::vector<channel::CatalogueItem> catalogue{};
   std::vector<std::string> placed{};
-  std::map<std::string, Picture> pictures{};  // by kind; of timelines alone
-  std::map<std::string, Picture> kept{};      // by kind; see WidgetState
-  std::optional<std::string> account{};       // whose they are; see Account
+  std::map<std::string, RenderedEntry> pictures{};  // by kind; of timelines alone
+  std::map<std::string, RenderedEntry> kept{};      // by kind; see WidgetState
+  std::optional<std::string> account{};             // whose they are; see Account
 };
 
 }  // namespace quillpad::home

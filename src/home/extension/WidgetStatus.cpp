@@ -51,7 +51,7 @@ WidgetStatus statusOf(
     const WidgetState& widget, const std::string& signInHint, const Language& language) {
   using Level = WidgetStatus::Level;
   WidgetStatus status;
-  const Picture* picture = widget.picture;
+  const RenderedEntry* picture = widget.picture;
   const auto become = [&](Level level, std::string badge, std::string cause) {
     status = {.level = level, .badge = std::move(badge), .cause = std::move(cause)};
   };
@@ -66,7 +66,7 @@ WidgetStatus statusOf(
         language.text("Stand-in data"),
         language.text("The figures could not be fetched, so zeros or a sample stand in for them.") +
             " " + inWords(*picture->failure, language));
-  } else if (picture->source == Picture::Source::placeholder) {
+  } else if (picture->source == EntrySource::placeholder) {
     become(
         Level::placeholder,
         language.text("Placeholder"),

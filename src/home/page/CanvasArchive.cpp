@@ -8,7 +8,7 @@ namespace quillpad::home {
 namespace {
 
 bool showSameView(const PreviewQuery& one, const PreviewQuery& other) {
-  return one.kind == other.kind && one.state == other.state && one.start == other.start &&
+  return one.kind == other.kind && one.source == other.source && one.start == other.start &&
          one.language == other.language && one.currency == other.currency;
 }
 

@@ -1,10 +1,10 @@
 #include "home/page/CanvasPage.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <set>
 
+#include "home/cards/PictureName.h"
 #include "home/cards/WidgetSizes.h"
 #include "home/page/Figures.h"
 #include "home/page/PageFiles.h"
@@ -13,23 +13,18 @@
 namespace quillpad::home {
 namespace {
 
-using Appearances = PreviewQuery::Appearances;
-
-constexpr std::array states{
-    PreviewState::placeholder, PreviewState::snapshot, PreviewState::timeline};
-
 // An entry as the engineer's view takes it, under its name.
 struct NamedEntry {
   std::string name;
-  PreviewState state = PreviewState::entry;
+  EntrySource source = EntrySource::given;
   std::string start{};
 };
 
 std::vector<NamedEntry> entriesOf(const CanvasQuery& query, const CanvasModel::Widget& widget) {
   std::vector<NamedEntry> entries;
-  entries.reserve(states.size() + widget.samples.size());
-  for (const PreviewState state : states) {
-    entries.push_back({.name = std::string(stateName(state)), .state = state});
+  entries.reserve(providerSources.size() + widget.samples.size());
+  for (const auto& [name, source] : providerSources) {
+    entries.push_back({.name = std::string(name), .source = source});
   }
   for (const std::string& sample : widget.samples) {
     entries.push_back({.name = sample, .start = std::string(startFromSample) + sample});
@@ -57,17 +52,17 @@ std::vector<std::string> chosenLanguages(
                                                              : std::vector{query.language};
 }
 
-std::vector<Appearances> chosenAppearances(const CanvasQuery& query) {
-  if (query.appearance.empty()) {
-    return {Appearances::light, Appearances::dark};
+std::vector<ui::Appearance> chosenAppearances(const CanvasQuery& query) {
+  if (query.appearance == ui::Appearance::unspecified) {
+    return {bothAppearances.begin(), bothAppearances.end()};
   }
-  return {query.appearance == "dark" ? Appearances::dark : Appearances::light};
+  return {query.appearance};
 }
 
 // A language and a screen are called by their names, whatever the page speaks.
 std::string captionOf(
     const CanvasQuery& query, const PreviewQuery& picture, const Language& language) {
-  const bool dark = picture.appearances == Appearances::dark;
+  const bool dark = picture.appearance == ui::Appearance::dark;
   std::string caption = picture.language.empty() ? "" : picture.language + " · ";
   caption += language.text(dark ? "Dark" : "Light");
   caption += query.screen == CanvasQuery::everything ? " · " + picture.screen : "";
@@ -78,7 +73,7 @@ Markup cellMarkup(const CanvasQuery& query, const CanvasCell& cell, const PageFr
   const auto length = [](double points) { return escaped(std::to_string(std::lround(points))); };
   return filled(
       page::canvasCellHtml,
-      {{"appearance", escaped(cell.query.appearances == Appearances::dark ? "Dark" : "Light")},
+      {{"appearance", escaped(cell.query.appearance == ui::Appearance::dark ? "Dark" : "Light")},
        {"page", escaped(cell.query.toUrl(addressOf("engineer", frame)))},
        {"picture", escaped(cell.query.toUrl("/picture.svg"))},
        {"width", length(cell.size.width)},
@@ -98,8 +93,8 @@ Select kindSelect(const CanvasModel& model, const Language& language) {
 Select entrySelect(const CanvasModel& model, const Language& language) {
   Select select(model.query.entry);
   select.add("", language.text("All"));
-  for (const PreviewState state : states) {
-    select.add(stateName(state), titleOf(state, language));
+  for (const auto& [name, source] : providerSources) {
+    select.add(name, titleOf(source, language));
   }
   std::set<std::string> samples;
   for (const CanvasModel::Widget& widget : model.widgets) {
@@ -142,14 +137,11 @@ CanvasQuery CanvasQuery::parse(const WebRequest& request) {
       .entry = std::string(request.parameter("entry")),
       .screen = std::string(request.parameter("screen")),
       .language = std::string(request.parameter("language")),
-      .appearance = std::string(request.parameter("appearance")),
+      .appearance = appearanceFrom(request.parameter("appearance")),
       .currency = std::string(request.parameter("currency")),
       .scale = scaleFrom(request.parameter("scale"))};
   if (query.screen != everything && std::ranges::find(screens(), query.screen) == screens().end()) {
     query.screen.clear();
-  }
-  if (query.appearance != "light" && query.appearance != "dark") {
-    query.appearance.clear();
   }
   return query;
 }
@@ -161,19 +153,19 @@ std::string CanvasQuery::toUrl(std::string_view path) const {
         {"entry", entry},
         {"screen", screen},
         {"language", language},
-        {"appearance", appearance},
-        {"currency", currency}}) {
+        {"appearance", appearanceParameter(appearance)},
+        {"currency", currency},
+        {"scale", scaleParameter(scale)}}) {
     addParameter(url, name, value);
   }
-  addParameter(url, "scale", scale == CanvasQuery().scale ? "" : std::to_string(scale));
   return url;
 }
 
 std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::Widget& widget) {
   std::vector<CanvasRow> rows;
   for (const NamedEntry& entry : entriesOf(query, widget)) {
-    CanvasRow row{.entry = entry.name, .state = entry.state, .cells = {}};
-    for (const Appearances appearance : chosenAppearances(query)) {
+    CanvasRow row{.entry = entry.name, .source = entry.source, .cells = {}};
+    for (const ui::Appearance appearance : chosenAppearances(query)) {
       for (const std::string& screen : screensOf(query)) {
         for (const std::string& language : chosenLanguages(query, widget)) {
           row.cells.push_back(
@@ -182,9 +174,9 @@ std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::W
                     .screen = screen,
                     .language = language,
                     .currency = query.currency,
-                    .appearances = appearance,
+                    .appearance = appearance,
                     .scale = query.scale,
-                    .state = entry.state,
+                    .source = entry.source,
                     .start = entry.start},
                .size = widgetSize(widget.family, screen)});
         }
@@ -244,7 +236,7 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
       rows += filled(
           page::canvasRowHtml,
           {{"entry",
-            escaped(row.state == PreviewState::entry ? row.entry : titleOf(row.state, language))},
+            escaped(row.source == EntrySource::given ? row.entry : titleOf(row.source, language))},
            {"cells", cells}});
     }
     if (!rows.empty()) {
@@ -256,22 +248,17 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
            {"rows", rows}});
     }
   }
-  Select appearance(query.appearance);
-  appearance.add("", language.text("Light and dark"))
-      .add("light", language.text("Light"))
-      .add("dark", language.text("Dark"));
   const Markup body = filled(
       page::canvasHtml,
       {{"process", escaped(addressOf("process", frame))},
        {"engineer", escaped(addressOf("engineer", frame))},
        {"home", escaped(addressOf("", frame))},
-       {"wish",
-        frame.wish.empty() ? Markup() : filled(page::wishHtml, {{"wish", escaped(frame.wish)}})},
+       {"languageField", languageField(frame)},
        {"kinds", kindSelect(model, language).markup()},
        {"entries", entrySelect(model, language).markup()},
        {"screens", screenSelect(model, language).markup()},
        {"languages", languageSelect(model, language).markup()},
-       {"appearances", appearance.markup()},
+       {"appearances", appearanceOptions(query.appearance, language)},
        {"currency", escaped(query.currency)},
        {"scales", scaleOptions(query.scale)},
        {"archive", escaped(query.toUrl("/canvas.zip"))},

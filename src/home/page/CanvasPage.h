@@ -21,10 +21,10 @@ struct CanvasQuery {
   static constexpr const char* everything = "all";
 
   std::string kind{};    // empty: all
-  std::string entry{};   // a state's or a sample's name; empty: all
+  std::string entry{};   // a source's or a sample's name; empty: all
   std::string screen{};  // empty: the default one
   std::string language{};
-  std::string appearance{};  // "light" or "dark"; empty: both
+  ui::Appearance appearance = ui::Appearance::unspecified;  // both
   std::string currency{};
   int scale = 2;  // of the archive's pictures
 
@@ -60,7 +60,7 @@ struct CanvasCell {
 // The variants of a widget's entry that the query chooses, under the entry's name.
 struct CanvasRow {
   std::string entry;
-  PreviewState state = PreviewState::entry;
+  EntrySource source = EntrySource::given;
   std::vector<CanvasCell> cells;
 };
 std::vector<CanvasRow> canvasRows(const CanvasQuery& query, const CanvasModel::Widget& widget);

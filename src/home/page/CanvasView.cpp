@@ -49,9 +49,8 @@ CanvasView::LaterModel CanvasView::model(
          .family = familyOf(item),
          .languages = item.languages,
          .samples = {}});
-    PreviewSession::Job job{
-        .kind = item.kind, .source = PreviewSession::Source::snapshot, .entry = {}, .locale = ""};
-    snapshots.push_back(previews_.submit(now, std::move(job)));
+    snapshots.push_back(
+        previews_.submit(now, {.kind = item.kind, .source = EntrySource::snapshot}));
   }
   auto samples = samples_.read();
   model.problem = samples ? wrongSample(*samples, language)

@@ -8,14 +8,14 @@
 namespace quillpad::home {
 
 CardDrawings::CardDrawings(
-    CardRenderer& cards, std::string locale, std::function<void(const std::string& line)> say)
-    : cards_(cards), locale_(std::move(locale)), say_(std::move(say)) {}
+    CardRenderer& cards, std::string locale, std::function<void(const std::string& line)> report)
+    : cards_(cards), locale_(std::move(locale)), report_(std::move(report)) {}
 
 const CardDrawings::Drawn& CardDrawings::of(const WidgetState& widget) {
   auto& [version, drawn] = widgets_[widget.about->kind];
   if (version != widget.version) {
     version = widget.version;
-    const auto drawnFrom = [&](const Picture* picture) {
+    const auto drawnFrom = [&](const RenderedEntry* picture) {
       return picture == nullptr ? std::nullopt : draw(*widget.about, *picture);
     };
     drawn = {.card = drawnFrom(widget.picture), .kept = drawnFrom(widget.kept)};
@@ -24,7 +24,7 @@ const CardDrawings::Drawn& CardDrawings::of(const WidgetState& widget) {
 }
 
 const DrawnCard* CardDrawings::ofSnapshot(
-    const channel::CatalogueItem& about, const Picture& snapshot, std::uint64_t version) {
+    const channel::CatalogueItem& about, const RenderedEntry& snapshot, std::uint64_t version) {
   if (std::exchange(snapshotsVersion_, version) != version) {
     snapshots_.clear();
   }
@@ -41,19 +41,18 @@ void CardDrawings::keepOnly(const std::function<bool(std::string_view kind)>& is
 }
 
 std::optional<DrawnCard> CardDrawings::draw(
-    const channel::CatalogueItem& about, const Picture& picture) {
+    const channel::CatalogueItem& about, const RenderedEntry& picture) {
   const ui::WidgetFamily family = familyOf(about);
   const drawing::DisplayList list = cards_.compose(
       picture.view,
       {.kind = about.kind,
        .family = std::string(ui::familyName(family)),
        .size = widgetSize(family),
-       .redaction = picture.source == Picture::Source::placeholder ? drawing::Redaction::placeholder
-                                                                   : drawing::Redaction::none},
+       .redacted = picture.source == EntrySource::placeholder},
       locale_);
   auto document = cards_.writeForPage(list, "p" + std::to_string(++lastNumber_) + "-");
   if (!document) {
-    say_("the picture of " + printableText(about.kind) + " is not shown: " + document.error());
+    report_("the picture of " + printableText(about.kind) + " is not shown: " + document.error());
     return std::nullopt;
   }
   return DrawnCard{.picture = trusted(std::move(*document)), .link = list.link};

@@ -29,7 +29,7 @@ class CardDrawings {
 
   // For the locale. What cannot be drawn is said in one line.
   CardDrawings(
-      CardRenderer& cards, std::string locale, std::function<void(const std::string& line)> say);
+      CardRenderer& cards, std::string locale, std::function<void(const std::string& line)> report);
 
   // Good until it is called for the same widget again.
   const Drawn& of(const WidgetState& widget);
@@ -37,7 +37,7 @@ class CardDrawings {
   // Of the widget's snapshot, of those that have this version; nullptr where it cannot be drawn.
   // Good until it is called for another version.
   const DrawnCard* ofSnapshot(
-      const channel::CatalogueItem& about, const Picture& snapshot, std::uint64_t version);
+      const channel::CatalogueItem& about, const RenderedEntry& snapshot, std::uint64_t version);
 
   // Drops the pictures of the widgets that are shown no more.
   void keepOnly(const std::function<bool(std::string_view kind)>& isShown);
@@ -48,11 +48,11 @@ class CardDrawings {
     Drawn drawn;
   };
 
-  std::optional<DrawnCard> draw(const channel::CatalogueItem& about, const Picture& picture);
+  std::optional<DrawnCard> draw(const channel::CatalogueItem& about, const RenderedEntry& picture);
 
   CardRenderer& cards_;
   std::string locale_;
-  std::function<void(const std::string&)> say_;
+  std::function<void(const std::string&)> report_;
   std::size_t lastNumber_ = 0;  // of a picture, for its ids
   std::map<std::string, Kept, std::less<>> widgets_;
   std::uint64_t snapshotsVersion_ = 0;

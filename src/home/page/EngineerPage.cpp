@@ -1,7 +1,5 @@
 #include "home/page/EngineerPage.h"
 
-#include <array>
-
 #include "home/cards/InspectorText.h"
 #include "home/cards/WidgetSizes.h"
 #include "home/page/Inspector.h"
@@ -11,9 +9,6 @@
 
 namespace quillpad::home {
 namespace {
-
-using Appearances = PreviewQuery::Appearances;
-using Format = PreviewQuery::Format;
 
 Markup length(double points) { return escaped(lengthText(points)); }
 
@@ -43,14 +38,14 @@ Select languageSelect(const EngineerModel& model, const Language& language) {
   return select;
 }
 
-Select stateSelect(PreviewState chosen, const Language& language) {
-  Select select(stateName(chosen));
-  for (const auto state :
-       {PreviewState::timeline,
-        PreviewState::placeholder,
-        PreviewState::snapshot,
-        PreviewState::entry}) {
-    select.add(stateName(state), titleOf(state, language));
+Select sourceSelect(EntrySource chosen, const Language& language) {
+  Select select(sourceName(chosen));
+  for (const auto source :
+       {EntrySource::timeline,
+        EntrySource::placeholder,
+        EntrySource::snapshot,
+        EntrySource::given}) {
+    select.add(sourceName(source), titleOf(source, language));
   }
   return select;
 }
@@ -88,11 +83,11 @@ Markup problem(const std::string& reason) {
 }
 
 Markup card(
-    const PreviewColumn::Picture& picture, const drawing::DisplayList& list, Format format) {
+    const PreviewColumn::Picture& picture, const drawing::DisplayList& list, PictureFormat format) {
   if (!picture.error.empty()) {
     return problem(picture.error);
   }
-  if (format == Format::svg) {
+  if (format == PictureFormat::svg) {
     return trusted(picture.file);
   }
   return filled(
@@ -106,7 +101,7 @@ Markup card(
 Markup figure(
     const Language& language,
     const PreviewQuery& query,
-    PreviewState state,
+    EntrySource source,
     const PreviewColumn::Picture& picture,
     const drawing::DisplayList& list) {
   const bool dark = picture.appearance == ui::Appearance::dark;
@@ -115,11 +110,11 @@ Markup figure(
       .screen = query.screen,
       .language = query.language,
       .currency = query.currency,
-      .appearances = dark ? Appearances::dark : Appearances::light,
+      .appearance = picture.appearance,
       .scale = query.scale,
-      .state = state,
-      .start = state == PreviewState::entry ? query.start : "",
-      .entry = state == PreviewState::entry ? query.entry : ""};
+      .source = source,
+      .start = source == EntrySource::given ? query.start : "",
+      .entry = source == EntrySource::given ? query.entry : ""};
   return filled(
       page::engineerPictureHtml,
       {{"picture", card(picture, list, query.format)},
@@ -142,14 +137,14 @@ Markup columnMarkup(
     content = problem(column.reason);
   } else {
     for (const PreviewColumn::Picture& picture : column.pictures) {
-      content += figure(language, query, column.state, picture, column.card->list);
+      content += figure(language, query, column.source, picture, column.card->list);
     }
   }
   return filled(
       page::engineerColumnHtml,
-      {{"class", escaped(column.state == query.state ? "column chosen" : "column")},
-       {"state", escaped(stateName(column.state))},
-       {"title", escaped(titleOf(column.state, language))},
+      {{"class", escaped(column.source == query.source ? "column chosen" : "column")},
+       {"state", escaped(sourceName(column.source))},
+       {"title", escaped(titleOf(column.source, language))},
        {"date", escaped(column.date)},
        {"content", content}});
 }
@@ -164,32 +159,26 @@ Markup engineerPage(const EngineerModel& model, const PageFrame& frame) {
   Markup details;
   for (const PreviewColumn& column : model.columns) {
     columns += columnMarkup(language, query, column);
-    if (column.card && column.state == query.state) {
+    if (column.card && column.source == query.source) {
       warnings = warningsMarkup(*column.card, language);
       details = inspectorMarkup(*column.card, model.displayList, language);
     }
   }
-  constexpr std::array<std::string_view, 3> appearances{"both", "light", "dark"};
-  Select appearance(appearances.at(static_cast<std::size_t>(query.appearances)));
-  appearance.add("both", language.text("Light and dark"))
-      .add("light", language.text("Light"))
-      .add("dark", language.text("Dark"));
-  Select format(query.format == Format::png ? "png" : "svg");
+  Select format(nameOf(pictureFormatNames, query.format));
   format.add("svg", "SVG").add("png", "PNG");
   const Markup body = filled(
       page::engineerHtml,
       {{"home", escaped(addressOf("", frame))},
        {"canvas", escaped(addressOf("canvas", frame))},
-       {"wish",
-        frame.wish.empty() ? Markup() : filled(page::wishHtml, {{"wish", escaped(frame.wish)}})},
+       {"languageField", languageField(frame)},
        {"kinds", kindSelect(model).markup()},
        {"screens", screenSelect(model).markup()},
        {"languages", languageSelect(model, language).markup()},
        {"currency", escaped(query.currency)},
-       {"appearances", appearance.markup()},
+       {"appearances", appearanceOptions(query.appearance, language)},
        {"formats", format.markup()},
        {"scales", scaleOptions(query.scale)},
-       {"states", stateSelect(query.state, language).markup()},
+       {"states", sourceSelect(query.source, language).markup()},
        {"boxesChecked", escaped(query.boxes ? " checked" : "")},
        {"sample", escaped(model.sampleEntry)},
        {"starts", startSelect(model, language).markup()},

@@ -23,7 +23,7 @@ struct PreviewColumn {
     std::string error{};  // why there is no file
   };
 
-  PreviewState state = PreviewState::timeline;
+  EntrySource source = EntrySource::timeline;
   std::string date{};                         // of the entry
   std::string reason{};                       // why there is nothing to show
   std::optional<drawing::Inspection> card{};  // what the pictures show
@@ -40,7 +40,7 @@ struct EngineerModel {
   std::vector<std::string> samples{};
   std::string entryText{};    // that is being worked on
   std::size_t wrongLine = 0;  // of it; 0: none
-  std::string displayList{};  // of the state that the query names, as JSON
+  std::string displayList{};  // of the source that the query names, as JSON
 };
 
 Markup engineerPage(const EngineerModel& model, const PageFrame& frame);

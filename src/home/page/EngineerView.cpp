@@ -17,15 +17,14 @@ ui::Appearance appearanceOf(const PreviewQuery& query) {
 }
 
 drawing::CardRequest requestOf(
-    const PreviewQuery& query, const channel::CatalogueItem& widget, PreviewState state) {
+    const PreviewQuery& query, const channel::CatalogueItem& widget, EntrySource source) {
   const ui::WidgetFamily family = familyOf(widget);
   return {
       .kind = query.kind,
       .family = std::string(ui::familyName(family)),
       .size = widgetSize(family, query.screen),
       .scale = query.scale,
-      .redaction = state == PreviewState::placeholder ? drawing::Redaction::placeholder
-                                                      : drawing::Redaction::none};
+      .redacted = source == EntrySource::placeholder};
 }
 
 }  // namespace
@@ -60,12 +59,12 @@ WebReply EngineerView::page(const Moment& now, const WebRequest& request, const 
         .headers = pageHeaders(frame)};
   }
   std::vector<Column> columns;
-  for (const auto state :
-       {PreviewState::placeholder, PreviewState::snapshot, PreviewState::timeline}) {
-    columns.push_back(column(now, query, state, frame.language));
+  for (const auto source :
+       {EntrySource::placeholder, EntrySource::snapshot, EntrySource::timeline}) {
+    columns.push_back(column(now, query, source, frame.language));
   }
-  if (!query.entry.empty() || !query.start.empty() || query.state == PreviewState::entry) {
-    columns.push_back(column(now, query, PreviewState::entry, frame.language));
+  if (!query.entry.empty() || !query.start.empty() || query.source == EntrySource::given) {
+    columns.push_back(column(now, query, EntrySource::given, frame.language));
   }
   return LaterAnswer{[this, query, widget = *widget, columns, frame]() -> std::optional<WebAnswer> {
     if (!std::ranges::all_of(columns, &Column::isDone)) {
@@ -104,7 +103,7 @@ WebReply EngineerView::picture(const Moment& now, const WebRequest& request, Pic
 }
 
 PreviewSession::PendingResult EngineerView::view(const Moment& now, const PreviewQuery& query) {
-  return column(now, query, query.state, {}).pending;
+  return column(now, query, query.source, {}).pending;
 }
 
 std::expected<std::string, std::string> EngineerView::draw(
@@ -115,7 +114,7 @@ std::expected<std::string, std::string> EngineerView::draw(
     return std::unexpected("There is no widget of this kind any more.");
   }
   const auto list =
-      cards_.compose(view, requestOf(chosen, *widget, chosen.state), localeOf(chosen));
+      cards_.compose(view, requestOf(chosen, *widget, chosen.source), localeOf(chosen));
   return cards_.write(list, format, appearanceOf(chosen));
 }
 
@@ -124,7 +123,7 @@ std::string EngineerView::fileName(const PreviewQuery& query, PictureFormat form
   const PictureName name{
       .kind = query.kind,
       .entry = isSample ? std::string_view(query.start).substr(startFromSample.size())
-                        : stateName(query.state),
+                        : sourceName(query.source),
       .screen = query.screen.empty() ? screens().front() : std::string_view(query.screen),
       .language = query.language,
       .appearance = appearanceOf(query),
@@ -133,29 +132,28 @@ std::string EngineerView::fileName(const PreviewQuery& query, PictureFormat form
 }
 
 EngineerView::Column EngineerView::column(
-    const Moment& now, const PreviewQuery& query, PreviewState state, const Language& language) {
+    const Moment& now, const PreviewQuery& query, EntrySource source, const Language& language) {
   PreviewSession::Job job{
       .kind = query.kind,
-      .source = PreviewSession::Source::given,
+      .source = source == EntrySource::timeline ? EntrySource::given : source,
       .entry = {},
       .locale = query.language,
       .currency = query.currency};
-  if (state == PreviewState::placeholder) {
-    job.source = PreviewSession::Source::placeholder;
-  } else if (state == PreviewState::snapshot) {
-    job.source = PreviewSession::Source::snapshot;
-  } else if (auto entry = entryOf(query, state, language)) {
+  if (job.source == EntrySource::given) {
+    auto entry = entryOf(query, source, language);
+    if (!entry) {
+      const auto& [reason, line] = entry.error();
+      return {
+          source, std::make_shared<const PreviewSession::Outcome>(std::unexpected(reason)), line};
+    }
     job.entry = std::move(*entry);
-  } else {
-    const auto& [reason, line] = entry.error();
-    return {state, std::make_shared<const PreviewSession::Outcome>(std::unexpected(reason)), line};
   }
-  return {state, previews_.submit(now, std::move(job))};
+  return {source, previews_.submit(now, std::move(job))};
 }
 
 std::expected<channel::Entry, EntryProblem> EngineerView::entryOf(
-    const PreviewQuery& query, PreviewState state, const Language& language) const {
-  if (state == PreviewState::entry) {
+    const PreviewQuery& query, EntrySource source, const Language& language) const {
+  if (source == EntrySource::given) {
     const auto text = editedText(query, language);
     if (!text) {
       return std::unexpected(EntryProblem{.reason = text.error()});
@@ -181,7 +179,7 @@ std::expected<channel::Entry, std::string> EngineerView::liveEntry(
     const std::string& kind, const Language& language) const {
   for (const WidgetState& card : supervisor_.widgets()) {
     if (card.about->kind == kind && card.picture != nullptr &&
-        card.picture->source == Picture::Source::timeline) {
+        card.picture->source == EntrySource::timeline) {
       return card.picture->entry;
     }
   }
@@ -232,15 +230,15 @@ EngineerModel EngineerView::modelOf(
   for (const Column& column : columns) {
     model.columns.push_back(shown(query, widget, column));
     const auto& outcome = column.outcome();
-    if (!outcome && column.state == PreviewState::entry) {
+    if (!outcome && column.source == EntrySource::given) {
       model.wrongLine =
           column.wrongLine != 0 ? column.wrongLine : lineNamedIn(outcome.error(), model.entryText);
     }
-    if (outcome && column.state == PreviewState::snapshot) {
+    if (outcome && column.source == EntrySource::snapshot) {
       model.sampleEntry =
           writeJson(channel::toValue(outcome->entry), JsonLayout::compact).value_or("");
     }
-    if (outcome && column.state == query.state) {
+    if (outcome && column.source == query.source) {
       if (const auto& card = model.columns.back().card) {
         model.displayList =
             cards_.write(card->list, PictureFormat::json, appearanceOf(query)).value_or("");
@@ -254,22 +252,20 @@ PreviewColumn EngineerView::shown(
     const PreviewQuery& query, const channel::CatalogueItem& widget, const Column& column) {
   const auto& outcome = column.outcome();
   if (!outcome) {
-    return {.state = column.state, .reason = outcome.error()};
+    return {.source = column.source, .reason = outcome.error()};
   }
   PreviewColumn shown{
-      .state = column.state,
+      .source = column.source,
       .date = iso8601(outcome->entry.date),
       .card =
-          cards_.inspect(outcome->view, requestOf(query, widget, column.state), localeOf(query))};
-  const auto format =
-      query.format == PreviewQuery::Format::png ? PictureFormat::png : PictureFormat::svg;
+          cards_.inspect(outcome->view, requestOf(query, widget, column.source), localeOf(query))};
   for (const ui::Appearance appearance : bothAppearances) {
     if (!query.shows(appearance)) {
       continue;
     }
-    const std::string idPrefix = std::string(stateName(column.state)) +
+    const std::string idPrefix = std::string(sourceName(column.source)) +
                                  (appearance == ui::Appearance::dark ? "-dark-" : "-light-");
-    auto file = cards_.write(shown.card->list, format, appearance, idPrefix);
+    auto file = cards_.write(shown.card->list, query.format, appearance, idPrefix);
     shown.pictures.push_back(
         {.appearance = appearance, .file = file.value_or(""), .error = file ? "" : file.error()});
   }

@@ -51,7 +51,7 @@ class EngineerView {
  private:
   // A state of the widget: what there is to show, or why there is nothing, once it has come.
   struct Column {
-    PreviewState state = PreviewState::timeline;
+    EntrySource source = EntrySource::timeline;
     PreviewSession::PendingResult pending;
     std::size_t wrongLine = 0;  // of the entry of one's own, where that is wrong
 
@@ -66,14 +66,14 @@ class EngineerView {
   // there is none.
   const channel::CatalogueItem* choose(PreviewQuery& query) const;
   Column column(
-      const Moment& now, const PreviewQuery& query, PreviewState state, const Language& language);
+      const Moment& now, const PreviewQuery& query, EntrySource source, const Language& language);
   std::expected<channel::Entry, std::string> liveEntry(
       const std::string& kind, const Language& language) const;
   // What the editor holds: what was typed, or what it starts from.
   std::expected<std::string, std::string> editedText(
       const PreviewQuery& query, const Language& language) const;
   std::expected<channel::Entry, EntryProblem> entryOf(
-      const PreviewQuery& query, PreviewState state, const Language& language) const;
+      const PreviewQuery& query, EntrySource source, const Language& language) const;
   std::string localeOf(const PreviewQuery& query) const;
   EngineerModel modelOf(
       const PreviewQuery& query,

@@ -21,7 +21,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto galleryPatience = 5s;
+constexpr auto galleryTimeout = 5s;
 constexpr std::size_t maxKeptChanges = 100;
 
 // 128 bits that nobody can guess.
@@ -79,7 +79,7 @@ HomeScreen::HomeScreen(
           account,
           [this](std::string_view line) { relay_.add(presentMoment().uptime, line); }),
       previews_(extension),
-      drawings_(cards_, locale_, [this](const std::string& line) { say(line); }),
+      drawings_(cards_, locale_, [this](const std::string& line) { report(line); }),
       engineer_(widgets_.supervisor(), previews_, cards_, samples, locale_),
       canvas_(widgets_.supervisor(), previews_, engineer_, samples),
       switchboard_(std::move(switchboard)) {}
@@ -245,8 +245,8 @@ WebReply HomeScreen::change(const WebRequest& request) {
 }
 
 PageFrame HomeScreen::newFrame(const WebRequest& request) const {
-  const std::string wish(request.parameter("lang"));
-  const Language language = Language::wished(wish + "," + request.acceptLanguage);
+  const std::string chosen(request.parameter("lang"));
+  const Language language = Language::preferred(chosen + "," + request.acceptLanguage);
   return {
       .token = token_,
       .instance = instance_,
@@ -254,7 +254,7 @@ PageFrame HomeScreen::newFrame(const WebRequest& request) const {
       .nonce = secret(),
       .cookie = access_.cookie(server_->port()),
       .language = language,
-      .wish = wish.empty() ? "" : std::string(language.tag()),
+      .chosenLanguage = chosen.empty() ? "" : std::string(language.tag()),
       .cardLanguage = Bundle::main().localization(locale_).value_or("en")};
 }
 
@@ -292,11 +292,11 @@ WebAnswer HomeScreen::processAnswer(const PageFrame& frame) const {
 
 // Waits for the snapshots that are still missing, as long as they may still come.
 LaterAnswer HomeScreen::galleryAnswer(const PageFrame& frame) {
-  const Uptime deadline = presentMoment().uptime + galleryPatience;
+  const Uptime deadline = presentMoment().uptime + galleryTimeout;
   const auto take = [this, deadline, frame]() -> std::optional<WebAnswer> {
     std::vector<OfferModel> offers;
     for (const channel::CatalogueItem& item : supervisor().catalogue()) {
-      const Picture* snapshot = supervisor().snapshot(item.kind);
+      const RenderedEntry* snapshot = supervisor().snapshot(item.kind);
       if (snapshot == nullptr && supervisor().awaitsAnswers() &&
           presentMoment().uptime < deadline) {
         return std::nullopt;
@@ -310,7 +310,7 @@ LaterAnswer HomeScreen::galleryAnswer(const PageFrame& frame) {
     }
     return html(galleryMarkup(offers, frame).html());
   };
-  return {.take = take, .patience = galleryPatience};
+  return {.take = take, .timeout = galleryTimeout};
 }
 
 EventStream HomeScreen::eventsSince(std::uint64_t version, const PageFrame& frame) {
@@ -354,13 +354,13 @@ std::optional<std::string> HomeScreen::changesSince(std::uint64_t version, const
       {"cards", std::move(cards)}};
   auto text = writeJson(changes, JsonLayout::compact);
   if (!text) {
-    say("the page's changes cannot be written: " + text.error().reason);
+    report("the page's changes cannot be written: " + text.error().reason);
     return std::nullopt;
   }
   return std::move(*text);
 }
 
-void HomeScreen::say(const std::string& line) {
+void HomeScreen::report(const std::string& line) {
   relay_.add(presentMoment().uptime, "quillpad-home: " + line);
 }
 
@@ -375,8 +375,8 @@ CardModel HomeScreen::modelOf(const WidgetState& widget, const Language& languag
       .reload = widget.reload,
       .awaited = widget.awaited,
       .slowSince = widget.slowSince};
-  const Picture* picture = widget.picture;
-  if (picture != nullptr && picture->source == Picture::Source::timeline) {
+  const RenderedEntry* picture = widget.picture;
+  if (picture != nullptr && picture->source == EntrySource::timeline) {
     model.face.updated = picture->received;
   }
   if (widget.kept != nullptr && drawn.kept && picture != nullptr && picture->failure) {

@@ -17,11 +17,11 @@
 
 #include "home/cards/CardRenderer.h"
 #include "home/extension/Account.h"
+#include "home/extension/ExtensionDriver.h"
 #include "home/extension/LineRelay.h"
 #include "home/extension/Moment.h"
 #include "home/extension/PreviewSession.h"
 #include "home/extension/ProgramWatch.h"
-#include "home/extension/WidgetHost.h"
 #include "home/extension/WidgetState.h"
 #include "home/page/CanvasView.h"
 #include "home/page/CardDrawings.h"
@@ -77,9 +77,9 @@ class HomeScreen {
   std::uint64_t seenVersion(const WebRequest& request) const;
   void takeUpProgram(const Moment& now);
   EventStream eventsSince(std::uint64_t version, const PageFrame& frame);
-  // Nothing where they cannot be written, which is said.
+  // Nothing where they cannot be written, which is reported.
   std::optional<std::string> changesSince(std::uint64_t version, const PageFrame& frame);
-  void say(const std::string& line);
+  void report(const std::string& line);
 
   CardModel modelOf(const WidgetState& widget, const Language& language);
   std::string emptyText(const Language& language) const;
@@ -92,7 +92,7 @@ class HomeScreen {
 
   LineRelay relay_;
   ProgramWatch program_;
-  WidgetHost widgets_;
+  ExtensionDriver widgets_;
   PreviewSession previews_;
   CardRenderer cards_;
   CardDrawings drawings_;

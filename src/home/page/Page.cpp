@@ -244,13 +244,20 @@ Markup problemPage(const std::string& problem, const PageFrame& frame) {
 std::string addressOf(std::string_view view, const PageFrame& frame) {
   std::string address = "/";
   for (const auto& [name, value] :
-       {std::pair<std::string_view, std::string_view>{"view", view}, {"lang", frame.wish}}) {
+       {std::pair<std::string_view, std::string_view>{"view", view},
+        {"lang", frame.chosenLanguage}}) {
     if (!value.empty()) {
       address += address.size() == 1 ? '?' : '&';
       address.append(name).append("=").append(value);
     }
   }
   return address;
+}
+
+Markup languageField(const PageFrame& frame) {
+  return frame.chosenLanguage.empty()
+             ? Markup()
+             : filled(page::languageFieldHtml, {{"language", escaped(frame.chosenLanguage)}});
 }
 
 std::vector<std::pair<std::string, std::string>> pageHeaders(const PageFrame& frame) {

@@ -45,7 +45,7 @@ struct PageFrame {
   std::string nonce{};        // of this answer, for its style and scripts
   std::string cookie{};       // by which the browser is known from now on
   Language language{};
-  std::string wish{};               // the language that the address asks for; links keep it
+  std::string chosenLanguage{};     // by the address; links keep it
   std::string cardLanguage = "en";  // of the extension's names and pictures
 };
 
@@ -84,6 +84,9 @@ Markup problemPage(const std::string& problem, const PageFrame& frame);
 
 // The page's own address, or that of its view, in the language that was asked for.
 std::string addressOf(std::string_view view, const PageFrame& frame);
+
+// The hidden field of a form by which its answer keeps that language; empty where there is none.
+Markup languageField(const PageFrame& frame);
 
 // The headers that a page goes out with.
 std::vector<std::pair<std::string, std::string>> pageHeaders(const PageFrame& frame);

@@ -54,7 +54,7 @@ extern const std::string_view engineerColumnHtml;
 extern const std::string_view engineerPictureHtml;
 extern const std::string_view optionHtml;
 extern const std::string_view problemHtml;
-extern const std::string_view wishHtml;
+extern const std::string_view languageFieldHtml;
 extern const std::string_view engineerBoxesHtml;
 extern const std::string_view engineerBoxHtml;
 extern const std::string_view engineerImageHtml;

@@ -10,33 +10,9 @@
 namespace quillpad::home {
 namespace {
 
-using Appearances = PreviewQuery::Appearances;
-using Format = PreviewQuery::Format;
-
-template <class Value, std::size_t count>
-using Names = std::array<std::pair<std::string_view, Value>, count>;
-
-// The usual value comes first.
-constexpr Names<Appearances, 3> appearanceNames{
-    {{"both", Appearances::both}, {"light", Appearances::light}, {"dark", Appearances::dark}}};
-constexpr Names<Format, 2> formatNames{{{"svg", Format::svg}, {"png", Format::png}}};
-constexpr Names<int, 3> scaleNames{{{"2", 2}, {"1", 1}, {"3", 3}}};
-constexpr Names<PreviewState, 4> stateNames{
-    {{"timeline", PreviewState::timeline},
-     {"placeholder", PreviewState::placeholder},
-     {"snapshot", PreviewState::snapshot},
-     {"entry", PreviewState::entry}}};
-
-template <class Value, std::size_t count>
-Value valueOf(const Names<Value, count>& names, std::string_view name) {
-  const auto found = std::ranges::find(names, name, [](const auto& each) { return each.first; });
-  return found == names.end() ? names.front().second : found->second;
-}
-
-template <class Value, std::size_t count>
-std::string_view nameOf(const Names<Value, count>& names, Value value) {
-  return std::ranges::find(names, value, [](const auto& each) { return each.second; })->first;
-}
+constexpr auto sourceNames = sourcesWithGiven("entry");
+constexpr auto usualSource = EntrySource::timeline;
+constexpr int usualScale = 2;
 
 bool isScreen(std::string_view name) {
   return std::ranges::find(screens(), name) != screens().end();
@@ -68,61 +44,67 @@ void addParameter(std::string& address, std::string_view name, std::string_view 
   }
 }
 
-int scaleFrom(std::string_view name) { return valueOf(scaleNames, name); }
+int scaleFrom(std::string_view name) { return name == "1" ? 1 : name == "3" ? 3 : usualScale; }
+
+std::string scaleParameter(int scale) { return scale == usualScale ? "" : std::to_string(scale); }
+
+ui::Appearance appearanceFrom(std::string_view name) {
+  const auto* appearance = valueNamed(ui::appearanceNames, name);
+  return appearance == nullptr ? ui::Appearance::unspecified : *appearance;
+}
+
+std::string_view appearanceParameter(ui::Appearance appearance) {
+  return appearance == ui::Appearance::unspecified ? "" : ui::appearanceName(appearance);
+}
 
 PreviewQuery PreviewQuery::parse(const WebRequest& request) {
   const std::string_view screen = request.parameter("screen");
+  const auto* source = valueNamed(sourceNames, request.parameter("state"));
   return {
       .kind = std::string(request.parameter("kind")),
       .screen = isScreen(screen) ? std::string(screen) : "",
       .language = std::string(request.parameter("language")),
       .currency = std::string(request.parameter("currency")),
-      .appearances = valueOf(appearanceNames, request.parameter("appearance")),
-      .format = valueOf(formatNames, request.parameter("format")),
+      .appearance = appearanceFrom(request.parameter("appearance")),
+      .format = request.parameter("format") == "png" ? PictureFormat::png : PictureFormat::svg,
       .scale = scaleFrom(request.parameter("scale")),
       .boxes = request.parameter("boxes") == "1",
-      .state = valueOf(stateNames, request.parameter("state")),
+      .source = source == nullptr ? usualSource : *source,
       .start = std::string(request.parameter("start")),
       .entry = std::string(request.parameter("entry"))};
 }
 
 std::string PreviewQuery::toUrl(std::string_view path) const {
   std::string url(path);
-  const auto add = [&](std::string_view name, std::string_view value, std::string_view usual) {
-    if (value != usual) {
-      addParameter(url, name, value);
-    }
-  };
-  add("kind", kind, "");
-  add("screen", screen, "");
-  add("language", language, "");
-  add("currency", currency, "");
-  add("appearance", nameOf(appearanceNames, appearances), appearanceNames.front().first);
-  add("format", nameOf(formatNames, format), formatNames.front().first);
-  add("scale", nameOf(scaleNames, scale), scaleNames.front().first);
-  add("boxes", boxes ? "1" : "", "");
-  add("state", stateName(state), stateNames.front().first);
-  add("start", start, "");
-  add("entry", entry, "");
+  addParameter(url, "kind", kind);
+  addParameter(url, "screen", screen);
+  addParameter(url, "language", language);
+  addParameter(url, "currency", currency);
+  addParameter(url, "appearance", appearanceParameter(appearance));
+  addParameter(url, "format", format == PictureFormat::png ? "png" : "");
+  addParameter(url, "scale", scaleParameter(scale));
+  addParameter(url, "boxes", boxes ? "1" : "");
+  addParameter(url, "state", source == usualSource ? "" : sourceName(source));
+  addParameter(url, "start", start);
+  addParameter(url, "entry", entry);
   return url;
 }
 
-bool PreviewQuery::shows(ui::Appearance appearance) const {
-  return appearances == Appearances::both ||
-         (appearances == Appearances::dark) == (appearance == ui::Appearance::dark);
+bool PreviewQuery::shows(ui::Appearance wanted) const {
+  return appearance == ui::Appearance::unspecified || appearance == wanted;
 }
 
-std::string_view stateName(PreviewState state) { return nameOf(stateNames, state); }
+std::string_view sourceName(EntrySource source) { return nameOf(sourceNames, source); }
 
-std::string titleOf(PreviewState state, const Language& language) {
-  switch (state) {
-    case PreviewState::timeline:
+std::string titleOf(EntrySource source, const Language& language) {
+  switch (source) {
+    case EntrySource::timeline:
       return language.text("Timeline");
-    case PreviewState::placeholder:
+    case EntrySource::placeholder:
       return language.text("Placeholder");
-    case PreviewState::snapshot:
+    case EntrySource::snapshot:
       return language.text("Snapshot");
-    case PreviewState::entry:
+    case EntrySource::given:
       break;
   }
   return language.text("Your entry");

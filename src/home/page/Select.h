@@ -2,11 +2,11 @@
 // them stands behind them as it is, so that the form says what was asked for.
 #pragma once
 
-#include <string>
 #include <string_view>
 
+#include "home/language/Language.h"
 #include "home/page/Markup.h"
-#include "home/page/PageFiles.h"
+#include "platform/ui/Color.h"
 
 namespace quillpad::home {
 
@@ -14,19 +14,9 @@ class Select {
  public:
   explicit Select(std::string_view chosen) : chosen_(chosen) {}
 
-  Select& add(std::string_view value, std::string_view label) {
-    markup_ += filled(
-        page::optionHtml,
-        {{"value", escaped(value)},
-         {"selected", escaped(value == chosen_ ? " selected" : "")},
-         {"label", escaped(label)}});
-    isOffered_ = isOffered_ || value == chosen_;
-    return *this;
-  }
+  Select& add(std::string_view value, std::string_view label);
 
-  Markup markup() const {
-    return isOffered_ || chosen_.empty() ? markup_ : Select(*this).add(chosen_, chosen_).markup_;
-  }
+  Markup markup() const;
 
  private:
   std::string_view chosen_;
@@ -34,10 +24,8 @@ class Select {
   bool isOffered_ = false;
 };
 
-// The scales that a picture can have.
-inline Markup scaleOptions(int chosen) {
-  const std::string name = std::to_string(chosen);
-  return Select(name).add("2", "2x").add("1", "1x").add("3", "3x").markup();
-}
+// The appearances and the scales that pictures can have.
+Markup appearanceOptions(ui::Appearance chosen, const Language& language);
+Markup scaleOptions(int chosen);
 
 }  // namespace quillpad::home

@@ -21,7 +21,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto patience = 5s;
+constexpr auto timeout = 5s;
 constexpr int maxUnderWay = 8;
 constexpr std::size_t maxFileBytes = 4096;
 constexpr std::size_t maxFaults = 100;
@@ -129,7 +129,7 @@ std::optional<double> secondsFrom(std::string_view text) {
 }  // namespace
 
 // What is shared with the thread that the answers come on.
-struct Switchboard::Line {
+struct Switchboard::Shared {
   struct Reply {
     std::optional<std::expected<HttpsAnswer, std::string>> answer;
   };
@@ -148,7 +148,7 @@ std::expected<std::unique_ptr<Switchboard>, std::string> Switchboard::open(
 }
 
 Switchboard::Switchboard(std::filesystem::path file, AskOverHttps ask)
-    : file_(std::move(file)), ask_(std::move(ask)), line_(std::make_shared<Line>()) {}
+    : file_(std::move(file)), ask_(std::move(ask)), shared_(std::make_shared<Shared>()) {}
 
 std::expected<Switchboard::Access, std::string> Switchboard::read(
     const std::filesystem::path& file) {
@@ -192,44 +192,44 @@ WebReply Switchboard::ask(
     return noAnswer(access.error(), frame.language);
   }
   {
-    const std::lock_guard lock(line_->mutex);
-    if (line_->underWay >= maxUnderWay) {
+    const std::lock_guard lock(shared_->mutex);
+    if (shared_->underWay >= maxUnderWay) {
       return WebAnswer{.status = 503, .body = "The switchboard is busy. Try again in a moment.\n"};
     }
-    ++line_->underWay;
+    ++shared_->underWay;
   }
-  const auto reply = std::make_shared<Line::Reply>();
+  const auto reply = std::make_shared<Shared::Reply>();
   ask_(
       {.method = std::string(method),
        .address = std::move(access->address),
        .authorization = std::move(access->token),
        .body = std::move(body)},
-      [line = line_, reply](std::expected<HttpsAnswer, std::string> answer) {
-        const std::lock_guard lock(line->mutex);
+      [shared = shared_, reply](std::expected<HttpsAnswer, std::string> answer) {
+        const std::lock_guard lock(shared->mutex);
         reply->answer = std::move(answer);
-        --line->underWay;
-        ::eventfd_write(line->came.get(), 1);
+        --shared->underWay;
+        ::eventfd_write(shared->came.get(), 1);
       });
   const auto take =
-      [line = line_, reply, until = now.uptime + patience, frame]() -> std::optional<WebAnswer> {
-    const std::lock_guard lock(line->mutex);
+      [shared = shared_, reply, until = now.uptime + timeout, frame]() -> std::optional<WebAnswer> {
+    const std::lock_guard lock(shared->mutex);
     if (reply->answer) {
       return answerFrom(*reply->answer, frame);
     }
     if (presentMoment().uptime < until) {
       return std::nullopt;
     }
-    const std::string waited = std::to_string(std::chrono::seconds(patience).count()) + " s";
+    const std::string waited = std::to_string(std::chrono::seconds(timeout).count()) + " s";
     return noAnswer(frame.language.text("No answer came within {1}.", {waited}), frame.language);
   };
-  return LaterAnswer{.take = take, .patience = patience};
+  return LaterAnswer{.take = take, .timeout = timeout};
 }
 
-pollfd Switchboard::descriptor() const { return {line_->came.get(), POLLIN, 0}; }
+pollfd Switchboard::descriptor() const { return {shared_->came.get(), POLLIN, 0}; }
 
 bool Switchboard::run() {
   eventfd_t count = 0;
-  return ::eventfd_read(line_->came.get(), &count) == 0;
+  return ::eventfd_read(shared_->came.get(), &count) == 0;
 }
 
 }  // namespace quillpad::home

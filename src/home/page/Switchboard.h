@@ -40,7 +40,7 @@ class Switchboard {
   bool run();
 
  private:
-  struct Line;
+  struct Shared;
   struct Access {
     std::string address;
     std::string token;
@@ -53,7 +53,7 @@ class Switchboard {
 
   std::filesystem::path file_;
   AskOverHttps ask_;
-  std::shared_ptr<Line> line_;
+  std::shared_ptr<Shared> shared_;
 };
 
 }  // namespace quillpad::home

@@ -219,11 +219,9 @@ std::string encode(const NumberedReply& reply) {
   return lineOf(replyDocument({reply.id, Refused{internalError, reason}}));
 }
 
-std::string encode(const TransferNotice& notice) {
+std::string encode(const TransferReport& transfer) {
   return lineOf(
-      {{"jsonrpc", "2.0"},
-       {"method", transferMethod},
-       {"params", quillpad::encode(notice.report)}});
+      {{"jsonrpc", "2.0"}, {"method", transferMethod}, {"params", quillpad::encode(transfer)}});
 }
 
 std::expected<NumberedRequest, NumberedReply> decodeRequest(std::string_view line) {
@@ -270,8 +268,9 @@ std::expected<MessageOfExtension, std::string> decodeFromExtension(
   if (method && method->text() != transferMethod) {
     method->fail("not \"transfer\"");
   }
-  MessageOfExtension message = method ? TransferNotice{decode<TransferReport>(document["params"])}
-                                      : replyFrom(document, methodOfId);
+  MessageOfExtension message = method
+                                   ? MessageOfExtension(decode<TransferReport>(document["params"]))
+                                   : replyFrom(document, methodOfId);
   if (!document.error().empty()) {
     return std::unexpected("a message that cannot be read: " + document.error());
   }

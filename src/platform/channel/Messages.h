@@ -117,15 +117,12 @@ struct NumberedReply {
   Reply reply;
 };
 
-// A transfer of the extension has ended; its activity is the id of the request that it belongs to.
-struct TransferNotice {
-  TransferReport report;
-};
-
 // A reply to a request that is not under way; what it holds is not read.
 struct StrayReply {};
 
-using MessageOfExtension = std::variant<NumberedReply, TransferNotice, StrayReply>;
+// A report is of a transfer that has ended; its activity is the id of the request that it belongs
+// to.
+using MessageOfExtension = std::variant<NumberedReply, TransferReport, StrayReply>;
 
 inline constexpr int parseError = -32700;
 inline constexpr int invalidRequest = -32600;
@@ -137,7 +134,7 @@ inline constexpr int internalError = -32603;
 // a frame, becomes a refusal that says so.
 std::string encode(const NumberedRequest& request);
 std::string encode(const NumberedReply& reply);
-std::string encode(const TransferNotice& notice);
+std::string encode(const TransferReport& transfer);
 
 // The request on the line, or the refusal to answer it with.
 std::expected<NumberedRequest, NumberedReply> decodeRequest(std::string_view line);

@@ -56,7 +56,7 @@ DisplayList compose(
   const TextPlace place = placeOf(request);
   CardMetrics metrics(texts, place, imageSize);
   const Layout layout = layOut(view, request.size, directionOf(request), metrics);
-  return listOf(request, layout, itemsOf(layout, request.size, request.redaction, place, texts));
+  return listOf(request, layout, itemsOf(layout, request.size, request.redacted, place, texts));
 }
 
 Inspection inspect(
@@ -67,7 +67,7 @@ Inspection inspect(
   const TextPlace place = placeOf(request);
   CardMetrics metrics(texts, place, imageSize);
   LayoutTrace trace = traceLayout(view, request.size, directionOf(request), metrics);
-  auto [items, placed] = tracedItemsOf(trace.layout, request.size, request.redaction, place, texts);
+  auto [items, placed] = tracedItemsOf(trace.layout, request.size, request.redacted, place, texts);
   std::vector<int> nodes;
   nodes.reserve(placed.size());
   for (const int each : placed) {

@@ -21,7 +21,7 @@ struct CardRequest {
   int scale = 2;             // device pixels per point
   bool rightToLeft = false;  // whether the card is mirrored, as right-to-left languages have it
   std::string language{};    // for example "en" or "zh-Hans"
-  Redaction redaction = Redaction::none;
+  bool redacted = false;     // as of a placeholder: bars stand in for the texts
 };
 
 // The natural size of a named picture, in points; of none for a missing one.

@@ -60,15 +60,10 @@ ui::Color faint(ui::Color color) {
 
 class Builder {
  public:
-  Builder(
-      const Layout& layout,
-      Size card,
-      Redaction redaction,
-      const TextPlace& place,
-      TextEngine& texts)
+  Builder(const Layout& layout, Size card, bool redacted, const TextPlace& place, TextEngine& texts)
       : layout_(layout),
         card_{{0, 0, card.width, card.height}, cardCornerRadius},
-        redacted_(redaction == Redaction::placeholder),
+        redacted_(redacted),
         place_(place),
         texts_(texts) {
     items_.reserve(layout.items.size() + 1);
@@ -159,12 +154,8 @@ class Builder {
 }  // namespace
 
 std::vector<Item> itemsOf(
-    const Layout& layout,
-    Size card,
-    Redaction redaction,
-    const TextPlace& place,
-    TextEngine& texts) {
-  Builder builder(layout, card, redaction, place, texts);
+    const Layout& layout, Size card, bool redacted, const TextPlace& place, TextEngine& texts) {
+  Builder builder(layout, card, redacted, place, texts);
   for (const PlacedItem& placed : layout.items) {
     builder.add(placed);
   }
@@ -172,12 +163,8 @@ std::vector<Item> itemsOf(
 }
 
 TracedItems tracedItemsOf(
-    const Layout& layout,
-    Size card,
-    Redaction redaction,
-    const TextPlace& place,
-    TextEngine& texts) {
-  Builder builder(layout, card, redaction, place, texts);
+    const Layout& layout, Size card, bool redacted, const TextPlace& place, TextEngine& texts) {
+  Builder builder(layout, card, redacted, place, texts);
   std::vector<int> placed(builder.count(), -1);
   for (std::size_t i = 0; i < layout.items.size(); ++i) {
     builder.add(layout.items[i]);

@@ -10,15 +10,6 @@
 namespace quillpad::drawing {
 namespace {
 
-constexpr std::array weights{
-    Named{"regular", ui::Weight::regular},
-    Named{"medium", ui::Weight::medium},
-    Named{"semibold", ui::Weight::semibold}};
-constexpr std::array appearances{
-    Named{"light", ui::Appearance::light},
-    Named{"dark", ui::Appearance::dark},
-    Named{"unspecified", ui::Appearance::unspecified}};
-
 // Lengths have three decimals at most; one that is no number is 0.
 Value length(double points) {
   constexpr double thousandths = 1000;
@@ -47,7 +38,9 @@ Dictionary membersOf(const TextItem& text, ui::Appearance appearance) {
       {"text", text.text},
       {"frame", frame(text.frame)},
       {"font",
-       Dictionary{{"size", length(text.font.size)}, {"weight", nameOf(weights, text.font.weight)}}},
+       Dictionary{
+           {"size", length(text.font.size)},
+           {"weight", nameOf(ui::weightNames, text.font.weight)}}},
       {"color", hexName(text.color.resolved(appearance))}};
 }
 
@@ -80,7 +73,7 @@ std::string toJson(const DisplayList& list, ui::Appearance appearance) {
   std::string json = compact(Dictionary{
       {"kind", list.kind},
       {"family", list.family},
-      {"appearance", nameOf(appearances, appearance)},
+      {"appearance", ui::appearanceName(appearance)},
       {"scale", list.scale},
       {"size",
        Dictionary{{"width", length(list.size.width)}, {"height", length(list.size.height)}}}});

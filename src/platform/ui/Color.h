@@ -1,7 +1,11 @@
 // Colours: fixed ones, and pairs that follow the system's appearance. Plain values.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <string_view>
+
+#include "platform/foundation/Named.h"
 
 namespace quillpad::ui {
 
@@ -18,6 +22,15 @@ inline constexpr Rgba whiteColor{255, 255, 255};
 inline constexpr Rgba blackColor{0, 0, 0};
 
 enum class Appearance { unspecified, light, dark };
+
+inline constexpr std::array appearanceNames{
+    Named{"light", Appearance::light},
+    Named{"dark", Appearance::dark},
+    Named{"unspecified", Appearance::unspecified}};
+
+constexpr std::string_view appearanceName(Appearance appearance) {
+  return nameOf(appearanceNames, appearance);
+}
 
 // A colour that is resolved when it is drawn: what it is in dark appearance, and what in any other.
 struct Color {

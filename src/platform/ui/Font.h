@@ -1,9 +1,18 @@
 // Fonts by what they are for; the home screen knows the files. Plain values.
 #pragma once
 
+#include <array>
+
+#include "platform/foundation/Named.h"
+
 namespace quillpad::ui {
 
 enum class Weight { regular, medium, semibold };
+
+inline constexpr std::array weightNames{
+    Named{"regular", Weight::regular},
+    Named{"medium", Weight::medium},
+    Named{"semibold", Weight::semibold}};
 
 // The system font in its default design, size in points.
 struct Font {

@@ -87,10 +87,7 @@ constexpr std::tuple fieldsOf<ui::Color>{
     Field{"light", &ui::Color::light}, Field{"dark", &ui::Color::dark}};
 
 template <>
-constexpr std::array namesOf<ui::Weight>{
-    Named{"regular", ui::Weight::regular},
-    Named{"medium", ui::Weight::medium},
-    Named{"semibold", ui::Weight::semibold}};
+constexpr auto namesOf<ui::Weight> = ui::weightNames;
 
 template <>
 constexpr std::tuple fieldsOf<ui::Font>{

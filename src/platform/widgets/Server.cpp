@@ -156,7 +156,7 @@ void Server::watchTransfers() {
     return;
   }
   URLSession::shared().watchTransfers([connection = connection_](const TransferReport& report) {
-    connection->send(channel::encode(channel::TransferNotice{report}));
+    connection->send(channel::encode(report));
   });
 }
 

@@ -2,7 +2,7 @@
 // says what was opened and what became of it.
 
 const tapped = document.getElementById("tapped");
-const patience = 1500;
+const timeout = 1500;
 let tap = 0;
 
 home.addEventListener("click", (event) => {
@@ -20,5 +20,5 @@ home.addEventListener("click", (event) => {
     ended.abort();
     tapped.textContent = taken ? text("{1} was opened.", address) : text("No application here opens {1}.", address);
     tap = setTimeout(() => (tapped.textContent = ""), 8000);
-  }, patience);
+  }, timeout);
 });

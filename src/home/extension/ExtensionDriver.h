@@ -22,17 +22,17 @@
 
 namespace quillpad::home {
 
-class WidgetHost {
+class ExtensionDriver {
  public:
   // Takes up what the last run left in the file, where that is of the same account. `relay` gets
   // each line that the extension prints, and each that the home screen has to say.
-  WidgetHost(
+  ExtensionDriver(
       std::filesystem::path extension,
       std::optional<std::filesystem::path> stateFile,
       Account account,
       std::function<void(std::string_view)> relay);
-  WidgetHost(const WidgetHost&) = delete;
-  WidgetHost& operator=(const WidgetHost&) = delete;
+  ExtensionDriver(const ExtensionDriver&) = delete;
+  ExtensionDriver& operator=(const ExtensionDriver&) = delete;
 
   // What a person wants goes to the supervisor; it is carried out by the next run.
   Supervisor& supervisor() { return supervisor_; }
@@ -53,7 +53,7 @@ class WidgetHost {
   void stop(const Moment& now);
 
  private:
-  void noticeAccount();
+  void checkAccount();
   void take(const Moment& now, const SessionEvent& event);
   void startExtension(const Moment& now);
   void carryOut(const Moment& now, const Supervisor::Action& action);

@@ -1,4 +1,4 @@
-#include "home/extension/WidgetHost.h"
+#include "home/extension/ExtensionDriver.h"
 
 #include <algorithm>
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace quillpad::home {
 
-WidgetHost::WidgetHost(
+ExtensionDriver::ExtensionDriver(
     std::filesystem::path extension,
     std::optional<std::filesystem::path> stateFile,
     Account account,
@@ -25,10 +25,10 @@ WidgetHost::WidgetHost(
   if (auto saved = state_.load()) {
     supervisor_.restore(std::move(*saved));
   }
-  noticeAccount();
+  checkAccount();
 }
 
-void WidgetHost::addDescriptors(std::vector<pollfd>& descriptors) const {
+void ExtensionDriver::addDescriptors(std::vector<pollfd>& descriptors) const {
   descriptors.push_back({accountStore_.descriptor(), POLLIN, 0});
   if (session_) {
     const auto theirs = session_->descriptors();
@@ -36,7 +36,7 @@ void WidgetHost::addDescriptors(std::vector<pollfd>& descriptors) const {
   }
 }
 
-std::optional<Uptime> WidgetHost::nextDeadline() const {
+std::optional<Uptime> ExtensionDriver::nextDeadline() const {
   std::optional<Uptime> earliest = supervisor_.nextDeadline();
   for (const auto deadline :
        {state_.nextDeadline(), session_ ? session_->nextDeadline() : std::nullopt}) {
@@ -47,16 +47,16 @@ std::optional<Uptime> WidgetHost::nextDeadline() const {
   return earliest;
 }
 
-void WidgetHost::run(const Moment& now) {
+void ExtensionDriver::run(const Moment& now) {
   const auto events = session_ ? session_->poll(now.uptime) : std::vector<SessionEvent>{};
   if (accountStore_.takeChange() || !events.empty()) {
-    noticeAccount();
+    checkAccount();
   }
   for (const SessionEvent& event : events) {
     take(now, event);
   }
-  if (session_ && !supervisor_.awaitsAnswers() && session_->isOutdated()) {
-    supervisor_.extensionIsOutdated(now);
+  if (session_ && !supervisor_.awaitsAnswers() && session_->needsRestart()) {
+    supervisor_.extensionNeedsRestart(now);
   }
   supervisor_.timePassed(now);
   for (auto actions = supervisor_.takeActions(); !actions.empty();
@@ -68,16 +68,16 @@ void WidgetHost::run(const Moment& now) {
   state_.run(now, supervisor_);
 }
 
-std::optional<std::size_t> WidgetHost::privateMemory() const {
+std::optional<std::size_t> ExtensionDriver::privateMemory() const {
   return session_ ? std::optional(home::privateMemory(session_->pid())) : std::nullopt;
 }
 
-void WidgetHost::stop(const Moment& now) {
+void ExtensionDriver::stop(const Moment& now) {
   session_.reset();
   state_.saveNow(now, supervisor_);
 }
 
-void WidgetHost::noticeAccount() {
+void ExtensionDriver::checkAccount() {
   if (const auto mark = account_.mark ? account_.mark() : std::nullopt) {
     if (supervisor_.accountIs(*mark)) {
       state_.accountChanged();
@@ -85,11 +85,11 @@ void WidgetHost::noticeAccount() {
   }
 }
 
-void WidgetHost::take(const Moment& now, const SessionEvent& event) {
+void ExtensionDriver::take(const Moment& now, const SessionEvent& event) {
   const Overloaded taken{
       [&](const channel::NumberedReply& reply) { supervisor_.replied(now, reply); },
-      [&](const channel::TransferNotice& transfer) {
-        log_.noteTransfer(now.date, transfer.report);
+      [&](const TransferReport& transfer) {
+        log_.noteTransfer(now.date, transfer);
         supervisor_.transferred(transfer);
       },
       [&](const PrintedLine& line) {
@@ -105,7 +105,7 @@ void WidgetHost::take(const Moment& now, const SessionEvent& event) {
   std::visit(taken, event);
 }
 
-void WidgetHost::carryOut(const Moment& now, const Supervisor::Action& action) {
+void ExtensionDriver::carryOut(const Moment& now, const Supervisor::Action& action) {
   const Overloaded carriedOut{
       [&](const Supervisor::StartExtension&) { startExtension(now); },
       [&](const Supervisor::EndExtension&) {
@@ -122,7 +122,7 @@ void WidgetHost::carryOut(const Moment& now, const Supervisor::Action& action) {
   std::visit(carriedOut, action);
 }
 
-void WidgetHost::startExtension(const Moment& now) {
+void ExtensionDriver::startExtension(const Moment& now) {
   session_.reset();
   auto started = ExtensionSession::start(program_);
   if (started) {

@@ -10,8 +10,8 @@
 
 #include "fixtures/Program.h"
 #include "home/ScriptedExtension.h"
+#include "home/extension/ExtensionDriver.h"
 #include "home/extension/StateFile.h"
-#include "home/extension/WidgetHost.h"
 #include "platform/foundation/Clock.h"
 
 namespace quillpad::home {
@@ -22,37 +22,37 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class WidgetHostTest : public testing::Test {
+class ExtensionDriverTest : public testing::Test {
  protected:
   void start(const std::filesystem::path& extension = CLOCK_EXTENSION) {
-    host_.emplace(
+    driver_.emplace(
         extension, file_, account_, [this](std::string_view line) { relayed_.emplace_back(line); });
   }
 
   // Runs the loop, the time standing still, until the condition holds.
   void runUntil(const char* what, const std::function<bool()>& holds) {
     for (int turn = 0; turn < 2000; ++turn) {
-      host_->run(now_);
+      driver_->run(now_);
       if (holds()) {
         return;
       }
       std::vector<pollfd> descriptors;
-      host_->addDescriptors(descriptors);
+      driver_->addDescriptors(descriptors);
       ::poll(descriptors.data(), descriptors.size(), 5);
     }
     FAIL() << "waited in vain: " << what;
   }
 
   WidgetState clock() const {
-    const auto widgets = host_->supervisor().widgets();
+    const auto widgets = driver_->supervisor().widgets();
     return widgets.empty() ? WidgetState{} : widgets.front();
   }
 
   void runUntilLive() {
     runUntil("the clock is live", [this] {
       const WidgetState widget = clock();
-      return widget.picture != nullptr && widget.picture->source == Picture::Source::timeline &&
-             !widget.picture->restored && !host_->supervisor().awaitsAnswers();
+      return widget.picture != nullptr && widget.picture->source == EntrySource::timeline &&
+             !widget.picture->restored && !driver_->supervisor().awaitsAnswers();
     });
   }
 
@@ -66,21 +66,21 @@ class WidgetHostTest : public testing::Test {
   Account account_;
   Moment now_{.date = currentDate(), .uptime = 1h};
   std::vector<std::string> relayed_;
-  std::optional<WidgetHost> host_;
+  std::optional<ExtensionDriver> driver_;
 };
 
-TEST_F(WidgetHostTest, BringsAWidgetUpSavesItASecondLaterAndWaitsForItsTime) {
+TEST_F(ExtensionDriverTest, BringsAWidgetUpSavesItASecondLaterAndWaitsForItsTime) {
   start();
   runUntilLive();
-  EXPECT_EQ(host_->nextDeadline(), now_.uptime + 1s) << "to save";
+  EXPECT_EQ(driver_->nextDeadline(), now_.uptime + 1s) << "to save";
   pass(999ms);
-  host_->run(now_);
+  driver_->run(now_);
   EXPECT_FALSE(std::filesystem::exists(file_));
   pass(1ms);
-  host_->run(now_);
+  driver_->run(now_);
   EXPECT_TRUE(std::filesystem::exists(file_));
-  EXPECT_GT(*host_->nextDeadline(), now_.uptime + 50s) << "the next minute's entry";
-  EXPECT_LE(*host_->nextDeadline(), now_.uptime + 1min);
+  EXPECT_GT(*driver_->nextDeadline(), now_.uptime + 50s) << "the next minute's entry";
+  EXPECT_LE(*driver_->nextDeadline(), now_.uptime + 1min);
 
   const channel::Entry before = clock().picture->entry;
   pass(1min);
@@ -88,19 +88,19 @@ TEST_F(WidgetHostTest, BringsAWidgetUpSavesItASecondLaterAndWaitsForItsTime) {
   EXPECT_THAT(relayed_, IsEmpty());
 }
 
-TEST_F(WidgetHostTest, TakesUpWhatTheLastRunLeft) {
+TEST_F(ExtensionDriverTest, TakesUpWhatTheLastRunLeft) {
   start();
   runUntilLive();
-  host_->stop(now_);
+  driver_->stop(now_);
   start("/no/such/program");
   EXPECT_TRUE(clock().picture->restored);
-  host_->run(now_);
-  EXPECT_EQ(host_->supervisor().lastEnd()->cause, Problem::Cause::notStarted);
-  EXPECT_EQ(host_->nextDeadline(), now_.uptime + 1s) << "to start it for the third time";
+  driver_->run(now_);
+  EXPECT_EQ(driver_->supervisor().lastEnd()->cause, Problem::Cause::notStarted);
+  EXPECT_EQ(driver_->nextDeadline(), now_.uptime + 1s) << "to start it for the third time";
 }
 
 // The store and its folders may be still to come, and the state of a run may be of someone else.
-TEST_F(WidgetHostTest, ForgetsAnAccountAsSoonAsItsStoreSaysSo) {
+TEST_F(ExtensionDriverTest, ForgetsAnAccountAsSoonAsItsStoreSaysSo) {
   const std::filesystem::path store = folder_.path() / "data" / "group" / "store";
   std::string mark;
   account_ = {.mark = [&] { return mark; }, .store = store};
@@ -115,74 +115,74 @@ TEST_F(WidgetHostTest, ForgetsAnAccountAsSoonAsItsStoreSaysSo) {
     if (account == "two") {  // the store becomes a link to another folder
       std::filesystem::rename(store, folder_.path() / "moved");
       std::filesystem::create_symlink("../../moved", store);
-      host_->run(now_);
+      driver_->run(now_);
     }
     std::ofstream(asideOf(file_)) << "of the former account";
     signIn(account);
     runUntil("the change is noticed", [&] { return clock().picture == nullptr; });
-    EXPECT_EQ(host_->supervisor().isSignedOut(), account.empty());
+    EXPECT_EQ(driver_->supervisor().isSignedOut(), account.empty());
     EXPECT_FALSE(std::filesystem::exists(asideOf(file_)));
     runUntilLive();
-    host_->stop(now_);
+    driver_->stop(now_);
     start();
     EXPECT_TRUE(clock().picture->restored) << "it is the same account still";
     runUntilLive();
   }
-  host_->stop(now_);
+  driver_->stop(now_);
   mark = "three";
   std::filesystem::create_directories(asideOf(file_) / "in the way");
   start("/no/such/program");
   EXPECT_THAT(relayed_, testing::Contains(HasSubstr("cannot be removed")));
   EXPECT_EQ(clock().picture, nullptr);
-  host_->run(now_);
+  driver_->run(now_);
   pass(1s);
-  host_->stop(now_);
+  driver_->stop(now_);
   EXPECT_THAT(fixtures::contentsOf(file_), HasSubstr(R"("pictures":{})"));
 }
 
-TEST_F(WidgetHostTest, StartsAnExtensionThatWasKilledAndRelaysWhatItPrints) {
+TEST_F(ExtensionDriverTest, StartsAnExtensionThatWasKilledAndRelaysWhatItPrints) {
   const ScriptedExtension extension(
       "echo I am $$; echo '{\"id\":1,\"result\":[]}' >/dev/null; exec sleep 60");
   start(extension.path());
   runUntil("it speaks", [this] { return relayed_.size() == 1; });
   ::kill(std::stoi(relayed_.front().substr(5)), SIGKILL);
   runUntil("it speaks again", [this] { return relayed_.size() == 2; });
-  EXPECT_EQ(host_->supervisor().lastEnd()->detail, "signal 9, Killed");
+  EXPECT_EQ(driver_->supervisor().lastEnd()->detail, "signal 9, Killed");
   EXPECT_THAT(relayed_.back(), testing::StartsWith("I am "));
 }
 
 // What an extension is not shown at its start it never sees.
-TEST_F(WidgetHostTest, AnExtensionIsStartedAgainWhereAPlaceToReadFromCameLater) {
+TEST_F(ExtensionDriverTest, AnExtensionIsStartedAgainWhereAPlaceToReadFromCameLater) {
   const fixtures::ScopedVariable variable("SSL_CERT_FILE", folder_.path() / "certificates");
   start();
   runUntilLive();
   std::ofstream(folder_.path() / "certificates") << "new";
-  runUntil("it is started again", [&] { return host_->log().runs().size() == 3; });
+  runUntil("it is started again", [&] { return driver_->log().runs().size() == 3; });
 }
 
-TEST_F(WidgetHostTest, AStateThatCannotBeSavedIsSavedLater) {
+TEST_F(ExtensionDriverTest, AStateThatCannotBeSavedIsSavedLater) {
   start();
   runUntilLive();
   std::ofstream(folder_.path() / "state") << "in the way";
   pass(1s);
-  host_->run(now_);
+  driver_->run(now_);
   EXPECT_THAT(
       relayed_, ElementsAre(testing::AllOf(HasSubstr("quillpad-home: "), HasSubstr("written"))));
   std::filesystem::remove(folder_.path() / "state");
-  EXPECT_EQ(host_->nextDeadline(), now_.uptime + 30s);
+  EXPECT_EQ(driver_->nextDeadline(), now_.uptime + 30s);
   pass(30s);
-  host_->run(now_);
+  driver_->run(now_);
   EXPECT_TRUE(std::filesystem::exists(file_));
   EXPECT_EQ(relayed_.size(), 1U);
 }
 
-TEST_F(WidgetHostTest, AStateThatIsNotUnderstoodIsKeptAside) {
+TEST_F(ExtensionDriverTest, AStateThatIsNotUnderstoodIsKeptAside) {
   std::filesystem::create_directories(file_.parent_path());
   std::ofstream(file_) << R"({"version":2,"precious":true})";
   start();
   EXPECT_THAT(relayed_, ElementsAre(testing::AllOf(HasSubstr("version"), HasSubstr("kept as"))));
   runUntilLive();
-  host_->stop(now_);
+  driver_->stop(now_);
   EXPECT_THAT(fixtures::contentsOf(file_.string() + ".unreadable"), HasSubstr("precious"));
   EXPECT_TRUE(std::filesystem::exists(file_));
 }
