@@ -147,7 +147,11 @@ TEST(MessagesTest, ABadRequestIsRefusedByItsNumberWhereThatCanBeRead) {
 }
 
 TEST(MessagesTest, WhatIsNoMessageOfTheExtensionIsToldInWords) {
-  const std::tuple<const char*, Method, const char*> cases[] = {
+  std::string countless = "[]";
+  for (std::size_t i = 0; i < maxValues; ++i) {
+    countless += ",[]";
+  }
+  const std::tuple<std::string, Method, const char*> cases[] = {
       {"Segmentation fault", Method::ping, "invalid JSON at line 1, column 1"},
       {"[]", Method::ping, "a message that cannot be read: not an object"},
       {R"({"method":"launch"})", Method::ping, R"(method: not "transfer")"},
@@ -161,6 +165,7 @@ TEST(MessagesTest, WhatIsNoMessageOfTheExtensionIsToldInWords) {
       {R"({"id":1,"result":{"entries":[]}})", Method::timeline, R"(result: no "policy")"},
       {R"({"id":1,"result":{"dropped":true}})", Method::placeholder, R"(result: no "date")"},
       {R"({"id":1,"result":{"view":{"what":1}}})", Method::render, R"(result.view: no "type")"},
+      {"[" + countless + "]", Method::ping, "more than 200000 values"},
   };
   for (const auto& [line, method, reason] : cases) {
     const auto message = decodeFromExtension(line, always(method));

@@ -106,6 +106,17 @@ TEST(JsonReading, StopsAt512ContainersWithinEachOther) {
   EXPECT_TRUE(read("[" + nested(511) + "," + nested(511) + "]"));
 }
 
+TEST(JsonReading, EndsAtTheNumberOfValuesThatItIsGiven) {
+  const std::pair<const char*, std::size_t> cases[] = {
+      {"1", 1}, {"[]", 1}, {"[[],[],{}]", 4}, {R"({"a":[1,null],"b":"c"})", 5}};
+  for (const auto& [text, values] : cases) {
+    EXPECT_TRUE(readJson(text, JsonFragments::allowed, values)) << text;
+    const auto refused = readJson(text, JsonFragments::allowed, values - 1);
+    ASSERT_FALSE(refused) << text;
+    EXPECT_EQ(refused.error().reason, "more than " + std::to_string(values - 1) + " values");
+  }
+}
+
 TEST(JsonWriting, LaysPrettyTextOutAsThePhoneDoes) {
   const Value value = Dictionary{
       {"businessId", "7/8"},

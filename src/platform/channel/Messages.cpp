@@ -259,7 +259,7 @@ std::expected<NumberedRequest, NumberedReply> decodeRequest(std::string_view lin
 
 std::expected<MessageOfExtension, std::string> decodeFromExtension(
     std::string_view line, const MethodOfId& methodOfId) {
-  const auto parsed = readJson(line, JsonFragments::allowed);
+  const auto parsed = readJson(line, JsonFragments::allowed, maxValues);
   if (!parsed) {
     return std::unexpected(parsed.error().reason);
   }

@@ -32,6 +32,9 @@ inline constexpr const char* descriptorVariable = "QUILLPAD_CHANNEL";
 // The longest line that either end accepts, without its line feed.
 inline constexpr std::size_t maxFrame = std::size_t{8} * 1024 * 1024;
 
+// The most values that the home screen accepts in a line: those of 1,000 widgets in 100 languages.
+inline constexpr std::size_t maxValues = 200'000;
+
 // A point in time and what to show from then on: a record as its provider made it.
 struct Entry {
   Date date;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <expected>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -21,8 +22,12 @@ struct JsonError {
 
 // Parses one JSON document in UTF-8: strict syntax, at most 512 containers deep, of two members
 // with one key the first one kept, a whole number exact up to 38 digits. With fragments refused the
-// top level must be an array or an object.
-std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fragments);
+// top level must be an array or an object. A value takes some 20 times the memory of the shortest
+// text that it can stand for, so text from outside is given a number of values to end at.
+std::expected<Value, JsonError> readJson(
+    std::string_view text,
+    JsonFragments fragments,
+    std::size_t maxValues = std::numeric_limits<std::size_t>::max());
 
 // compact: without blanks, a slash as it is, a double in its shortest text that reads back as the
 // same value (a whole one reads back as a whole number). pretty: as the phone writes, two blanks

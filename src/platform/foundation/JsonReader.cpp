@@ -25,6 +25,8 @@ class ValueBuilder {
   using string_t = nlohmann::json::string_t;
   using binary_t = nlohmann::json::binary_t;
 
+  explicit ValueBuilder(std::size_t maxValues) : valuesLeft_(maxValues) {}
+
   bool null() { return put(Null()); }
   bool boolean(bool value) { return put(value); }
   bool number_integer(number_integer_t value) { return put(std::int64_t{value}); }
@@ -63,6 +65,7 @@ class ValueBuilder {
   Value takeDocument() { return std::move(document_); }
   std::size_t errorPosition() const { return errorPosition_; }
   bool tooDeep() const { return tooDeep_; }
+  bool tooMany() const { return tooMany_; }
 
  private:
   struct Container {
@@ -88,6 +91,11 @@ class ValueBuilder {
   }
 
   bool put(Value value) {
+    tooMany_ = valuesLeft_ == 0;
+    if (tooMany_) {
+      return false;
+    }
+    --valuesLeft_;
     if (open_.empty()) {
       document_ = std::move(value);
     } else if (open_.back().isObject) {
@@ -98,10 +106,12 @@ class ValueBuilder {
     return true;
   }
 
+  std::size_t valuesLeft_;
   std::vector<Container> open_;
   Value document_;
   std::size_t errorPosition_ = 0;
   bool tooDeep_ = false;
+  bool tooMany_ = false;
 };
 
 // Without any of the text itself, which may be private.
@@ -121,18 +131,22 @@ std::unexpected<JsonError> refused(std::string reason) {
 
 }  // namespace
 
-std::expected<Value, JsonError> readJson(std::string_view text, JsonFragments fragments) {
+std::expected<Value, JsonError> readJson(
+    std::string_view text, JsonFragments fragments, std::size_t maxValues) {
   // The parser takes a zero byte for the end of the text.
   const std::size_t zero = text.find('\0');
   if (zero != std::string_view::npos) {
     return refusedAt(text, zero + 1);
   }
 
-  ValueBuilder builder;
+  ValueBuilder builder(maxValues);
   if (!nlohmann::json::sax_parse(text.begin(), text.end(), &builder)) {
     if (builder.tooDeep()) {
       return refused(
           "more than " + std::to_string(maxDepth) + " arrays and objects inside one another");
+    }
+    if (builder.tooMany()) {
+      return refused("more than " + std::to_string(maxValues) + " values");
     }
     return refusedAt(text, builder.errorPosition());
   }
