@@ -8,13 +8,13 @@
 #include <string>
 #include <utility>
 
-#include "application/SettingsKeys.h"
 #include "application/SignedInAccount.h"
 #include "home/commands/Files.h"
 #include "home/commands/TextTable.h"
 #include "home/extension/StateFile.h"
 #include "platform/settings/SettingsWriter.h"
 #include "platform/settings/UserDefaults.h"
+#include "support/SharedSettings.h"
 
 namespace quillpad::application {
 namespace {
@@ -24,7 +24,7 @@ using namespace home;
 constexpr std::size_t maxTokenBytes = std::size_t{64} * 1024;
 
 Done change(const std::function<void(Dictionary& objects)>& edit) {
-  const auto changed = changeSettings(appGroup, edit);
+  const auto changed = changeSettings(appGroup(), edit);
   if (!changed) {
     return failure(ExitStatus::notPossible, changed.error());
   }
@@ -94,8 +94,8 @@ struct Show {
   void declare(Options& /*options*/) {}
 
   Done run(const CommandContext& /*context*/) const {
-    const std::filesystem::path store = UserDefaults::path(appGroup);
-    const auto settings = UserDefaults::open(appGroup);
+    const std::filesystem::path store = UserDefaults::path(appGroup());
+    const auto settings = UserDefaults::open(appGroup());
     if (!settings && settings.error() != SettingsError::absent) {
       return failure(
           ExitStatus::notPossible,

@@ -5,11 +5,11 @@
 #include <optional>
 #include <string>
 
-#include "application/SettingsKeys.h"
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/Hex.h"
 #include "platform/foundation/LateLibrary.h"
 #include "platform/settings/UserDefaults.h"
+#include "support/SharedSettings.h"
 
 namespace quillpad::application {
 namespace {
@@ -32,7 +32,7 @@ std::string markOf(const std::string& businessId) {
 
 // A store that cannot be read, perhaps because someone is writing it, tells nothing.
 std::optional<std::string> currentMark() {
-  const auto settings = UserDefaults::open(appGroup);
+  const auto settings = UserDefaults::open(appGroup());
   if (!settings) {
     return settings.error() == SettingsError::absent ? std::optional<std::string>("")
                                                      : std::nullopt;
@@ -52,7 +52,7 @@ std::optional<std::string> currentMark() {
 home::Account signedInAccount() {
   return {
       .mark = currentMark,
-      .store = UserDefaults::path(appGroup),
+      .store = UserDefaults::path(appGroup()),
       .hint =
           "Nobody is signed in: sign in with \"quillpad-home settings sign-in --business-id ID "
           "--token-file FILE\"."};

@@ -13,9 +13,6 @@
 namespace quillpad {
 namespace {
 
-constexpr std::string_view businessIdKey = "businessId";
-constexpr std::string_view tokenKey = "token";
-
 std::string serialized(const Dictionary& body) {
   auto text = writeJson(body, JsonLayout::pretty);
   if (!text) {

@@ -22,9 +22,9 @@ std::string currencySymbol() {
   if (const std::string& chosen = scopedCurrency(); !chosen.empty()) {
     return symbolOf(chosen);
   }
-  const std::optional<Value> business = readSharedObject("currentBusiness");
+  const std::optional<Value> business = readSharedObject(businessKey);
   const auto* members = business ? business->as<Dictionary>() : nullptr;
-  const Value* currency = members != nullptr ? members->find("currency") : nullptr;
+  const Value* currency = members != nullptr ? members->find(currencyKey) : nullptr;
   if (currency == nullptr) {
     return "$";
   }
