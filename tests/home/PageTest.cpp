@@ -125,7 +125,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   RenderedEntry placeholder = live;
   placeholder.source = EntrySource::placeholder;
   RenderedEntry fallback = live;
-  fallback.failure = TransportError{-1004, "Could not connect to the server."};
+  fallback.failure = {{-1004, "Could not connect to the server."}};
   RenderedEntry restored = live;
   restored.restored = true;
   const Problem dropped{Cause::dropped, "It has no hands.", "", noon};
@@ -160,7 +160,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
 
 TEST(WidgetStatus, KeptFiguresAreStaleForWhateverReason) {
   RenderedEntry zeros{.source = EntrySource::timeline, .entry = {}, .received = noon};
-  zeros.failure = TransportError{-1004, "Could not connect to the server."};
+  zeros.failure = {{-1004, "Could not connect to the server."}};
   const Problem late{Problem::Cause::late, "90 s", "", noon};
   const WidgetStatus status = statusOfKept({.picture = &zeros, .problem = &late});
   EXPECT_EQ(levelName(status.level), "stale");

@@ -29,8 +29,9 @@ SavedHome example() {
           .entry = {*dateFromIso8601("2026-03-07T09:05:03.250Z"), 23.89},
           .view = ui::VStack(ui::Text::verbatim("Åse <b>"), ui::Spacer()).padding(16),
           .received = *dateFromIso8601("2026-03-07T09:05:04.000Z"),
-          .failure = TransportError{-1004, "Could not connect to the server."},
-          .failingSince = *dateFromIso8601("2026-03-07T09:00:04.000Z")});
+          .failure = {
+              {{-1004, "Could not connect to the server."},
+               *dateFromIso8601("2026-03-07T09:00:04.000Z")}}});
   home.kept = home.pictures;
   home.kept.at("A").entry.data = 42;
   home.account = "a mark";
@@ -67,7 +68,7 @@ TEST(StateFile, ReadsTheStateOfAnEarlierProgram) {
           "view":{"type":"spacer"},
           "failure":{"code":-1,"description":"away"}}}})");
   ASSERT_TRUE(state) << state.error();
-  EXPECT_EQ(state->pictures.at("A").failingSince, state->pictures.at("A").received);
+  EXPECT_EQ(state->pictures.at("A").failure.value().since, state->pictures.at("A").received);
   EXPECT_TRUE(state->kept.empty());
   EXPECT_EQ(state->account, std::nullopt);
 }

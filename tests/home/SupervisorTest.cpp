@@ -363,7 +363,7 @@ TEST_F(SupervisorTest, KeepsTheLastGoodPictureForAsLongAsTransfersFail) {
     answer("timeline B", timelineOf("b2"));
     answerUnfetched("timeline A", "zeros");
     EXPECT_EQ(shown("A"), "zeros");
-    EXPECT_EQ(picture("A").failingSince, good + 5min);
+    EXPECT_EQ(picture("A").failure.value().since, good + 5min);
     ASSERT_NE(widget("A").kept, nullptr);
     EXPECT_EQ(*widget("A").kept->entry.data.as<std::string>(), "a1");
     EXPECT_EQ(widget("A").kept->received, good);

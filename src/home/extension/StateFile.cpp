@@ -3,63 +3,73 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/foundation/Decoder.h"
-#include "platform/foundation/Iso8601.h"
+#include "platform/foundation/Codec.h"
 #include "platform/foundation/Json.h"
 #include "platform/os/UserFolders.h"
 #include "platform/os/WholeFile.h"
 #include "platform/ui/ViewCodec.h"
 
-namespace quillpad::home {
+namespace quillpad {
+namespace {
+
+struct CatalogueCodec {
+  static Value encode(const std::vector<channel::CatalogueItem>& items) {
+    return channel::toValue(channel::Catalogue{items});
+  }
+  static std::vector<channel::CatalogueItem> decode(const Decoder& d) {
+    return channel::catalogueFrom(d).items;
+  }
+};
+
+struct EntryCodec {
+  static Value encode(const channel::Entry& entry) { return channel::toValue(entry); }
+  static channel::Entry decode(const Decoder& d) { return channel::entryFrom(d); }
+};
+
+struct ViewCodec {
+  static Value encode(const ui::View& view) { return ui::toValue(view); }
+  static ui::View decode(const Decoder& d) { return ui::viewFrom(d); }
+};
+
+}  // namespace
+
+template <>
+constexpr std::tuple fieldsOf<home::FailedTransfer>{
+    Field{"code", &home::FailedTransfer::code},
+    Field{"description", &home::FailedTransfer::localizedDescription},
+    Field{"since", &home::FailedTransfer::since, Presence::defaulted}};
+
+template <>
+constexpr std::tuple fieldsOf<home::RenderedEntry>{
+    Field{"received", &home::RenderedEntry::received},
+    fieldAs<EntryCodec>("entry", &home::RenderedEntry::entry),
+    fieldAs<ViewCodec>("view", &home::RenderedEntry::view),
+    Field{"failure", &home::RenderedEntry::failure}};
+
+// Earlier programs kept neither figures beside those of failed transfers nor the account.
+template <>
+constexpr std::tuple fieldsOf<home::SavedHome>{
+    fieldAs<CatalogueCodec>("catalogue", &home::SavedHome::catalogue),
+    Field{"placed", &home::SavedHome::placed},
+    Field{"pictures", &home::SavedHome::pictures},
+    Field{"kept", &home::SavedHome::kept, Presence::defaulted},
+    Field{"account", &home::SavedHome::account}};
+
+namespace home {
 namespace {
 
 constexpr int formatVersion = 1;
 constexpr std::size_t maxFileBytes = std::size_t{64} * 1024 * 1024;
 
-Value encodePicture(const RenderedEntry& picture) {
-  Dictionary encoded{
-      {"received", iso8601(picture.received)},
-      {"entry", channel::toValue(picture.entry)},
-      {"view", ui::toValue(picture.view)}};
-  if (picture.failure) {
-    encoded.set(
-        "failure",
-        Dictionary{
-            {"code", picture.failure->code},
-            {"description", picture.failure->localizedDescription},
-            {"since", iso8601(picture.failingSince)}});
+// What stands in no file: that all are of timelines, and in those of earlier programs since when
+// transfers fail.
+void complete(std::map<std::string, RenderedEntry>& pictures) {
+  for (auto& [kind, picture] : pictures) {
+    picture.source = EntrySource::timeline;
+    if (picture.failure && picture.failure->since == Date()) {
+      picture.failure->since = picture.received;
+    }
   }
-  return encoded;
-}
-
-RenderedEntry decodePicture(const Decoder& d) {
-  RenderedEntry picture{
-      .source = EntrySource::timeline,
-      .entry = channel::entryFrom(d["entry"]),
-      .view = ui::viewFrom(d["view"]),
-      .received = d["received"].date()};
-  if (const auto failure = d.find("failure")) {
-    picture.failure = {(*failure)["code"].whole<int>(), (*failure)["description"].text()};
-    const auto since = failure->find("since");
-    picture.failingSince = since ? since->date() : picture.received;
-  }
-  return picture;
-}
-
-Dictionary encodePictures(const std::map<std::string, RenderedEntry>& pictures) {
-  Dictionary encoded;
-  for (const auto& [kind, picture] : pictures) {
-    encoded.set(kind, encodePicture(picture));
-  }
-  return encoded;
-}
-
-std::map<std::string, RenderedEntry> decodePictures(const Decoder& d) {
-  std::map<std::string, RenderedEntry> pictures;
-  for (const auto& [kind, picture] : d.members()) {
-    pictures.emplace(kind, decodePicture(picture));
-  }
-  return pictures;
 }
 
 std::expected<void, std::string> removeFile(const std::filesystem::path& file) {
@@ -138,19 +148,8 @@ std::expected<void, std::string> forgetOtherAccounts(
 }
 
 std::expected<std::string, std::string> encodeState(const SavedHome& state) {
-  Array placed;
-  for (const std::string& kind : state.placed) {
-    placed.emplace_back(kind);
-  }
-  Dictionary document{
-      {"version", formatVersion},
-      {"catalogue", channel::toValue(channel::Catalogue{state.catalogue})},
-      {"placed", std::move(placed)},
-      {"pictures", encodePictures(state.pictures)},
-      {"kept", encodePictures(state.kept)}};
-  if (state.account) {
-    document.set("account", *state.account);
-  }
+  Dictionary document{{"version", formatVersion}};
+  encodeMembers(document, state);
   auto text = writeJson(document, JsonLayout::compact);
   if (!text) {
     return std::unexpected(text.error().reason);
@@ -167,18 +166,11 @@ std::expected<SavedHome, std::string> decodeState(std::string_view text) {
   if (d["version"].whole<int>() != formatVersion || !d.error().empty()) {
     return std::unexpected("it is of another version");
   }
-  SavedHome state{.catalogue = channel::catalogueFrom(d["catalogue"]).items};
-  for (const Decoder& kind : d["placed"].elements()) {
-    state.placed.push_back(kind.text());
-  }
-  state.pictures = decodePictures(d["pictures"]);
-  if (const auto kept = d.find("kept")) {  // not in the files of earlier programs, as the account
-    state.kept = decodePictures(*kept);
-  }
-  if (const auto account = d.find("account")) {
-    state.account = account->text();
-  }
+  auto state = decode<SavedHome>(d);
+  complete(state.pictures);
+  complete(state.kept);
   return d.result(std::move(state));
 }
 
-}  // namespace quillpad::home
+}  // namespace home
+}  // namespace quillpad

@@ -168,8 +168,7 @@ void WidgetRecord::takeTimeline(
       .source = EntrySource::timeline,
       .entry = std::prev(next)->entry,
       .received = now.date,
-      .failure = failure,
-      .failingSince = now.date,
+      .failure = failure ? std::optional(FailedTransfer{*failure, now.date}) : std::nullopt,
       .statusCode = statusCode};
   later.erase(later.begin(), next);
 }
@@ -180,7 +179,7 @@ void WidgetRecord::takeOver(RenderedEntry next) {
     keptOutdated = false;
     renewedKept.reset();
   } else if (picture && picture->failure) {
-    next.failingSince = picture->failingSince;
+    next.failure->since = picture->failure->since;
   } else if (picture && picture->source == EntrySource::timeline) {
     kept = picture;
   }

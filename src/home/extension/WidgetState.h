@@ -16,6 +16,11 @@
 
 namespace quillpad::home {
 
+// The failure of a transfer, and since when every one has failed.
+struct FailedTransfer : TransportError {
+  Date since{};
+};
+
 // An entry and what it looks like.
 struct RenderedEntry {
   EntrySource source = EntrySource::placeholder;
@@ -23,8 +28,7 @@ struct RenderedEntry {
   ui::View view = ui::Spacer{};  // until it is rendered
   Date received;
   // The transfer behind the entry failed: what it shows stands in for real data.
-  std::optional<TransportError> failure{};
-  Date failingSince{};    // where it failed: since when every one has
+  std::optional<FailedTransfer> failure{};
   int statusCode = 0;     // of the response behind the entry; 0 where there is none
   bool restored = false;  // from an earlier run of the home screen
 };

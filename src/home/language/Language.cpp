@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "home/language/Catalogues.h"
-#include "platform/foundation/Decoder.h"
+#include "platform/foundation/Codec.h"
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/Json.h"
 #include "platform/foundation/Locale.h"
@@ -26,12 +26,7 @@ Texts textsIn(std::string_view json) {
   if (!document) {
     fatal("a catalogue of texts is not JSON: " + document.error().reason);
   }
-  const Decoder d(*document);
-  Texts texts;
-  for (const auto& [english, text] : d.members()) {
-    texts.emplace(english, text.text());
-  }
-  return texts;
+  return decode<Texts>(Decoder(*document));
 }
 
 std::string_view trimmed(std::string_view text) {

@@ -385,7 +385,7 @@ CardModel HomeScreen::modelOf(const WidgetState& widget, const Language& languag
         {.drawing = &*drawn.kept,
          .status = statusOfKept(widget, signInHint, language),
          .updated = widget.kept->received,
-         .failingSince = picture->failingSince});
+         .failingSince = picture->failure->since});
   }
   return model;
 }

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <concepts>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -224,6 +225,24 @@ struct Codec<std::vector<T>> {
     std::vector<T> values;
     for (const Decoder& element : d.elements()) {
       values.push_back(Codec<T>::decode(element));
+    }
+    return values;
+  }
+};
+
+template <class T, class Less>
+struct Codec<std::map<std::string, T, Less>> {
+  static Value encode(const std::map<std::string, T, Less>& values) {
+    Dictionary object;
+    for (const auto& [key, value] : values) {
+      object.set(key, Codec<T>::encode(value));
+    }
+    return object;
+  }
+  static std::map<std::string, T, Less> decode(const Decoder& d) {
+    std::map<std::string, T, Less> values;
+    for (const auto& [key, value] : d.members()) {
+      values.emplace(key, Codec<T>::decode(value));
     }
     return values;
   }
