@@ -49,7 +49,7 @@ Done changeAccount(const std::function<void(Dictionary& objects)>& edit) {
   return {};
 }
 
-// A text that can stand in the store and be sent on: not empty, no control characters.
+// A text that can be kept in the store and be sent on: not empty, no control characters.
 Done checkText(const std::string& name, const std::string& text) {
   if (text.empty()) {
     return failure(ExitStatus::wrongUsage, name + " is empty");

@@ -1,4 +1,4 @@
-// The gateway's own certificate: made at the first start, kept in the state folder, made anew when
+// The gateway's own certificate: made at the first start, kept in the state folder, renewed when
 // it has run out. Who trusts the file trusts the gateway.
 #pragma once
 

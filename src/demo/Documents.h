@@ -1,4 +1,4 @@
-// The demo business: its invoices and estimates of this year and the last, made up anew from
+// The demo business: its invoices and estimates of this year and the last, made up again from
 // today's date and always the same for one day, and the questions that the gateway answers about
 // them. Plain values and functions of their arguments alone.
 #pragma once
@@ -32,7 +32,7 @@ struct Document {
   std::string clientName;
   std::int64_t cents = 0;
   std::string createTime;
-  std::string dueDate;  // of an estimate, the day until which it stands
+  std::string dueDate;  // of an estimate, the day until which it is valid
   bool paid = false;    // of invoices
   EstimateStatus estimateStatus = EstimateStatus::pending;  // of estimates
   bool valid = true;                                        // false for one that was cancelled

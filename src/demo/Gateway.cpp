@@ -212,7 +212,7 @@ Dictionary without(const Dictionary& document, std::string_view key) {
   return rest;
 }
 
-// What stands under "data", damaged or not.
+// What is under "data", damaged or not.
 Value payload(const Dictionary& document, Damage damage) {
   const bool isList = document.find("records") != nullptr;
   switch (damage) {

@@ -134,7 +134,7 @@ std::filesystem::path switchboardFile(const Options& options) {
   return options.state / "switchboard.json";
 }
 
-// Tells where the faults are switched, and the token for it, to who may read the file.
+// Writes where the faults are switched, and the token for it, for whoever may read the file.
 std::optional<std::string> tellSwitchboard(
     const Options& options, std::uint16_t port, const std::string& token) {
   const std::string address =

@@ -46,15 +46,15 @@ class CardRenderer {
   drawing::Inspection inspect(
       const ui::View& view, drawing::CardRequest request, const std::string& locale);
 
-  // The list as a file of the format, or one line that tells why it cannot be drawn. The ids of an
-  // SVG document begin with the prefix, so that several can stand in a page.
+  // The list as a file of the format, or one line that says why it cannot be drawn. The ids of an
+  // SVG document begin with the prefix, so that several can be part of a page.
   std::expected<std::string, std::string> write(
       const drawing::DisplayList& list,
       PictureFormat format,
       ui::Appearance appearance,
       std::string_view idPrefix = "card");
 
-  // Reads the pictures anew when they are next needed.
+  // Reads the pictures again when they are next needed.
   void forgetPictures() { pictures_.forget(); }
 
   // The list as an SVG document that follows the appearance of the page around it.

@@ -1,4 +1,4 @@
-// What the inspector says of a card's nodes, for the page and for the command line. Names and
+// What the inspector shows of a card's nodes, for the page and for the command line. Names and
 // numbers are as in the view tree, everything else in the reader's language. Pure.
 #pragma once
 

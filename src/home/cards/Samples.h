@@ -49,11 +49,11 @@ class SampleFolder {
 
   const std::filesystem::path& folder() const { return folder_; }
 
-  // In the alphabetical order of their names, the first 200; on failure one line that tells what is
+  // In the alphabetical order of their names, the first 200; on failure one line that says what is
   // missing, or which of them cannot be read.
   std::expected<std::vector<Sample>, std::string> read() const;
 
-  // The entry of the name; on failure one line that tells where it is wrong, or which names there
+  // The entry of the name; on failure one line that says where it is wrong, or which names there
   // are.
   std::expected<channel::Entry, std::string> entry(const std::string& name) const;
 

@@ -10,7 +10,7 @@
 namespace quillpad::home {
 namespace {
 
-// A value that stands in one cell.
+// A value that fits in one cell.
 Cell cell(const Value& value) {
   if (const auto* text = value.as<std::string>()) {
     return {*text};

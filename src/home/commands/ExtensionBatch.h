@@ -22,7 +22,7 @@ class ExtensionBatch {
   // The answer to each of the requests.
   std::vector<ExtensionClient::Answer> ask(std::span<const channel::Request> requests);
 
-  // How the network transfers ended that the extension has told of so far.
+  // How the network transfers ended that the extension has reported so far.
   const std::vector<TransferReport>& transfers() const { return transfers_; }
 
  private:
@@ -33,7 +33,7 @@ class ExtensionBatch {
   std::filesystem::path program_;
   std::optional<ExtensionClient> client_;
   std::vector<TransferReport> transfers_;
-  Failure lastEnd_;  // told where an answer is missing
+  Failure lastEnd_;  // the failure where an answer is missing
 };
 
 }  // namespace quillpad::home

@@ -63,7 +63,7 @@ class ExtensionClient {
   // Why nothing more can be asked, once that is so.
   const std::optional<Failure>& over() const { return over_; }
 
-  // How the network transfers ended that the extension has told of so far.
+  // How the network transfers ended that the extension has reported so far.
   const std::vector<TransferReport>& transfers() const { return transfers_; }
 
  private:

@@ -9,7 +9,7 @@ namespace quillpad::home {
 
 enum class ExitStatus {
   done = 0,
-  notPossible = 1,     // something here stands in the way: a file, a port, a missing program
+  notPossible = 1,     // something here is in the way: a file, a port, a missing program
   wrongUsage = 2,      // an unknown kind, option or value
   dropped = 3,         // the extension let the request go without an answer
   extensionEnded = 4,  // with its last words in the message

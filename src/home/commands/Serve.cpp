@@ -68,7 +68,7 @@ struct Serve {
   }
 
   Done run(const CommandContext& context) const {
-    ::signal(SIGPIPE, SIG_IGN);  // who reads the messages may leave
+    ::signal(SIGPIPE, SIG_IGN);  // the reader of the messages may leave
     const bool keepsRunning = outlivesItsParent();
     const FileDescriptor parent = keepsRunning ? FileDescriptor() : watchParent();
     const FileDescriptor signals = catchStopSignals(keepsRunning);

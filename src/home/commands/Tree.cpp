@@ -11,7 +11,7 @@ namespace quillpad::home {
 namespace {
 
 // A line for each node: what it is, as which of its stack's children it was offered what, what it
-// takes, where it stands; then what is probably not meant.
+// takes, where it is placed; then what is probably not meant.
 std::string framesText(const drawing::Inspection& inspection) {
   const drawing::LayoutTrace& trace = inspection.trace;
   const auto depths = depthsOf(trace);

@@ -11,8 +11,8 @@
 namespace quillpad::home {
 
 struct Account {
-  // A mark that differs from account to account and tells nothing of it, "" where nobody is signed
-  // in; nothing where that cannot be told now. Empty for widgets without accounts.
+  // A mark that differs from account to account and reveals nothing of it, "" where nobody is
+  // signed in; nothing where that is not known now. Empty for widgets without accounts.
   std::function<std::optional<std::string>()> mark{};
   std::filesystem::path store{};  // the file that changes with it
   std::string hint{};             // one sentence on what helps where nobody is signed in

@@ -22,8 +22,8 @@ class Confinement {
   static constexpr rlim_t maxDescriptors = 256;
   // How many processes there may be beyond those of the machine when it was started.
   static constexpr rlim_t maxMoreProcesses = 512;
-  // A limit that Linux keeps and heeds no more: whoever descends from a confined process has a
-  // lower one than this process, and cannot raise it.
+  // A limit that Linux still keeps but no longer enforces: whoever descends from a confined process
+  // has a lower one than this process, and cannot raise it.
   static constexpr auto mark = RLIMIT_LOCKS;
 
   // What confines the program; a sentence for a person where this machine cannot confine it now.

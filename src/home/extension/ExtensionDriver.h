@@ -25,7 +25,7 @@ namespace quillpad::home {
 class ExtensionDriver {
  public:
   // Takes up what the last run left in the file, where that is of the same account. `relay` gets
-  // each line that the extension prints, and each that the home screen has to say.
+  // each line that the extension prints, and each of the home screen's own.
   ExtensionDriver(
       std::filesystem::path extension,
       std::optional<std::filesystem::path> stateFile,

@@ -1,6 +1,6 @@
 // A session with one run of the extension: numbers the requests, keeps the deadlines and the memory
-// limit, and tells what came of them. It ends the extension where it breaks a limit or is not to be
-// understood. Driven by its owner's poll loop; nothing here blocks. Belongs to one thread, which
+// limit, and reports what came of them. It ends the extension where it breaks a limit or is not to
+// be understood. Driven by its owner's poll loop; nothing here blocks. Belongs to one thread, which
 // must outlive the extension.
 #pragma once
 
@@ -32,7 +32,7 @@ struct SessionEnd {
   std::string lastWords;  // the last line that it wrote to standard error about what it was asked
 };
 
-// No answer to the request came in time, though the extension is alive; none will be told.
+// No answer to the request came in time, though the extension is alive; none will be reported.
 struct LateAnswer {
   std::uint64_t id = 0;
   std::chrono::seconds waited{};

@@ -13,7 +13,7 @@ namespace quillpad::home {
 class HomeLock {
  public:
   // The lock of this user's home screen, which holds nothing where no state can be kept; where
-  // another has it, one line that tells its address.
+  // another has it, one line that gives its address.
   static std::expected<HomeLock, std::string> take();
 
   // From now on others are told this address.

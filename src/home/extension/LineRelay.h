@@ -24,7 +24,7 @@ class LineRelay {
   // What to poll for; negative while there is nothing to write.
   pollfd descriptor() const { return {pending_.empty() ? -1 : descriptor_, POLLOUT, 0}; }
 
-  // When lines that were dropped are to be told of, though no other line comes.
+  // When lines that were dropped are to be reported, though no other line comes.
   std::optional<Uptime> nextDeadline() const;
 
   // Writes what is taken now. To be called after each poll.

@@ -26,7 +26,7 @@ class ProcessLog {
   struct Started {
     int process = 0;
   };
-  struct EndedByHome {};  // to start it anew
+  struct EndedByHome {};  // to start it again
   // A start of the extension, or how it came to an end.
   using Run = std::variant<Started, EndedByHome, Problem>;
 

@@ -1,6 +1,6 @@
-// Watches the extension's program and the resources beside it, and tells when they were replaced:
+// Watches the extension's program and the resources beside it, and reports when they were replaced:
 // by a rename or by writing, but not before all is written. Driven by its owner's poll loop; where
-// the system cannot watch, it tells of nothing. The program may be a link that is swapped, its
+// the system cannot watch, it reports nothing. The program may be a link that is swapped, its
 // folder may not. Belongs to one thread.
 #pragma once
 
@@ -36,7 +36,7 @@ class ProgramWatch {
   void watchTarget();
   void watchResources();
   void take(Uptime now, const inotify_event& event, const std::string& name);
-  // What tells one state of the program from another.
+  // What distinguishes one state of the program from another.
   std::string identity() const;
 
   std::filesystem::path program_;

@@ -1,4 +1,4 @@
-// When a file that is written anew counts as replaced: once nobody writes it any more and nothing
+// When a file that is written again counts as replaced: once nobody writes it any more and nothing
 // has happened to it for a moment, so that neither half a program nor half a build is taken up. One
 // that nothing happens to for long is not waited for: its end may have been missed. Of its inputs
 // alone; a value.

@@ -61,7 +61,7 @@ namespace {
 constexpr int formatVersion = 1;
 constexpr std::size_t maxFileBytes = std::size_t{64} * 1024 * 1024;
 
-// What stands in no file: that all are of timelines, and in those of earlier programs since when
+// What is in no file: that all are of timelines, and in those of earlier programs since when
 // transfers fail.
 void complete(std::map<std::string, RenderedEntry>& pictures) {
   for (auto& [kind, picture] : pictures) {

@@ -17,18 +17,18 @@ namespace quillpad::home {
 // names an absolute folder.
 std::optional<std::filesystem::path> stateFile();
 
-// What the file holds; nothing where there is no file yet. On failure one line that tells what is
+// What the file holds; nothing where there is no file yet. On failure one line that says what is
 // wrong with it.
 std::expected<std::optional<SavedHome>, std::string> readState(const std::filesystem::path& file);
 
-// Puts the state in the file's place, whole or not at all; on failure one line that tells why.
+// Puts the state in the file's place, whole or not at all; on failure one line that says why.
 std::expected<void, std::string> writeState(
     const std::filesystem::path& file, const SavedHome& state);
 
 // Where a file that is not understood is kept, until the account changes: whose it is nobody knows.
 std::filesystem::path asideOf(const std::filesystem::path& file);
 
-// Removes what is kept aside; on failure one line that tells why.
+// Removes what is kept aside; on failure one line that says why.
 std::expected<void, std::string> forgetAside(const std::filesystem::path& file);
 
 // Takes the pictures of any other account than the one with the mark (see Account) out of the file,

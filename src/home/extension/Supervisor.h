@@ -58,7 +58,7 @@ class Supervisor {
   void failedToStart(const Moment& now, std::string why);
   // There is something to read that only another run of the extension would see.
   void extensionNeedsRestart(const Moment& now);
-  // The extension's program is another one now: it is started anew when nothing is under way, or
+  // The extension's program is another one now: it is started again when nothing is under way, or
   // after a while, and what the widgets show is asked of the new one and changes all at once.
   void programReplaced(const Moment& now);
 
@@ -157,7 +157,7 @@ class Supervisor {
   std::optional<Uptime> replaceBy_;  // the program is another one: when the old one is ended
   bool replaced_ = false;            // the new one has not listed its widgets yet
   std::optional<Problem> lastEnd_;
-  std::optional<std::string> account_;  // nothing: nobody said
+  std::optional<std::string> account_;  // nothing: not known
 
   std::uint64_t version_ = 1;
   std::uint64_t savedVersion_ = 0;

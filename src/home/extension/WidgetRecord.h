@@ -83,12 +83,12 @@ struct WidgetRecord {
   // The widget keeps its picture and is asked again later.
   void fail(const Moment& now, EntrySource target, Problem cause);
 
-  // The program is another one: all that is shown is asked of it anew.
+  // The program is another one: all that is shown is asked of it again.
   void outdate(const Moment& now);
   // What the new program made takes the place of the old; false where there is nothing.
   bool showRenewed();
 
-  // It stands on the home screen no more; what the gallery shows of it stays.
+  // It is no longer on the home screen; what the gallery shows of it stays.
   void leave();
   // Another account: of the figures nothing stays.
   void forgetAccount();

@@ -40,7 +40,7 @@ std::string_view levelName(WidgetStatus::Level level);
 // The problem in one or two sentences.
 std::string inPlainWords(const Problem& problem, const Language& language = {});
 
-// What the whole home screen has to tell, or nothing while all is well. The hint is said where
+// A notice about the whole home screen, or nothing while all is well. The hint is added where
 // nobody is signed in.
 std::string noticeOf(
     const Supervisor& supervisor, const std::string& signInHint, const Language& language = {});

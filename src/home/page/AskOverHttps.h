@@ -20,7 +20,7 @@ struct HttpsAnswer {
 };
 
 // How the program asks over the network, which the home screen does not link. The second argument
-// is called once, on any thread, with the answer or one sentence that tells why there is none.
+// is called once, on any thread, with the answer or one sentence that says why there is none.
 using AskOverHttps = std::function<void(
     HttpsQuestion, std::move_only_function<void(std::expected<HttpsAnswer, std::string>)>)>;
 

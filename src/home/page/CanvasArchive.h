@@ -1,6 +1,6 @@
 // The pictures of a canvas as one zip file, drawn one after the other while it is sent: one picture
 // is in memory at a time, and whoever drives the loop gets a turn after each. What cannot be drawn
-// is told in a text at the archive's end. Belongs to one thread.
+// is listed in a text at the archive's end. Belongs to one thread.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 // The page's pictures of the widgets: each is drawn when it is first asked for and kept until what
-// it shows changes. No two have an id in common, so that all can stand in one page. Belongs to one
-// thread.
+// it shows changes. No two have an id in common, so that all can be part of one page. Belongs to
+// one thread.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +27,7 @@ class CardDrawings {
     std::optional<DrawnCard> kept;
   };
 
-  // For the locale. What cannot be drawn is said in one line.
+  // For the locale. What cannot be drawn is reported in one line.
   CardDrawings(
       CardRenderer& cards, std::string locale, std::function<void(const std::string& line)> report);
 

@@ -1,6 +1,6 @@
 // The engineer's view: one widget's placeholder, snapshot, timeline entry and an entry typed by
 // hand side by side, on the screen, at the scale and in the language of one's choice, with what the
-// layout made of them. Every choice stands in the address. Belongs to one thread.
+// layout made of them. Every choice is in the address. Belongs to one thread.
 #pragma once
 
 #include <expected>
@@ -43,7 +43,7 @@ class EngineerView {
   // What the query's picture shows, once it has come, or why there is nothing.
   PreviewSession::PendingResult view(const Moment& now, const PreviewQuery& query);
 
-  // That picture, or one line that tells why it cannot be drawn; and how its file is called.
+  // That picture, or one line that says why it cannot be drawn; and how its file is called.
   std::expected<std::string, std::string> draw(
       const PreviewQuery& query, const ui::View& view, PictureFormat format);
   static std::string fileName(const PreviewQuery& query, PictureFormat format);
@@ -53,7 +53,7 @@ class EngineerView {
   struct Column {
     EntrySource source = EntrySource::timeline;
     PreviewSession::PendingResult pending;
-    std::size_t wrongLine = 0;  // of the entry of one's own, where that is wrong
+    std::size_t wrongLine = 0;  // of one's own entry, where that is wrong
 
     bool isDone() const { return pending->has_value(); }
     // Of a column that is done.

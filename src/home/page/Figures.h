@@ -1,4 +1,4 @@
-// Figures in a page. They stand there in plain digits; the page's script says them as people of its
+// Figures in a page. They are there in plain digits; the page's script words them as people of its
 // language do. Pure.
 #pragma once
 

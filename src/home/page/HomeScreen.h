@@ -35,7 +35,7 @@ namespace quillpad::home {
 
 class HomeScreen {
  public:
-  // Takes up the state of the last run and listens at the port; on failure one line that tells why.
+  // Takes up the state of the last run and listens at the port; on failure one line that says why.
   static std::expected<std::unique_ptr<HomeScreen>, std::string> start(
       const std::filesystem::path& extension,
       std::uint16_t port,
@@ -98,7 +98,7 @@ class HomeScreen {
   CardDrawings drawings_;
   EngineerView engineer_;
   CanvasView canvas_;
-  std::unique_ptr<Switchboard> switchboard_;  // none where nobody told of one
+  std::unique_ptr<Switchboard> switchboard_;  // none where none was named
   std::unique_ptr<WebServer> server_;
 
   std::uint64_t shownVersion_ = 0;

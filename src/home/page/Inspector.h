@@ -1,4 +1,4 @@
-// The part of the engineer's view that tells why a card looks as it does: the view tree and the
+// The part of the engineer's view that says why a card looks as it does: the view tree and the
 // display list with what the layout made of them. Pure.
 #pragma once
 

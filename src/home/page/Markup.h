@@ -48,7 +48,7 @@ Markup filled(
 // The text with {1}, {2} and so on replaced by markup.
 Markup filledIn(std::string_view text, std::initializer_list<Markup> values);
 
-// What text() in the script can be asked for, as JSON that may stand in a script element.
+// What text() in the script can be asked for, as JSON that may be part of a script element.
 Markup textsOf(std::string_view script, const Language& language);
 
 }  // namespace quillpad::home

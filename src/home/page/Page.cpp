@@ -20,7 +20,7 @@ Markup timeMarkup(std::string_view says, Date date, const std::string& words) {
       {{"says", escaped(says)}, {"date", escaped(iso8601(date))}, {"words", escaped(words)}});
 }
 
-// The time of day, with the date where that is another day. The page's script says it as people of
+// The time of day, with the date where that is another day. The page's script words it as people of
 // its language do.
 std::string clockText(Date date, Date now) {
   const char* day = "%Y-%m-%d";

@@ -68,7 +68,7 @@ struct HomeModel {
   HomeView view = HomeView::desk;
   std::vector<CardModel> cards;
   std::string notice;
-  std::string empty;  // said where there is no card
+  std::string empty;  // shown where there is no card
 };
 Markup homePage(const HomeModel& model, const PageFrame& frame, Date now);
 

@@ -18,7 +18,7 @@ bool isKey(std::string_view text) {
          text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
 }
 
-// In a time that tells nothing of where they differ.
+// In a time that reveals nothing of where they differ.
 bool areEqual(std::string_view left, std::string_view right) {
   if (left.size() != right.size()) {
     return false;

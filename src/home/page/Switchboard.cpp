@@ -28,7 +28,7 @@ constexpr std::size_t maxFaults = 100;
 constexpr std::size_t maxFaultBytes = 200;
 constexpr double maxDelay = 600;  // seconds
 
-// What a switchboard tells of itself.
+// What a switchboard reports of itself.
 struct Faults {
   std::string inForce;
   std::int64_t delay = 0;  // in milliseconds

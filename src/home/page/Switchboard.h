@@ -1,6 +1,6 @@
 // A switchboard that the home screen was told of: a place elsewhere, asked over HTTPS, where faults
-// of what the extension talks to are switched by who tries out what then shows. Its file tells its
-// address and its token, which no page sees, and is read anew for each question. Answers come on
+// of what the extension talks to are switched by who tries out what then shows. Its file holds its
+// address and its token, which no page sees, and is read again for each question. Answers come on
 // another thread and are taken up in the owner's poll loop; belongs to the thread that made it.
 #pragma once
 
@@ -23,7 +23,7 @@ namespace quillpad::home {
 
 class Switchboard {
  public:
-  // On failure one line that tells what is wrong with the file.
+  // On failure one line that says what is wrong with the file.
   static std::expected<std::unique_ptr<Switchboard>, std::string> open(
       const std::filesystem::path& file, AskOverHttps ask);
 

@@ -13,7 +13,7 @@ class ConnectionTimers {
  public:
   using Time = std::chrono::steady_clock::time_point;
 
-  // Starts the connection's timer anew.
+  // Starts the connection's timer again.
   void start(int connection, Time deadline);
   void stop(int connection);
 

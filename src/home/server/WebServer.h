@@ -31,7 +31,7 @@ class WebServer {
     std::chrono::milliseconds heartbeat = std::chrono::seconds{15};    // finds streams that left
   };
 
-  // Listens on 127.0.0.1 at the port, at a free one for 0; on failure one line that tells why.
+  // Listens on 127.0.0.1 at the port, at a free one for 0; on failure one line that says why.
   static std::expected<WebServer, std::string> start(
       std::uint16_t port, Limits limits, Handler handler);
 

@@ -150,7 +150,7 @@ using MethodOfId = std::function<std::optional<Method>(std::uint64_t id)>;
 std::expected<MessageOfExtension, std::string> decodeFromExtension(
     std::string_view line, const MethodOfId& methodOfId);
 
-// The JSON that stands in a reply's result, and that the home screen prints and keeps; and what
+// The JSON that is in a reply's result, and that the home screen prints and keeps; and what
 // such JSON says, an error staying with the decoder.
 Value toValue(const Catalogue& catalogue);
 Value toValue(const Entry& entry);

@@ -69,7 +69,7 @@ class Decoder {
     return value == nullptr ? std::ranges::begin(table)->value : *value;
   }
 
-  // What stands here, of any type; null on failure.
+  // What is here, of any type; null on failure.
   const Value& value() const;
 
   // Notes an error at this place, unless there was one before.
@@ -105,7 +105,7 @@ class Decoder {
                                               : std::numeric_limits<std::int64_t>::max();
   }
 
-  const Value* value_;  // null for what is missing, or stands behind an error
+  const Value* value_;  // null for what is missing, or comes after an error
   std::shared_ptr<Shared> shared_;
 };
 

@@ -1,6 +1,6 @@
 // The locale of this process, from LC_ALL, the category's own variable (LC_MESSAGES, LC_NUMERIC)
-// and LANG, as the standard tools read them; read anew at each call. A thread may have another one,
-// and a currency with it, for a while. From any thread, as long as none sets the environment.
+// and LANG, as the standard tools read them; read again at each call. A thread may have another
+// one, and a currency with it, for a while. From any thread, as long as none sets the environment.
 #pragma once
 
 #include <string>

@@ -16,8 +16,8 @@ struct TransportError {
   std::string localizedDescription;
 };
 
-// How a transfer ended, for who watches from outside: no address beyond the path, no header and no
-// body.
+// How a transfer ended, for whoever watches from outside: no address beyond the path, no header and
+// no body.
 struct TransferReport {
   std::uint64_t activity = 0;  // the activity of the thread that resumed the task
   std::string path;

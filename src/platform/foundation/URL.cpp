@@ -15,13 +15,13 @@ namespace {
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
-// The characters that may stand in each part as they are, beside letters and digits.
+// The characters that may appear in each part as they are, beside letters and digits.
 constexpr std::string_view userCharacters = "-._~!$&'()*+,;=:";
 constexpr std::string_view hostCharacters = "-._~!$&'()*+,;=";
 constexpr std::string_view pathCharacters = "-._~!$&'()*+,;=:@/";
 constexpr std::string_view queryCharacters = "-._~!$&'()*+,;=:@/?";
 
-bool mayStand(char c, std::string_view allowed) {
+bool mayAppear(char c, std::string_view allowed) {
   return isLetter(c) || isDigit(c) || allowed.contains(c);
 }
 
@@ -32,21 +32,21 @@ bool isValid(std::string_view part, std::string_view allowed) {
         return false;
       }
       i += 2;
-    } else if (!mayStand(part[i], allowed)) {
+    } else if (!mayAppear(part[i], allowed)) {
       return false;
     }
   }
   return true;
 }
 
-// A part with one character out of place is encoded anew as a whole, its "%" too, as on the phone.
+// A part with one character out of place is encoded again as a whole, its "%" too, as on the phone.
 std::string encoded(std::string_view part, std::string_view allowed) {
   if (isValid(part, allowed)) {
     return std::string(part);
   }
   std::string text;
   for (const char c : part) {
-    if (mayStand(c, allowed)) {
+    if (mayAppear(c, allowed)) {
       text += c;
     } else {
       text += "%" + upperHexByte(static_cast<unsigned char>(c));

@@ -67,7 +67,7 @@ class Number {
 class Value;
 using Array = std::vector<Value>;
 
-// Keys and values in the order in which they were set. Each key stands once.
+// Keys and values in the order in which they were set. Each key occurs once.
 class Dictionary {
  public:
   struct Member;
@@ -91,7 +91,7 @@ class Dictionary {
   template <class T>
   const T* get(std::string_view key) const;
 
-  // Sets the key's value, in place where the key stands already.
+  // Sets the key's value, in place where the key is there already.
   void set(std::string key, Value value);
 
   // Takes the key and its value away, if they are there.

@@ -34,7 +34,7 @@ std::uint32_t checksumOf(std::string_view bytes) {
   return ~value;
 }
 
-// Numbers stand with their lowest byte first.
+// Numbers have their lowest byte first.
 class Record {
  public:
   Record& two(std::uint32_t value) { return number(value, 2); }

@@ -1,4 +1,4 @@
-// Where the parts of a view stand: a pure function of the view, the size it is offered and the
+// Where the parts of a view are placed: a pure function of the view, the size it is offered and the
 // measures of its texts and images. Lengths are points, not yet rounded to device pixels; those of
 // the view are no longer than its codec lets through. Callable from any thread, as far as the
 // metrics are.

@@ -34,7 +34,7 @@ class Placement {
   void enterClip(const Rect& frame, double cornerRadius);
   void leaveClip();
 
-  // Where the frame stands on the card.
+  // Where the frame is on the card.
   Rect mirroredIfNeeded(const Rect& frame) const;
 
   std::size_t itemCount() const { return layout_.items.size(); }
@@ -90,7 +90,7 @@ using LayoutNodePtr = std::unique_ptr<LayoutNode>;
 
 class Tracer;
 
-// Where in the tree a node stands.
+// A node's place in the tree.
 struct Surroundings {
   Metrics& metrics;
   ui::Axis axis = ui::Axis::vertical;  // of the stack around it

@@ -9,7 +9,7 @@
 namespace quillpad::drawing {
 namespace {
 
-// What the text takes of a large offer, where not all of it stands in its frame.
+// What the text takes of a large offer, where not all of it is in its frame.
 std::optional<Size> wholeText(const ui::Text& text, const TracedNode& node, Metrics& metrics) {
   const double size = text.textFont.size;
   const double oneMoreLine = 1.5 * systemLineHeight(size);
@@ -59,7 +59,7 @@ class Examination {
     }
   }
 
-  // Of a node that stands out of the bounds and what it modifies the innermost that does.
+  // Of a node that sticks out of the bounds and what it modifies the innermost that does.
   std::size_t causeOf(std::size_t i, const Rect& bounds) const {
     while (nodes_[i].modifier != nullptr && beyond(nodes_[i].frame, bounds) &&
            beyond(nodes_[i + 1].frame, bounds)) {

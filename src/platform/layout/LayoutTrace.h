@@ -1,4 +1,4 @@
-// How a layout came about, node by node, for whoever wonders why something stands where it does.
+// How a layout came about, node by node, for whoever wonders why something is where it is.
 // Frames are on the card, mirrored for right-to-left ones. Pure functions.
 #pragma once
 
@@ -39,13 +39,13 @@ LayoutTrace traceLayout(
 struct Finding {
   enum class Kind {
     cutOff,         // a text ends in "…"
-    overflows,      // stands out of the node around it
+    overflows,      // sticks out of the node around it
     leavesTheCard,  // is painted beyond the card, or makes the whole view larger than the card
   };
 
   Kind kind = Kind::cutOff;
   int node = 0;
-  ui::EdgeInsets beyond{};  // how far it stands out; leading is the left side here
+  ui::EdgeInsets beyond{};  // how far it sticks out; leading is the left side here
 };
 
 // Outer causes come first. Up to half a device pixel counts as nothing.

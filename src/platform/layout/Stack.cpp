@@ -8,7 +8,7 @@ namespace quillpad::drawing {
 namespace {
 
 // Below so many nested stacks a child's flexibility is measured once, at the first length across
-// that it is asked for: measured anew for each, nesting would make the time grow exponentially.
+// that it is asked for: measured again for each, nesting would make the time grow exponentially.
 constexpr int maxExactDepth = 6;
 
 class StackNode final : public LayoutNode {

@@ -23,7 +23,7 @@ class Tracer::Watch final : public LayoutNode {
     const std::size_t first = placement.itemCount();
     content_->place(proposed, frame, placement);
     trace_.itemNodes.resize(placement.itemCount(), -1);
-    // What stands further inside has taken its own.
+    // What is further inside has taken its own.
     std::ranges::replace(trace_.itemNodes | std::views::drop(first), -1, static_cast<int>(node_));
   }
 

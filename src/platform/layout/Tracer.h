@@ -1,4 +1,4 @@
-// Takes down a layout: stands between each node and what is around it. Belongs to one thread.
+// Takes down a layout: sits between each node and what is around it. Belongs to one thread.
 #pragma once
 
 #include "platform/layout/LayoutNode.h"

@@ -19,7 +19,7 @@ class Poller {
   Poller();
 
   // Has it told when one of these events (of EPOLLIN and EPOLLOUT) is next, or an error, and
-  // nothing more until the socket is watched anew.
+  // nothing more until the socket is watched again.
   void watch(int socket, std::uint32_t events);
   void forget(int socket);
 

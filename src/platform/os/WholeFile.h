@@ -36,9 +36,9 @@ struct WriteOptions {
   Durability durability = Durability::synced;
 };
 
-// Puts the bytes in the file's place, durably unless said otherwise: who opens the file finds what
-// was there before or all of the new. On failure the old file stands. A symbolic link stays and its
-// target is made or replaced; a device or a pipe is written to, but a private file waits for no
+// Puts the bytes in the file's place, durably unless said otherwise: whoever opens the file finds
+// what was there before or all of the new. On failure the old file stays. A symbolic link stays and
+// its target is made or replaced; a device or a pipe is written to, but a private file waits for no
 // reader.
 //
 // The bytes are collected in a file without a name where the file system has such files, so a
@@ -49,7 +49,7 @@ std::error_code writeWholeFile(
     const std::filesystem::path& file, std::string_view bytes, WriteOptions options = {});
 
 // The same with bytes that come in pieces: `produce` hands each to what it is given. Where it
-// returns an error, as it has to once a piece could not be written, the old file stands.
+// returns an error, as it has to once a piece could not be written, the old file stays.
 using TakePiece = std::function<std::error_code(std::string_view piece)>;
 std::error_code writeWholeFile(
     const std::filesystem::path& file,

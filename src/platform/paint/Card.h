@@ -47,7 +47,7 @@ Inspection inspect(
     const ImageSize& imageSize,
     TextEngine& texts);
 
-// Where the lines of the text stand.
+// The baselines of the text's lines.
 std::vector<double> baselinesOf(const TextItem& text);
 
 }  // namespace quillpad::drawing

@@ -61,11 +61,11 @@ struct DisplayList {
 // has none.
 std::string accessibilityLabel(const DisplayList& list);
 
-// One line that tells why a card of this size in points cannot be drawn at the scale, or nothing:
+// One line that says why a card of this size in points cannot be drawn at the scale, or nothing:
 // the size must be at least one device pixel and at most maximumPixels, the scale 1, 2 or 3.
 std::optional<std::string> sizeError(Size size, int scale);
 
-// One line that tells why the list cannot be drawn: its size, or more work than any card is worth,
+// One line that says why the list cannot be drawn: its size, or more work than any card is worth,
 // by the pixels of its items, their clips and glyphs.
 std::optional<std::string> drawingError(const DisplayList& list);
 

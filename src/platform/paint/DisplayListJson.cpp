@@ -62,7 +62,7 @@ Value valueOf(const Item& item, ui::Appearance appearance) {
   return members;
 }
 
-// A name that is no UTF-8 cannot stand in JSON.
+// A name that is no UTF-8 cannot be written as JSON.
 std::string compact(const Value& value) {
   return writeJson(value, JsonLayout::compact).value_or("null");
 }

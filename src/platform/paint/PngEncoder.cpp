@@ -50,7 +50,7 @@ class Chunks {
 
 enum ColorType { palette = 3, rgba = 6 };
 
-// Alphas stand up to the last colour that is not opaque.
+// Alphas are listed up to the last colour that is not opaque.
 std::size_t translucentEntries(std::span<const ui::Rgba> colors) {
   std::size_t count = colors.size();
   while (count > 0 && colors[count - 1].alpha == 255) {

@@ -27,7 +27,7 @@ class PngWriter {
   PngWriter(const PngWriter&) = delete;
   PngWriter& operator=(const PngWriter&) = delete;
 
-  // The PNG file of the list at its scale, or one line that tells why it cannot be drawn: an empty
+  // The PNG file of the list at its scale, or one line that says why it cannot be drawn: an empty
   // size, more than maximumPixels, or too much work.
   std::expected<std::vector<std::uint8_t>, std::string> write(
       const DisplayList& list, ui::Appearance appearance);

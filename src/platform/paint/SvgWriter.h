@@ -1,5 +1,5 @@
 // Writes display lists as SVG documents. Texts are the outlines that the PNG writer fills, so both
-// look alike wherever they are shown; the texts themselves stand in the title, for readers.
+// look alike wherever they are shown; the texts themselves are in the title, for readers.
 #pragma once
 
 #include <expected>
@@ -13,7 +13,7 @@
 
 namespace quillpad::drawing {
 
-// The document, without an XML declaration, so that it can stand in a page; or one line that tells
+// The document, without an XML declaration, so that it can be part of a page; or one line that says
 // why it cannot be drawn. Without an appearance its colours are CSS light-dark() pairs, which
 // follow the color scheme of the page around it. Every id in it begins with the prefix (letters,
 // digits, hyphens, a letter first): documents of different prefixes may share a page.

@@ -39,7 +39,7 @@ struct ColorGlyph {
 // In device pixels; a glyph that would be larger is drawn at this size.
 inline constexpr double maximumGlyphSize = 4096;
 
-// Where in a pixel a glyph's origin stands, in quarters to the right and downwards, 0 to 3.
+// Where in a pixel a glyph's origin is, in quarters to the right and downwards, 0 to 3.
 struct GlyphPhase {
   int x = 0;
   int y = 0;

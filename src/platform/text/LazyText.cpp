@@ -36,7 +36,7 @@ bool isSpace(std::string_view characters) {
          character == 0x205F || character == 0x3000;
 }
 
-// Latin letters, and signs that stand in texts of any script and have no direction of their own.
+// Latin letters, and symbols that appear in texts of any script and have no direction of their own.
 bool isSimple(char32_t character) {
   return character < 0x250 || (character >= 0x2010 && character <= 0x2027) ||
          (character >= 0x20A0 && character <= 0x20BF) || character == 0x2122;

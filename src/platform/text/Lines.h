@@ -1,4 +1,4 @@
-// The lines of a shaped text: where they begin and end, and what stands in them. Pure functions of
+// The lines of a shaped text: where they begin and end, and what is in them. Pure functions of
 // plain values; all lengths are parts of the font size.
 #pragma once
 
@@ -35,14 +35,14 @@ Line breakLine(
 Line truncateLine(
     std::span<const Cluster> clusters, std::size_t begin, double limit, double ellipsisWidth);
 
-// Glyphs of one font that stand side by side, in a text that outlives it.
+// Glyphs of one font side by side, in a text that outlives it.
 struct LinePart {
   FontId font = 0;
   std::uint8_t level = 0;  // of bidirectional embedding: odd is right to left
   std::span<const ShapedGlyph> glyphs;
 };
 
-// The line's parts in the order in which they stand. The line's suffix, if it has one, comes behind
+// The line's parts in visual order. The line's suffix, if it has one, comes behind
 // the last cluster in the order of reading: a hyphen belongs to the word before it, an ellipsis to
 // the paragraph.
 std::vector<LinePart> partsFromLeft(

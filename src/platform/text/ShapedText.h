@@ -31,7 +31,7 @@ struct ShapedGlyph {
 };
 
 struct ShapedText {
-  // What the glyphs of some clusters in a row have in common; they stand from left to right.
+  // What the glyphs of some clusters in a row have in common; they run from left to right.
   struct Run {
     FontId font = 0;
     std::uint8_t level = 0;  // of bidirectional embedding: odd is right to left

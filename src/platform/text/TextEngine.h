@@ -18,7 +18,7 @@
 
 namespace quillpad::drawing {
 
-// What the place where a text stands adds to it.
+// What the place of a text adds to it.
 struct TextPlace {
   std::string language{};    // for example "en" or "zh-Hans"
   bool rightToLeft = false;  // where lines start, and the direction of texts that have none
