@@ -1,4 +1,3 @@
-#include <ctime>
 #include <gtest/gtest.h>
 
 #include "fixtures/ScopedVariable.h"
@@ -18,8 +17,6 @@ Value json(std::string_view text) { return readJson(text, JsonFragments::refused
 
 class EntryTextTest : public testing::Test {
  protected:
-  EntryTextTest() { ::tzset(); }
-  ~EntryTextTest() override { ::tzset(); }
   fixtures::ScopedVariable zone_{"TZ", "Asia/Kolkata"};
   const Date date_ = *dateFromIso8601("2026-03-07T20:05:03.250Z");
 };

@@ -211,7 +211,7 @@ TEST_F(ExtensionSessionTest, LeavesNoProcessBehind) {
       {"plain", "echo $$; exec sleep 60"},
       {"with a child", "sleep 60 & echo $!; wait"},
       {"outside of its group",
-       "exec perl -e 'setpgrp(0, getpgrp(getppid())); $| = 1; print \"$$\\n\"; sleep 60'"},
+       "LC_ALL=C exec perl -e 'setpgrp(0, getpgrp(getppid())); $| = 1; print \"$$\\n\"; sleep 60'"},
       {"a daemon", "(setsid sh -c 'echo $$; exec sleep 60' &) ; exec sleep 60"},
       {"daemons of daemons",
        "(setsid sh -c '(setsid sh -c \"echo \\$\\$; exec sleep 60\" &); exec sleep 60' &); exec "

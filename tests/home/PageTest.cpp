@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "fixtures/ScopedVariable.h"
 #include "home/extension/Links.h"
 #include "home/page/Page.h"
 #include "platform/foundation/Iso8601.h"
@@ -72,6 +73,7 @@ std::string textOf(const Markup& markup) {
 }
 
 TEST(Page, TellsTimesAsTheyStandForReadersWithoutScripts) {
+  const fixtures::ScopedVariable zone("TZ", "UTC");
   using namespace std::chrono_literals;
   const channel::CatalogueItem item{"A", "A", "", {}, {}, {}};
   const std::tuple<std::chrono::milliseconds, std::chrono::milliseconds, const char*> cases[] = {
@@ -89,6 +91,7 @@ TEST(Page, TellsTimesAsTheyStandForReadersWithoutScripts) {
 }
 
 TEST(Page, KeptFiguresSaySinceWhenAndWhatThePhoneShowsWaitsInATemplate) {
+  const fixtures::ScopedVariable zone("TZ", "UTC");
   using namespace std::chrono_literals;
   const channel::CatalogueItem item{"A", "A", "", {}, {}, {}};
   const DrawnCard good{.picture = trusted("GOOD"), .link = {}};

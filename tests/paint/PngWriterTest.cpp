@@ -1,7 +1,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -10,6 +9,7 @@
 #include <random>
 #include <vector>
 
+#include "fixtures/Program.h"
 #include "paint/DrawnCard.h"
 #include "platform/paint/Canvas.h"
 #include "platform/paint/Comparison.h"
@@ -343,7 +343,8 @@ TEST_F(PngWriterTest, PngcheckAcceptsTheFiles) {
   const auto check = [&](const Bytes& bytes) {
     const std::filesystem::path file = home_.path() / "card.png";
     save(file, bytes);
-    EXPECT_EQ(std::system(("pngcheck -q " + file.string()).c_str()), 0);
+    const auto checked = fixtures::Program("pngcheck", {"-q", file}).wait();
+    EXPECT_EQ(checked.status, 0) << checked.out;
   };
   draw(card({158, 158}, 3, {fill({110, 110, 32, 32}, green, 16)}));
   check(file_);

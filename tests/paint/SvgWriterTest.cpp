@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -6,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "fixtures/Program.h"
 #include "paint/DrawnCard.h"
 #include "platform/paint/Comparison.h"
 #include "platform/paint/PngReader.h"
@@ -57,8 +57,9 @@ TEST_F(SvgWriterTest, NoTextBreaksTheDocument) {
   for (const std::string& text : texts) {
     const std::string document = svg(textCard(text));
     EXPECT_EQ(document.find("<script"), std::string::npos);
-    const std::string command = "xmllint --nonet --noout " + saved(document).string();
-    EXPECT_EQ(std::system(command.c_str()), 0) << document;
+    const auto checked =
+        fixtures::Program("xmllint", {"--nonet", "--noout", saved(document)}).wait();
+    EXPECT_EQ(checked.status, 0) << checked.err << document;
   }
 }
 
@@ -145,9 +146,10 @@ TEST_F(SvgWriterTest, LooksLikeThePng) {
   DisplayList list = textCard("Figures 1,234.56", 3);
   list.items.push_back(fill({110, 110, 32, 32}, green, 16));
   const std::filesystem::path drawn = home_.path() / "drawn.png";
-  const std::string command =
-      "rsvg-convert --zoom 3 --output " + drawn.string() + " " + saved(svg(list)).string();
-  ASSERT_EQ(std::system(command.c_str()), 0);
+  const auto converted =
+      fixtures::Program("rsvg-convert", {"--zoom", "3", "--output", drawn, saved(svg(list))})
+          .wait();
+  ASSERT_EQ(converted.status, 0) << converted.err;
   const Bitmap png =
       readPng(PngWriter(fonts_, pictures_).write(list, ui::Appearance::light).value()).value();
   const Comparison comparison = compare(png, readPngFile(drawn).value(), {.channel = 64});

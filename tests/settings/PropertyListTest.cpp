@@ -1,9 +1,8 @@
-#include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
 
-#include "fixtures/TemporaryHome.h"
+#include "fixtures/Program.h"
 #include "platform/foundation/Iso8601.h"
 #include "platform/os/WholeFile.h"
 #include "platform/settings/PropertyList.h"
@@ -142,12 +141,10 @@ assert read == {
 }
 plistlib.dump(read, open(sys.argv[1], 'wb'), sort_keys=False)
 )";
-  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0) {
-    GTEST_SKIP() << "no python3 here";
-  }
   const std::string ours = writePropertyList(everyKind()).value();
   std::ofstream(file) << ours;
-  ASSERT_EQ(std::system(("python3 '" + program + "' '" + file + "'").c_str()), 0);
+  const auto read = fixtures::Program("python3", {program, file}).wait();
+  ASSERT_EQ(read.status, 0) << read.err;
   const std::string theirs = readWholeFile(file, 100'000).value();
   EXPECT_NE(theirs, ours);
   EXPECT_EQ(readPropertyList(theirs), Value(everyKind()));

@@ -91,7 +91,7 @@ TEST_P(ConfinementTest, AnyProgramIsConfined) {
        "perl -MSocket -e 'socket(S, PF_INET, SOCK_STREAM, 0);"
        "bind(S, sockaddr_in(0, INADDR_LOOPBACK)) or die \"$!\\n\"'",
        "Permission denied"},
-      {0, "chroot / true", "not permitted"},  // also root has no more rights
+      {0, "/usr/sbin/chroot / true", "not permitted"},  // also root has no more rights
       {0, "echo limits $(ulimit -c) $(ulimit -n) >&2", "limits 0 256"},
       {0,
        "perl -e 'open(F, \"<\", \"/usr/bin/perl\") and print STDERR \"well read\\n\"'",

@@ -114,13 +114,12 @@ TEST_F(ExtensionTest, TheExtensionEndsWithItsHomeScreen) {
 }
 
 TEST_F(ExtensionTest, TheExtensionAloneTellsHowItIsStarted) {
-  const std::string command = std::string(EXTENSION_PROGRAM) + " 2>" + file("err").string();
-  const fixtures::ScopedVariable none("QUILLPAD_CHANNEL", std::nullopt);
-  EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 2);
-  EXPECT_THAT(contentsOf(file("err")), HasSubstr("quillpad-home"));
-  for (const char* wrong : {"", "x", "1", "99", "-1", "3 "}) {
+  for (const auto& wrong :
+       std::to_array<std::optional<std::string>>({std::nullopt, "", "x", "1", "99", "-1", "3 "})) {
     const fixtures::ScopedVariable channel("QUILLPAD_CHANNEL", wrong);
-    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 2) << wrong;
+    const Outcome run = fixtures::Program(EXTENSION_PROGRAM, {}).wait();
+    EXPECT_EQ(run.status, 2) << wrong.value_or("none");
+    EXPECT_THAT(run.err, HasSubstr("quillpad-home"));
   }
 }
 

@@ -23,6 +23,14 @@ Outcome HomeScreenTest::runLine(const std::string& line) const {
   return run({std::istream_iterator<std::string>(words), {}});
 }
 
+Outcome HomeScreenTest::runThrough(
+    const std::vector<std::string>& runner, const std::vector<std::string>& arguments) {
+  std::vector<std::string> words(runner.begin() + 1, runner.end());
+  words.insert(words.end(), {HOME_PROGRAM, "--extension", EXTENSION_PROGRAM});
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  return fixtures::Program(runner.front(), std::move(words)).wait();
+}
+
 void HomeScreenTest::signIn() const {
   const Outcome signedIn =
       run({"settings", "sign-in", "--business-id", "b-7", "--token-file", "-"},

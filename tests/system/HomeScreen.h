@@ -30,6 +30,9 @@ class HomeScreenTest : public testing::Test {
   Outcome run(std::vector<std::string> arguments, const std::string& input = "") const;
   // The same, from one line with blanks between the words.
   Outcome runLine(const std::string& line) const;
+  // The same, by a program that runs its arguments.
+  static Outcome runThrough(
+      const std::vector<std::string>& runner, const std::vector<std::string>& arguments);
   std::unique_ptr<fixtures::Program> start(
       std::vector<std::string> arguments, const std::string& input = "") const;
 

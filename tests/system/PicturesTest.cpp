@@ -42,14 +42,15 @@ TEST_F(PicturesTest, AnEntryThatWasPrintedDrawsAsItDid) {
   const std::string entry = run({"snapshot", "UnpaidMediumWidget", "--json"}).out;
   std::ofstream(file("entry.json")) << entry;
   const auto drawn = render("UnpaidMediumWidget", {"-o", "-", "--format", "json"}).out;
-  const std::string entryFile = "render UnpaidMediumWidget --entry " + file("").string();
-  const Outcome again = runLine(entryFile + "entry.json -o - --format json");
+  const std::string kind = "UnpaidMediumWidget";
+  const Outcome again =
+      render(kind, {"--entry", file("entry.json"), "-o", "-", "--format", "json"});
   EXPECT_EQ(again.out, drawn) << again.err;
   EXPECT_THAT(drawn, AllOf(HasSubstr("\"Preivon\""), HasSubstr("\"$132.23\"")));
 
   std::ofstream(file("other.json"))
       << R"({"date":"2026-03-07T09:05:03.250Z","data":{"records":[{"clientName":"<b>&\"","total":5}]}})";
-  const Outcome other = runLine(entryFile + "other.json -o - --format svg");
+  const Outcome other = render(kind, {"--entry", file("other.json"), "-o", "-", "--format", "svg"});
   EXPECT_EQ(other.status, 0) << other.err;
   EXPECT_THAT(other.out, HasSubstr("&lt;b&gt;&amp;"));
 }
@@ -218,8 +219,20 @@ TEST_F(PicturesTest, AWholeMatrixHasAllThatCanBeDrawnWhateverEndsTheExtension) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1402);
   const auto alone = file("alone.png");
   for (const char* state : {"placeholder", "snapshot"}) {
-    const std::string line = "render UnpaidMediumWidget --locale ar --size 292x141 --state ";
-    ASSERT_EQ(runLine(line + state + " --appearance dark -o " + alone.string()).status, 0);
+    const Outcome drawn = this->run(
+        {"render",
+         "UnpaidMediumWidget",
+         "--locale",
+         "ar",
+         "--size",
+         "292x141",
+         "--state",
+         state,
+         "--appearance",
+         "dark",
+         "-o",
+         alone});
+    ASSERT_EQ(drawn.status, 0) << drawn.err;
     const std::string name = "UnpaidMediumWidget-" + std::string(state) + "-320x568-ar-dark.png";
     EXPECT_TRUE(contentsOf(folder / name) == contentsOf(alone)) << name;
   }

@@ -180,31 +180,29 @@ TEST_F(TimelinesTest, HelpExplainsEachCommandWithAnExample) {
 // What is said on a terminal, on which `script` runs the command, in the place of its shell: there
 // are shells that stay and die of the Ctrl-C themselves.
 TEST_F(TimelinesTest, ATerminalGetsNoPictureAndIsToldHowToEnd) {
-  const std::string out = file("out").string();
   const auto onTerminal = [&](const std::string& typing, const std::string& arguments) {
     const std::string command = typing +
-                                " | timeout 60 script -qec 'exec " HOME_PROGRAM
-                                " --extension " EXTENSION_PROGRAM " " +
-                                arguments + "' /dev/null >" + out + " 2>&1";
-    const int status = std::system(command.c_str());
-    return std::pair{WEXITSTATUS(status), contentsOf(file("out"))};
+                                " | timeout 60 script -qec 'exec \"" HOME_PROGRAM
+                                "\" --extension \"" EXTENSION_PROGRAM "\" " +
+                                arguments + "' /dev/null >\"$0\" 2>&1";
+    const int status = fixtures::Program("sh", {"-c", command, file("out")}).wait().status;
+    return std::pair{status, contentsOf(file("out"))};
   };
   const auto [status, words] =
       onTerminal(":", "render SalesSmallWidget --state snapshot -o - --format png");
   EXPECT_EQ(status, 2);
   EXPECT_THAT(words, AllOf(HasSubstr("a terminal cannot show PNG"), Not(HasSubstr("\x89PNG"))));
   const std::string ctrlC =
-      "(timeout 30 sh -c 'until grep -q Ctrl-C " + out + "; do sleep 0.02; done'; printf '\\003')";
+      R"((timeout 30 sh -c 'until grep -q Ctrl-C "$0"; do sleep 0.02; done' "$0"; printf '\003'))";
   const auto [ended, told] = onTerminal(ctrlC, "serve --port 0");
   EXPECT_EQ(ended, 0);
   EXPECT_THAT(told, HasSubstr("Ctrl-C ends the home screen."));
 }
 
 TEST_F(TimelinesTest, AFullStandardOutputIsTold) {
-  const std::string command = std::string(HOME_PROGRAM) + " --extension " + EXTENSION_PROGRAM +
-                              " list >/dev/full 2>" + file("err").string();
-  EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
-  EXPECT_THAT(contentsOf(file("err")), HasSubstr("cannot write to standard output: No space left"));
+  const Outcome run = runThrough({"sh", "-c", "exec \"$0\" \"$@\" >/dev/full"}, {"list"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("cannot write to standard output: No space left"));
 }
 
 TEST_F(TimelinesTest, TapOpensTheDeepLinkWithoutAShell) {
@@ -212,14 +210,13 @@ TEST_F(TimelinesTest, TapOpensTheDeepLinkWithoutAShell) {
   EXPECT_EQ(run({"tap", "UnpaidMediumWidget", "--print"}).out, "quillpad://invoiceUnpaidList\n");
   EXPECT_EQ(run({"tap", "PendingSmallWidget", "--print"}).out, "quillpad://EstimatesPendingList\n");
 
-  std::ofstream(file("xdg-open")) << "#!/bin/sh\necho \"$#:$1\" >" << file("opened")
-                                  << "\nexit $STATUS\n";
+  std::ofstream(file("xdg-open")) << "#!/bin/sh\necho \"$#:$1\" >\"$0.told\"\nexit $STATUS\n";
   std::filesystem::permissions(file("xdg-open"), std::filesystem::perms::owner_all);
   const fixtures::ScopedVariable path("PATH", folder_.path().string() + ":/usr/bin:/bin");
   {
     const fixtures::ScopedVariable status("STATUS", "0");
     EXPECT_EQ(run({"tap", "SalesSmallWidget"}).status, 0);
-    EXPECT_EQ(contentsOf(file("opened")), "1:quillpad://Report\n");
+    EXPECT_EQ(contentsOf(file("xdg-open.told")), "1:quillpad://Report\n");
   }
   const fixtures::ScopedVariable status("STATUS", "3");
   const Outcome run = this->run({"tap", "SalesSmallWidget"});
@@ -229,13 +226,12 @@ TEST_F(TimelinesTest, TapOpensTheDeepLinkWithoutAShell) {
 
 // Also where no program may gain privileges, as in many containers.
 TEST_F(TimelinesTest, TheApplicationThatATapOpensLivesOn) {
-  std::ofstream(file("xdg-open")) << "#!/bin/sh\nsleep 60 &\necho $! >" << file("application");
+  std::ofstream(file("xdg-open")) << "#!/bin/sh\nsleep 60 &\necho $! >\"$0.told\"\n";
   std::filesystem::permissions(file("xdg-open"), std::filesystem::perms::owner_all);
-  const std::string command = "PATH=" + folder_.path().string() +
-                              ":$PATH setpriv --no-new-privs " HOME_PROGRAM
-                              " --extension " EXTENSION_PROGRAM " tap SalesSmallWidget";
-  ASSERT_EQ(std::system(command.c_str()), 0);
-  EXPECT_EQ(::kill(std::stoi(contentsOf(file("application"))), SIGKILL), 0);
+  const fixtures::ScopedVariable path("PATH", folder_.path().string() + ":/usr/bin:/bin");
+  const Outcome run = runThrough({"setpriv", "--no-new-privs"}, {"tap", "SalesSmallWidget"});
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(::kill(std::stoi(contentsOf(file("xdg-open.told"))), SIGKILL), 0);
 }
 
 }  // namespace
