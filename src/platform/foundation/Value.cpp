@@ -121,6 +121,14 @@ bool Dictionary::empty() const { return members_.empty(); }
 const Dictionary::Member* Dictionary::begin() const { return members_.data(); }
 const Dictionary::Member* Dictionary::end() const { return members_.data() + members_.size(); }
 
+Value::Value(const Value&) = default;
+Value::Value(Value&&) noexcept = default;
+Value& Value::operator=(const Value&) = default;
+Value& Value::operator=(Value&&) noexcept = default;
+Value::~Value() = default;
+
+bool operator==(const Value& left, const Value& right) { return left.storage_ == right.storage_; }
+
 bool operator==(const Dictionary& left, const Dictionary& right) {
   return left.size() == right.size() &&
          std::ranges::all_of(left, [&](const Dictionary::Member& member) {

@@ -113,6 +113,12 @@ class Value {
   using Storage = std::variant<Null, Number, std::string, Date, Data, Array, Dictionary>;
 
   Value() = default;
+  Value(const Value&);
+  Value(Value&&) noexcept;
+  Value& operator=(const Value&);
+  Value& operator=(Value&&) noexcept;
+  ~Value();
+
   Value(Null) {}
   Value(Number value) : storage_(std::move(value)) {}
   Value(bool value) : storage_(Number(value)) {}
@@ -137,7 +143,7 @@ class Value {
 
   const Storage& storage() const { return storage_; }
 
-  friend bool operator==(const Value&, const Value&) = default;
+  friend bool operator==(const Value&, const Value&);
 
  private:
   Storage storage_;
