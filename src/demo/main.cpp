@@ -1,16 +1,15 @@
 // quillpad-demo-gateway: a small real gateway with a made-up business, for a first run without an
 // account.
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <array>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 #include <expected>
 #include <fcntl.h>
 #include <filesystem>
+#include <getopt.h>
 #include <optional>
 #include <pthread.h>
 #include <string>
@@ -44,34 +43,74 @@ int fail(int status, const std::string& sentence) {
   return status;
 }
 
+void printHelp() {
+  std::printf(
+      R"(Serves the documents of a made-up business over HTTPS on the loopback addresses.
+Usage: quillpad-demo-gateway [OPTIONS]
+
+Options:
+  -h,--help                   Print this help message and exit
+  --version                   Print the version and exit
+  --port N                    The port to listen on; 0 for a free one, 8443 by itself
+  --state DIR                 Where its certificate and token are kept, by itself in
+                              ${XDG_STATE_HOME:-$HOME/.local/state}/quillpad/demo-gateway
+  --fault ITEMS               Answers with a fault
+
+Faults: %s.
+
+While it runs, POST of other ITEMS to the address in DIR/switchboard.json, with the
+token that stands there in 'Authorization', switches the fault;
+"quillpad-home serve --switchboard DIR/switchboard.json" does so from its page.
+GET /demo/documents, with the business's token, lists the documents.
+)",
+      std::string(demo::faultHelp()).c_str());
+}
+
 // The options, or the status with which to end.
 std::expected<Options, int> readOptions(int count, char** arguments) {
+  const option known[] = {
+      {"help", no_argument, nullptr, 'h'},
+      {"version", no_argument, nullptr, 'v'},
+      {"port", required_argument, nullptr, 'p'},
+      {"state", required_argument, nullptr, 's'},
+      {"fault", required_argument, nullptr, 'f'},
+      {}};
+  const auto wrong = [](const std::string& reason) {
+    return std::unexpected(fail(wrongUsage, reason + "; see --help."));
+  };
   Options options;
   std::string items = "off";
-  CLI::App app(
-      "Serves the documents of a made-up business over HTTPS on the loopback addresses.",
-      "quillpad-demo-gateway");
-  app.set_version_flag("--version", "quillpad-demo-gateway " QUILLPAD_VERSION);
-  app.add_option("--port", options.port, "The port to listen on; 0 for a free one")
-      ->type_name("N")
-      ->check(CLI::Range(0, 65535))
-      ->capture_default_str();
-  app.add_option("--state", options.state, "Where its certificate and token are kept")
-      ->type_name("DIR")
-      ->default_str("${XDG_STATE_HOME:-$HOME/.local/state}/quillpad/demo-gateway");
-  app.add_option("--fault", items, "Answers with a fault")->type_name("ITEMS");
-  app.footer(
-      "Faults: " + std::string(demo::faultHelp()) +
-      ".\n\nWhile it runs, POST of other ITEMS to the address in DIR/switchboard.json, with the\n"
-      "token that stands there in 'Authorization', switches the fault;\n"
-      "\"quillpad-home serve --switchboard DIR/switchboard.json\" does so from its page.\n"
-      "GET /demo/documents, with the business's token, lists the documents.");
-  try {
-    app.parse(count, arguments);
-  } catch (const CLI::Success& asked) {  // for help, or the version
-    return std::unexpected(app.exit(asked));
-  } catch (const CLI::ParseError& error) {
-    return std::unexpected(fail(wrongUsage, error.what() + std::string("; see --help.")));
+  opterr = 0;
+  for (int given = 0; (given = getopt_long(count, arguments, ":h", known, nullptr)) != -1;) {
+    switch (given) {
+      case 'h':
+        printHelp();
+        return std::unexpected(0);
+      case 'v':
+        std::puts("quillpad-demo-gateway " QUILLPAD_VERSION);
+        return std::unexpected(0);
+      case 'p': {
+        const char* const end = optarg + std::strlen(optarg);
+        if (const auto read = std::from_chars(optarg, end, options.port);
+            read.ec != std::errc() || read.ptr != end) {
+          return wrong("--port needs a number from 0 to 65535");
+        }
+        break;
+      }
+      case 's':
+        options.state = optarg;
+        break;
+      case 'f':
+        items = optarg;
+        break;
+      case ':':
+        return wrong(arguments[optind - 1] + std::string(" needs a value"));
+      default:
+        return wrong("unknown argument " + std::string(arguments[optind - 1]));
+    }
+  }
+  if (optind < count) {
+    return wrong("unknown argument " + std::string(arguments[optind]));
   }
   auto fault = demo::Fault::parse(items);
   if (!fault) {
