@@ -36,7 +36,8 @@ endfunction()
 
 set(standard_headers <algorithm> <array> <chrono> <expected> <filesystem> <functional> <map> <memory> <optional> <ranges>
                      <span> <string> <string_view> <unordered_map> <variant> <vector>)
-quillpad_precompile(precompiled_standard ${standard_headers})
+set(precompiled precompiled_standard)
+quillpad_precompile(${precompiled} ${standard_headers})
 
 # quillpad_state_edges(NAME SHOWN HIDDEN): notes what a target of src/ links, for tools/check-includes.
 function(quillpad_state_edges name shown hidden)
@@ -60,7 +61,7 @@ function(quillpad_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC quillpad_options ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
-  target_precompile_headers(${name} REUSE_FROM precompiled_standard)
+  target_precompile_headers(${name} REUSE_FROM ${precompiled})
   quillpad_state_edges(${name} "${ARG_LINKS}" "${ARG_PRIVATE_LINKS}")
 endfunction()
 
