@@ -111,7 +111,8 @@ TEST_F(URLSessionTest, PostsTheBodyAndItsFields) {
   request.setValue("4000", "content-length");
   request.setValue("evil\nInjected: yes", "X-Note");
   request.setValue("evil\rInjected: yes", "X-Other-Note");
-  request.setValue("", "X-Empty");
+  request.setValue(" \t", "X-Empty");
+  request.setValue("\r\n kept\t\r\n", "X-Blanks");
 
   const Result result = fetch(std::move(request));
 
@@ -126,6 +127,7 @@ TEST_F(URLSessionTest, PostsTheBodyAndItsFields) {
   EXPECT_EQ(got.headerCount("Content-Length"), 1);
   EXPECT_EQ(got.header("Content-Length"), "19");
   EXPECT_EQ(got.header("X-Empty"), "");
+  EXPECT_EQ(got.header("X-Blanks"), "kept");
   EXPECT_EQ(got.headerCount("X-Note") + got.headerCount("X-Other-Note"), 0);
   EXPECT_EQ(got.headerCount("Injected"), 0);
   EXPECT_EQ(got.headerCount("Cookie"), 0);

@@ -13,7 +13,6 @@ inline constexpr const char* libcurl = "libcurl.so.4";
 QUILLPAD_LATE_FUNCTION(libcurl, curl_easy_cleanup);
 QUILLPAD_LATE_FUNCTION(libcurl, curl_easy_getinfo);
 QUILLPAD_LATE_FUNCTION(libcurl, curl_easy_init);
-QUILLPAD_LATE_FUNCTION(libcurl, curl_easy_reset);
 QUILLPAD_LATE_FUNCTION(libcurl, curl_easy_setopt);
 QUILLPAD_LATE_FUNCTION(libcurl, curl_free);
 QUILLPAD_LATE_FUNCTION(libcurl, curl_global_init);

@@ -100,12 +100,12 @@ std::string acceptedLanguages() {
 // other streams may wait for what comes.
 bool isClosedByServer(CURL* handle) {
   long newConnections = 0;
-  curl_tlssessioninfo* session = nullptr;
-  if (curl_easy_getinfo(handle, CURLINFO_NUM_CONNECTS, &newConnections) != CURLE_OK ||
-      newConnections > 0 || curl_easy_getinfo(handle, CURLINFO_TLS_SSL_PTR, &session) != CURLE_OK ||
-      session->internals == nullptr) {
+  curl_easy_getinfo(handle, CURLINFO_NUM_CONNECTS, &newConnections);
+  if (newConnections > 0) {
     return false;
   }
+  curl_tlssessioninfo* session = nullptr;
+  curl_easy_getinfo(handle, CURLINFO_TLS_SSL_PTR, &session);
   SSL* tls = static_cast<SSL*>(session->internals);
   const unsigned char* protocol = nullptr;
   unsigned length = 0;
@@ -154,54 +154,42 @@ std::optional<TransportErrorCode> Transfer::refusal() const {
 void Transfer::prepare(CURL* handle) {
   body_.clear();
   headerBytes_ = 0;
-  received_ = 0;
-  sent_ = 0;
   handle_ = handle;
   isSent_ = false;
-
-  curl_easy_setopt(handle, CURLOPT_PRIVATE, this);
   curl_easy_setopt(handle, CURLOPT_URL, address_.c_str());
+  setConnection(handle);
+  setMethod(handle);
+  setHeaders(handle);
+  setReceivers(handle);
+}
+
+void Transfer::setConnection(CURL* handle) {
   curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "https");
-  curl_easy_setopt(handle, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_2TLS);
   curl_easy_setopt(handle, CURLOPT_PROXY, "");
   curl_easy_setopt(handle, CURLOPT_HTTPAUTH, CURLAUTH_NONE);
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
   // A name lookup that outlasts its transfer is left to end by itself.
   curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
-  // Standing still is measured by deadline(), connecting included; this only has to be longer.
-  curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, 24L * 60 * 60);
+  curl_easy_setopt(handle, CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
+  curl_easy_setopt(handle, CURLOPT_CAINFO, orNull(trust_.file));
+  curl_easy_setopt(handle, CURLOPT_CAPATH, orNull(trust_.folder));
 
   curl_easy_setopt(handle, CURLOPT_FRESH_CONNECT, isStale_ ? 1L : 0L);
-  curl_easy_setopt(handle, CURLOPT_RESOLVER_START_FUNCTION, &Transfer::onResolve);
-  curl_easy_setopt(handle, CURLOPT_RESOLVER_START_DATA, this);
   curl_easy_setopt(handle, CURLOPT_OPENSOCKETFUNCTION, &Transfer::onConnect);
   curl_easy_setopt(handle, CURLOPT_OPENSOCKETDATA, this);
   curl_easy_setopt(handle, CURLOPT_PREREQFUNCTION, &Transfer::onRequest);
   curl_easy_setopt(handle, CURLOPT_PREREQDATA, this);
   isStale_ = false;
+}
 
-  curl_easy_setopt(handle, CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
-  curl_easy_setopt(handle, CURLOPT_CAINFO, orNull(trust_.file));
-  curl_easy_setopt(handle, CURLOPT_CAPATH, orNull(trust_.folder));
-
+void Transfer::setMethod(CURL* handle) {
   if (request_.httpMethod == "HEAD") {
     curl_easy_setopt(handle, CURLOPT_NOBODY, 1L);
   } else if (request_.httpMethod != "GET") {
     curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(request_.httpBody.size()));
     curl_easy_setopt(handle, CURLOPT_POSTFIELDS, request_.httpBody.c_str());
-    if (request_.httpMethod != "POST") {
-      curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, request_.httpMethod.c_str());
-    }
+    curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, request_.httpMethod.c_str());
   }
-  setHeaders(handle);
-
-  curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &Transfer::onHeader);
-  curl_easy_setopt(handle, CURLOPT_HEADERDATA, this);
-  curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &Transfer::onBody);
-  curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
-  curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, &Transfer::onProgress);
-  curl_easy_setopt(handle, CURLOPT_XFERINFODATA, this);
-  curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
 }
 
 void Transfer::setHeaders(CURL* handle) {
@@ -225,6 +213,16 @@ void Transfer::setHeaders(CURL* handle) {
   curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers_.get());
   curl_easy_setopt(handle, CURLOPT_USERAGENT, "Quillpad/1");
   curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, "gzip, deflate, br");
+}
+
+void Transfer::setReceivers(CURL* handle) {
+  curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &Transfer::onHeader);
+  curl_easy_setopt(handle, CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &Transfer::onBody);
+  curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
+  curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, &Transfer::onProgress);
+  curl_easy_setopt(handle, CURLOPT_XFERINFODATA, this);
+  curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
 }
 
 Transfer::Clock::time_point Transfer::deadline() const {
@@ -296,10 +294,6 @@ bool Transfer::refuseRepetition() {
     failure_ = networkConnectionLost;
   }
   return isSent_;
-}
-
-int Transfer::onResolve(void* /*resolver*/, void* /*reserved*/, void* transfer) {
-  return static_cast<Transfer*>(transfer)->refuseRepetition() ? 1 : 0;
 }
 
 curl_socket_t Transfer::onConnect(
@@ -375,9 +369,7 @@ int Transfer::onProgress(
     curl_off_t /*toSend*/,
     curl_off_t sent) {
   Transfer& self = *static_cast<Transfer*>(transfer);
-  if (received != self.received_ || sent != self.sent_) {
-    self.received_ = received;
-    self.sent_ = sent;
+  if (std::exchange(self.movedBytes_, received + sent) != received + sent) {
     self.lastProgress_ = Clock::now();
   }
   return 0;

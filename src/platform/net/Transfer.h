@@ -68,7 +68,6 @@ class Transfer {
       curl_off_t sent);
 
   // Called by libcurl before it asks, also before it would ask a second time by itself.
-  static int onResolve(void* resolver, void* reserved, void* transfer);
   static curl_socket_t onConnect(void* transfer, curlsocktype purpose, curl_sockaddr* address);
   static int onRequest(void* transfer, char* peer, char* local, int peerPort, int localPort);
 
@@ -77,7 +76,10 @@ class Transfer {
   };
 
   bool refuseRepetition();
+  void setConnection(CURL* handle);
+  void setMethod(CURL* handle);
   void setHeaders(CURL* handle);
+  void setReceivers(CURL* handle);
   bool follow(CURL* handle);
 
   URLRequest request_;
@@ -91,8 +93,7 @@ class Transfer {
   URLSession::Timeouts timeouts_;
   Clock::time_point begin_ = Clock::now();
   Clock::time_point lastProgress_ = begin_;
-  curl_off_t received_ = 0;
-  curl_off_t sent_ = 0;
+  curl_off_t movedBytes_ = 0;  // by which progress is told
   int redirects_ = 0;
   CURL* handle_ = nullptr;  // of the exchange under way
   bool isSent_ = false;     // in this exchange

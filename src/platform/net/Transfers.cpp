@@ -23,9 +23,10 @@ Transfers::List Transfers::advance(List arrivals, const std::vector<int>& socket
       transfer->fail(*refusal);
       ended_.push_back(std::move(transfer));
     } else {
-      queue(std::move(transfer));
+      waiting_.push_back(std::move(transfer));
     }
   }
+  startWaiting();
   for (const int socket : sockets) {
     take(socket);
   }
@@ -71,44 +72,35 @@ int Transfers::onTimer(CURLM* /*multi*/, long milliseconds, void* transfers) {
   return 0;
 }
 
-void Transfers::queue(std::unique_ptr<Transfer> transfer) {
-  nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
-  const std::string authority = transfer->authority();
-  hosts_[authority].waiting.push_back(std::move(transfer));
-  startWaiting(authority);
+bool Transfers::isBusy(const std::string& authority) const {
+  constexpr std::ptrdiff_t maxPerHost = 6;
+  return std::ranges::count_if(running_, [&](const auto& each) {
+           return each.second->authority() == authority;
+         }) == maxPerHost;
 }
 
-void Transfers::startWaiting(const std::string& authority) {
-  constexpr int maxPerHost = 6;
-  const auto found = hosts_.find(authority);
-  HostQueue& host = found->second;
-  while (host.underWay < maxPerHost && !host.waiting.empty()) {
-    CURL* handle = takeHandle();
-    host.waiting.front()->prepare(handle);
-    running_.emplace(handle, std::move(host.waiting.front()));
-    host.waiting.pop_front();
+void Transfers::startWaiting() {
+  for (auto next = waiting_.begin(); next != waiting_.end();) {
+    if (isBusy((*next)->authority())) {
+      ++next;
+      continue;
+    }
+    CURL* handle = curl_easy_init();
+    curl_easy_setopt(handle, CURLOPT_SHARE, tlsSessions_);
+    (*next)->prepare(handle);
+    running_.emplace(handle, std::move(*next));
     curl_multi_add_handle(multi_, handle);
-    ++host.underWay;
-  }
-  if (host.underWay == 0) {
-    hosts_.erase(found);
+    next = waiting_.erase(next);
   }
 }
 
 void Transfers::end(CURL* handle, CURLcode result) {
   curl_multi_remove_handle(multi_, handle);
   std::unique_ptr<Transfer> transfer = std::move(running_.extract(handle).mapped());
-  const std::string authority = transfer->authority();
   const bool goesOn = transfer->endExchange(handle, result);
-  curl_easy_reset(handle);
-  keepHandle(handle);
-  if (goesOn) {
-    queue(std::move(transfer));
-  } else {
-    ended_.push_back(std::move(transfer));
-  }
-  --hosts_[authority].underWay;
-  startWaiting(authority);
+  curl_easy_cleanup(handle);
+  (goesOn ? waiting_ : ended_).push_back(std::move(transfer));
+  startWaiting();
 }
 
 void Transfers::endFinished() {
@@ -118,30 +110,18 @@ void Transfers::endFinished() {
   }
 }
 
-// Progress only moves a transfer's deadline away, so the earliest one of the last look is never too
-// late for the next.
 void Transfers::endOverdue() {
-  const Clock::time_point now = Clock::now();
-  if (now < nextDeadline_) {
-    return;
-  }
-  nextDeadline_ = Clock::time_point::max();
-  const auto isOverdue = [&](const Transfer& transfer) {
-    if (transfer.deadline() > now) {
-      nextDeadline_ = std::min(nextDeadline_, transfer.deadline());
-      return false;
-    }
-    return true;
+  const auto isOverdue = [now = Clock::now()](const Transfer& transfer) {
+    return transfer.deadline() <= now;
   };
-  for (auto& [authority, host] : hosts_) {
-    const auto late = std::ranges::stable_partition(
-        host.waiting, [&](const auto& transfer) { return !isOverdue(*transfer); });
-    for (std::unique_ptr<Transfer>& transfer : late) {
-      transfer->fail(timedOut);
-      ended_.push_back(std::move(transfer));
-    }
-    host.waiting.erase(late.begin(), late.end());
+  const auto late = std::ranges::stable_partition(
+      waiting_, [&](const auto& transfer) { return !isOverdue(*transfer); });
+  for (std::unique_ptr<Transfer>& transfer : late) {
+    transfer->fail(timedOut);
+    ended_.push_back(std::move(transfer));
   }
+  waiting_.erase(late.begin(), late.end());
+
   std::vector<CURL*> overdue;
   for (const auto& [handle, transfer] : running_) {
     if (isOverdue(*transfer)) {
@@ -154,31 +134,14 @@ void Transfers::endOverdue() {
 }
 
 void Transfers::setAlarm() {
-  const Clock::time_point alarm = std::min(curlTimer_, nextDeadline_);
-  if (alarm != alarm_) {
-    alarm_ = alarm;
-    poller_.setAlarm(alarm);
+  Clock::time_point alarm = curlTimer_;
+  for (const auto& transfer : waiting_) {
+    alarm = std::min(alarm, transfer->deadline());
   }
-}
-
-CURL* Transfers::takeHandle() {
-  if (!idleHandles_.empty()) {
-    CURL* handle = idleHandles_.back();
-    idleHandles_.pop_back();
-    return handle;
+  for (const auto& [handle, transfer] : running_) {
+    alarm = std::min(alarm, transfer->deadline());
   }
-  CURL* handle = curl_easy_init();
-  curl_easy_setopt(handle, CURLOPT_SHARE, tlsSessions_);
-  return handle;
-}
-
-void Transfers::keepHandle(CURL* handle) {
-  constexpr std::size_t maxKept = 8;
-  if (idleHandles_.size() < maxKept) {
-    idleHandles_.push_back(handle);
-  } else {
-    curl_easy_cleanup(handle);
-  }
+  poller_.setAlarm(alarm);
 }
 
 }  // namespace quillpad

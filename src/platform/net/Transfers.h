@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -32,37 +31,25 @@ class Transfers {
  private:
   using Clock = Transfer::Clock;
 
-  // The transfers to one host and port: those under way are counted, the others wait. libcurl has
-  // such a queue too, but may forget who waits in it.
-  struct HostQueue {
-    int underWay = 0;
-    std::deque<std::unique_ptr<Transfer>> waiting;
-  };
-
   static int onSocket(CURL* handle, curl_socket_t socket, int what, void* transfers, void* mark);
   static int onTimer(CURLM* multi, long milliseconds, void* transfers);
 
   void take(int socket);
-  void queue(std::unique_ptr<Transfer> transfer);
-  void startWaiting(const std::string& authority);
+  bool isBusy(const std::string& authority) const;
+  void startWaiting();
   void end(CURL* handle, CURLcode result);
   void endFinished();
   void endOverdue();
   void setAlarm();
-  CURL* takeHandle();
-  void keepHandle(CURL* handle);
 
   Poller& poller_;
   CURLM* multi_ = curl_multi_init();
   CURLSH* tlsSessions_ = curl_share_init();
   std::unordered_map<curl_socket_t, std::uint32_t> sockets_;  // with the events to watch for
-  std::unordered_map<std::string, HostQueue> hosts_;          // by host and port
+  List waiting_;  // for their host, in their order; libcurl's own queue may forget who waits in it
   std::unordered_map<CURL*, std::unique_ptr<Transfer>> running_;
-  std::vector<CURL*> idleHandles_;
   List ended_;
   Clock::time_point curlTimer_ = Clock::time_point::max();
-  Clock::time_point nextDeadline_ = Clock::time_point::max();
-  Clock::time_point alarm_ = Clock::time_point::max();
 };
 
 }  // namespace quillpad
