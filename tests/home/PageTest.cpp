@@ -158,6 +158,9 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
     for (const char* part : words) {
       EXPECT_THAT(status.cause, HasSubstr(part));
     }
+    const bool mayBeSignedOut =
+        problem != nullptr && (problem->cause == Cause::dropped || problem->cause == Cause::ended);
+    EXPECT_EQ(status.cause.contains("Wind it."), mayBeSignedOut) << status.cause;
   }
 }
 

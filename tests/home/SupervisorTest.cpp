@@ -6,6 +6,7 @@
 #include <random>
 #include <set>
 
+#include "home/extension/StateFile.h"
 #include "home/extension/Supervisor.h"
 #include "home/extension/WidgetStatus.h"
 #include "platform/foundation/Iso8601.h"
@@ -38,10 +39,11 @@ class SupervisorTest : public testing::Test {
  protected:
   // What the supervisor has had done since the last call, in words.
   std::vector<std::string> done() {
-    EXPECT_TRUE(!supervisor.nextDeadline() || *supervisor.nextDeadline() > uptime)
-        << "it would spin";
+    const std::vector<Supervisor::Action> actions = supervisor.takeActions();
+    expectVersionsTell();
+    expectNothingIsMissed();
     std::vector<std::string> words;
-    for (const Supervisor::Action& action : supervisor.takeActions()) {
+    for (const Supervisor::Action& action : actions) {
       if (std::holds_alternative<Supervisor::StartExtension>(action)) {
         words.emplace_back("start");
         lastId = 0;
@@ -75,6 +77,78 @@ class SupervisorTest : public testing::Test {
       std::string operator()(const channel::PingRequest&) { return "ping"; }
     };
     return std::visit(Words{}, request);
+  }
+
+  // What anyone sees: each widget, and all else under no name.
+  static std::map<std::string, std::string> sightOf(const Supervisor& supervisor) {
+    const auto look = [](const RenderedEntry* picture) {
+      return picture == nullptr
+                 ? std::string()
+                 : testing::PrintToString(std::tuple(
+                       picture->source,
+                       picture->restored,
+                       picture->statusCode,
+                       *encodeState(
+                           {.catalogue = {}, .placed = {}, .pictures = {{"", *picture}}})));
+    };
+    std::map<std::string, std::string> sight;
+    std::string& rest = sight[""] = noticeOf(supervisor, "Sign in.");
+    rest += std::to_string(supervisor.programVersion());
+    for (const channel::CatalogueItem& item : supervisor.catalogue()) {
+      rest += item.kind + look(supervisor.snapshot(item.kind));
+    }
+    for (const WidgetState& each : supervisor.widgets()) {
+      rest += each.about->kind;
+      sight[each.about->kind] = testing::PrintToString(std::tuple(
+          look(each.picture),
+          look(each.kept),
+          each.problem == nullptr ? "" : inPlainWords(*each.problem),
+          iso8601(each.reload.value_or(Date{})),
+          each.overdue,
+          each.awaited,
+          each.slowSince.has_value()));
+    }
+    return sight;
+  }
+
+  // Who shows it or saves it looks at the versions alone.
+  void expectVersionsTell() {
+    const auto sight = sightOf(supervisor);
+    for (const WidgetState& each : supervisor.widgets()) {
+      const std::string& kind = each.about->kind;
+      EXPECT_TRUE(sight.at(kind) == seen[kind] || each.version > seenVersion) << sight.at(kind);
+    }
+    EXPECT_TRUE(sight == seen || supervisor.version() > seenVersion) << sight.at("");
+    const std::string saved = *encodeState(supervisor.saved());
+    EXPECT_TRUE(
+        saved == lastSaved || supervisor.savedVersion() > savedVersion ||
+        supervisor.catalogue().empty())
+        << saved;
+    seen = sight;
+    seenVersion = supervisor.version();
+    lastSaved = saved;
+    savedVersion = supervisor.savedVersion();
+  }
+
+  // Nobody comes by before the deadline, and then there is something to do.
+  void expectNothingIsMissed() const {
+    const auto deadline = supervisor.nextDeadline();
+    EXPECT_TRUE(!deadline || *deadline > uptime) << "it would spin";
+    Supervisor later = supervisor;
+    const Uptime wait = deadline.value_or(uptime + 1000h) - uptime - 1ms;
+    later.timePassed({.date = date + wait, .uptime = uptime + wait});
+    EXPECT_THAT(later.takeActions(), IsEmpty()) << wait.count() << " ms later";
+    EXPECT_EQ(sightOf(later), sightOf(supervisor)) << wait.count() << " ms later";
+  }
+
+  // Another run of the home screen.
+  void startAfresh(SavedHome saved) {
+    supervisor = Supervisor();
+    supervisor.restore(std::move(saved));
+    seen.clear();
+    seenVersion = 0;
+    lastSaved = *encodeState(supervisor.saved());
+    savedVersion = 0;
   }
 
   Moment now() const { return {.date = date, .uptime = uptime}; }
@@ -209,6 +283,11 @@ class SupervisorTest : public testing::Test {
   std::uint64_t lastId = 0;
   std::uint64_t lastPing = 0;
   bool answersPings = true;
+
+  std::map<std::string, std::string> seen;
+  std::uint64_t seenVersion = 0;
+  std::string lastSaved;
+  std::uint64_t savedVersion = 0;
 };
 
 TEST_F(SupervisorTest, FirstRunPlacesTheWholeCatalogueAndShowsPlaceholdersMeanwhile) {
@@ -327,7 +406,7 @@ TEST_F(SupervisorTest, KnowsOfZerosThatStandInForFiguresByTheFailedTransfer) {
 
 TEST_F(SupervisorTest, WidgetsStandWhereAPersonPutThem) {
   std::vector<std::string> kinds{"A", "B", "C", "D"};
-  supervisor.restore({.catalogue = catalogueOf(kinds).items, .placed = {"A", "B", "B", "C", "D"}});
+  startAfresh({.catalogue = catalogueOf(kinds).items, .placed = {"A", "B", "B", "C", "D"}});
   const std::tuple<const char*, const char*, bool, const char*> moves[] = {
       {"D", "B", true, "ADBC"},
       {"A", "", true, "DBCA"},
@@ -348,6 +427,7 @@ TEST_F(SupervisorTest, WidgetsStandWhereAPersonPutThem) {
   for (const auto& [kind, before, known, expected] : moves) {
     EXPECT_EQ(supervisor.move(kind, before), known);
     EXPECT_EQ(order(), expected) << kind << " before " << before;
+    expectVersionsTell();
   }
   supervisor.remove(now(), "C");
   supervisor.place(now(), "C");
@@ -368,9 +448,7 @@ TEST_F(SupervisorTest, KeepsTheLastGoodPictureForAsLongAsTransfersFail) {
     EXPECT_EQ(*widget("A").kept->entry.data.as<std::string>(), "a1");
     EXPECT_EQ(widget("A").kept->received, good);
 
-    Supervisor next;
-    next.restore(supervisor.saved());
-    supervisor = std::move(next);
+    startAfresh(supervisor.saved());
     supervisor.timePassed(now());
     answerAllButTimelines();
     answerUnfetched("timeline A", "zeros");
@@ -390,13 +468,12 @@ TEST_F(SupervisorTest, NothingOfAnotherAccountIsKeptOrShown) {
   for (const char* mark : {"two", "", "two"}) {
     after(5min);
     answerUnfetched("timeline A", "zeros");
-    const std::uint64_t savedVersion = supervisor.savedVersion();
     supervisor.accountIs(mark);
+    expectVersionsTell();
     EXPECT_EQ(supervisor.isSignedOut(), *mark == '\0');
     EXPECT_EQ(shown("A"), "empty");
     EXPECT_EQ(shown("B"), "empty");
     EXPECT_EQ(widget("A").kept, nullptr);
-    EXPECT_GT(supervisor.savedVersion(), savedVersion);
     EXPECT_THAT(supervisor.saved().pictures, IsEmpty());
     EXPECT_THAT(supervisor.saved().kept, IsEmpty());
     EXPECT_EQ(supervisor.saved().account, mark);
@@ -446,6 +523,9 @@ TEST_F(SupervisorTest, SaysWhenAnAnswerIsSlowOrAPersonWaits) {
   EXPECT_EQ(widget("B").slowSince, std::nullopt);
   answer("timeline A", channel::Dropped{"no"});
   deliver("B", "b3");
+  supervisor.openGallery(now());
+  EXPECT_THAT(after(2s), ElementsAre("snapshot A", "snapshot B"));
+  pass(2s);
   EXPECT_FALSE(widget("A").awaited);
   EXPECT_FALSE(widget("B").awaited);
 }
@@ -499,13 +579,22 @@ TEST_F(SupervisorTest, AnEndForWhateverCauseIsFollowedByTheNextQuestion) {
   }
 }
 
-TEST_F(SupervisorTest, AWidgetOfMoreLanguagesThanThereAreIsRefused) {
-  supervisor.timePassed(now());
-  done();
-  channel::Catalogue wide{{{}}};
-  wide.items[0].languages.resize(101);
-  answer("catalogue", wide);
-  EXPECT_EQ(supervisor.lastEnd()->detail, "a widget of more than 100 languages");
+TEST_F(SupervisorTest, ACatalogueHasABound) {
+  const std::tuple<std::size_t, std::size_t, std::string> cases[] = {
+      {1001, 0, "a list of more than 1000 widgets"},
+      {1, 101, "a widget of more than 100 languages"},
+      {1000, 100, "none"},
+  };
+  for (const auto& [kinds, languages, fault] : cases) {
+    supervisor.timePassed(now());
+    done();
+    channel::Catalogue catalogue{std::vector<channel::CatalogueItem>(kinds)};
+    catalogue.items[0].languages.resize(languages);
+    answer("catalogue", catalogue);
+    const auto& end = supervisor.lastEnd();
+    EXPECT_EQ(end ? end->detail : "none", fault);
+    supervisor = Supervisor();
+  }
 }
 
 TEST_F(SupervisorTest, AnExtensionThatListsNothingOrTooMuchIsStartedAgain) {
@@ -517,10 +606,6 @@ TEST_F(SupervisorTest, AnExtensionThatListsNothingOrTooMuchIsStartedAgain) {
   EXPECT_THAT(done(), ElementsAre("end"));
   EXPECT_EQ(supervisor.lastEnd()->cause, Cause::refused);
   EXPECT_EQ(supervisor.lastEnd()->detail, "not now");
-  passThePause();
-  done();
-  answer("catalogue", channel::Catalogue{std::vector<channel::CatalogueItem>(1001)});
-  EXPECT_EQ(supervisor.lastEnd()->detail, "a list of more than 1000 widgets");
   passThePause();
   answerAllButTimelines();
   answer("timeline A", timelineOf("a1"));
@@ -554,6 +639,7 @@ TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
     endExtension("signal 6, Aborted", "SalesData line 58: no JSON");
     if (pause > 0s) {
       EXPECT_EQ(supervisor.life(), Life::backingOff);
+      EXPECT_TRUE(widget("A").awaited);
       EXPECT_EQ(supervisor.nextDeadline(), uptime + pause);
       EXPECT_THAT(noticeOf(supervisor, ""), HasSubstr("58: no JSON”. It is started again"));
       EXPECT_THAT(after(pause - 1ms), IsEmpty());
@@ -572,11 +658,27 @@ TEST_F(SupervisorTest, RestartsAtOnceThenWithGrowingPausesThenWaitsForAPerson) {
   EXPECT_THAT(noticeOf(supervisor, ""), HasSubstr("five times"));
   EXPECT_EQ(shown("A"), "a1");
   EXPECT_EQ(widget("A").reload, std::nullopt);
+  EXPECT_FALSE(widget("A").awaited);
 
   supervisor.reload(now());
   EXPECT_THAT(
       answerAllButTimelines(),
       UnorderedElementsAre("start", "catalogue", "timeline A", "timeline B"));
+}
+
+TEST_F(SupervisorTest, TheGoodPictureBehindAFailureIsRenderedByTheNewProgramToo) {
+  bringUp();
+  reloadAll();
+  supervisor.programReplaced(now());
+  supervisor.transferred(
+      {.activity = open.at("timeline A"), .path = "/", .error = TransportError{-1004, "away"}});
+  answer("timeline A", timelineOf("zeros"));
+  answer("timeline B", timelineOf("b2"));
+  answerAllButTimelines();
+  EXPECT_EQ(shown("A"), "zeros");
+  answer("timeline A", channel::Dropped{"no"});
+  EXPECT_THAT(done(), ElementsAre("render A"));
+  EXPECT_EQ(*widget("A").kept->entry.data.as<std::string>(), "a1");
 }
 
 TEST_F(SupervisorTest, APictureIsOverdueAMinuteAfterItsReloadTimeAndOnceItIsGivenUp) {
@@ -718,9 +820,7 @@ TEST_F(SupervisorTest, AnAnswerForAWidgetThatIsGoneChangesNothing) {
 TEST_F(SupervisorTest, ShowsWhatAnEarlierRunLeftUntilFreshEntriesCome) {
   bringUp();
   supervisor.remove(now(), "B");
-  Supervisor next;
-  next.restore(supervisor.saved());
-  supervisor = std::move(next);
+  startAfresh(supervisor.saved());
   date += 24h;
   EXPECT_EQ(shown("A"), "a1");
   EXPECT_TRUE(picture("A").restored);
@@ -737,8 +837,7 @@ TEST_F(SupervisorTest, AWidgetThatTheExtensionNoLongerOffersIsKeptInMind) {
   bringUp();
   SavedHome saved = supervisor.saved();
   saved.placed.insert(saved.placed.begin(), "Former");
-  supervisor = Supervisor();
-  supervisor.restore(std::move(saved));
+  startAfresh(std::move(saved));
   bringUp();
   EXPECT_EQ(supervisor.widgets().size(), 2U);
   EXPECT_THAT(after(4min + 30s), IsEmpty());
@@ -760,8 +859,14 @@ TEST_F(SupervisorTest, ARenderingThatIsRefusedLeavesNothingToWaitFor) {
   answer("render A", channel::Refused{channel::invalidParams, "no"});
   EXPECT_EQ(shown("A"), "empty");
   EXPECT_THAT(after(2min), IsEmpty());
+  supervisor.openGallery(now());
+  done();
+  answer("snapshot A", channel::Refused{channel::invalidParams, "no"});
+  EXPECT_THAT(after(1min), IsEmpty());
   supervisor.programReplaced(now());
   EXPECT_THAT(answerAllButTimelines(), testing::Contains("placeholder A")) << "of another program";
+  answer("timeline A", channel::Dropped{"no"});
+  EXPECT_THAT(done(), ElementsAre("snapshot A"));
 }
 
 TEST_F(SupervisorTest, AnAnswerOfAnotherKindIsARefusal) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <list>
 #include <optional>
 #include <sys/inotify.h>
 #include <system_error>
@@ -19,7 +20,7 @@ constexpr std::uint32_t anyChange =
 }  // namespace
 
 FileWatch::FileWatch(std::filesystem::path file) : file_(std::move(file)) {
-  if (file_.has_parent_path()) {
+  if (!file_.empty()) {
     events_ = FileDescriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     watchFolders();
   }
@@ -37,16 +38,28 @@ bool FileWatch::takeChange() {
   return changed;
 }
 
-// The folders of the file and of what it links to. What was made between two steps would go unseen,
-// so it looks again until it finds the same.
+// The folders of the file and of each link on the way to it, or the last folder that is there. What
+// was made between two steps would go unseen, so it looks again until it finds the same.
 void FileWatch::watchFolders() {
   for (std::optional<std::set<int>> last; last != watches_;) {
     last = std::exchange(watches_, {});
-    std::filesystem::path file = file_;
-    std::error_code noLink;
-    for (int links = 0; links <= maxLinks && !noLink; ++links) {
-      watches_.insert(watchNearestFolder(file.parent_path()));
-      file = file.parent_path() / std::filesystem::read_symlink(file, noLink);
+    std::filesystem::path folder;
+    std::list<std::filesystem::path> ahead(file_.begin(), file_.end());
+    for (int links = 0; !ahead.empty() && links < maxLinks;) {
+      const std::filesystem::path next = folder / ahead.front();
+      ahead.pop_front();
+      std::error_code noLink;
+      const std::filesystem::path target = std::filesystem::read_symlink(next, noLink);
+      if (!noLink) {
+        ++links;
+        watch(folder);
+        ahead.insert(ahead.begin(), target.begin(), target.end());
+      } else if (ahead.empty() || noLink == std::errc::no_such_file_or_directory) {
+        watch(folder);
+        break;
+      } else {
+        folder = next;
+      }
     }
     for (const int watch : *last) {
       if (!watches_.contains(watch)) {
@@ -56,14 +69,8 @@ void FileWatch::watchFolders() {
   }
 }
 
-// The folder or the nearest one above it that is there.
-int FileWatch::watchNearestFolder(std::filesystem::path folder) const {
-  int watch = ::inotify_add_watch(events_.get(), folder.c_str(), anyChange);
-  while (watch < 0 && folder.has_relative_path()) {
-    folder = folder.parent_path();
-    watch = ::inotify_add_watch(events_.get(), folder.c_str(), anyChange);
-  }
-  return watch;
+void FileWatch::watch(const std::filesystem::path& folder) {
+  watches_.insert(::inotify_add_watch(events_.get(), folder.c_str(), anyChange));
 }
 
 }  // namespace quillpad::home

@@ -1,6 +1,5 @@
 // Tells that a file may have changed, also one that is still to come, in folders that are still to
-// come, and one that links lead to. The links' own folders have to be no links that change. Belongs
-// to one thread.
+// come, and one that links lead to, its folders' links too. Belongs to one thread.
 #pragma once
 
 #include <filesystem>
@@ -12,7 +11,7 @@ namespace quillpad::home {
 
 class FileWatch {
  public:
-  // An empty path: nothing is watched.
+  // An absolute path; an empty one: nothing is watched.
   explicit FileWatch(std::filesystem::path file);
 
   // Readable once the file may have changed; -1 where nothing is watched.
@@ -23,7 +22,7 @@ class FileWatch {
 
  private:
   void watchFolders();
-  int watchNearestFolder(std::filesystem::path folder) const;
+  void watch(const std::filesystem::path& folder);
 
   std::filesystem::path file_;
   FileDescriptor events_;

@@ -167,9 +167,7 @@ bool Supervisor::place(const Moment& now, std::string_view kind) {
     return false;
   }
   if (placed_.insert(placeInCatalogueOrder(kind), std::string(kind))) {
-    WidgetRecord& widget = widgets_[std::string(kind)];
-    widget.due = now.uptime;
-    markChanged(widget);
+    markChanged(widgets_[std::string(kind)]);
     ++savedVersion_;
     advance(now);
   }
@@ -180,9 +178,7 @@ bool Supervisor::remove(const Moment& now, std::string_view kind) {
   if (!placed_.erase(kind)) {
     return offered(kind) != nullptr;
   }
-  if (const auto widget = widgets_.find(kind); widget != widgets_.end()) {
-    widget->second.leave();
-  }
+  recordOf(kind).leave();
   ++version_;
   ++savedVersion_;
   advance(now);
@@ -199,12 +195,12 @@ bool Supervisor::move(std::string_view kind, std::string_view before) {
 }
 
 bool Supervisor::reload(const Moment& now, std::string_view kind) {
-  const auto found = widgets_.find(kind);
-  if (!isPlaced(kind) || found == widgets_.end()) {
+  if (!isPlaced(kind)) {
     return false;
   }
-  found->second.want(now);
-  markChanged(found->second);
+  WidgetRecord& widget = recordOf(kind);
+  widget.want(now);
+  markChanged(widget);
   restartAtOnce();
   advance(now);
   return true;
@@ -212,7 +208,7 @@ bool Supervisor::reload(const Moment& now, std::string_view kind) {
 
 void Supervisor::reload(const Moment& now) {
   for (const std::string& kind : placed_) {
-    WidgetRecord& widget = widgets_[kind];
+    WidgetRecord& widget = recordOf(kind);
     widget.want(now);
     markChanged(widget);
   }
@@ -221,10 +217,17 @@ void Supervisor::reload(const Moment& now) {
 }
 
 void Supervisor::restartAtOnce() {
-  restarts_.reset();
-  if (life_ == Life::gaveUp || life_ == Life::backingOff) {
+  forgetEnds();
+  if (!hasProcess()) {
     life_ = Life::stopped;
   }
+}
+
+void Supervisor::forgetEnds() {
+  restarts_.reset();
+  lastEnd_.reset();
+  startAt_ = {};
+  ++version_;
 }
 
 void Supervisor::openGallery(const Moment& now) {
@@ -250,9 +253,8 @@ void Supervisor::advance(const Moment& now) {
       ask("", Purpose::ping, channel::PingRequest{});
     }
     showRenewed();
-    if (answeredInThisRun_ && pending_.empty()) {
-      restarts_.reset();
-      lastEnd_.reset();
+    if (lastEnd_ && answeredInThisRun_ && pending_.empty()) {
+      forgetEnds();
     }
   }
   updateLateness(now);
@@ -260,7 +262,7 @@ void Supervisor::advance(const Moment& now) {
 
 void Supervisor::updateLateness(const Moment& now) {
   for (const std::string& kind : placed_) {
-    WidgetRecord& widget = widgets_[kind];
+    WidgetRecord& widget = recordOf(kind);
     if (widget.updateLateness(now, life_ == Life::gaveUp)) {
       markChanged(widget);
     }
@@ -273,33 +275,30 @@ void Supervisor::startExtension() {
   answeredInThisRun_ = false;
   actions_.emplace_back(StartExtension{});
   ask("", Purpose::catalogue, channel::CatalogueRequest{});
-  ++version_;
 }
 
 // What was under way is asked again of the new program, and so is all that is shown.
 void Supervisor::replaceExtension(const Moment& now) {
   replaceBy_.reset();
   replaced_ = true;
-  restarts_.reset();  // ends since then were the old program's
-  lastEnd_.reset();
-  if (life_ == Life::starting || life_ == Life::running) {
+  forgetEnds();  // those since then were the old program's
+  if (hasProcess()) {
     actions_.emplace_back(EndExtension{});
   }
   life_ = Life::stopped;
-  releasePending();
+  takeBackRequests();
   for (auto& [kind, widget] : widgets_) {
     widget.outdate(now);
   }
-  ++version_;
 }
 
-void Supervisor::releasePending() {
-  for (const auto& [id, request] : std::exchange(pending_, {})) {
-    if (!request.kind.empty()) {
-      widgets_[request.kind].busy = false;
-    }
+// What was asked of a process that is gone; none of it is under way any more.
+std::map<std::uint64_t, Supervisor::Pending> Supervisor::takeBackRequests() {
+  for (auto& [kind, widget] : widgets_) {
+    widget.busy = false;
   }
   std::erase_if(actions_, [](const Action& action) { return std::holds_alternative<Ask>(action); });
+  return std::exchange(pending_, {});
 }
 
 // Pictures of the program before give way all at once, so that nobody sees some of either; after an
@@ -314,6 +313,7 @@ void Supervisor::showRenewed() {
   for (auto& [kind, widget] : widgets_) {
     if (widget.showRenewed()) {
       markChanged(widget);
+      ++savedVersion_;
     }
   }
 }
@@ -384,23 +384,21 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
     if (std::string fault = faultOf(catalogue); !fault.empty()) {
       return fail(Problem::Cause::protocolError, std::move(fault));
     }
-    takeCatalogue(now, *catalogue);
+    takeCatalogue(*catalogue);
   } else if (const auto* timeline = std::get_if<channel::Timeline>(&reply);
              timeline != nullptr && request.purpose == Purpose::timeline) {
-    WidgetRecord& widget = widgets_[request.kind];
+    WidgetRecord& widget = recordOf(request.kind);
     widget.takeTimeline(now, *timeline, request.failure, request.statusCode);
-    if (!widget.unrendered) {
-      markChanged(widget);
-    }
+    markChanged(widget);
   } else if (const auto* rendering = std::get_if<channel::Rendering>(&reply);
              rendering != nullptr && request.purpose == Purpose::rendering) {
     takeRendering(request.kind, *rendering);
   } else if (rendering != nullptr && request.purpose == Purpose::keptRendering) {
-    widgets_[request.kind].renewedKept = rendering->view;
+    recordOf(request.kind).keptRenewal.made = rendering->view;
   } else if (const auto* entry = std::get_if<channel::Entry>(&reply);
              entry != nullptr &&
              (request.purpose == Purpose::placeholder || request.purpose == Purpose::snapshot)) {
-    WidgetRecord& widget = widgets_[request.kind];
+    WidgetRecord& widget = recordOf(request.kind);
     widget.unrendered = RenderedEntry{
         .source = widget.target(request.purpose), .entry = *entry, .received = now.date};
   } else {
@@ -410,7 +408,7 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
 
 // An extension without a single widget is of no use, one with more than any page shows is not in
 // order: what it listed before stays.
-void Supervisor::takeCatalogue(const Moment& now, const channel::Catalogue& catalogue) {
+void Supervisor::takeCatalogue(const channel::Catalogue& catalogue) {
   life_ = Life::running;
   setCatalogue(catalogue.items);
   std::erase_if(widgets_, [&](const auto& each) {
@@ -421,7 +419,7 @@ void Supervisor::takeCatalogue(const Moment& now, const channel::Catalogue& cata
     everPlaced_ = true;
     for (const channel::CatalogueItem& item : catalogue_) {
       placed_.append(item.kind);
-      widgets_[item.kind].due = now.uptime;
+      markChanged(widgets_[item.kind]);
     }
   }
   ++version_;
@@ -429,7 +427,7 @@ void Supervisor::takeCatalogue(const Moment& now, const channel::Catalogue& cata
 }
 
 void Supervisor::takeRendering(const std::string& kind, const channel::Rendering& rendering) {
-  WidgetRecord& widget = widgets_[kind];
+  WidgetRecord& widget = recordOf(kind);
   auto awaited = std::exchange(widget.unrendered, std::nullopt);
   if (!awaited) {
     return;
@@ -437,8 +435,7 @@ void Supervisor::takeRendering(const std::string& kind, const channel::Rendering
   RenderedEntry picture = std::move(*awaited);
   picture.view = rendering.view;
   if (picture.source == EntrySource::snapshot) {
-    widget.snapshot = std::move(picture);
-    widget.snapshotOutdated = false;
+    widget.snapshot = {.picture = std::move(picture)};
     ++snapshotVersion_;
     ++version_;
     return;
@@ -447,15 +444,15 @@ void Supervisor::takeRendering(const std::string& kind, const channel::Rendering
     return;
   }
   if (picture.source == EntrySource::timeline) {
-    widget.endWait();
-    ++savedVersion_;
+    widget.wait = {};
   }
-  if (widget.outdated) {
-    widget.renewed = std::move(picture);
-    return;
+  if (widget.renewal.wanted) {
+    widget.renewal.made = std::move(picture);
+  } else {
+    widget.takeOver(std::move(picture));
   }
-  widget.takeOver(std::move(picture));
   markChanged(widget);
+  ++savedVersion_;
 }
 
 void Supervisor::requestFailed(const Moment& now, const Pending& request, Problem problem) {
@@ -466,9 +463,9 @@ void Supervisor::requestFailed(const Moment& now, const Pending& request, Proble
   if (request.purpose == Purpose::ping) {
     return;
   }
-  WidgetRecord& widget = widgets_[request.kind];
+  WidgetRecord& widget = recordOf(request.kind);
   if (request.purpose == Purpose::keptRendering) {
-    widget.keptOutdated = false;  // it stays as it was
+    widget.keptRenewal = {};  // it stays as it was
     return;
   }
   widget.fail(now, widget.target(request.purpose), std::move(problem));
@@ -481,30 +478,27 @@ void Supervisor::loseExtension(const Moment& now, Problem problem) {
   life_ = pause ? Life::backingOff : Life::gaveUp;
   const Uptime wait = pause.value_or(Uptime{});
   startAt_ = {.date = now.date + wait, .uptime = now.uptime + wait};
-  for (const auto& [id, request] : std::exchange(pending_, {})) {
-    if (request.purpose == Purpose::catalogue || request.purpose == Purpose::ping) {
+  for (const auto& [id, request] : takeBackRequests()) {
+    if (request.kind.empty()) {
       continue;
     }
-    WidgetRecord& widget = widgets_[request.kind];
+    WidgetRecord& widget = recordOf(request.kind);
     if (widget.target(request.purpose) == EntrySource::timeline) {
       widget.due = now.uptime;
       widget.reload = now.date;
       widget.problem = problem;
     }
-    widget.busy = false;
     widget.unrendered.reset();
   }
   for (auto& [kind, widget] : widgets_) {
-    widget.wanted = widget.wanted && life_ != Life::gaveUp;
-    widget.asking.reset();
-    if (widget.outdated && !widget.renewed) {
+    widget.wait = {.byPerson = widget.wait.byPerson && life_ != Life::gaveUp, .since = {}};
+    if (widget.renewal.isAwaited()) {
       widget.problem = problem;
     }
     markChanged(widget);
   }
-  showRenewed();
-  std::erase_if(actions_, [](const Action& action) { return std::holds_alternative<Ask>(action); });
   lastEnd_ = std::move(problem);
+  ++version_;
   advance(now);
 }
 
@@ -538,13 +532,12 @@ std::optional<Uptime> Supervisor::nextDeadline() const {
   const bool asks =
       life_ == Life::running && !replaceBy_ && (!restarts_.hasEnded() || pending_.empty());
   for (const std::string& kind : placed_) {
-    const auto found = widgets_.find(kind);
-    if (found == widgets_.end() || offered(kind) == nullptr) {
+    if (offered(kind) == nullptr) {
       continue;
     }
-    const WidgetRecord& widget = found->second;
-    if (const auto change = widget.nextLatenessChange()) {
-      consider(*change);
+    const WidgetRecord& widget = recordOf(kind);
+    if (const auto notice = widget.nextLatenessChange()) {
+      consider(*notice);
     }
     if (asks && !widget.busy) {
       consider(widget.due);
@@ -560,11 +553,10 @@ std::vector<WidgetState> Supervisor::widgets() const {
   std::vector<WidgetState> states;
   for (const std::string& kind : placed_) {
     const channel::CatalogueItem* item = offered(kind);
-    const auto found = widgets_.find(kind);
-    if (item == nullptr || found == widgets_.end()) {
+    if (item == nullptr) {
       continue;
     }
-    const WidgetRecord& widget = found->second;
+    const WidgetRecord& widget = recordOf(kind);
     states.push_back(
         {.about = item,
          .picture = addressOf(widget.picture),
@@ -572,25 +564,26 @@ std::vector<WidgetState> Supervisor::widgets() const {
          .problem = addressOf(widget.problem),
          .reload = nextReload(widget),
          .overdue = widget.overdue,
-         .awaited = widget.wanted || widget.slow,
-         .slowSince =
-             widget.slow && widget.asking ? std::optional(widget.asking->date) : std::nullopt,
+         .awaited = widget.wait.byPerson || widget.wait.isLong,
+         .slowSince = widget.wait.isLong && widget.wait.since
+                          ? std::optional(widget.wait.since->date)
+                          : std::nullopt,
          .version = widget.version});
   }
   return states;
 }
 
-// During a pause nothing is asked.
+// Until a pause is over nothing is asked.
 std::optional<Date> Supervisor::nextReload(const WidgetRecord& widget) const {
   if (life_ == Life::gaveUp || !widget.reload) {
     return std::nullopt;
   }
-  return life_ == Life::backingOff ? std::max(*widget.reload, startAt_.date) : *widget.reload;
+  return std::max(*widget.reload, startAt_.date);
 }
 
 const RenderedEntry* Supervisor::snapshot(std::string_view kind) const {
   const auto found = widgets_.find(kind);
-  return found == widgets_.end() ? nullptr : addressOf(found->second.snapshot);
+  return found == widgets_.end() ? nullptr : addressOf(found->second.snapshot.picture);
 }
 
 SavedHome Supervisor::saved() const {
@@ -601,11 +594,7 @@ SavedHome Supervisor::saved() const {
       .kept = {},
       .account = account_};
   for (const std::string& kind : placed_) {
-    const auto found = widgets_.find(kind);
-    if (found == widgets_.end()) {
-      continue;
-    }
-    const WidgetRecord& widget = found->second;
+    const WidgetRecord& widget = recordOf(kind);
     if (const auto& picture = widget.picture; picture && picture->source == EntrySource::timeline) {
       saved.pictures.emplace(kind, *picture);
     }
@@ -614,6 +603,13 @@ SavedHome Supervisor::saved() const {
     }
   }
   return saved;
+}
+
+// Of one that is placed or was asked for, as there always is.
+WidgetRecord& Supervisor::recordOf(std::string_view kind) { return widgets_.find(kind)->second; }
+
+const WidgetRecord& Supervisor::recordOf(std::string_view kind) const {
+  return widgets_.find(kind)->second;
 }
 
 void Supervisor::markChanged(WidgetRecord& widget) { widget.version = ++version_; }

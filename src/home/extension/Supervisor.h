@@ -83,7 +83,7 @@ class Supervisor {
   std::optional<Uptime> nextDeadline() const;
 
   Life life() const { return life_; }
-  // What the extension's last end was like; nothing after a round of answers.
+  // What the extension's last end was like; nothing after a round of answers or a person's reload.
   const std::optional<Problem>& lastEnd() const { return lastEnd_; }
   bool awaitsAnswers() const { return !pending_.empty(); }
   // What is asked for now, and of which kind of widget.
@@ -122,20 +122,24 @@ class Supervisor {
   void advance(const Moment& now);
   void startExtension();
   void replaceExtension(const Moment& now);
-  void releasePending();
+  std::map<std::uint64_t, Pending> takeBackRequests();
   void showRenewed();
   void askWhatIsDue(const Moment& now);
   void updateLateness(const Moment& now);
   void ask(std::string kind, Purpose purpose, channel::Request request);
   void take(const Moment& now, const Pending& request, const channel::Reply& reply);
-  void takeCatalogue(const Moment& now, const channel::Catalogue& catalogue);
+  void takeCatalogue(const channel::Catalogue& catalogue);
   void takeRendering(const std::string& kind, const channel::Rendering& rendering);
   std::optional<Pending> takePending(std::uint64_t id);
   void requestFailed(const Moment& now, const Pending& request, Problem problem);
   void loseExtension(const Moment& now, Problem problem);
   void restartAtOnce();
+  void forgetEnds();
+  bool hasProcess() const { return life_ == Life::starting || life_ == Life::running; }
   bool isWanted() const;
   std::optional<Date> nextReload(const WidgetRecord& widget) const;
+  WidgetRecord& recordOf(std::string_view kind);
+  const WidgetRecord& recordOf(std::string_view kind) const;
   void markChanged(WidgetRecord& widget);
 
   Life life_ = Life::stopped;
@@ -152,7 +156,7 @@ class Supervisor {
 
   RestartPolicy restarts_;
   bool answeredInThisRun_ = false;   // a timeline was
-  Moment startAt_{};                 // where it backs off
+  Moment startAt_{};                 // after a pause
   Uptime pingAt_{};                  // where it runs and nothing is awaited
   std::optional<Uptime> replaceBy_;  // the program is another one: when the old one is ended
   bool replaced_ = false;            // the new one has not listed its widgets yet

@@ -19,13 +19,8 @@ constexpr std::chrono::milliseconds pauseAfterFailure = 5min;
 // How long after its reload time a picture still counts as the newest.
 constexpr std::chrono::milliseconds maxOverdue = 1min;
 
-// From when on an answer is slow.
+// From when on a wait is long.
 constexpr std::chrono::milliseconds slowAfter = 2s;
-
-// Whether another program may do better.
-bool isOfProgram(Problem::Cause cause) {
-  return cause != Problem::Cause::dropped && cause != Problem::Cause::refused;
-}
 
 }  // namespace
 
@@ -36,10 +31,10 @@ std::optional<Purpose> WidgetRecord::next(const Moment& now, bool placed, bool i
   if (unrendered) {
     return Purpose::rendering;
   }
-  if (placed && keptOutdated && !renewedKept) {
+  if (placed && keptRenewal.isAwaited()) {
     return Purpose::keptRendering;
   }
-  if (inGallery && snapshotOutdated && !snapshotFailed) {
+  if (inGallery && snapshot.outdated && !snapshot.failed) {
     return Purpose::snapshot;
   }
   if (placed) {
@@ -50,7 +45,7 @@ std::optional<Purpose> WidgetRecord::next(const Moment& now, bool placed, bool i
       return Purpose::timeline;
     }
   }
-  if (inGallery && !snapshot && !snapshotFailed) {
+  if (inGallery && !snapshot.picture && !snapshot.failed) {
     return Purpose::snapshot;
   }
   return std::nullopt;
@@ -59,7 +54,7 @@ std::optional<Purpose> WidgetRecord::next(const Moment& now, bool placed, bool i
 channel::Request WidgetRecord::ask(const Moment& now, const std::string& kind, Purpose purpose) {
   busy = true;
   if (purpose != Purpose::keptRendering && target(purpose) != EntrySource::snapshot) {
-    asking = asking.value_or(now);
+    wait.since = wait.since.value_or(now);
   }
   switch (purpose) {
     case Purpose::timeline:
@@ -101,33 +96,26 @@ std::optional<Uptime> WidgetRecord::nextLatenessChange() const {
   if (!overdue) {
     change = freshUntil;
   }
-  if (asking && !slow) {
-    const Uptime becomesSlow = asking->uptime + slowAfter;
-    change = change ? std::min(*change, becomesSlow) : becomesSlow;
+  if (wait.since && !wait.isLong) {
+    const Uptime becomesLong = wait.since->uptime + slowAfter;
+    change = std::min(change.value_or(becomesLong), becomesLong);
   }
   return change;
 }
 
-bool WidgetRecord::awaitsRenewal() const {
-  return (outdated && !renewed) || (keptOutdated && !renewedKept);
-}
+bool WidgetRecord::awaitsRenewal() const { return renewal.isAwaited() || keptRenewal.isAwaited(); }
 
 void WidgetRecord::want(const Moment& now) {
   due = now.uptime;
   reload = now.date;
-  wanted = true;
-}
-
-void WidgetRecord::endWait() {
-  wanted = false;
-  asking.reset();
-  slow = false;
+  wait.byPerson = true;
 }
 
 bool WidgetRecord::updateLateness(const Moment& now, bool nothingComes) {
   const bool wasOverdue = std::exchange(overdue, nothingComes || now.uptime >= freshUntil);
-  const bool wasSlow = std::exchange(slow, asking && now.uptime - asking->uptime >= slowAfter);
-  return overdue != wasOverdue || slow != wasSlow;
+  const bool wasLong =
+      std::exchange(wait.isLong, wait.since && now.uptime - wait.since->uptime >= slowAfter);
+  return overdue != wasOverdue || wait.isLong != wasLong;
 }
 
 void WidgetRecord::showNextEntry(const Moment& now) {
@@ -143,11 +131,11 @@ void WidgetRecord::takeTimeline(
     const channel::Timeline& timeline,
     const std::optional<TransportError>& failure,
     int statusCode) {
-  const auto wait =
+  const auto pause =
       std::clamp<std::chrono::milliseconds>(timeline.policy.after - now.date, minWait, maxWait);
-  due = now.uptime + wait;
+  due = now.uptime + pause;
   freshUntil = due + maxOverdue;
-  reload = now.date + wait;
+  reload = now.date + pause;
   problem.reset();
 
   later.clear();
@@ -156,7 +144,7 @@ void WidgetRecord::takeTimeline(
   }
   std::ranges::stable_sort(later, {}, &LaterEntry::due);
   if (later.empty()) {
-    endWait();
+    wait = {};
     return;
   }
   // The last one whose time has come, or the first one where all are still to come.
@@ -176,12 +164,12 @@ void WidgetRecord::takeTimeline(
 void WidgetRecord::takeOver(RenderedEntry next) {
   if (!next.failure) {
     kept.reset();
-    keptOutdated = false;
-    renewedKept.reset();
+    keptRenewal = {};
   } else if (picture && picture->failure) {
     next.failure->since = picture->failure->since;
   } else if (picture && picture->source == EntrySource::timeline) {
     kept = picture;
+    keptRenewal.wanted = renewal.wanted;
   }
   picture = std::move(next);
 }
@@ -193,7 +181,7 @@ void WidgetRecord::fail(const Moment& now, EntrySource target, Problem cause) {
       problem = std::move(cause);
       break;
     case EntrySource::snapshot:
-      snapshotFailed = true;
+      snapshot.failed = true;
       break;
     case EntrySource::timeline:
       due = now.uptime + pauseAfterFailure;
@@ -205,39 +193,32 @@ void WidgetRecord::fail(const Moment& now, EntrySource target, Problem cause) {
   }
   unrendered.reset();
   if (target != EntrySource::snapshot) {
-    endWait();
+    wait = {};
   }
-  outdated = renewed.has_value();
+  renewal.wanted = renewal.made.has_value();
 }
 
 void WidgetRecord::outdate(const Moment& now) {
   due = now.uptime;
-  renewed.reset();
-  outdated = picture.has_value();
-  renewedKept.reset();
-  keptOutdated = kept.has_value();
+  renewal = {.wanted = picture.has_value(), .made = {}};
+  keptRenewal = {.wanted = kept.has_value(), .made = {}};
   if (picture && !unrendered) {
     unrendered = picture;
   }
   placeholderFailed = false;
-  snapshotFailed = false;
-  snapshotOutdated = snapshot.has_value();
+  snapshot.failed = false;
+  snapshot.outdated = snapshot.picture.has_value();
 }
 
 bool WidgetRecord::showRenewed() {
-  const bool changed = renewed || renewedKept;
-  if (auto view = std::exchange(renewedKept, std::nullopt); view && kept) {
-    kept->view = *std::move(view);
-    keptOutdated = false;
+  const bool changed = renewal.made || keptRenewal.made;
+  if (keptRenewal.made) {
+    forced(kept, "the kept picture").view = *std::exchange(keptRenewal, {}).made;
   }
-  if (auto next = std::exchange(renewed, std::nullopt)) {
-    const bool hadKept = kept.has_value();
-    takeOver(*std::move(next));
-    outdated = false;
-    keptOutdated = kept && (keptOutdated || !hadKept);
-    if (problem && isOfProgram(problem->cause)) {
-      problem.reset();
-    }
+  if (renewal.made) {
+    takeOver(*std::move(renewal.made));
+    renewal = {};
+    problem.reset();
   }
   return changed;
 }
@@ -246,19 +227,18 @@ void WidgetRecord::leave() {
   WidgetRecord left;
   left.busy = busy;
   left.snapshot = std::move(snapshot);
-  left.snapshotOutdated = snapshotOutdated;
   *this = std::move(left);
 }
 
 void WidgetRecord::forgetAccount() {
   WidgetRecord fresh;
   fresh.snapshot = std::move(snapshot);
-  fresh.snapshotOutdated = snapshotOutdated;
+  fresh.snapshot.failed = false;
   fresh.busy = busy;
-  fresh.wanted = true;
+  fresh.wait.byPerson = true;
   if (picture && picture->source == EntrySource::placeholder) {
-    fresh.outdated = outdated;
     fresh.picture = std::move(picture);
+    fresh.renewal.wanted = renewal.wanted;
   }
   *this = std::move(fresh);
 }

@@ -24,19 +24,38 @@ struct WidgetRecord {
     channel::Entry entry;
   };
 
+  // What the program before made of a picture stays on show until all that the new one makes is
+  // there to take its place.
+  template <class T>
+  struct Renewal {
+    bool wanted = false;
+    std::optional<T> made;
+    bool isAwaited() const { return wanted && !made; }
+  };
+
+  struct Snapshot {
+    std::optional<RenderedEntry> picture;
+    bool outdated = false;  // of the program before
+    bool failed = false;    // this program does not give one
+  };
+
+  // For a newer picture.
+  struct Wait {
+    bool byPerson = false;
+    std::optional<Moment> since;  // when it was asked for
+    bool isLong = false;
+  };
+
   std::optional<RenderedEntry> picture;
   std::optional<RenderedEntry> kept;  // see WidgetState
-  std::optional<RenderedEntry> snapshot;
+  Snapshot snapshot;
   std::optional<RenderedEntry> unrendered;  // an entry whose view is still to come
   std::vector<LaterEntry> later;            // of the timeline, the earliest first
   std::optional<Problem> problem;
+  bool placeholderFailed = false;
 
-  // Where the pictures are from the program before: what replaces them, together with all others.
-  bool outdated = false;
-  std::optional<RenderedEntry> renewed;
-  bool keptOutdated = false;
-  std::optional<ui::View> renewedKept;
-  bool snapshotOutdated = false;
+  Renewal<RenderedEntry> renewal;
+  Renewal<ui::View> keptRenewal;
 
   Uptime due{};                  // of the next timeline
   std::optional<Date> reload{};  // the same for people
@@ -44,12 +63,8 @@ struct WidgetRecord {
   Uptime freshUntil{};           // how long the latest timeline counts as the newest
   bool overdue = false;          // that is over
 
-  bool busy = false;             // an answer is awaited
-  bool wanted = false;           // by a person, until it is answered
-  std::optional<Moment> asking;  // since when its picture is asked for
-  bool slow = false;             // that is a while ago
-  bool placeholderFailed = false;
-  bool snapshotFailed = false;
+  bool busy = false;  // an answer is awaited
+  Wait wait;
 
   std::uint64_t version = 0;  // grows with every change of what is shown
 
@@ -59,16 +74,15 @@ struct WidgetRecord {
   channel::Request ask(const Moment& now, const std::string& kind, Purpose purpose);
   // What the answer is to lead to.
   EntrySource target(Purpose purpose) const;
-  // When the passing of time alone makes what is shown slow or overdue.
+  // When the passing of time alone makes the wait long or what is shown overdue.
   std::optional<Uptime> nextLatenessChange() const;
   // Whether another picture, or another view of the kept one, is still to come from a new program.
   bool awaitsRenewal() const;
 
-  // A person waits for a newer picture, and does no more.
+  // A person waits for a newer picture.
   void want(const Moment& now);
-  void endWait();
 
-  // Whether it became overdue or slow, or is no longer.
+  // Whether it became overdue or its wait long, or is no longer.
   bool updateLateness(const Moment& now, bool nothingComes);
   // Takes the entry of the timeline whose time has come, to be rendered.
   void showNextEntry(const Moment& now);

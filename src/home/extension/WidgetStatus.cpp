@@ -19,6 +19,43 @@ std::string inWords(
   return inPlainWords(problem, language) + (helps ? " " + signInHint : "");
 }
 
+// As if the widget had met no problem, but that a picture with one is old.
+WidgetStatus statusOfPicture(const WidgetState& widget, const Language& language) {
+  using enum WidgetStatus::Level;
+  const RenderedEntry* picture = widget.picture;
+  if (picture == nullptr) {
+    return {
+        empty,
+        language.text("No picture yet"),
+        language.text("The extension has not sent a picture yet.")};
+  }
+  if (picture->failure) {
+    return {
+        fallback,
+        language.text("Stand-in data"),
+        language.text("The figures could not be fetched, so zeros or a sample stand in for them.") +
+            " " + inWords(*picture->failure, language)};
+  }
+  if (picture->source == EntrySource::placeholder) {
+    return {
+        placeholder,
+        language.text("Placeholder"),
+        language.text("The first figures are still on their way.")};
+  }
+  const auto old = [&](std::string cause) {
+    return WidgetStatus{stale, language.text("Old picture"), std::move(cause)};
+  };
+  if (widget.problem != nullptr) {
+    return old(language.text("A newer picture did not come."));
+  }
+  if (picture->restored) {
+    return old(
+        language.text("This is from before the home screen was started. Fresh figures are on their "
+                      "way."));
+  }
+  return widget.overdue ? old(language.text("A newer picture is overdue.")) : WidgetStatus{};
+}
+
 }  // namespace
 
 std::string inPlainWords(const Problem& problem, const Language& language) {
@@ -49,48 +86,16 @@ std::string inPlainWords(const Problem& problem, const Language& language) {
 
 WidgetStatus statusOf(
     const WidgetState& widget, const std::string& signInHint, const Language& language) {
-  using Level = WidgetStatus::Level;
-  WidgetStatus status;
-  const RenderedEntry* picture = widget.picture;
-  const auto become = [&](Level level, std::string badge, std::string cause) {
-    status = {.level = level, .badge = std::move(badge), .cause = std::move(cause)};
-  };
-  if (picture == nullptr) {
-    become(
-        Level::empty,
-        language.text("No picture yet"),
-        language.text("The extension has not sent a picture yet."));
-  } else if (picture->failure) {
-    become(
-        Level::fallback,
-        language.text("Stand-in data"),
-        language.text("The figures could not be fetched, so zeros or a sample stand in for them.") +
-            " " + inWords(*picture->failure, language));
-  } else if (picture->source == EntrySource::placeholder) {
-    become(
-        Level::placeholder,
-        language.text("Placeholder"),
-        language.text("The first figures are still on their way."));
-  } else if (widget.problem != nullptr) {
-    become(
-        Level::stale, language.text("Old picture"), language.text("A newer picture did not come."));
-  } else if (picture->restored) {
-    become(
-        Level::stale,
-        language.text("Old picture"),
-        language.text("This is from before the home screen was started. Fresh figures are on their "
-                      "way."));
-  } else if (widget.overdue) {
-    become(
-        Level::stale, language.text("Old picture"), language.text("A newer picture is overdue."));
-  }
+  WidgetStatus status = statusOfPicture(widget, language);
   if (widget.problem != nullptr) {
     const std::string words = inWords(*widget.problem, signInHint, language);
-    const bool replaces = status.level == Level::placeholder || status.level == Level::empty;
+    const bool replaces = status.level == WidgetStatus::Level::placeholder ||
+                          status.level == WidgetStatus::Level::empty;
     status.cause = replaces ? words : status.cause + " " + words;
   }
-  if (picture != nullptr && picture->statusCode >= 400) {
-    status.note = language.text("answered with status {1}", {std::to_string(picture->statusCode)});
+  if (widget.picture != nullptr && widget.picture->statusCode >= 400) {
+    status.note =
+        language.text("answered with status {1}", {std::to_string(widget.picture->statusCode)});
   }
   return status;
 }
