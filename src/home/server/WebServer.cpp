@@ -9,10 +9,12 @@
 #include <vector>
 
 #include "home/server/ConnectionTimers.h"
+#include "home/server/HttpMessages.h"
 #include "home/server/LoopbackListener.h"
 #include "home/server/Microhttpd.h"
 #include "home/server/RequestPolicy.h"
 #include "home/server/StreamReader.h"
+#include "platform/foundation/Overloaded.h"
 
 namespace quillpad::home {
 namespace {
@@ -21,93 +23,10 @@ using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
 constexpr unsigned maxConnections = 2048;
-constexpr unsigned otherDescriptors =
-    256;                               // of the server and of its program, where there are many
-constexpr unsigned stallSeconds = 15;  // a peer that takes nothing for so long is gone
+constexpr unsigned otherDescriptors = 256;  // of the server and its program
+constexpr unsigned stallSeconds = 15;       // a peer that takes nothing for so long is gone
 constexpr std::size_t maxHeadBytes = std::size_t{48} * 1024;
 constexpr std::size_t streamBlock = std::size_t{16} * 1024;
-
-std::string_view header(MHD_Connection* connection, const char* name) {
-  const char* value = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
-  return value == nullptr ? std::string_view() : std::string_view(value);
-}
-
-RequestHead headOf(MHD_Connection* connection, const char* path, const char* method) {
-  return {
-      .method = method,
-      .path = path,
-      .hasQuery =
-          MHD_get_connection_values(connection, MHD_GET_ARGUMENT_KIND, nullptr, nullptr) >
-          (MHD_lookup_connection_value(connection, MHD_GET_ARGUMENT_KIND, "key") != nullptr ? 1
-                                                                                            : 0),
-      .host = header(connection, MHD_HTTP_HEADER_HOST),
-      .origin = header(connection, "Origin"),
-      .fetchSite = header(connection, "Sec-Fetch-Site"),
-      .fetchMode = header(connection, "Sec-Fetch-Mode"),
-      .fetchDest = header(connection, "Sec-Fetch-Dest"),
-      .contentLength = header(connection, MHD_HTTP_HEADER_CONTENT_LENGTH),
-      .transferEncoding = header(connection, MHD_HTTP_HEADER_TRANSFER_ENCODING)};
-}
-
-WebRequest requestOf(MHD_Connection* connection, const char* path, const char* method) {
-  WebRequest request{
-      .method = method,
-      .path = path,
-      .pageToken = std::string(header(connection, "X-Page-Token")),
-      .acceptLanguage = std::string(header(connection, MHD_HTTP_HEADER_ACCEPT_LANGUAGE))};
-  const auto take = [&](MHD_ValueKind what, decltype(request.parameters)& values) {
-    MHD_get_connection_values(
-        connection,
-        what,
-        [](void* into, MHD_ValueKind, const char* name, const char* value) {
-          static_cast<decltype(request.parameters)*>(into)->emplace(
-              name, value == nullptr ? "" : value);
-          return MHD_YES;
-        },
-        &values);
-  };
-  take(MHD_GET_ARGUMENT_KIND, request.parameters);
-  take(MHD_COOKIE_KIND, request.cookies);
-  return request;
-}
-
-int descriptorOf(MHD_Connection* connection) {
-  return MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd;
-}
-
-void addHeaders(MHD_Response* response, const WebAnswer& answer) {
-  MHD_add_response_header(response, "Content-Type", answer.contentType.c_str());
-  for (const auto& [name, value] : answer.headers) {
-    MHD_add_response_header(response, name.c_str(), value.c_str());
-  }
-  static constexpr std::pair<const char*, const char*> always[] = {
-      {"Cache-Control", "no-store"},
-      {"X-Content-Type-Options", "nosniff"},
-      {"X-Frame-Options", "DENY"},
-      {"Referrer-Policy", "no-referrer"},
-      {"Cross-Origin-Resource-Policy", "same-origin"},
-      {"Cross-Origin-Opener-Policy", "same-origin"},
-  };
-  for (const auto& [name, value] : always) {
-    MHD_add_response_header(response, name, value);
-  }
-  if (MHD_get_response_header(response, "Content-Security-Policy") == nullptr) {
-    MHD_add_response_header(
-        response, "Content-Security-Policy", "default-src 'none'; frame-ancestors 'none'");
-  }
-}
-
-MHD_Result send(MHD_Connection* connection, const WebAnswer& answer) {
-  MHD_Response* response = MHD_create_response_from_buffer(
-      answer.body.size(),
-      const_cast<char*>(answer.body.data()),  // NOLINT: copied
-      MHD_RESPMEM_MUST_COPY);
-  addHeaders(response, answer);
-  const MHD_Result queued =
-      MHD_queue_response(connection, static_cast<unsigned>(answer.status), response);
-  MHD_destroy_response(response);
-  return queued;
-}
 
 }  // namespace
 
@@ -151,8 +70,8 @@ class WebServer::Engine {
     }
     ending_ = true;
     for (Exchange* exchange : std::vector(suspended_)) {
-      if (exchange->later) {
-        exchange->answer = plainAnswer(503, "The home screen is stopping.");
+      if (std::holds_alternative<Pending>(exchange->state)) {
+        exchange->state = plainAnswer(503, "The home screen is stopping.");
       }
       resume(*exchange);
     }
@@ -179,7 +98,7 @@ class WebServer::Engine {
     }
     auto deadline = timers_.nextDeadline().value_or(Clock::time_point::max());
     for (const Exchange* exchange : suspended_) {
-      deadline = std::min(deadline, exchange->timeoutAt);
+      deadline = std::min(deadline, timeoutOf(*exchange));
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     return std::clamp(left, 0ms, timeout);
@@ -192,13 +111,13 @@ class WebServer::Engine {
       hangUp(connection);
     }
     bool isDue = std::ranges::any_of(
-        suspended_, [&](const Exchange* exchange) { return now >= exchange->timeoutAt; });
+        suspended_, [&](const Exchange* exchange) { return now >= timeoutOf(*exchange); });
     if (now >= nextHeartbeat_) {
       isDue = true;
       nextHeartbeat_ = now + limits_.heartbeat;
       for (Exchange* exchange : streams_) {
-        if (exchange->stream) {
-          exchange->stream->requestHeartbeat();
+        if (auto* events = std::get_if<StreamReader>(&exchange->state)) {
+          events->requestHeartbeat();
         }
       }
     }
@@ -210,14 +129,7 @@ class WebServer::Engine {
   void wake() {
     const auto now = Clock::now();
     for (Exchange* exchange : std::vector(suspended_)) {
-      if (exchange->later) {
-        exchange->answer = exchange->later();
-        if (now >= exchange->timeoutAt) {
-          exchange->timeoutAt = Clock::time_point::max();
-        }
-      }
-      if (exchange->answer || (exchange->stream && exchange->stream->hasMore()) ||
-          (exchange->file && exchange->file->hasMore())) {
+      if (canGoOn(*exchange, now)) {
         resume(*exchange);
       }
     }
@@ -225,17 +137,45 @@ class WebServer::Engine {
   }
 
  private:
-  // One request and its answer, which is there, still to come, a stream or a file.
-  struct Exchange {
-    Engine* engine = nullptr;
-    MHD_Connection* connection = nullptr;
-    std::optional<WebAnswer> answer{};
-    std::function<std::optional<WebAnswer>()> later{};
-    Clock::time_point timeoutAt = Clock::time_point::max();
-    std::optional<StreamReader> stream{};
-    std::optional<FileReader> file{};
-    WebAnswer fileHead{};
+  struct Arrived {};  // nobody has been asked for the answer
+
+  // Suspended until there is an answer.
+  struct Pending {
+    std::function<std::optional<WebAnswer>()> take;
+    Clock::time_point timeoutAt;
   };
+
+  // One request and how far its answer is: not begun, still to come, there, or being streamed.
+  struct Exchange {
+    Engine* engine;
+    MHD_Connection* connection;
+    std::variant<Arrived, Pending, WebAnswer, StreamReader, FileReader> state{};
+  };
+
+  static Clock::time_point timeoutOf(const Exchange& exchange) {
+    const auto* pending = std::get_if<Pending>(&exchange.state);
+    return pending == nullptr ? Clock::time_point::max() : pending->timeoutAt;
+  }
+
+  // Whether a suspended exchange has something to send.
+  static bool canGoOn(Exchange& exchange, Clock::time_point now) {
+    return std::visit(
+        Overloaded{
+            [&](Pending& pending) {
+              if (now >= pending.timeoutAt) {
+                pending.timeoutAt = Clock::time_point::max();
+              }
+              if (auto answer = pending.take()) {
+                exchange.state = *std::move(answer);
+                return true;
+              }
+              return false;
+            },
+            [](StreamReader& events) { return events.hasMore(); },
+            [](FileReader& file) { return file.hasMore(); },
+            [](const auto&) { return false; }},
+        exchange.state);
+  }
 
   // Called when a request's head is there, and again when it is to be answered.
   static MHD_Result handle(
@@ -251,65 +191,70 @@ class WebServer::Engine {
     if (*state == nullptr) {
       *state = std::make_unique<Exchange>(Exchange{&engine, connection}).release();
       const auto refusal = RequestPolicy::refusalOfBody(headOf(connection, path, method));
-      return refusal ? send(connection, *refusal) : MHD_YES;
+      return refusal ? queueAnswer(connection, *refusal) : MHD_YES;
     }
     *bodySize = 0;
     auto& exchange = *static_cast<Exchange*>(*state);
-    if (!exchange.answer && !exchange.later) {
-      engine.begin(exchange, path, method);
+    if (const auto* answer = std::get_if<WebAnswer>(&exchange.state)) {
+      return engine.send(exchange, *answer);
     }
-    return engine.answer(exchange);
+    return engine.begin(exchange, path, method);
   }
 
-  // Has the request answered, or finds out how it will be.
-  void begin(Exchange& exchange, const char* path, const char* method) {
+  MHD_Result begin(Exchange& exchange, const char* path, const char* method) {
     timers_.stop(descriptorOf(exchange.connection));
-    exchange.answer = policy_.refusal(headOf(exchange.connection, path, method));
-    if (exchange.answer) {
-      return;
+    if (const auto refusal = policy_.refusal(headOf(exchange.connection, path, method))) {
+      return send(exchange, *refusal);
     }
     WebReply reply = handler_(requestOf(exchange.connection, path, method));
-    if (auto* answer = std::get_if<WebAnswer>(&reply)) {
-      exchange.answer = std::move(*answer);
-    } else if (auto* later = std::get_if<LaterAnswer>(&reply)) {
-      exchange.answer = later->take();
-      exchange.later = std::move(later->take);
-      if (later->timeout) {
-        exchange.timeoutAt = Clock::now() + *later->timeout;
-      }
-      if (!exchange.answer && waitingAnswers() >= limits_.laterAnswers) {
-        exchange.answer = plainAnswer(503, "The home screen is busy. Try again in a moment.");
-      }
-    } else if (streams_.size() >= limits_.streams) {
-      exchange.answer = plainAnswer(503, "Too many tabs are open.");
-    } else if (auto* file = std::get_if<FileStream>(&reply)) {
-      exchange.file.emplace(std::move(file->nextPiece));
-      exchange.fileHead = {
-          .contentType = std::move(file->contentType),
-          .body = "",
-          .headers = std::move(file->headers)};
-    } else {
-      exchange.stream.emplace(std::move(std::get<EventStream>(reply)));
-    }
+    return std::visit(
+        Overloaded{
+            [&](const WebAnswer& answer) { return send(exchange, answer); },
+            [&](LaterAnswer& later) { return await(exchange, later); },
+            [&](EventStream& events) {
+              const WebAnswer head{.contentType = "text/event-stream; charset=utf-8", .body = ""};
+              return stream(exchange, StreamReader(std::move(events)), head);
+            },
+            [&](FileStream& file) {
+              const WebAnswer head{
+                  .contentType = std::move(file.contentType),
+                  .body = "",
+                  .headers = std::move(file.headers)};
+              return stream(exchange, FileReader(std::move(file.nextPiece)), head);
+            }},
+        reply);
   }
 
-  MHD_Result answer(Exchange& exchange) {
-    if (const auto answer = std::exchange(exchange.answer, std::nullopt)) {
-      exchange.later = nullptr;
-      timers_.start(descriptorOf(exchange.connection), Clock::now() + limits_.answerTime);
-      return send(exchange.connection, *answer);
+  MHD_Result send(Exchange& exchange, const WebAnswer& answer) {
+    timers_.start(descriptorOf(exchange.connection), Clock::now() + limits_.answerTime);
+    return queueAnswer(exchange.connection, answer);
+  }
+
+  MHD_Result await(Exchange& exchange, LaterAnswer& later) {
+    if (const auto answer = later.take()) {
+      return send(exchange, *answer);
     }
-    if (exchange.later) {
-      suspend(exchange);
-      return MHD_YES;
+    if (waitingAnswers() >= limits_.laterAnswers) {
+      return send(exchange, plainAnswer(503, "The home screen is busy. Try again in a moment."));
     }
+    exchange.state = Pending{
+        std::move(later.take),
+        later.timeout ? Clock::now() + *later.timeout : Clock::time_point::max()};
+    suspend(exchange);
+    return MHD_YES;
+  }
+
+  // Sends the head, and what the reader has as long as it has some.
+  template <class Reader>
+  MHD_Result stream(Exchange& exchange, Reader reader, const WebAnswer& head) {
+    if (streams_.size() >= limits_.streams) {
+      return send(exchange, plainAnswer(503, "Too many tabs are open."));
+    }
+    exchange.state = std::move(reader);
     MHD_Response* response = MHD_create_response_from_callback(
         MHD_SIZE_UNKNOWN, streamBlock, &Engine::readStream, &exchange, nullptr);
-    addHeaders(
-        response,
-        exchange.file ? exchange.fileHead
-                      : WebAnswer{.contentType = "text/event-stream; charset=utf-8", .body = ""});
-    const MHD_Result queued = MHD_queue_response(exchange.connection, 200, response);
+    addHeaders(response, head);
+    const MHD_Result queued = MHD_queue_response(exchange.connection, MHD_HTTP_OK, response);
     MHD_destroy_response(response);
     if (queued == MHD_YES) {
       streams_.push_back(&exchange);
@@ -319,15 +264,13 @@ class WebServer::Engine {
 
   static ssize_t readStream(void* cls, std::uint64_t /*position*/, char* buffer, std::size_t size) {
     auto& exchange = *static_cast<Exchange*>(cls);
+    auto* file = std::get_if<FileReader>(&exchange.state);
     if (exchange.engine->ending_) {
-      return exchange.file ? MHD_CONTENT_READER_END_WITH_ERROR : MHD_CONTENT_READER_END_OF_STREAM;
+      return file != nullptr ? MHD_CONTENT_READER_END_WITH_ERROR : MHD_CONTENT_READER_END_OF_STREAM;
     }
-    std::optional<std::size_t> count;
-    if (exchange.file) {
-      count = exchange.file->read(buffer, size);
-    } else if (exchange.stream) {
-      count = exchange.stream->read(buffer, size);
-    }
+    const std::optional<std::size_t> count =
+        file != nullptr ? file->read(buffer, size)
+                        : std::get_if<StreamReader>(&exchange.state)->read(buffer, size);
     if (count == 0) {
       exchange.engine->suspend(exchange);
     }
@@ -369,8 +312,9 @@ class WebServer::Engine {
   static void hangUp(int connection) { ::shutdown(connection, SHUT_RDWR); }
 
   std::size_t waitingAnswers() const {
-    return static_cast<std::size_t>(std::ranges::count_if(
-        suspended_, [](const Exchange* exchange) { return exchange->later != nullptr; }));
+    return static_cast<std::size_t>(std::ranges::count_if(suspended_, [](const Exchange* exchange) {
+      return std::holds_alternative<Pending>(exchange->state);
+    }));
   }
 
   void suspend(Exchange& exchange) {
@@ -388,8 +332,7 @@ class WebServer::Engine {
   LoopbackListener listener_;
   RequestPolicy policy_;
   MHD_Daemon* daemon_ = nullptr;
-  ConnectionTimers
-      timers_;  // of the connections that a request or the taking of an answer is awaited from
+  ConnectionTimers timers_;  // of connections that owe a request or have an answer to take
   std::vector<Exchange*> streams_;
   std::vector<Exchange*> suspended_;
   Clock::time_point nextHeartbeat_ = Clock::now() + limits_.heartbeat;
