@@ -25,7 +25,7 @@ std::vector<std::string> linesOf(const std::vector<std::string_view>& pieces) {
   return lines;
 }
 
-TEST(LineReaderTest, CutsTheStreamWhereverItsPiecesEnd) {
+TEST(LineReader, CutsTheStreamWhereverItsPiecesEnd) {
   const std::pair<std::vector<std::string_view>, std::vector<std::string>> cases[] = {
       {{}, {"rest:"}},
       {{"ab\ncd\n"}, {"ab", "cd", "rest:"}},

@@ -36,7 +36,7 @@ std::vector<std::string> documentedLines() {
   return lines;
 }
 
-TEST(MessagesTest, EachDocumentedLineIsReadAndWrittenAsItStands) {
+TEST(Messages, EachDocumentedLineIsReadAndWrittenAsItStands) {
   std::map<std::uint64_t, Method> methods;
   std::set<Method> asked;
   std::set<std::size_t> replied;
@@ -67,7 +67,7 @@ TEST(MessagesTest, EachDocumentedLineIsReadAndWrittenAsItStands) {
   EXPECT_EQ(transfers, 2);
 }
 
-TEST(MessagesTest, TheDocumentedRefusalsAreThoseThatAreSent) {
+TEST(Messages, TheDocumentedRefusalsAreThoseThatAreSent) {
   const std::vector<std::string> documented = documentedLines();
   for (const char* line :
        {"launch",
@@ -79,7 +79,7 @@ TEST(MessagesTest, TheDocumentedRefusalsAreThoseThatAreSent) {
   }
 }
 
-TEST(MessagesTest, WhatAPersonWroteComesBackAsItWasSent) {
+TEST(Messages, WhatAPersonWroteComesBackAsItWasSent) {
   const Request requests[] = {
       TimelineRequest{"with \"quotes\"\nand lines"},
       RenderRequest{"A", entry, std::nullopt},
@@ -95,7 +95,7 @@ TEST(MessagesTest, WhatAPersonWroteComesBackAsItWasSent) {
   }
 }
 
-TEST(MessagesTest, AReplyMayBeEmptyOrLackWhatCameLater) {
+TEST(Messages, AReplyMayBeEmptyOrLackWhatCameLater) {
   const std::string item = R"({"kind":"A","displayName":"","description":"","families":[])";
   const std::string later = R"(,"languages":[],"linkSchemes":[])";
   const std::string timeline = R"({"entries":[],"policy":{"after":"2026-03-07T09:10:03.250Z"}})";
@@ -114,7 +114,7 @@ TEST(MessagesTest, AReplyMayBeEmptyOrLackWhatCameLater) {
   }
 }
 
-TEST(MessagesTest, ABadRequestIsRefusedByItsNumberWhereThatCanBeRead) {
+TEST(Messages, ABadRequestIsRefusedByItsNumberWhereThatCanBeRead) {
   const std::tuple<const char*, std::optional<std::uint64_t>, int, const char*> cases[] = {
       {"", std::nullopt, parseError, "invalid JSON at line 1, column 1"},
       {"\xFF\xFE", std::nullopt, parseError, "invalid JSON"},
@@ -146,7 +146,7 @@ TEST(MessagesTest, ABadRequestIsRefusedByItsNumberWhereThatCanBeRead) {
   }
 }
 
-TEST(MessagesTest, WhatIsNoMessageOfTheExtensionIsToldInWords) {
+TEST(Messages, WhatIsNoMessageOfTheExtensionIsToldInWords) {
   std::string countless = "[]";
   for (std::size_t i = 0; i < maxValues; ++i) {
     countless += ",[]";
@@ -174,7 +174,7 @@ TEST(MessagesTest, WhatIsNoMessageOfTheExtensionIsToldInWords) {
   }
 }
 
-TEST(MessagesTest, AReplyToNoRequestUnderWayIsNotRead) {
+TEST(Messages, AReplyToNoRequestUnderWayIsNotRead) {
   for (const char* line :
        {R"({"id":9,"result":"anything"})", R"({"id":9,"error":{"code":1,"message":""}})"}) {
     const auto message = decodeFromExtension(line, [](std::uint64_t) { return std::nullopt; });
@@ -183,7 +183,7 @@ TEST(MessagesTest, AReplyToNoRequestUnderWayIsNotRead) {
   }
 }
 
-TEST(MessagesTest, AnAnswerThatNoFrameHoldsBecomesARefusal) {
+TEST(Messages, AnAnswerThatNoFrameHoldsBecomesARefusal) {
   const std::size_t rest = encode(NumberedReply{5, Entry{Date(), ""}}).size();
   const std::string longest(maxFrame - rest, 'x');
   EXPECT_EQ(encode(NumberedReply{5, Entry{Date(), longest}}).size(), maxFrame);

@@ -191,7 +191,7 @@ TEST_F(DemoGatewayTest, SummaryIsThatOfTheDocuments) {
   }
 }
 
-TEST(DemoDocumentsTest, ThereIsSomethingToShowOnEveryDay) {
+TEST(Documents, ThereIsSomethingToShowOnEveryDay) {
   for (const Day day : {Day{2026, 1, 1}, Day{2028, 2, 29}, Day{2026, 12, 31}}) {
     const std::vector<Document> documents = documentsOn(day);
     Query query;
@@ -292,7 +292,7 @@ TEST_F(DemoGatewayTest, FaultsAreLimitedToAPathAndACount) {
   EXPECT_EQ(gateway_.answer(list).status, 200);
 }
 
-TEST(DemoFaultTest, WrongItemsAreRefused) {
+TEST(Faults, WrongItemsAreRefused) {
   for (const char* items : {"", "slow", "drop,", "shape=round", "count=0", "path=/etc"}) {
     EXPECT_FALSE(Fault::parse(items)) << items;
   }

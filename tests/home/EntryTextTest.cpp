@@ -53,7 +53,7 @@ TEST_F(EntryTextTest, ShowsAnyRecord) {
       "2026-03-08 01:35:03\n  records  (none)\n");
 }
 
-TEST(TextTableTest, AlignsByTheWidthOnTheTerminal) {
+TEST(TextTable, AlignsByTheWidthOnTheTerminal) {
   TextTable table;
   table.addRow({{"é"}, {"1", true}, {"x"}});
   table.addRow({{"e\xCC\x81\xCC\xA3"}, {"100", true}});

@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using enum FileEvent;
 
-TEST(ReplacementRuleTest, CountsOnceNobodyWritesAndAMomentHasPassed) {
+TEST(ReplacementRule, CountsOnceNobodyWritesAndAMomentHasPassed) {
   using Step = std::tuple<std::chrono::milliseconds, std::string, FileEvent>;
   // When it counts as replaced; 0: never.
   const std::tuple<const char*, std::vector<Step>, std::chrono::milliseconds> cases[] = {

@@ -41,7 +41,7 @@ Array rows(std::size_t count) {
   return list;
 }
 
-class WidgetGoldens : public ::testing::Test {
+class WidgetGoldensTest : public ::testing::Test {
  protected:
   DisplayList composed(const ui::View& view, const CardRequest& request) {
     const auto pictureSize = [this](const std::string& name) {
@@ -81,7 +81,7 @@ class WidgetGoldens : public ::testing::Test {
   Pictures pictures_{bundle_};
 };
 
-TEST_F(WidgetGoldens, SmallFigures) {
+TEST_F(WidgetGoldensTest, SmallFigures) {
   const std::vector<std::pair<std::string, std::string>> figures{
       {"zero", "0"}, {"plain", "1234.5"}, {"negative", "-20"}, {"capped", "12000"}};
   for (const auto& [state, figure] : figures) {
@@ -94,7 +94,7 @@ TEST_F(WidgetGoldens, SmallFigures) {
   expectText("pending-long", quillpad::PendingSmallView{"98765432109876543210"}, {});
 }
 
-TEST_F(WidgetGoldens, MediumRows) {
+TEST_F(WidgetGoldensTest, MediumRows) {
   for (const std::size_t count : {0, 1, 2, 3, 7}) {
     const quillpad::UnpaidMediumView view{rows(count)};
     expectText("unpaid-rows-" + std::to_string(count), view, {.size = medium});
@@ -108,7 +108,7 @@ TEST_F(WidgetGoldens, MediumRows) {
   expectText("unpaid-rows-odd", odd, {.size = medium});
 }
 
-TEST_F(WidgetGoldens, DarkAppearanceAndOtherScreens) {
+TEST_F(WidgetGoldensTest, DarkAppearanceAndOtherScreens) {
   const quillpad::SalesMallView sales{"1234.5", "quillpad://Report"};
   expectText("sales-dark", sales, {}, ui::Appearance::dark);
   expectText("sales-at-3", sales, {.scale = 3});
@@ -118,7 +118,7 @@ TEST_F(WidgetGoldens, DarkAppearanceAndOtherScreens) {
   expectText("unpaid-dark-at-3", unpaid, {.size = medium, .scale = 3}, ui::Appearance::dark);
 }
 
-TEST_F(WidgetGoldens, RightToLeftLanguage) {
+TEST_F(WidgetGoldensTest, RightToLeftLanguage) {
   const LocalizedStrings strings(BUNDLE_FOLDER);
   const auto arabic = [&](const ui::View& view) {
     return ui::localized(view, [&](const std::string& key) { return strings.text(key, "ar"); });
@@ -136,7 +136,7 @@ TEST_F(WidgetGoldens, RightToLeftLanguage) {
 
 // Why three rows come with an inset above the header: the list is higher than the card and stands
 // out of its content area evenly, and header and last hairline are still in sight.
-TEST_F(WidgetGoldens, ThreeRowsStayInSight) {
+TEST_F(WidgetGoldensTest, ThreeRowsStayInSight) {
   const DisplayList list =
       composed(quillpad::UnpaidMediumView{rows(3)}, {.size = medium, .scale = 2});
   const auto& header = std::get<TextItem>(list.items.at(1).content);
@@ -147,7 +147,7 @@ TEST_F(WidgetGoldens, ThreeRowsStayInSight) {
 }
 
 // The comparison itself: what differs in one digit has to fail, and to say where.
-TEST_F(WidgetGoldens, TellADifference) {
+TEST_F(WidgetGoldensTest, TellADifference) {
   const DisplayList list = composed(quillpad::UnpaidSmallView{"4"}, {.kind = "unpaid-plain"});
   const auto result = matchesGolden("unpaid-plain.json", toJson(list, ui::Appearance::unspecified));
   EXPECT_FALSE(result);
@@ -155,7 +155,7 @@ TEST_F(WidgetGoldens, TellADifference) {
       result.message(), ::testing::HasSubstr("actual:     {\"type\":\"text\",\"text\":\"4\""));
 }
 
-TEST_F(WidgetGoldens, InBothAppearances) {
+TEST_F(WidgetGoldensTest, InBothAppearances) {
   expectPictures("sales", quillpad::SalesMallView{"1234.5", "quillpad://Report"}, {});
   expectPictures("unpaid-small", quillpad::UnpaidSmallView{"3"}, {});
   expectPictures("pending-small", quillpad::PendingSmallView{"5"}, {});
@@ -164,7 +164,7 @@ TEST_F(WidgetGoldens, InBothAppearances) {
 }
 
 // Nothing can be read of what was not fetched yet, by nobody.
-TEST_F(WidgetGoldens, Placeholder) {
+TEST_F(WidgetGoldensTest, Placeholder) {
   const quillpad::SalesMallView sales{"0", "quillpad://Report"};
   const quillpad::UnpaidMediumView unpaid{rows(3)};
   expectPictures("sales-placeholder", sales, {.redacted = true});
@@ -183,7 +183,7 @@ TEST_F(WidgetGoldens, Placeholder) {
   }
 }
 
-TEST_F(WidgetGoldens, APlaceholderHasABarForEachLine) {
+TEST_F(WidgetGoldensTest, APlaceholderHasABarForEachLine) {
   const ui::View text = ui::Text::verbatim("two lines of text").font({20, ui::Weight::regular});
   const CardRequest request{.size = {100, 60}, .redacted = true};
   const DisplayList list = composed(text, request);
@@ -196,7 +196,7 @@ TEST_F(WidgetGoldens, APlaceholderHasABarForEachLine) {
 }
 
 // A comparison that cannot fail would prove nothing above.
-TEST_F(WidgetGoldens, AnotherFigureIsAnotherPicture) {
+TEST_F(WidgetGoldensTest, AnotherFigureIsAnotherPicture) {
   const GoldenFolders folders{home_.path() / "goldens", home_.path() / "left"};
   const auto sales = [&](const char* figure) {
     return draw(quillpad::SalesMallView{figure, "quillpad://Report"}, {}, ui::Appearance::light);

@@ -24,7 +24,7 @@ using ::testing::SizeIs;
 
 constexpr double unbound = std::numeric_limits<double>::infinity();
 
-class Texts : public ::testing::Test {
+class TextTest : public ::testing::Test {
  protected:
   static ui::Text text(std::string characters, double size = 15) {
     return ui::Text::verbatim(std::move(characters)).font({size, ui::Weight::regular});
@@ -63,7 +63,7 @@ class Texts : public ::testing::Test {
   TextPlace place{.language = "en"};
 };
 
-TEST_F(Texts, ShowEveryScriptInAFontMadeForIt) {
+TEST_F(TextTest, ShowEveryScriptInAFontMadeForIt) {
   const std::tuple<const char*, const char*, std::vector<std::string>> cases[] = {
       {"Crème brûlée Ærø €5", "en", {"Inter"}},
       {"Привет Ελλάδα", "en", {"Inter"}},
@@ -91,7 +91,7 @@ TEST_F(Texts, ShowEveryScriptInAFontMadeForIt) {
   }
 }
 
-TEST_F(Texts, KeepWhatBelongsTogetherInOneGlyph) {
+TEST_F(TextTest, KeepWhatBelongsTogetherInOneGlyph) {
   for (const char* picture : {"👨‍👩‍👧‍👦", "🇩🇪", "👍🏽", "1️⃣", "❤️"}) {
     const TextEngine::Setting setting = set(picture);
     ASSERT_THAT(setting.runs, SizeIs(1)) << picture;
@@ -104,7 +104,7 @@ TEST_F(Texts, KeepWhatBelongsTogetherInOneGlyph) {
   EXPECT_EQ(measure("q\u0308"), measure("q"));
 }
 
-TEST_F(Texts, LeaveOutWhatCannotBeShown) {
+TEST_F(TextTest, LeaveOutWhatCannotBeShown) {
   const std::pair<std::string, std::string> cases[] = {
       {std::string("a\0b", 3), "ab"},
       {"a\x01\x1b[0m\x7f", "a[0m"},
@@ -128,7 +128,7 @@ TEST_F(Texts, LeaveOutWhatCannotBeShown) {
   EXPECT_EQ(measure("\x01"), (Size{0, 0}));
 }
 
-TEST_F(Texts, TakeTheLineHeightOfThePhone) {
+TEST_F(TextTest, TakeTheLineHeightOfThePhone) {
   const std::tuple<double, double, double> cases[] = {
       {11, 13.5, 40 / 3.0}, {12, 14.5, 43 / 3.0}, {15, 18, 18}, {17, 20.5, 61 / 3.0}, {20, 24, 24}};
   for (const auto& [points, at2, at3] : cases) {
@@ -142,7 +142,7 @@ TEST_F(Texts, TakeTheLineHeightOfThePhone) {
   EXPECT_EQ(measure("a\nb\nc").height, 54);  // 3 x 17.901, rounded up once
 }
 
-TEST_F(Texts, WrapAtWordsAndEndInAnEllipsis) {
+TEST_F(TextTest, WrapAtWordsAndEndInAnEllipsis) {
   const std::string words = "one two three-four five";
   const std::tuple<double, double, const char*, int> cases[] = {
       {unbound, unbound, "one two three-four five", 1},
@@ -170,7 +170,7 @@ TEST_F(Texts, WrapAtWordsAndEndInAnEllipsis) {
 }
 
 // The layout gives a text the frame that was measured, and draws what fits that frame.
-TEST_F(Texts, ShowTheSameInTheFrameThatTheyAskedFor) {
+TEST_F(TextTest, ShowTheSameInTheFrameThatTheyAskedFor) {
   const std::vector<std::string> samples{
       "A very long client name, that cannot fit",
       "Donaudampfschifffahrtsgesellschaft",
@@ -194,7 +194,7 @@ TEST_F(Texts, ShowTheSameInTheFrameThatTheyAskedFor) {
   }
 }
 
-TEST_F(Texts, ReadFromTheRightWhereTheyBeginThere) {
+TEST_F(TextTest, ReadFromTheRightWhereTheyBeginThere) {
   const TextEngine::Setting mixed = set("שלום Acme");
   ASSERT_THAT(familiesOf(mixed), ElementsAre("Inter", "Noto Sans Hebrew"));
   EXPECT_LT(start(mixed.runs[0]), start(mixed.runs[1]));
@@ -206,7 +206,7 @@ TEST_F(Texts, ReadFromTheRightWhereTheyBeginThere) {
 }
 
 // Wrapped or not, Arabic or Latin: the card's direction decides, as it does for whole views.
-TEST_F(Texts, StartTheirLinesAtTheEdgeWhereTheCardBegins) {
+TEST_F(TextTest, StartTheirLinesAtTheEdgeWhereTheCardBegins) {
   for (const std::string words : {"مرحبا بالعالم", "Hello world, and", "12"}) {
     for (const bool rightToLeft : {false, true}) {
       place.rightToLeft = rightToLeft;
@@ -225,7 +225,7 @@ TEST_F(Texts, StartTheirLinesAtTheEdgeWhereTheCardBegins) {
 }
 
 // What a reader of the letters would see: the system font draws no other character in their place.
-TEST_F(Texts, ShowEachCharacterAsReceived) {
+TEST_F(TextTest, ShowEachCharacterAsReceived) {
   const auto expectAsReceived = [&](const std::string& characters) {
     const TextEngine::Setting setting = set(characters);
     ASSERT_THAT(setting.runs, SizeIs(1));
@@ -254,7 +254,7 @@ TEST_F(Texts, ShowEachCharacterAsReceived) {
   EXPECT_LT(measure("AVAVAV").width, measure("AAAVVV").width - 3);  // kerned
 }
 
-TEST_F(Texts, ShowASoftHyphenWhereALineBreaksAtItOnly) {
+TEST_F(TextTest, ShowASoftHyphenWhereALineBreaksAtItOnly) {
   const FT_UInt hyphen = FT_Get_Char_Index(fonts.face(FontBook::system(ui::Weight::regular)), '-');
   const double hyphenated = measure("auto-").width;
   const std::tuple<const char*, double, std::vector<double>> cases[] = {
@@ -281,7 +281,7 @@ TEST_F(Texts, ShowASoftHyphenWhereALineBreaksAtItOnly) {
 }
 
 // Neither the fonts that are open already nor what was measured before takes part.
-TEST_F(Texts, LookTheSameWhateverWasDrawnBefore) {
+TEST_F(TextTest, LookTheSameWhateverWasDrawnBefore) {
   const std::vector<std::pair<std::string, std::string>> names{
       {"★ Star Café", "en"}, {"Ⱡ ⱥ ꜳ", "en"},    {"ᴀᴄᴍᴇ ﷼ ⌘", "en"},      {"שלום ★", "he"},
       {"مرحبا ﷺ", "ar"},     {"直 ⺀ ㍿", "ja"}, {"直 ⺀ ㍿", "zh-Hans"}, {"안녕 直", "ko"},
@@ -329,7 +329,7 @@ TEST_F(Texts, LookTheSameWhateverWasDrawnBefore) {
   EXPECT_EQ(other.measure(text(word), place, whole), before);
 }
 
-TEST_F(Texts, OfAMegabyteCostNoMoreThanWhatTheyShow) {
+TEST_F(TextTest, OfAMegabyteCostNoMoreThanWhatTheyShow) {
   const std::pair<const char*, std::vector<const char*>> cases[] = {
       {"letters",
        {"word ", "x", "漢", "مرحبا ", "\n", "e\u0301", "👍🏽", "\u202bא", "漢a", "ab\u00AD"}},
@@ -360,7 +360,7 @@ TEST_F(Texts, OfAMegabyteCostNoMoreThanWhatTheyShow) {
   }
 }
 
-TEST_F(Texts, KeepAsManyMarksAsPeopleWriteAndEndWhereTheyAreCut) {
+TEST_F(TextTest, KeepAsManyMarksAsPeopleWriteAndEndWhereTheyAreCut) {
   const auto marked = [](int count) {
     std::string characters = "a";
     for (int i = 0; i < count; ++i) {
@@ -375,7 +375,7 @@ TEST_F(Texts, KeepAsManyMarksAsPeopleWriteAndEndWhereTheyAreCut) {
   EXPECT_THAT(set(std::string(100'000, 'x')).text, EndsWith("x…"));
 }
 
-TEST_F(Texts, AreTheSameFromTheCacheAndAfterIt) {
+TEST_F(TextTest, AreTheSameFromTheCacheAndAfterIt) {
   const Size before = measure("Acme Studio");
   for (int i = 0; i < 5000; ++i) {
     measure("Client number " + std::to_string(i));

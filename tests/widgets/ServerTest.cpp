@@ -237,7 +237,7 @@ TEST_F(ServerTest, ListsItsWidgetsWithTheLanguagesOfItsBundle) {
   EXPECT_EQ(item.linkSchemes, std::vector<std::string>{"note"});
 }
 
-TEST(CompletionTest, EndsOnceWithTheAnswerOrWithNothing) {
+TEST(Completion, EndsOnceWithTheAnswerOrWithNothing) {
   std::vector<std::optional<int>> ends;
   const auto make = [&] {
     return widgets::Completion<int>([&](std::optional<int> answer) { ends.push_back(answer); });
