@@ -1,7 +1,9 @@
 #include "platform/paint/Canvas.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
+#include <tuple>
 
 namespace quillpad::drawing {
 
@@ -60,7 +62,9 @@ void IndexedCanvas::start(int width, int height, ui::Rgba background) {
     bytes_.assign(stride * static_cast<std::size_t>(height) + GlyphMask::step, 0);
   }
   marked_.assign(static_cast<std::size_t>(height), 0);
-  palette_.assign(1, background);
+  palette_.clear();
+  slots_.fill(0);
+  add(background);
   ramps_.clear();
   corner_.fill(unknown);
   full_ = false;
@@ -86,17 +90,34 @@ std::uint8_t* IndexedCanvas::row(int x, int y) {
   return bytes_.data() + line * (1 + static_cast<std::size_t>(width_)) + 1 + x;
 }
 
-std::uint8_t IndexedCanvas::indexOf(ui::Rgba color) {
-  const auto found = std::ranges::find(palette_, color);
-  if (found == palette_.end()) {
-    if (palette_.size() == paletteSize) {
-      full_ = true;
-      return 0;
-    }
-    palette_.push_back(color);
-    return static_cast<std::uint8_t>(palette_.size() - 1);
+std::uint16_t& IndexedCanvas::slotOf(ui::Rgba color) {
+  constexpr std::uint32_t spread = 0x9e3779b1;
+  static_assert(std::tuple_size_v<decltype(slots_)> == 1U << 9U);
+  std::size_t slot = std::bit_cast<std::uint32_t>(color) * spread >> (32U - 9U);
+  while (slots_[slot] != 0 && palette_[slots_[slot] - 1U] != color) {
+    slot = (slot + 1) % slots_.size();
   }
-  return static_cast<std::uint8_t>(found - palette_.begin());
+  return slots_[slot];
+}
+
+void IndexedCanvas::add(ui::Rgba color) {
+  std::uint16_t& slot = slotOf(color);
+  palette_.push_back(color);
+  if (slot == 0) {
+    slot = static_cast<std::uint16_t>(palette_.size());
+  }
+}
+
+std::uint8_t IndexedCanvas::indexOf(ui::Rgba color) {
+  if (const int known = slotOf(color); known != 0) {
+    return static_cast<std::uint8_t>(known - 1);
+  }
+  if (palette_.size() == paletteSize) {
+    full_ = true;
+    return 0;
+  }
+  add(color);
+  return static_cast<std::uint8_t>(palette_.size() - 1);
 }
 
 int IndexedCanvas::ramp() {
@@ -111,7 +132,7 @@ int IndexedCanvas::ramp() {
   if (palette_.size() + fullCoverage <= paletteSize) {
     rampBase_ = static_cast<int>(palette_.size()) - 1;
     for (int level = 1; level <= fullCoverage; ++level) {
-      palette_.push_back(over(palette_[0], color_, level));
+      add(over(palette_[0], color_, level));
     }
   }
   ramps_.push_back({color_, rampBase_});

@@ -56,6 +56,9 @@ class IndexedCanvas final : public Canvas {
   std::uint8_t* row(int x, int y);
   // Forgets what was found out for the color.
   void forgetColor();
+  // Where the color is noted, or is to be.
+  std::uint16_t& slotOf(ui::Rgba color);
+  void add(ui::Rgba color);
   std::uint8_t indexOf(ui::Rgba color);
   std::uint8_t mixed(std::uint8_t under, int level);
   void mix(std::uint8_t* pixels, std::span<const Coverage> levels);
@@ -75,6 +78,7 @@ class IndexedCanvas final : public Canvas {
   std::vector<std::uint8_t> bytes_;
   std::vector<std::uint8_t> marked_;
   std::vector<ui::Rgba> palette_;
+  std::array<std::uint16_t, 512> slots_{};  // by hash, one more than the first index of a color
   std::vector<Ramp> ramps_;
   std::array<std::int16_t, fullCoverage + 1> corner_{};  // what is left of the background
   bool full_ = false;
