@@ -687,10 +687,8 @@ TEST_F(SupervisorTest, APictureIsOverdueAMinuteAfterItsReloadTimeAndOnceItIsGive
   pass(1min - 1ms);
   EXPECT_FALSE(widget("A").overdue);
   EXPECT_EQ(supervisor.nextDeadline(), uptime + 1ms);
-  const std::uint64_t version = widget("A").version;
   pass(1ms);
   EXPECT_TRUE(widget("A").overdue);
-  EXPECT_GT(widget("A").version, version);
   supervisor.reload(now());
   EXPECT_TRUE(widget("A").overdue) << "to be asked again makes it no newer";
   deliverBoth("a2", "b2");
@@ -894,10 +892,8 @@ TEST_F(SupervisorTest, AnotherProgramTakesOverBetweenRequestsAndRendersAllAnew) 
   EXPECT_THAT(done(), UnorderedElementsAre("render A", "render B"));
   answer("render A", channel::Rendering{ui::Text::verbatim("new")});
   EXPECT_THAT(shown("A"), "a1") << "some of either program";
-  const std::uint64_t version = widget("A").version;
   answer("render B", channel::Rendering{ui::Text::verbatim("new")});
   EXPECT_THAT(shown("A") + shown("B"), "a2b2");
-  EXPECT_GT(widget("A").version, version);
   EXPECT_EQ(supervisor.programVersion(), 1U);
   EXPECT_THAT(done(), UnorderedElementsAre("timeline A", "timeline B"));
 }

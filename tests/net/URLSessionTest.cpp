@@ -652,6 +652,20 @@ TEST_F(URLSessionTest, ProcessEndsCleanlyWhileTransfersRun) {
       },
       testing::ExitedWithCode(7),
       "");
+  // A completion that is being called has a moment to end.
+  EXPECT_EXIT(
+      {
+        std::promise<void> called;
+        start(requestFor("http://localhost/"), [&](auto&&...) {
+          called.set_value();
+          std::this_thread::sleep_for(50ms);
+          std::fputs("it ended", stderr);
+        });
+        called.get_future().wait();
+        std::exit(7);
+      },
+      testing::ExitedWithCode(7),
+      "it ended");
   // From within a completion, too, where the session must not wait for itself.
   EXPECT_EXIT(
       {

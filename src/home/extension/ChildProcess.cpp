@@ -55,7 +55,7 @@ struct Child {
   std::vector<char*> arguments;
   std::vector<char*> environment;
   std::vector<int> descriptors;
-  int failure = -1;  // takes errno where the program cannot be run
+  int failure{};  // takes errno where the program cannot be run
   pid_t parent = 0;
   const Confinement* confinement = nullptr;
 };
@@ -138,11 +138,9 @@ std::expected<FileDescriptor, int> movedUp(const FileDescriptor& descriptor) {
 // Why the program did not come to run; 0 where it does.
 int failureOf(const FileDescriptor& readEnd) {
   int error = 0;
-  ssize_t count = 0;
-  do {
-    // The other end is closed by the program's start or end, so this takes no longer than those.
-    count = ::read(readEnd.get(), &error, sizeof error);  // NOLINT(clang-analyzer-unix.Block*)
-  } while (count < 0 && errno == EINTR);
+  // The other end is closed by the program's start or end, so this takes no longer than those.
+  const ssize_t count = TEMP_FAILURE_RETRY(  // NOLINT(clang-analyzer-unix.Block*)
+      ::read(readEnd.get(), &error, sizeof error));
   return count > 0 ? error : 0;
 }
 
@@ -173,13 +171,18 @@ std::vector<pid_t> strays() {
   return result;
 }
 
+// Whether the process has ended, or does so within the time.
+bool endsWithin(const FileDescriptor& process, std::chrono::milliseconds time) {
+  pollfd ended{.fd = process.get(), .events = POLLIN, .revents = {}};
+  return ::poll(&ended, 1, static_cast<int>(time.count())) > 0;
+}
+
 // Ends and waits for the process, but not beyond the time.
 void end(pid_t process, Clock::time_point until) {
   const FileDescriptor descriptor(::pidfd_open(process, 0));
   ::kill(process, SIGKILL);
   const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - Clock::now());
-  pollfd ended{descriptor.get(), POLLIN, 0};
-  ::poll(&ended, 1, static_cast<int>(std::max(left, 0ms).count()));
+  endsWithin(descriptor, std::max(left, 0ms));
   ::waitpid(process, nullptr, WNOHANG);
 }
 
@@ -244,16 +247,12 @@ std::expected<ChildProcess, std::string> ChildProcess::start(ChildPlan plan) {
 ChildProcess::~ChildProcess() {
   if (process_) {
     kill();
-    pollfd ended{process_.get(), POLLIN, 0};
-    ::poll(&ended, 1, static_cast<int>(std::chrono::milliseconds(endingTimeout).count()));
+    endsWithin(process_, endingTimeout);
     reap();
   }
 }
 
-bool ChildProcess::hasEnded() const {
-  pollfd ended{process_.get(), POLLIN, 0};
-  return process_ && ::poll(&ended, 1, 0) > 0;
-}
+bool ChildProcess::hasEnded() const { return endsWithin(process_, 0ms); }
 
 void ChildProcess::kill() const {
   if (process_) {

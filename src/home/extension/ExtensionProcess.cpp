@@ -133,12 +133,14 @@ void ExtensionProcess::writePending() {
 }
 
 std::array<pollfd, 4> ExtensionProcess::descriptors() const {
-  const auto wanted = static_cast<short>(pending_.empty() ? POLLIN : POLLIN | POLLOUT);
+  const auto polled = [](int descriptor, int events) {
+    return pollfd{.fd = descriptor, .events = static_cast<short>(events), .revents = {}};
+  };
   return {
-      pollfd{child_.descriptor(), POLLIN, 0},
-      pollfd{channel_.get(), wanted, 0},
-      pollfd{output_.get(), POLLIN, 0},
-      pollfd{error_.get(), POLLIN, 0}};
+      polled(child_.descriptor(), POLLIN),
+      polled(channel_.get(), pending_.empty() ? POLLIN : POLLIN | POLLOUT),
+      polled(output_.get(), POLLIN),
+      polled(error_.get(), POLLIN)};
 }
 
 ExtensionProcess::Arrivals ExtensionProcess::take() {

@@ -1,13 +1,15 @@
 #include "home/extension/HomeLock.h"
 
-#include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
+#include <string_view>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include "home/extension/PrintedLine.h"
 #include "platform/os/UserFolders.h"
+#include "platform/os/WholeFile.h"
 
 namespace quillpad::home {
 namespace {
@@ -15,14 +17,10 @@ namespace {
 constexpr std::size_t maxAddressBytes = 256;
 
 // Without the page's key, as it may end up in a journal that others read.
-std::string addressIn(const FileDescriptor& file) {
-  std::array<char, maxAddressBytes> bytes{};
-  const ssize_t count = ::pread(file.get(), bytes.data(), bytes.size(), 0);
-  if (count <= 0) {
-    return "an address that it has not told yet";
-  }
-  const std::string_view address(bytes.data(), static_cast<std::size_t>(count));
-  return printableText(address.substr(0, address.find('?')));
+std::string addressIn(const std::filesystem::path& place) {
+  const std::string address = readWholeFile(place, maxAddressBytes).value_or("");
+  return address.empty() ? "an address that it has not told yet"
+                         : printableText(std::string_view(address).substr(0, address.find('?')));
 }
 
 }  // namespace
@@ -36,7 +34,7 @@ std::expected<HomeLock, std::string> HomeLock::take() {
   FileDescriptor file(::open(place.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (file && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
     return std::unexpected(
-        "a home screen is running already, at " + addressIn(file) +
+        "a home screen is running already, at " + addressIn(place) +
         "; open that (with its key it stands in " + place.string() + "), or stop it first");
   }
   return HomeLock(std::move(file));

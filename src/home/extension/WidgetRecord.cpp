@@ -213,7 +213,8 @@ void WidgetRecord::outdate(const Moment& now) {
 bool WidgetRecord::showRenewed() {
   const bool changed = renewal.made || keptRenewal.made;
   if (keptRenewal.made) {
-    forced(kept, "the kept picture").view = *std::exchange(keptRenewal, {}).made;
+    forced(kept, "the kept picture").view = *std::move(keptRenewal.made);
+    keptRenewal = {};
   }
   if (renewal.made) {
     takeOver(*std::move(renewal.made));

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "platform/foundation/Fatal.h"
+
 namespace quillpad::home {
 namespace {
 
@@ -128,12 +130,11 @@ std::string noticeOf(
   if (supervisor.isSignedOut()) {
     return signInHint;
   }
-  const std::optional<Problem>& lastEnd = supervisor.lastEnd();
-  if (!lastEnd || !supervisor.keepsEnding()) {
+  if (!supervisor.keepsEnding()) {
     return "";
   }
   const bool gaveUp = supervisor.life() == Supervisor::Life::gaveUp;
-  return inPlainWords(*lastEnd, language) + " " +
+  return inPlainWords(forced(supervisor.lastEnd(), "the last end"), language) + " " +
          (gaveUp ? language.text("It failed five times in a row, so it is not started again until "
                                  "you reload.")
                  : language.text("It is started again shortly."));

@@ -8,6 +8,11 @@
 #include "platform/foundation/Fatal.h"
 
 namespace quillpad {
+namespace {
+
+constexpr int notASocket = -1;
+
+}  // namespace
 
 // Neither the timer nor the waker is ever read: triggered by edges, each of their events is told
 // once. Of the threads that wait, the kernel wakes the one that began last.
@@ -16,7 +21,7 @@ Poller::Poller()
       timer_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)),
       waker_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
   for (const FileDescriptor* own : {&timer_, &waker_}) {
-    epoll_event event{.events = EPOLLIN | EPOLLET, .data = {.fd = -1}};
+    epoll_event event{.events = EPOLLIN | EPOLLET, .data = {.fd = notASocket}};
     if (::epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, own->get(), &event) != 0) {
       fatal("the URL session has no file descriptors to wait with");
     }
@@ -29,8 +34,6 @@ void Poller::watch(int socket, std::uint32_t events) {
     ::epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, socket, &event);
   }
 }
-
-void Poller::forget(int socket) { ::epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, socket, nullptr); }
 
 void Poller::setAlarm(Clock::time_point time) {
   const auto sinceBoot = time.time_since_epoch();  // as the kernel counts too
@@ -47,7 +50,7 @@ std::vector<int> Poller::wait() {
   const int count = ::epoll_wait(epoll_.get(), events.data(), events.size(), -1);
   std::vector<int> sockets;
   for (int i = 0; i < count; ++i) {
-    if (events[i].data.fd >= 0) {
+    if (events[i].data.fd != notASocket) {
       sockets.push_back(events[i].data.fd);
     }
   }

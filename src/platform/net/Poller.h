@@ -21,7 +21,6 @@ class Poller {
   // Has it told when one of these events (of EPOLLIN and EPOLLOUT) is next, or an error, and
   // nothing more until the socket is watched again.
   void watch(int socket, std::uint32_t events);
-  void forget(int socket);
 
   // Has one waiting thread go on at that time; an alarm set before is none any more.
   void setAlarm(Clock::time_point time);

@@ -99,7 +99,7 @@ std::string acceptedLanguages() {
 // close-notify or a late answer that waits to be read. On HTTP/2 libcurl does the reading, since
 // other streams may wait for what comes.
 bool isClosedByServer(CURL* handle) {
-  long newConnections = 0;
+  long newConnections{};
   curl_easy_getinfo(handle, CURLINFO_NUM_CONNECTS, &newConnections);
   if (newConnections > 0) {
     return false;
@@ -108,13 +108,13 @@ bool isClosedByServer(CURL* handle) {
   curl_easy_getinfo(handle, CURLINFO_TLS_SSL_PTR, &session);
   SSL* tls = static_cast<SSL*>(session->internals);
   const unsigned char* protocol = nullptr;
-  unsigned length = 0;
+  unsigned length{};
   SSL_get0_alpn_selected(tls, &protocol, &length);
   if (std::string_view(reinterpret_cast<const char*>(protocol), length) == "h2") {
     return (SSL_get_shutdown(tls) & SSL_RECEIVED_SHUTDOWN) != 0;
   }
   ERR_clear_error();
-  char byte = 0;
+  char byte{};
   return SSL_get_error(tls, SSL_peek(tls, &byte, 1)) != SSL_ERROR_WANT_READ;
 }
 
@@ -230,9 +230,9 @@ Transfer::Clock::time_point Transfer::deadline() const {
 }
 
 bool Transfer::endExchange(CURL* handle, CURLcode result) {
-  curl_off_t sent = 0;
-  curl_off_t received = 0;
-  long status = 0;
+  curl_off_t sent{};
+  curl_off_t received{};
+  long status{};
   curl_easy_getinfo(handle, CURLINFO_SIZE_UPLOAD_T, &sent);
   curl_easy_getinfo(handle, CURLINFO_SIZE_DOWNLOAD_T, &received);
   curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &status);
@@ -281,7 +281,6 @@ bool Transfer::follow(CURL* handle) {
     request_.httpMethod = "GET";
     request_.httpBody.clear();
     request_.setValue(std::nullopt, "Content-Type");
-    request_.setValue(std::nullopt, "Content-Length");
   }
   request_.setValue(std::nullopt, "Authorization");
   return true;

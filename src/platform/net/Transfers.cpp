@@ -8,7 +8,6 @@
 namespace quillpad {
 
 Transfers::Transfers(Poller& poller) : poller_(poller) {
-  curl_multi_setopt(multi_, CURLMOPT_PIPELINING, CURLPIPE_MULTIPLEX);
   curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, 12L);
   curl_multi_setopt(multi_, CURLMOPT_SOCKETFUNCTION, &Transfers::onSocket);
   curl_multi_setopt(multi_, CURLMOPT_SOCKETDATA, this);
@@ -32,7 +31,7 @@ Transfers::List Transfers::advance(List arrivals, const std::vector<int>& socket
   }
   if (curlTimer_ <= Clock::now()) {
     curlTimer_ = Clock::time_point::max();
-    int running = 0;
+    int running{};
     curl_multi_socket_action(multi_, CURL_SOCKET_TIMEOUT, 0, &running);
   }
   endFinished();
@@ -43,7 +42,7 @@ Transfers::List Transfers::advance(List arrivals, const std::vector<int>& socket
 
 // libcurl looks itself what has happened.
 void Transfers::take(int socket) {
-  int running = 0;
+  int running{};
   curl_multi_socket_action(multi_, socket, 0, &running);
   if (const auto watched = sockets_.find(socket); watched != sockets_.end()) {
     poller_.watch(socket, watched->second);
@@ -54,8 +53,7 @@ int Transfers::onSocket(
     CURL* /*handle*/, curl_socket_t socket, int what, void* transfers, void* /*mark*/) {
   Transfers& self = *static_cast<Transfers*>(transfers);
   if (what == CURL_POLL_REMOVE) {
-    self.sockets_.erase(socket);
-    self.poller_.forget(socket);
+    self.sockets_.erase(socket);  // what is next of it wakes a thread in vain, once at most
   } else {
     const std::uint32_t events =
         ((what & CURL_POLL_IN) != 0 ? EPOLLIN : 0U) | ((what & CURL_POLL_OUT) != 0 ? EPOLLOUT : 0U);
@@ -104,7 +102,7 @@ void Transfers::end(CURL* handle, CURLcode result) {
 }
 
 void Transfers::endFinished() {
-  int waiting = 0;
+  int waiting{};
   while (const CURLMsg* message = curl_multi_info_read(multi_, &waiting)) {
     end(message->easy_handle, message->data.result);
   }

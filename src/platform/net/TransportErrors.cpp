@@ -69,7 +69,7 @@ TransportErrorCode certificateErrorCode(CURL* handle) {
 }
 
 TransportErrorCode connectErrorCode(CURL* handle) {
-  long systemError = 0;
+  long systemError{};
   curl_easy_getinfo(handle, CURLINFO_OS_ERRNO, &systemError);
   return systemError == ENETUNREACH ? notConnectedToInternet : cannotConnectToHost;
 }
