@@ -10,6 +10,7 @@
 #include "fixtures/Loopback.h"
 #include "fixtures/ScopedVariable.h"
 #include "fixtures/TemporaryHome.h"
+#include "home/ScriptedExtension.h"
 #include "home/page/HomeScreen.h"
 #include "platform/os/UserFolders.h"
 
@@ -168,6 +169,63 @@ TEST_F(HomeScreenTest, ADroppedRequestIsToldInTheExtensionsWordsAndTheHintWhereN
     EXPECT_THAT(page, HasSubstr("=\"placeholder\""));
     EXPECT_EQ(page.contains("the clock has stopped Wind it."), *mark == '\0');
   }
+}
+
+// Eighteen widgets, each of them two thousand texts.
+std::string heavyExtension() {
+  std::string catalogue;
+  for (char kind = 'A'; kind <= 'R'; ++kind) {
+    catalogue += catalogue.empty() ? "" : ",";
+    catalogue += R"({"kind":")" + std::string(1, kind) +
+                 R"(","displayName":"","description":"","families":["systemMedium"]})";
+  }
+  std::string texts = R"({"type":"spacer"})";
+  for (int i = 0; i < 2000; ++i) {
+    texts += R"(,{"type":"text","text":"some words and number )" + std::to_string(i) +
+             R"(","font":{"size":)" + std::to_string(9 + i % 20) + R"(,"weight":"regular"}})";
+  }
+  return "while read -r line <&3; do id=${line#*'\"id\":'}; id=${id%%[!0-9]*}; case $line in "
+         "*'\"catalogue\"'*) result='[" +
+         catalogue +
+         "]';; "
+         "*'\"render\"'*) result='{\"view\":{\"type\":\"vstack\",\"children\":[" +
+         texts +
+         "]}}';; "
+         "*'\"timeline\"'*) result='{\"entries\":[" +
+         anEntry +
+         "],\"policy\":{\"after\":\"2099-01-01T00:00:00.000Z\"}}';; "
+         "*) result='" +
+         anEntry +
+         "';; esac; "
+         "printf '{\"id\":%s,\"result\":%s}\\n' $id \"$result\" >&3; done";
+}
+
+// What they cost in time is spread over turns of the loop, and what they cost in bytes is bounded.
+TEST_F(HomeScreenTest, HeavyCardsKeepNobodyWaitingAndNoPageGrowing) {
+  const ScriptedExtension extension(heavyExtension());
+  screen_ = HomeScreen::start(extension.path(), 0, {}).value();
+  askUntil("GET /?view=process", "<bdi>R</bdi>");
+  askUntil("GET /?view=process", ">None.<");
+
+  std::string version = "0";
+  std::size_t answers = 0;
+  std::size_t cards = 0;
+  std::size_t refused = 0;
+  for (; cards < 18 && answers < 1000; ++answers) {
+    const std::string changes = ask("GET /changes?since=" + version);
+    for (std::size_t at = 0; (at = changes.find("data-kind", at)) != std::string::npos; ++at) {
+      ++cards;
+    }
+    for (std::size_t at = 0; (at = changes.find("24 MiB at most", at)) != std::string::npos; ++at) {
+      ++refused;
+    }
+    version = found(changes.substr(0, 1500), "\"version\":(\\d+)");
+  }
+  EXPECT_EQ(cards, 18U) << "each once";
+  EXPECT_GT(answers, 2U);
+  EXPECT_GT(refused, 0U);
+  EXPECT_LT(refused, 7U);
+  EXPECT_LT(ask("GET /").size(), std::size_t{26} * 1024 * 1024);
 }
 
 TEST_F(HomeScreenTest, ChangesNeedThePagesTokenAndSomethingToChange) {

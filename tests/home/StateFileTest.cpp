@@ -27,7 +27,8 @@ SavedHome example() {
       RenderedEntry{
           .source = EntrySource::timeline,
           .entry = {*dateFromIso8601("2026-03-07T09:05:03.250Z"), 23.89},
-          .view = ui::VStack(ui::Text::verbatim("Åse <b>"), ui::Spacer()).padding(16),
+          .view = std::make_shared<const ui::View>(
+              ui::VStack(ui::Text::verbatim("Åse <b>"), ui::Spacer()).padding(16)),
           .received = *dateFromIso8601("2026-03-07T09:05:04.000Z"),
           .failure = {
               {{-1004, "Could not connect to the server."},

@@ -27,8 +27,10 @@ struct EntryCodec {
 };
 
 struct ViewCodec {
-  static Value encode(const ui::View& view) { return ui::toValue(view); }
-  static ui::View decode(const Decoder& d) { return ui::viewFrom(d); }
+  static Value encode(const home::SharedView& view) { return ui::toValue(*view); }
+  static home::SharedView decode(const Decoder& d) {
+    return std::make_shared<const ui::View>(ui::viewFrom(d));
+  }
 };
 
 }  // namespace

@@ -394,7 +394,7 @@ void Supervisor::take(const Moment& now, const Pending& request, const channel::
              rendering != nullptr && request.purpose == Purpose::rendering) {
     takeRendering(request.kind, *rendering);
   } else if (rendering != nullptr && request.purpose == Purpose::keptRendering) {
-    recordOf(request.kind).keptRenewal.made = rendering->view;
+    recordOf(request.kind).keptRenewal.made = std::make_shared<const ui::View>(rendering->view);
   } else if (const auto* entry = std::get_if<channel::Entry>(&reply);
              entry != nullptr &&
              (request.purpose == Purpose::placeholder || request.purpose == Purpose::snapshot)) {
@@ -433,7 +433,7 @@ void Supervisor::takeRendering(const std::string& kind, const channel::Rendering
     return;
   }
   RenderedEntry picture = std::move(*awaited);
-  picture.view = rendering.view;
+  picture.view = std::make_shared<const ui::View>(rendering.view);
   if (picture.source == EntrySource::snapshot) {
     widget.snapshot = {.picture = std::move(picture)};
     ++snapshotVersion_;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -55,7 +56,7 @@ struct WidgetRecord {
   bool placeholderFailed = false;
 
   Renewal<RenderedEntry> renewal;
-  Renewal<ui::View> keptRenewal;
+  Renewal<SharedView> keptRenewal;
 
   Uptime due{};                  // of the next timeline
   std::optional<Date> reload{};  // the same for people

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,11 +22,14 @@ struct FailedTransfer : TransportError {
   Date since{};
 };
 
+using SharedView = std::shared_ptr<const ui::View>;
+
 // An entry and what it looks like.
 struct RenderedEntry {
   EntrySource source = EntrySource::placeholder;
   channel::Entry entry;
-  ui::View view = ui::Spacer{};  // until it is rendered
+  // What it looks like, a spacer until it is rendered. The same pointer is the same picture.
+  SharedView view = std::make_shared<const ui::View>(ui::Spacer{});
   Date received;
   // The transfer behind the entry failed: what it shows stands in for real data.
   std::optional<FailedTransfer> failure{};

@@ -265,6 +265,7 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
        {"count",
         count == 1 ? escaped(language.text("1 picture"))
                    : filledIn(language.text("{1} pictures"), {numberMarkup(count)})},
+       {"notice", escaped(frame.notice)},
        {"problem", escaped(problem)},
        {"widgets", sections}},
       language);

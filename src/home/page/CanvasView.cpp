@@ -76,10 +76,7 @@ LaterAnswer CanvasView::page(const Moment& now, const WebRequest& request, const
     if (!model) {
       return std::nullopt;
     }
-    return WebAnswer{
-        .contentType = "text/html; charset=utf-8",
-        .body = canvasPage(*model, frame).html(),
-        .headers = pageHeaders(frame)};
+    return pageAnswer(canvasPage(*model, frame), frame);
   }};
 }
 

@@ -184,6 +184,7 @@ Markup engineerPage(const EngineerModel& model, const PageFrame& frame) {
        {"starts", startSelect(model, language).markup()},
        {"entry", escaped(model.entryText)},
        {"wrongLine", escaped(std::to_string(model.wrongLine))},
+       {"notice", escaped(frame.notice)},
        {"warnings", warnings},
        {"columns", columns},
        {"details", details}},

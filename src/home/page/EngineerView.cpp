@@ -48,15 +48,9 @@ WebReply EngineerView::page(const Moment& now, const WebRequest& request, const 
   PreviewQuery query = PreviewQuery::parse(request);
   const channel::CatalogueItem* widget = choose(query);
   if (widget == nullptr) {
-    return WebAnswer{
-        .status = 404,
-        .contentType = "text/html; charset=utf-8",
-        .body = problemPage(
-                    frame.language.text("There is no widget of this kind, or the extension has not "
-                                        "listed its widgets yet."),
-                    frame)
-                    .html(),
-        .headers = pageHeaders(frame)};
+    const std::string problem = frame.language.text(
+        "There is no widget of this kind, or the extension has not listed its widgets yet.");
+    return pageAnswer(problemPage(problem, frame), frame, 404);
   }
   std::vector<Column> columns;
   for (const auto source :
@@ -70,10 +64,7 @@ WebReply EngineerView::page(const Moment& now, const WebRequest& request, const 
     if (!std::ranges::all_of(columns, &Column::isDone)) {
       return std::nullopt;
     }
-    return WebAnswer{
-        .contentType = "text/html; charset=utf-8",
-        .body = engineerPage(modelOf(query, widget, columns), frame).html(),
-        .headers = pageHeaders(frame)};
+    return pageAnswer(engineerPage(modelOf(query, widget, columns), frame), frame);
   }};
 }
 

@@ -7,11 +7,9 @@
 #include <utility>
 
 #include "home/extension/StateFile.h"
-#include "home/extension/WidgetStatus.h"
 #include "home/page/ProcessPage.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Clock.h"
-#include "platform/foundation/Json.h"
 #include "platform/foundation/Locale.h"
 #include "platform/os/Random.h"
 #include "platform/os/UserFolders.h"
@@ -20,9 +18,6 @@ namespace quillpad::home {
 namespace {
 
 using namespace std::chrono_literals;
-
-constexpr auto galleryTimeout = 5s;
-constexpr std::size_t maxKeptChanges = 100;
 
 // 128 bits that nobody can guess.
 std::string secret() { return randomHex(16); }
@@ -37,8 +32,8 @@ std::vector<std::filesystem::path> resourcesOf(
       samples.folder()};
 }
 
-WebAnswer html(std::string body) {
-  return {.contentType = "text/html; charset=utf-8", .body = std::move(body)};
+WebAnswer nothingHere() {
+  return {.status = 404, .body = "There is nothing here. The home screen is at /.\n"};
 }
 
 }  // namespace
@@ -70,7 +65,6 @@ HomeScreen::HomeScreen(
       token_(secret()),
       instance_(secret()),
       locale_(currentLocale()),
-      signInHint_(account.hint),
       relay_(STDERR_FILENO),
       program_(extension, resourcesOf(extension, samples)),
       widgets_(
@@ -79,7 +73,12 @@ HomeScreen::HomeScreen(
           account,
           [this](std::string_view line) { relay_.add(presentMoment().uptime, line); }),
       previews_(extension),
-      drawings_(cards_, locale_, [this](const std::string& line) { report(line); }),
+      live_(
+          widgets_.supervisor(),
+          cards_,
+          locale_,
+          account.hint,
+          [this](const std::string& line) { report(line); }),
       engineer_(widgets_.supervisor(), previews_, cards_, samples, locale_),
       canvas_(widgets_.supervisor(), previews_, engineer_, samples),
       switchboard_(std::move(switchboard)) {}
@@ -103,6 +102,9 @@ void HomeScreen::addDescriptors(std::vector<pollfd>& descriptors) const {
 }
 
 int HomeScreen::pollTimeout() const {
+  if (live_.isBehind()) {
+    return 0;
+  }
   std::chrono::milliseconds timeout = server_->pollTimeout();
   const Uptime now = presentMoment().uptime;
   for (const auto deadline :
@@ -119,6 +121,7 @@ int HomeScreen::pollTimeout() const {
 
 void HomeScreen::run() {
   const Moment now = presentMoment();
+  const bool hasDrawn = live_.beginTurn();
   server_->run();
   relay_.run(now.uptime);
   if (program_.run(now.uptime)) {
@@ -127,7 +130,7 @@ void HomeScreen::run() {
   widgets_.run(now);
   const bool previewed = previews_.run(now);
   const bool switched = switchboard_ && switchboard_->run();
-  if (previewed || switched || supervisor().version() != shownVersion_) {
+  if (hasDrawn || previewed || switched || supervisor().version() != shownVersion_) {
     shownVersion_ = supervisor().version();
     server_->wake();
   }
@@ -136,7 +139,7 @@ void HomeScreen::run() {
 void HomeScreen::takeUpProgram(const Moment& now) {
   relay_.add(now.uptime, "quillpad-home: the extension or its resources changed; starting it anew");
   cards_.forgetPictures();
-  drawings_.keepOnly([this](std::string_view kind) { return supervisor().isPlaced(kind); });
+  live_.forgetRemoved();
   previews_.programReplaced();
   widgets_.supervisor().programReplaced(now);
 }
@@ -160,49 +163,68 @@ WebReply HomeScreen::answer(const WebRequest& request) {
 }
 
 WebReply HomeScreen::answerToOwner(const WebRequest& request) {
+  using Answer = WebReply (HomeScreen::*)(const WebRequest&);
+  static constexpr std::pair<std::string_view, Answer> answers[]{
+      {"/", &HomeScreen::page},
+      {"/changes", &HomeScreen::changes},
+      {"/events", &HomeScreen::events},
+      {"/gallery", &HomeScreen::gallery},
+      {"/picture.svg", &HomeScreen::picture},
+      {"/picture.png", &HomeScreen::picture},
+      {"/canvas.zip", &HomeScreen::archive},
+      {"/switchboard", &HomeScreen::switchboardForm}};
   if (request.method == "POST") {
     return change(request);
   }
-  if (request.path == "/") {
-    const std::string_view view = request.parameter("view");
-    if (view == "engineer") {
-      return engineer_.page(presentMoment(), request, newFrame(request));
+  for (const auto& [path, answer] : answers) {
+    if (path == request.path) {
+      return (this->*answer)(request);
     }
-    if (view == "canvas") {
-      return canvas_.page(presentMoment(), request, newFrame(request));
-    }
-    if (view == "process") {
-      return processAnswer(newFrame(request));
-    }
-    return homeAnswer(request, view == "wall" ? HomeView::wall : HomeView::desk);
   }
-  if (request.path == "/picture.svg" || request.path == "/picture.png") {
-    return engineer_.picture(
-        presentMoment(),
-        request,
-        request.path.ends_with("svg") ? PictureFormat::svg : PictureFormat::png);
+  return nothingHere();
+}
+
+WebReply HomeScreen::page(const WebRequest& request) {
+  const std::string_view view = request.parameter("view");
+  const PageFrame frame = newFrame(request);
+  if (view == "engineer") {
+    return engineer_.page(presentMoment(), request, frame);
   }
-  if (request.path == "/canvas.zip") {
-    return canvas_.archive(presentMoment(), request);
+  if (view == "canvas") {
+    return canvas_.page(presentMoment(), request, frame);
   }
-  if (request.path == "/gallery") {
-    supervisor().openGallery(presentMoment());
-    return galleryAnswer(newFrame(request));
+  if (view == "process") {
+    return processAnswer(frame);
   }
-  if (request.path == "/switchboard" && switchboard_) {
-    return switchboard_->form(presentMoment(), newFrame(request));
-  }
-  if (request.path == "/events" || request.path == "/changes") {
-    const std::uint64_t version = seenVersion(request);
-    if (request.path == "/events") {
-      return eventsSince(version, newFrame(request));
-    }
-    auto changes = changesSince(version, newFrame(request));
-    return changes
-               ? WebAnswer{.contentType = "application/json; charset=utf-8", .body = std::move(*changes)}
-               : WebAnswer{.status = 500, .body = "The changes cannot be written.\n"};
-  }
-  return WebAnswer{.status = 404, .body = "There is nothing here. The home screen is at /.\n"};
+  return live_.page(view == "wall" ? HomeView::wall : HomeView::desk, frame);
+}
+
+WebReply HomeScreen::changes(const WebRequest& request) {
+  return live_.changes(seenVersion(request), newFrame(request));
+}
+
+WebReply HomeScreen::events(const WebRequest& request) {
+  return live_.events(seenVersion(request), newFrame(request));
+}
+
+WebReply HomeScreen::gallery(const WebRequest& request) {
+  supervisor().openGallery(presentMoment());
+  return live_.gallery(newFrame(request));
+}
+
+WebReply HomeScreen::picture(const WebRequest& request) {
+  return engineer_.picture(
+      presentMoment(),
+      request,
+      request.path.ends_with("svg") ? PictureFormat::svg : PictureFormat::png);
+}
+
+WebReply HomeScreen::archive(const WebRequest& request) {
+  return canvas_.archive(presentMoment(), request);
+}
+
+WebReply HomeScreen::switchboardForm(const WebRequest& request) {
+  return switchboard_ ? switchboard_->form(presentMoment(), newFrame(request)) : nothingHere();
 }
 
 // The version that the page has seen; 0, which is before all, where that was in another run.
@@ -223,25 +245,21 @@ WebReply HomeScreen::change(const WebRequest& request) {
   if (request.path == "/switchboard" && switchboard_) {
     return switchboard_->change(now, request, newFrame(request));
   }
+  return changeWidgets(now, request)
+             ? WebAnswer{.status = 204, .body = ""}
+             : WebAnswer{.status = 404, .body = "There is no such widget or change.\n"};
+}
+
+bool HomeScreen::changeWidgets(const Moment& now, const WebRequest& request) {
   const std::string_view kind = request.parameter("kind");
-  bool known = true;
-  if (request.path == "/reload") {
-    if (kind.empty()) {
-      supervisor().reload(now);
-    } else {
-      known = supervisor().reload(now, kind);
-    }
-  } else if (request.path == "/place") {
-    known = supervisor().place(now, kind);
-  } else if (request.path == "/remove") {
-    known = supervisor().remove(now, kind);
-  } else if (request.path == "/move") {
-    known = supervisor().move(kind, request.parameter("before"));
-  } else {
-    known = false;
+  if (request.path == "/reload" && kind.empty()) {
+    supervisor().reload(now);
+    return true;
   }
-  return known ? WebAnswer{.status = 204, .body = ""}
-               : WebAnswer{.status = 404, .body = "There is no such widget or change.\n"};
+  return (request.path == "/reload" && supervisor().reload(now, kind)) ||
+         (request.path == "/place" && supervisor().place(now, kind)) ||
+         (request.path == "/remove" && supervisor().remove(now, kind)) ||
+         (request.path == "/move" && supervisor().move(kind, request.parameter("before")));
 }
 
 PageFrame HomeScreen::newFrame(const WebRequest& request) const {
@@ -253,24 +271,10 @@ PageFrame HomeScreen::newFrame(const WebRequest& request) const {
       .version = supervisor().version(),
       .nonce = secret(),
       .cookie = access_.cookie(server_->port()),
+      .notice = live_.notice(language),
       .language = language,
       .chosenLanguage = chosen.empty() ? "" : std::string(language.tag()),
       .cardLanguage = Bundle::main().localization(locale_).value_or("en")};
-}
-
-WebAnswer HomeScreen::homeAnswer(const WebRequest& request, HomeView view) {
-  const PageFrame frame = newFrame(request);
-  HomeModel model{
-      .view = view,
-      .cards = {},
-      .notice = noticeOf(supervisor(), signInHint_, frame.language),
-      .empty = emptyText(frame.language)};
-  for (const WidgetState& card : supervisor().widgets()) {
-    model.cards.push_back(modelOf(card, frame.language));
-  }
-  WebAnswer answer = html(homePage(model, frame, currentDate()).html());
-  answer.headers = pageHeaders(frame);
-  return answer;
 }
 
 WebAnswer HomeScreen::processAnswer(const PageFrame& frame) const {
@@ -285,118 +289,11 @@ WebAnswer HomeScreen::processAnswer(const PageFrame& frame) const {
   for (const auto& [kind, timelines] : widgets_.log().timelinesOfTheDay(currentDate())) {
     model.budgets.push_back({kind, timelines});
   }
-  WebAnswer answer = html(processPage(model, frame).html());
-  answer.headers = pageHeaders(frame);
-  return answer;
-}
-
-// Waits for the snapshots that are still missing, as long as they may still come.
-LaterAnswer HomeScreen::galleryAnswer(const PageFrame& frame) {
-  const Uptime deadline = presentMoment().uptime + galleryTimeout;
-  const auto take = [this, deadline, frame]() -> std::optional<WebAnswer> {
-    std::vector<OfferModel> offers;
-    for (const channel::CatalogueItem& item : supervisor().catalogue()) {
-      const RenderedEntry* snapshot = supervisor().snapshot(item.kind);
-      if (snapshot == nullptr && supervisor().awaitsAnswers() &&
-          presentMoment().uptime < deadline) {
-        return std::nullopt;
-      }
-      offers.push_back(
-          {.about = &item,
-           .drawing = snapshot == nullptr
-                          ? nullptr
-                          : drawings_.ofSnapshot(item, *snapshot, supervisor().snapshotVersion()),
-           .placed = supervisor().isPlaced(item.kind)});
-    }
-    return html(galleryMarkup(offers, frame).html());
-  };
-  return {.take = take, .timeout = galleryTimeout};
-}
-
-EventStream HomeScreen::eventsSince(std::uint64_t version, const PageFrame& frame) {
-  return [this, version, frame]() mutable -> std::shared_ptr<const std::string> {
-    if (version == supervisor().version()) {
-      return nullptr;
-    }
-    if (changesVersion_ != supervisor().version() || changes_.size() > maxKeptChanges) {
-      changesVersion_ = supervisor().version();
-      changes_.clear();
-    }
-    auto& event = changes_[{version, std::string(frame.language.tag())}];
-    if (!event) {
-      if (const auto changes = changesSince(version, frame)) {
-        event = std::make_shared<const std::string>("data: " + *changes + "\n\n");
-      }
-    }
-    version = supervisor().version();
-    return event;
-  };
-}
-
-std::optional<std::string> HomeScreen::changesSince(std::uint64_t version, const PageFrame& frame) {
-  Array order;
-  Dictionary cards;
-  for (const WidgetState& card : supervisor().widgets()) {
-    order.emplace_back(card.about->kind);
-    if (card.version > version) {
-      cards.set(
-          card.about->kind, cardMarkup(modelOf(card, frame.language), frame, currentDate()).html());
-    }
-  }
-  const Dictionary changes{
-      {"instance", instance_},
-      {"since", version},
-      {"version", supervisor().version()},
-      {"program", supervisor().programVersion()},
-      {"notice", noticeOf(supervisor(), signInHint_, frame.language)},
-      {"empty", emptyText(frame.language)},
-      {"order", std::move(order)},
-      {"cards", std::move(cards)}};
-  auto text = writeJson(changes, JsonLayout::compact);
-  if (!text) {
-    report("the page's changes cannot be written: " + text.error().reason);
-    return std::nullopt;
-  }
-  return std::move(*text);
+  return pageAnswer(processPage(model, frame), frame);
 }
 
 void HomeScreen::report(const std::string& line) {
   relay_.add(presentMoment().uptime, "quillpad-home: " + line);
-}
-
-CardModel HomeScreen::modelOf(const WidgetState& widget, const Language& language) {
-  const CardDrawings::Drawn& drawn = drawings_.of(widget);
-  const std::string signInHint = supervisor().isSignedOut() ? signInHint_ : "";
-  CardModel model{
-      .about = widget.about,
-      .face =
-          {.drawing = drawn.card ? &*drawn.card : nullptr,
-           .status = statusOf(widget, signInHint, language)},
-      .reload = widget.reload,
-      .awaited = widget.awaited,
-      .slowSince = widget.slowSince};
-  const RenderedEntry* picture = widget.picture;
-  if (picture != nullptr && picture->source == EntrySource::timeline) {
-    model.face.updated = picture->received;
-  }
-  if (widget.kept != nullptr && drawn.kept && picture != nullptr && picture->failure) {
-    model.onPhone = std::exchange(
-        model.face,
-        {.drawing = &*drawn.kept,
-         .status = statusOfKept(widget, signInHint, language),
-         .updated = widget.kept->received,
-         .failingSince = picture->failure->since});
-  }
-  return model;
-}
-
-std::string HomeScreen::emptyText(const Language& language) const {
-  if (!supervisor().widgets().empty()) {
-    return "";
-  }
-  return supervisor().catalogue().empty()
-             ? language.text("The extension is starting…")
-             : language.text("No widget is placed. Add some with “Widgets”.");
 }
 
 }  // namespace quillpad::home

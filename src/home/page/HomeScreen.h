@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <expected>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <optional>
 #include <poll.h>
@@ -22,10 +21,9 @@
 #include "home/extension/Moment.h"
 #include "home/extension/PreviewSession.h"
 #include "home/extension/ProgramWatch.h"
-#include "home/extension/WidgetState.h"
 #include "home/page/CanvasView.h"
-#include "home/page/CardDrawings.h"
 #include "home/page/EngineerView.h"
+#include "home/page/LiveView.h"
 #include "home/page/Page.h"
 #include "home/page/PageAccess.h"
 #include "home/page/Switchboard.h"
@@ -69,42 +67,38 @@ class HomeScreen {
   const Supervisor& supervisor() const { return widgets_.supervisor(); }
   WebReply answer(const WebRequest& request);
   WebReply answerToOwner(const WebRequest& request);
+  WebReply page(const WebRequest& request);
+  WebReply changes(const WebRequest& request);
+  WebReply events(const WebRequest& request);
+  WebReply gallery(const WebRequest& request);
+  WebReply picture(const WebRequest& request);
+  WebReply archive(const WebRequest& request);
+  WebReply switchboardForm(const WebRequest& request);
   WebReply change(const WebRequest& request);
-  WebAnswer homeAnswer(const WebRequest& request, HomeView view);
+  bool changeWidgets(const Moment& now, const WebRequest& request);
   WebAnswer processAnswer(const PageFrame& frame) const;
   PageFrame newFrame(const WebRequest& request) const;
-  LaterAnswer galleryAnswer(const PageFrame& frame);
   std::uint64_t seenVersion(const WebRequest& request) const;
   void takeUpProgram(const Moment& now);
-  EventStream eventsSince(std::uint64_t version, const PageFrame& frame);
-  // Nothing where they cannot be written, which is reported.
-  std::optional<std::string> changesSince(std::uint64_t version, const PageFrame& frame);
   void report(const std::string& line);
-
-  CardModel modelOf(const WidgetState& widget, const Language& language);
-  std::string emptyText(const Language& language) const;
 
   PageAccess access_;
   std::string token_;
   std::string instance_;
   std::string locale_;
-  std::string signInHint_;
 
   LineRelay relay_;
   ProgramWatch program_;
   ExtensionDriver widgets_;
   PreviewSession previews_;
   CardRenderer cards_;
-  CardDrawings drawings_;
+  LiveView live_;
   EngineerView engineer_;
   CanvasView canvas_;
   std::unique_ptr<Switchboard> switchboard_;  // none where none was named
   std::unique_ptr<WebServer> server_;
 
   std::uint64_t shownVersion_ = 0;
-  // The events that lead to a version, by the version that a tab has seen before and its language.
-  std::uint64_t changesVersion_ = 0;
-  std::map<std::pair<std::uint64_t, std::string>, std::shared_ptr<const std::string>> changes_;
 };
 
 }  // namespace quillpad::home

@@ -189,7 +189,7 @@ Markup homePage(const HomeModel& model, const PageFrame& frame, Date now) {
   }
   const Markup body = filled(
       page::homeHtml,
-      {{"notice", escaped(model.notice)},
+      {{"notice", escaped(frame.notice)},
        {"cards", cards},
        {"empty", escaped(model.empty)},
        {"engineer", escaped(addressOf("engineer", frame))},
@@ -260,14 +260,21 @@ Markup languageField(const PageFrame& frame) {
              : filled(page::languageFieldHtml, {{"language", escaped(frame.chosenLanguage)}});
 }
 
-std::vector<std::pair<std::string, std::string>> pageHeaders(const PageFrame& frame) {
-  return {
+WebAnswer pageAnswer(const Markup& page, const PageFrame& frame, int status) {
+  WebAnswer answer = htmlAnswer(page);
+  answer.status = status;
+  answer.headers = {
       {"Content-Security-Policy",
        "default-src 'none'; style-src 'nonce-" + frame.nonce + "'; script-src 'nonce-" +
            frame.nonce +
            "'; img-src 'self' data:; connect-src 'self'; form-action 'self'; base-uri 'none'; "
            "frame-ancestors 'none'"},
       {"Set-Cookie", frame.cookie}};
+  return answer;
+}
+
+WebAnswer htmlAnswer(const Markup& part) {
+  return {.contentType = "text/html; charset=utf-8", .body = part.html()};
 }
 
 }  // namespace quillpad::home

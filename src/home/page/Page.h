@@ -10,6 +10,7 @@
 
 #include "home/extension/WidgetStatus.h"
 #include "home/page/Markup.h"
+#include "home/server/WebMessages.h"
 #include "platform/channel/Messages.h"
 #include "platform/foundation/Value.h"
 
@@ -44,6 +45,7 @@ struct PageFrame {
   std::uint64_t version = 0;  // of what is shown
   std::string nonce{};        // of this answer, for its style and scripts
   std::string cookie{};       // by which the browser is known from now on
+  std::string notice{};       // what there is to tell of the whole home screen
   Language language{};
   std::string chosenLanguage{};     // by the address; links keep it
   std::string cardLanguage = "en";  // of the extension's names and pictures
@@ -67,7 +69,6 @@ enum class HomeView { desk, wall };
 struct HomeModel {
   HomeView view = HomeView::desk;
   std::vector<CardModel> cards;
-  std::string notice;
   std::string empty;  // shown where there is no card
 };
 Markup homePage(const HomeModel& model, const PageFrame& frame, Date now);
@@ -88,7 +89,8 @@ std::string addressOf(std::string_view view, const PageFrame& frame);
 // The hidden field of a form by which its answer keeps that language; empty where there is none.
 Markup languageField(const PageFrame& frame);
 
-// The headers that a page goes out with.
-std::vector<std::pair<std::string, std::string>> pageHeaders(const PageFrame& frame);
+// A page with the headers that it goes out with; and a part of one.
+WebAnswer pageAnswer(const Markup& page, const PageFrame& frame, int status = 200);
+WebAnswer htmlAnswer(const Markup& part);
 
 }  // namespace quillpad::home

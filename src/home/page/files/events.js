@@ -58,12 +58,14 @@ function listen(take) {
 }
 
 // Says in the element what is most urgent: that nobody answers, why nothing new is shown, which it may say already, or what
-// the home screen notices.
+// the home screen notices, which it holds.
 function teller(element) {
-  const said = { lost: "", failure: element.textContent, notice: "" };
-  return (words) => {
+  const said = { lost: "", failure: element.textContent, notice: element.dataset.notice };
+  const say = (words) => {
     Object.assign(said, words);
     const most = said.lost || said.failure || said.notice;
     if (element.textContent !== most) element.textContent = most;
   };
+  say({});
+  return say;
 }
