@@ -13,14 +13,14 @@ const median = (values) => values.sort((a, b) => a - b)[Math.floor(values.length
 const round = (value) => Math.round(value * 10) / 10;
 const tell = (what, value) => console.log(`${what.padEnd(64)} ${value}`);
 
-// Resident and private megabytes, and seconds of processor time.
+// Resident and private MiB, and seconds of processor time.
 function usage(process) {
   const memory = readFileSync(`/proc/${process}/status`, "utf8");
-  const megabytes = (name) => round(Number(memory.match(new RegExp(`${name}:\\s+(\\d+)`))[1]) / 1024);
+  const mebibytes = (name) => round(Number(memory.match(new RegExp(`${name}:\\s+(\\d+)`))[1]) / 1024);
   const times = readFileSync(`/proc/${process}/stat`, "utf8").split(") ")[1].split(" ");
   return {
-    resident: megabytes("VmRSS"),
-    own: megabytes("RssAnon"),
+    resident: mebibytes("VmRSS"),
+    own: mebibytes("RssAnon"),
     seconds: (Number(times[11]) + Number(times[12])) / 100,
   };
 }
@@ -113,7 +113,7 @@ async function listenWith(count) {
     await pause(200);
   }
   tell(`a reload asked for, until the last of ${count} tabs hears (median of 5)`, `${round(median(times))} ms`);
-  tell("  the home screen", `${usage(world.home.pid).resident} MB resident`);
+  tell("  the home screen", `${usage(world.home.pid).resident} MiB resident`);
   tabs.forEach((tab) => tab.destroy());
   await world.end();
 }
@@ -128,8 +128,8 @@ async function hoursOfReloads() {
   await pause(60_000);
   const after = usage(world.home.pid);
   tell("60 rounds of reloads, one a second: five hours' worth", "");
-  tell("  resident before and after", `${before.resident} and ${after.resident} MB`);
-  tell("  private before and after", `${before.own} and ${after.own} MB`);
+  tell("  resident before and after", `${before.resident} and ${after.resident} MiB`);
+  tell("  private before and after", `${before.own} and ${after.own} MiB`);
   tell("  processor time a round", `${round(((after.seconds - before.seconds) * 1000) / 60)} ms`);
   await world.end();
 }
@@ -155,7 +155,7 @@ async function placeAll(copies) {
   tell("  the page", `${round(size / 1e6)} MB, ${round(median(times))} ms`);
   await pause(1500);
   const { resident, own, seconds } = usage(world.home.pid);
-  tell("  the home screen", `${resident} MB resident, ${own} MB private, ${seconds} s processor time`);
+  tell("  the home screen", `${resident} MiB resident, ${own} MiB private, ${seconds} s processor time`);
   await world.end();
 }
 

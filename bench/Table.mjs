@@ -104,7 +104,7 @@ function usage(pid) {
   return {
     switches: tasks.reduce((sum, file) => sum + field(file, "voluntary_ctxt_switches"), 0),
     milliseconds: (Number(times[11]) + Number(times[12])) * 10,
-    megabytes: field(`/proc/${pid}/status`, "VmRSS") / 1024,
+    mebibytes: field(`/proc/${pid}/status`, "VmRSS") / 1024,
   };
 }
 
@@ -124,9 +124,9 @@ async function measureRest() {
       const { switches, milliseconds } = before[each];
       add(
         `serve at rest for a minute, ${each ? "the extension" : "the home screen"}`,
-        `${after.switches - switches} switches, ${after.milliseconds - milliseconds} ms, ${after.megabytes.toFixed(1)} MB`,
+        `${after.switches - switches} switches, ${after.milliseconds - milliseconds} ms, ${after.mebibytes.toFixed(1)} MiB`,
         "",
-        each ? "1, 10 ms, 12 MB" : "4, 10 ms, 10 MB",
+        each ? "1, 10 ms, 12 MiB" : "4, 10 ms, 10 MiB",
       );
     });
     listener.abort();

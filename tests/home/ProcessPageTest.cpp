@@ -50,7 +50,7 @@ TEST(ProcessPage, ShowsMemoryTransfersAndWhoAsksMoreThanAPhoneGrants) {
   EXPECT_THAT(
       std::regex_replace(html, std::regex("<[^>]*>"), ""),
       AllOf(
-          HasSubstr("3.4 MB of 30.0 MB"),
+          HasSubstr("3.4 MiB of 30.0 MiB"),
           HasSubstr("Timeline&lt;A&gt;"),
           HasSubstr("/list: Status 200, 4 ms, 0 B sent, 101 B received"),
           HasSubstr("/list: No &lt;way&gt;. (-1004)"),

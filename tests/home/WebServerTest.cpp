@@ -222,6 +222,33 @@ WebReply silentStream(const WebRequest&) {
   return EventStream{[]() -> std::shared_ptr<const std::string> { return nullptr; }};
 }
 
+TEST(WebServer, WhatIsMadeForAClientThatLeftIsLetGo) {
+  const auto held = std::make_shared<char>();
+  const RunningServer server([&](const WebRequest& request) -> WebReply {
+    if (request.path == "/later") {
+      return LaterAnswer{[held]() -> std::optional<WebAnswer> { return std::nullopt; }};
+    }
+    return FileStream{
+        .contentType = "text/plain",
+        .nextPiece = [held]() -> std::optional<std::string> { return std::nullopt; }};
+  });
+  for (const char* path : {"/later", "/file"}) {
+    const auto before = held.use_count();
+    const auto waitUntil = [&](bool isHeld) {
+      for (int turn = 0; turn < 1000 && (held.use_count() > before) != isHeld; ++turn) {
+        server.change();
+        std::this_thread::sleep_for(10ms);
+      }
+      EXPECT_EQ(held.use_count() > before, isHeld) << path;
+    };
+    std::optional<Client> client;
+    client.emplace(server, std::string("GET ") + path);
+    waitUntil(true);
+    client.reset();
+    waitUntil(false);
+  }
+}
+
 TEST(WebServer, ASilentStreamHasItsHeartbeats) {
   const RunningServer server(silentStream, {.heartbeat = 20ms});
   Client client(server, "GET /events");

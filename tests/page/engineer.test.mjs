@@ -149,8 +149,8 @@ test("the extension's page tells what it does and went through, and goes on tell
   const page = await open("/?view=process");
   const shown = page.locator("#process");
   assert.match(await shown.textContent(), /SalesSmallWidget1 of the 40 to 70[^]*getDataMap: Status 200/);
-  const [, used, limit] = (await shown.textContent()).match(/([\d.]+) MB of ([\d.,]+) MB/).map((text) => Number(text.replace(",", "")));
-  assert.ok(0.5 < used && used < limit, `${used} of ${limit} MB`);
+  const [, used, limit] = (await shown.textContent()).match(/([\d.]+)\sMiB of ([\d.,]+)\sMiB/).map((text) => Number(text.replace(",", "")));
+  assert.ok(0.5 < used && used < limit, `${used} of ${limit} MiB`);
   process.kill(world.extensionProcess(), "SIGKILL");
   await until("its end shows", async () => (await shown.textContent()).includes("signal 9, Killed"));
 });

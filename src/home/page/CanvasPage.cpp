@@ -13,6 +13,10 @@
 namespace quillpad::home {
 namespace {
 
+bool isChosen(const CanvasQuery& query, const CanvasModel::Widget& widget) {
+  return query.kind.empty() || query.kind == widget.kind;
+}
+
 // An entry as the engineer's view takes it, under its name.
 struct NamedEntry {
   std::string name;
@@ -79,6 +83,55 @@ Markup cellMarkup(const CanvasQuery& query, const CanvasCell& cell, const PageFr
        {"width", length(cell.size.width)},
        {"height", length(cell.size.height)},
        {"caption", escaped(captionOf(query, cell.query, frame.language))}});
+}
+
+Markup rowMarkup(const CanvasQuery& query, const CanvasRow& row, const PageFrame& frame) {
+  Markup cells;
+  for (const CanvasCell& cell : row.cells) {
+    cells += cellMarkup(query, cell, frame);
+  }
+  const bool isSample = row.source == EntrySource::given;
+  return filled(
+      page::canvasRowHtml,
+      {{"entry", escaped(isSample ? row.entry : titleOf(row.source, frame.language))},
+       {"cells", cells}});
+}
+
+// The chosen widgets, with their pictures as far as there is room for them.
+struct Sections {
+  Markup markup{};
+  std::size_t pictures = 0;
+  bool isWhole = true;
+};
+
+Sections sectionsOf(const CanvasModel& model, const PageFrame& frame) {
+  Sections sections;
+  for (const CanvasModel::Widget& widget : model.widgets) {
+    if (!isChosen(model.query, widget)) {
+      continue;
+    }
+    Markup rows;
+    for (const CanvasRow& row : canvasRows(model.query, widget)) {
+      sections.isWhole = sections.pictures + row.cells.size() <= maxCanvasPictures;
+      if (!sections.isWhole) {
+        break;
+      }
+      sections.pictures += row.cells.size();
+      rows += rowMarkup(model.query, row, frame);
+    }
+    if (!rows.empty()) {
+      sections.markup += filled(
+          page::canvasWidgetHtml,
+          {{"name", escaped(widget.displayName)},
+           {"language", escaped(frame.cardLanguage)},
+           {"kind", escaped(widget.kind)},
+           {"rows", rows}});
+    }
+    if (!sections.isWhole) {
+      break;
+    }
+  }
+  return sections;
 }
 
 Select kindSelect(const CanvasModel& model, const Language& language) {
@@ -193,7 +246,7 @@ std::vector<PreviewQuery> canvasPictures(const CanvasModel& model) {
     if (pictures.size() > maxCanvasPictures) {
       break;
     }
-    if (!model.query.kind.empty() && model.query.kind != widget.kind) {
+    if (!isChosen(model.query, widget)) {
       continue;
     }
     for (const CanvasRow& row : canvasRows(model.query, widget)) {
@@ -211,43 +264,7 @@ std::vector<PreviewQuery> canvasPictures(const CanvasModel& model) {
 Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
   const CanvasQuery& query = model.query;
   const Language& language = frame.language;
-  Markup sections;
-  std::string problem = model.problem;
-  std::size_t count = 0;
-  bool isFull = false;
-  for (const CanvasModel::Widget& widget : model.widgets) {
-    if (isFull || (!query.kind.empty() && query.kind != widget.kind)) {
-      continue;
-    }
-    Markup rows;
-    for (const CanvasRow& row : canvasRows(query, widget)) {
-      isFull = count + row.cells.size() > maxCanvasPictures;
-      if (isFull) {
-        problem = language.text(
-            "There are more than {1} pictures; choose fewer to see the rest.",
-            {std::to_string(maxCanvasPictures)});
-        break;
-      }
-      Markup cells;
-      for (const CanvasCell& cell : row.cells) {
-        cells += cellMarkup(query, cell, frame);
-      }
-      count += row.cells.size();
-      rows += filled(
-          page::canvasRowHtml,
-          {{"entry",
-            escaped(row.source == EntrySource::given ? row.entry : titleOf(row.source, language))},
-           {"cells", cells}});
-    }
-    if (!rows.empty()) {
-      sections += filled(
-          page::canvasWidgetHtml,
-          {{"name", escaped(widget.displayName)},
-           {"language", escaped(frame.cardLanguage)},
-           {"kind", escaped(widget.kind)},
-           {"rows", rows}});
-    }
-  }
+  const auto [sections, count, isWhole] = sectionsOf(model, frame);
   const Markup body = filled(
       page::canvasHtml,
       {{"process", escaped(addressOf("process", frame))},
@@ -266,7 +283,12 @@ Markup canvasPage(const CanvasModel& model, const PageFrame& frame) {
         count == 1 ? escaped(language.text("1 picture"))
                    : filledIn(language.text("{1} pictures"), {numberMarkup(count)})},
        {"notice", escaped(frame.notice)},
-       {"problem", escaped(problem)},
+       {"problem",
+        escaped(
+            isWhole ? model.problem
+                    : language.text(
+                          "There are more than {1} pictures; choose fewer to see the rest.",
+                          {std::to_string(maxCanvasPictures)}))},
        {"widgets", sections}},
       language);
   return framed(

@@ -24,9 +24,9 @@ Markup numberMarkup(std::size_t number) { return figure(std::to_string(number), 
 
 Markup bytesMarkup(std::size_t bytes) { return figure(std::to_string(bytes), "byte", " B"); }
 
-Markup megabytesMarkup(std::size_t bytes) {
+Markup mebibytesMarkup(std::size_t bytes) {
   const std::size_t tenths = bytes * 10 / (std::size_t{1024} * 1024);
-  return figure(std::to_string(tenths / 10) + "." + std::to_string(tenths % 10), "megabyte", " MB");
+  return figure(std::to_string(tenths / 10) + "." + std::to_string(tenths % 10), "mebibyte", " MiB");
 }
 
 Markup millisecondsMarkup(std::size_t milliseconds) {

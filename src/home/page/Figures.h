@@ -11,7 +11,7 @@ namespace quillpad::home {
 
 Markup numberMarkup(std::size_t number);
 Markup bytesMarkup(std::size_t bytes);
-Markup megabytesMarkup(std::size_t bytes);
+Markup mebibytesMarkup(std::size_t bytes);
 Markup millisecondsMarkup(std::size_t milliseconds);
 
 // The time of a day, to the second.

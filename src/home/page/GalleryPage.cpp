@@ -10,7 +10,7 @@
 namespace quillpad::home {
 namespace {
 
-// Each holds its pictures, some 30 KB.
+// Each holds its pictures, some 30 KiB.
 constexpr std::size_t maxShown = 500;
 
 Markup wholePoints(double points) { return escaped(std::to_string(std::lround(points))); }

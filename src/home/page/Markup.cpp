@@ -15,7 +15,12 @@ Markup escaped(std::string_view text) { return trusted(escapedXml(text)); }
 Markup trusted(std::string html) { return Markup(std::move(html)); }
 
 Markup filled(std::string_view page, std::initializer_list<Slot> slots, const Language& language) {
+  std::size_t size = page.size();
+  for (const Slot& slot : slots) {
+    size += slot.value.html().size();
+  }
   std::string html;
+  html.reserve(size);
   for (;;) {
     const std::size_t open = page.find("{{");
     html += page.substr(0, open);

@@ -35,9 +35,10 @@ Markup escaped(std::string_view text);
 // HTML that this program made.
 Markup trusted(std::string html);
 
+// A page's pictures take megabytes, so they are not copied on their way into it.
 struct Slot {
   std::string_view name;
-  Markup value;
+  const Markup& value;
 };
 
 // The template with each {{name}} replaced by the slot's value, and each {{"text"}} by the text in

@@ -85,33 +85,38 @@ Markup transferMarkup(const TransferReport& transfer, const Language& language) 
        bytesMarkup(transfer.receivedBytes)});
 }
 
+Markup underWayRows(const ProcessModel& model, const Language& language) {
+  Markup rows;
+  for (const auto& [purpose, kind] : model.underWay) {
+    rows += row(escaped(wordFor(purpose, language)), isolated(kind));
+  }
+  return rows;
+}
+
+Markup budgetRows(const ProcessModel& model, const Language& language) {
+  Markup rows;
+  for (const auto& [kind, timelines] : model.budgets) {
+    rows += row(isolated(kind), budgetMarkup(timelines, language), timelines > mostReloads);
+  }
+  return rows;
+}
+
+Markup logRows(const auto& entries, const auto& markupOf) {
+  Markup rows;
+  for (const auto& [date, entry] : entries) {
+    rows += row(secondMarkup(date), markupOf(entry));
+  }
+  return rows;
+}
+
 }  // namespace
 
 Markup processPage(const ProcessModel& model, const PageFrame& frame) {
   const Language& language = frame.language;
-  Markup underWay;
-  for (const auto& [purpose, kind] : model.underWay) {
-    underWay += row(escaped(wordFor(purpose, language)), isolated(kind));
-  }
-  Markup budgets;
-  for (const ProcessModel::Budget& budget : model.budgets) {
-    budgets +=
-        row(isolated(budget.kind),
-            budgetMarkup(budget.timelines, language),
-            budget.timelines > mostReloads);
-  }
-  Markup runs;
-  for (const auto& [date, run] : model.log.runs()) {
-    runs += row(secondMarkup(date), runMarkup(run, language));
-  }
-  Markup transfers;
-  for (const auto& [date, transfer] : model.log.transfers()) {
-    transfers += row(secondMarkup(date), transferMarkup(transfer, language));
-  }
-  Markup printed;
-  for (const auto& [date, line] : model.log.printed()) {
-    printed += row(secondMarkup(date), isolated(line));
-  }
+  const Markup runs =
+      logRows(model.log.runs(), [&](const auto& run) { return runMarkup(run, language); });
+  const Markup transfers = logRows(
+      model.log.transfers(), [&](const auto& each) { return transferMarkup(each, language); });
   const std::string noneYet = language.text("None yet.");
   const Markup body = filled(
       page::processHtml,
@@ -128,12 +133,12 @@ Markup processPage(const ProcessModel& model, const PageFrame& frame) {
        {"memory",
         filledIn(
             language.text("{1} of {2}"),
-            {megabytesMarkup(model.privateBytes), megabytesMarkup(model.limitBytes)})},
-       {"underWay", orNone(underWay, language.text("None."))},
-       {"budgets", orNone(budgets, noneYet)},
+            {mebibytesMarkup(model.privateBytes), mebibytesMarkup(model.limitBytes)})},
+       {"underWay", orNone(underWayRows(model, language), language.text("None."))},
+       {"budgets", orNone(budgetRows(model, language), noneYet)},
        {"runs", orNone(runs, noneYet)},
        {"transfers", orNone(transfers, noneYet)},
-       {"printed", orNone(printed, noneYet)}},
+       {"printed", orNone(logRows(model.log.printed(), isolated), noneYet)}},
       language);
   std::string style(page::processCss);
   std::string script = std::string(page::figuresJs) + std::string(page::processJs);

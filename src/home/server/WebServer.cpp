@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <optional>
+#include <poll.h>
 #include <sys/socket.h>
 #include <system_error>
 #include <utility>
@@ -105,6 +106,7 @@ class WebServer::Engine {
   }
 
   void run() {
+    dropAbandoned();
     MHD_run(daemon_);
     const auto now = Clock::now();
     for (const int connection : timers_.takeExpired(now)) {
@@ -310,6 +312,24 @@ class WebServer::Engine {
   }
 
   static void hangUp(int connection) { ::shutdown(connection, SHUT_RDWR); }
+
+  // What is made for a client that left is made no more. Nothing is read of a suspended connection,
+  // so its end goes unnoticed otherwise.
+  void dropAbandoned() {
+    for (Exchange* exchange : std::vector(suspended_)) {
+      pollfd peer{descriptorOf(exchange->connection), POLLRDHUP, 0};
+      if ((!exchange->later && !exchange->file) || ::poll(&peer, 1, 0) <= 0) {
+        continue;
+      }
+      if (exchange->later) {
+        exchange->later = nullptr;
+        exchange->answer = plainAnswer(503, "Nobody waits for this any more.");
+      } else {
+        exchange->file.emplace([] { return std::optional<std::string>(""); });
+      }
+      resume(*exchange);
+    }
+  }
 
   std::size_t waitingAnswers() const {
     return static_cast<std::size_t>(std::ranges::count_if(suspended_, [](const Exchange* exchange) {

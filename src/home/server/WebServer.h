@@ -4,7 +4,7 @@
 //
 // Slow and hostile clients hurt no one else: a connection has a few seconds to get each request
 // across and a bounded amount of memory to do so, and where too many wait to be heard the oldest of
-// them goes first.
+// them goes first. What is made for a client that left is dropped.
 #pragma once
 
 #include <chrono>
