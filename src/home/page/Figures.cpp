@@ -26,7 +26,8 @@ Markup bytesMarkup(std::size_t bytes) { return figure(std::to_string(bytes), "by
 
 Markup mebibytesMarkup(std::size_t bytes) {
   const std::size_t tenths = bytes * 10 / (std::size_t{1024} * 1024);
-  return figure(std::to_string(tenths / 10) + "." + std::to_string(tenths % 10), "mebibyte", " MiB");
+  return figure(
+      std::to_string(tenths / 10) + "." + std::to_string(tenths % 10), "mebibyte", " MiB");
 }
 
 Markup millisecondsMarkup(std::size_t milliseconds) {

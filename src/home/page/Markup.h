@@ -15,7 +15,8 @@ class Markup {
  public:
   Markup() = default;
 
-  const std::string& html() const { return html_; }
+  const std::string& html() const& { return html_; }
+  std::string html() && { return std::move(html_); }
   bool empty() const { return html_.empty(); }
   Markup& operator+=(const Markup& other) {
     html_ += other.html_;

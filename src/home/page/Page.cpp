@@ -260,8 +260,8 @@ Markup languageField(const PageFrame& frame) {
              : filled(page::languageFieldHtml, {{"language", escaped(frame.chosenLanguage)}});
 }
 
-WebAnswer pageAnswer(const Markup& page, const PageFrame& frame, int status) {
-  WebAnswer answer = htmlAnswer(page);
+WebAnswer pageAnswer(Markup page, const PageFrame& frame, int status) {
+  WebAnswer answer = htmlAnswer(std::move(page));
   answer.status = status;
   answer.headers = {
       {"Content-Security-Policy",
@@ -273,8 +273,8 @@ WebAnswer pageAnswer(const Markup& page, const PageFrame& frame, int status) {
   return answer;
 }
 
-WebAnswer htmlAnswer(const Markup& part) {
-  return {.contentType = "text/html; charset=utf-8", .body = part.html()};
+WebAnswer htmlAnswer(Markup part) {
+  return {.contentType = "text/html; charset=utf-8", .body = std::move(part).html()};
 }
 
 }  // namespace quillpad::home

@@ -90,7 +90,7 @@ std::string addressOf(std::string_view view, const PageFrame& frame);
 Markup languageField(const PageFrame& frame);
 
 // A page with the headers that it goes out with; and a part of one.
-WebAnswer pageAnswer(const Markup& page, const PageFrame& frame, int status = 200);
-WebAnswer htmlAnswer(const Markup& part);
+WebAnswer pageAnswer(Markup page, const PageFrame& frame, int status = 200);
+WebAnswer htmlAnswer(Markup part);
 
 }  // namespace quillpad::home

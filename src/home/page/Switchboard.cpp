@@ -91,13 +91,10 @@ WebAnswer formAnswer(const Faults& faults, const PageFrame& frame) {
   if (!isOffered) {
     select.add(faults.inForce, wordsOf(faults.inForce, frame.language));
   }
-  return {
-      .contentType = "text/html; charset=utf-8",
-      .body = filled(
-                  page::switchboardFormHtml,
-                  {{"faults", select.markup()}, {"delay", escaped(secondsText(faults.delay))}},
-                  frame.language)
-                  .html()};
+  return htmlAnswer(filled(
+      page::switchboardFormHtml,
+      {{"faults", select.markup()}, {"delay", escaped(secondsText(faults.delay))}},
+      frame.language));
 }
 
 // The transport's sentences are among the catalogues' texts.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -61,10 +62,19 @@ class JsonWriter {
       return;
     }
     text_ += '"';
-    for (const char c : string) {
-      writeCharacter(c);
+    for (auto rest = string.begin(); rest != string.end();) {
+      const auto plainEnd = std::find_if(rest, string.end(), isSpecial);
+      text_.append(rest, plainEnd);
+      rest = plainEnd;
+      if (rest != string.end()) {
+        writeCharacter(*rest++);
+      }
     }
     text_ += '"';
+  }
+
+  static bool isSpecial(char c) {
+    return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\' || c == '/';
   }
 
   void writeCharacter(char c) {
