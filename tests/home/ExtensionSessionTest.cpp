@@ -177,7 +177,7 @@ TEST_F(ExtensionSessionTest, ManyWidgetsShareWhatTheirMessagesMayTake) {
   session_->ask(uptime_, channel::CatalogueRequest{});
   until<channel::NumberedReply>();
   ask();
-  EXPECT_EQ(until<SessionEnd>().detail, "a message of more than 1 MiB");
+  EXPECT_EQ(until<SessionEnd>().detail, "a message of more than 256 KiB");
 }
 
 TEST_F(ExtensionSessionTest, PrintedLinesAreShowableWhateverTheirBytes) {

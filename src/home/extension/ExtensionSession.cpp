@@ -13,8 +13,9 @@ using namespace std::chrono_literals;
 
 constexpr auto measurementPause = 100ms;
 
-// Of what is kept of each widget for as long as it is shown, all together.
-constexpr std::size_t maxMessages = 8 * channel::maxFrame;
+// Of what is kept of each widget for as long as it is shown, all together. While it is saved it
+// takes ten times as much.
+constexpr std::size_t maxMessages = 2 * channel::maxFrame;
 
 }  // namespace
 

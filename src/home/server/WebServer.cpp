@@ -317,17 +317,17 @@ class WebServer::Engine {
   // so its end goes unnoticed otherwise.
   void dropAbandoned() {
     for (Exchange* exchange : std::vector(suspended_)) {
+      const bool isPending = std::holds_alternative<Pending>(exchange->state);
+      const bool isFile = std::holds_alternative<FileReader>(exchange->state);
       pollfd peer{descriptorOf(exchange->connection), POLLRDHUP, 0};
-      if ((!exchange->later && !exchange->file) || ::poll(&peer, 1, 0) <= 0) {
-        continue;
+      if ((isPending || isFile) && ::poll(&peer, 1, 0) > 0) {
+        if (isPending) {
+          exchange->state = plainAnswer(503, "Nobody waits for this any more.");
+        } else {
+          exchange->state = FileReader([] { return std::optional<std::string>(""); });
+        }
+        resume(*exchange);
       }
-      if (exchange->later) {
-        exchange->later = nullptr;
-        exchange->answer = plainAnswer(503, "Nobody waits for this any more.");
-      } else {
-        exchange->file.emplace([] { return std::optional<std::string>(""); });
-      }
-      resume(*exchange);
     }
   }
 
