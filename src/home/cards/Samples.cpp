@@ -1,10 +1,10 @@
 #include "home/cards/Samples.h"
 
 #include <algorithm>
-#include <system_error>
 
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Json.h"
+#include "platform/os/FolderListing.h"
 #include "platform/os/WholeFile.h"
 
 namespace quillpad::home {
@@ -71,22 +71,14 @@ SampleFolder::SampleFolder(const std::filesystem::path& folder)
     : folder_(folder.empty() ? Bundle::main().folder() / "samples" : folder) {}
 
 std::expected<std::vector<std::string>, std::string> SampleFolder::names() const {
-  std::vector<std::string> names;
-  std::error_code error;
-  for (std::filesystem::directory_iterator file(folder_, error), end; !error && file != end;
-       file.increment(error)) {
-    if (file->path().extension() == ".json") {
-      names.push_back(file->path().stem());
-    }
-  }
-  if (error) {
+  auto names = stemsIn(folder_, ".json");
+  if (!names) {
     return std::unexpected(
-        "the samples in " + folder_.string() + " cannot be read: " + error.message() +
+        "the samples in " + folder_.string() + " cannot be read: " + names.error().message() +
         "; --samples names the folder of files NAME.json");
   }
-  std::ranges::sort(names);
-  names.resize(std::min(names.size(), maxSamples));
-  return names;
+  names->resize(std::min(names->size(), maxSamples));
+  return *std::move(names);
 }
 
 std::expected<std::string, std::string> SampleFolder::textOf(const std::string& name) const {

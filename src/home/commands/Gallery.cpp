@@ -1,80 +1,24 @@
 // gallery: draws the widgets in light and in dark appearance, and writes the pictures or compares
 // them with those of a gallery that was recorded before.
-#include <algorithm>
-#include <array>
 #include <filesystem>
-#include <mutex>
 #include <optional>
+#include <string>
 #include <system_error>
 #include <utility>
-#include <vector>
 
-#include "home/cards/CardBatch.h"
 #include "home/cards/PictureName.h"
 #include "home/commands/Commands.h"
 #include "home/commands/Files.h"
 #include "home/commands/GalleryArchive.h"
+#include "home/commands/GalleryCheck.h"
+#include "home/commands/GalleryDrawing.h"
 #include "home/commands/GalleryFolder.h"
 #include "home/commands/GalleryPlan.h"
-#include "home/commands/Progress.h"
 #include "home/commands/ViewChoice.h"
 #include "home/page/GalleryPage.h"
 
 namespace quillpad::home {
 namespace {
-
-using Status = GalleryFolder::Status;
-
-std::string fileName(const std::string& stem, ui::Appearance appearance) {
-  return stem + "-" + std::string(ui::appearanceName(appearance)) + ".png";
-}
-
-// What became of the pictures of a run. Filled from several threads.
-class Tally {
- public:
-  void add(Status status) {
-    const std::scoped_lock lock(mutex_);
-    ++counts_.at(static_cast<std::size_t>(status));
-  }
-
-  void add(PictureChange change) {
-    const std::scoped_lock lock(mutex_);
-    changes_.push_back(std::move(change));
-  }
-
-  void fail(Failure failure) {
-    const std::scoped_lock lock(mutex_);
-    failure_ = failure_ ? failure_ : std::optional(std::move(failure));
-  }
-
-  std::size_t count(Status status) const { return counts_.at(static_cast<std::size_t>(status)); }
-  // The first failure, if there was one.
-  Done outcome() const { return failure_ ? Done(std::unexpected(*failure_)) : Done(); }
-
-  // In the order of their names.
-  std::vector<PictureChange> takeChanges() {
-    std::ranges::sort(changes_, {}, &PictureChange::fileName);
-    return std::move(changes_);
-  }
-
- private:
-  std::mutex mutex_;
-  std::array<std::size_t, 3> counts_{};
-  std::vector<PictureChange> changes_;
-  std::optional<Failure> failure_;
-};
-
-Done outcomeOf(const GalleryPlan& plan) {
-  if (!plan.failure) {
-    return {};
-  }
-  return failure(
-      plan.failure->status,
-      std::to_string(plan.missing.size()) + " of " +
-          std::to_string(plan.missing.size() + plan.cards.size()) +
-          " cards could not be drawn, first " + plan.missing.front() + ": " +
-          plan.failure->message);
-}
 
 // Whether what was given of the settings is what a gallery was recorded with; samples may lie
 // elsewhere.
@@ -90,10 +34,8 @@ bool agrees(const GallerySettings& given, const GallerySettings& recorded) {
 struct Gallery {
   std::string output{};
   std::string recorded{};
-  bool accepts = false;
-  std::string accepted{};  // empty: all
   GallerySettings settings{};
-  drawing::Tolerance tolerance{};
+  GalleryCheck check{};
 
   void declare(Options& options) {
     options.text(
@@ -109,15 +51,19 @@ struct Gallery {
     options.number("--scale", settings.scale, "Device pixels per point", 1, 3);
     options.text("--check", recorded, "The gallery to compare with, drawn as it was", "FOLDER");
     options.flagOrText(
-        "--accept", accepts, accepted, "With --check: keep all changes, or one picture's", "NAME");
-    declareTolerance(options, tolerance);
+        "--accept",
+        check.accepts,
+        check.accepted,
+        "With --check: keep all changes, or one picture's",
+        "NAME");
+    declareTolerance(options, check.tolerance);
   }
 
   Done run(const CommandContext& context) {
     if (output.empty() && recorded.empty()) {
       return failure(ExitStatus::wrongUsage, "gallery needs -o FOLDER or --check FOLDER");
     }
-    if (accepts && recorded.empty()) {
+    if (check.accepts && recorded.empty()) {
       return failure(ExitStatus::wrongUsage, "--accept needs --check FOLDER");
     }
     const bool isArchive = output.ends_with(".zip");
@@ -157,53 +103,15 @@ struct Gallery {
       settings = *kept;
       settings.samples = samples;
     }
-    return check(context, folder);
+    auto plan = this->plan(context);
+    if (!plan) {
+      return std::unexpected(plan.error());
+    }
+    check.shownIn = output;
+    return checkGallery(*std::move(plan), folder, check);
   }
 
  private:
-  // Draws the plan; each picture is compared with the one in the folder and handed on.
-  template <class Take>
-  static Done draw(
-      GalleryPlan& plan,
-      const GalleryFolder& folder,
-      const drawing::Tolerance& tolerance,
-      Tally& tally,
-      const Take& take) {
-    std::vector<BatchCard> cards;
-    cards.reserve(plan.cards.size());
-    for (const GalleryPlan::Card& card : plan.cards) {
-      cards.push_back(card.drawing);
-    }
-    std::vector<std::string> labels(cards.size());
-    Progress progress(cards.size() * bothAppearances.size());
-    drawAll(cards, bothAppearances, drawingThreads(), [&](const BatchPicture& picture) {
-      progress.advance();
-      if (!picture.png) {
-        return tally.fail({ExitStatus::wrongUsage, picture.png.error()});
-      }
-      const GalleryPlan::Card& card = plan.cards[picture.card];
-      const std::string name = fileName(card.stem, picture.appearance);
-      auto comparison = folder.compare(name, *picture.png, tolerance);
-      if (!comparison) {
-        return tally.fail(std::move(comparison.error()));
-      }
-      tally.add(comparison->status);
-      if (picture.appearance == ui::Appearance::light) {
-        labels[picture.card] = picture.accessibilityLabel;
-      }
-      take(card, name, picture, *std::move(comparison));
-    });
-    for (std::size_t i = 0; i < cards.size(); ++i) {
-      const GalleryPlan::Card& card = plan.cards[i];
-      plan.widgets[card.widget].pictures.push_back(
-          {.stem = card.stem,
-           .title = card.title,
-           .size = card.drawing.request.size,
-           .accessibilityLabel = std::move(labels[i])});
-    }
-    return tally.outcome();
-  }
-
   std::expected<GalleryPlan, Failure> plan(const CommandContext& context) const {
     ExtensionBatch extension(context.extension);
     return planGallery(extension, settings);
@@ -220,7 +128,7 @@ struct Gallery {
           std::to_string(plan->cards.size() * bothAppearances.size()) + " pictures in " + output +
           "\n");
     }
-    return done ? outcomeOf(*plan) : done;
+    return done ? plan->outcome() : done;
   }
 
   Done record(const CommandContext& context) const {
@@ -229,16 +137,16 @@ struct Gallery {
       return std::unexpected(plan.error());
     }
     const GalleryFolder folder(output);
-    Tally tally;
+    GalleryTally tally;
     Done done = folder.create();
     if (done) {
-      done = draw(
+      done = drawGallery(
           *plan,
           folder,
           {},
           tally,
           [&](const auto&, const std::string& name, const auto& picture, const auto& comparison) {
-            if (comparison.status != Status::unchanged) {
+            if (comparison.status != GalleryFolder::Status::unchanged) {
               if (Done written = folder.write(name, *picture.png); !written) {
                 tally.fail(std::move(written.error()));
               }
@@ -256,162 +164,12 @@ struct Gallery {
     }
     if (done) {
       done = print(
-          std::to_string(tally.count(Status::isNew)) + " new, " +
-          std::to_string(tally.count(Status::changed)) + " changed, " +
-          std::to_string(tally.count(Status::unchanged)) + " unchanged in " + output + "\n");
+          std::to_string(tally.count(GalleryFolder::Status::isNew)) + " new, " +
+          std::to_string(tally.count(GalleryFolder::Status::changed)) + " changed, " +
+          std::to_string(tally.count(GalleryFolder::Status::unchanged)) + " unchanged in " +
+          output + "\n");
     }
-    return done ? outcomeOf(*plan) : done;
-  }
-
-  Done check(const CommandContext& context, const GalleryFolder& folder) const {
-    auto plan = this->plan(context);
-    if (!plan) {
-      return std::unexpected(plan.error());
-    }
-    Tally tally;
-    const Done drawn = draw(
-        *plan,
-        folder,
-        tolerance,
-        tally,
-        [&](const auto& card, const std::string& name, const auto& picture, auto comparison) {
-          if (comparison.status != Status::unchanged) {
-            tally.add(
-                {.title = card.title + ", " + std::string(ui::appearanceName(picture.appearance)),
-                 .fileName = name,
-                 .change = comparison.status == Status::isNew ? "it is new"
-                                                              : comparison.difference.description,
-                 .size = card.drawing.request.size,
-                 .expected = std::move(comparison.before),
-                 .actual = *picture.png,
-                 .difference = std::move(comparison.difference.png)});
-          }
-        });
-    if (!drawn) {
-      return drawn;
-    }
-    const auto gone = findGone(*plan, folder, tally);
-    if (!gone) {
-      return std::unexpected(gone.error());
-    }
-    Done done = report(tally, *gone, folder);
-    if (done && accepts) {
-      const auto kept = widgetsIn(folder, plan->widgets);
-      done = kept ? folder.write("index.html", galleryPage(*kept).html())
-                  : Done(std::unexpected(kept.error()));
-    }
-    return done ? outcomeOf(*plan) : done;
-  }
-
-  // The widgets with those pictures that the folder has in both appearances.
-  static std::expected<std::vector<GalleryWidget>, Failure> widgetsIn(
-      const GalleryFolder& folder, std::vector<GalleryWidget> widgets) {
-    const auto names = folder.pictures();
-    if (!names) {
-      return std::unexpected(names.error());
-    }
-    for (GalleryWidget& widget : widgets) {
-      std::erase_if(widget.pictures, [&](const GalleryWidget::Picture& picture) {
-        return !std::ranges::all_of(bothAppearances, [&](ui::Appearance appearance) {
-          return std::ranges::binary_search(*names, fileName(picture.stem, appearance));
-        });
-      });
-    }
-    return widgets;
-  }
-
-  // Adds the recorded pictures that nothing was drawn for; their number.
-  static std::expected<std::size_t, Failure> findGone(
-      const GalleryPlan& plan, const GalleryFolder& folder, Tally& tally) {
-    std::vector<std::string> known;
-    for (const ui::Appearance appearance : bothAppearances) {
-      for (const GalleryPlan::Card& card : plan.cards) {
-        known.push_back(fileName(card.stem, appearance));
-      }
-      for (const std::string& stem : plan.missing) {
-        known.push_back(fileName(stem, appearance));
-      }
-    }
-    std::ranges::sort(known);
-    const auto names = folder.pictures();
-    if (!names) {
-      return std::unexpected(names.error());
-    }
-    std::size_t count = 0;
-    for (const std::string& name : *names) {
-      if (std::ranges::binary_search(known, name)) {
-        continue;
-      }
-      ++count;
-      PictureChange change{.title = name, .fileName = name, .change = "no widget has it any more"};
-      auto bytes = folder.read(name);
-      if (const auto picture = pictureIn(bytes.value_or(""))) {
-        change.size = {picture->width / 2.0, picture->height / 2.0};
-        change.expected = *std::move(bytes);
-      }
-      tally.add(std::move(change));
-    }
-    return count;
-  }
-
-  Done report(Tally& tally, std::size_t gone, const GalleryFolder& folder) const {
-    const std::string counts = std::to_string(tally.count(Status::changed)) + " changed, " +
-                               std::to_string(tally.count(Status::isNew)) + " new, " +
-                               std::to_string(gone) + " gone, " +
-                               std::to_string(tally.count(Status::unchanged)) + " unchanged";
-    const std::vector<PictureChange> changes = tally.takeChanges();
-    if (!output.empty()) {
-      const GalleryFolder shown(output);
-      Done written = shown.create();
-      if (written) {
-        written = shown.write("index.html", changesPage(counts, changes).html());
-      }
-      if (!written) {
-        return written;
-      }
-    }
-    if (accepts) {
-      return accept(changes, folder);
-    }
-    if (changes.empty()) {
-      return print("Nothing changed: " + counts + ".\n");
-    }
-    std::string lines;
-    for (const PictureChange& change : changes) {
-      lines += change.fileName + ": " + change.change + "\n";
-    }
-    if (auto printed = print(lines); !printed) {
-      return printed;
-    }
-    return failure(
-        ExitStatus::different,
-        counts +
-            (output.empty()
-                 ? "; -o FOLDER shows how"
-                 : "; " + (std::filesystem::path(output) / "index.html").string() + " shows how") +
-            ", --accept keeps it");
-  }
-
-  Done accept(const std::vector<PictureChange>& changes, const GalleryFolder& folder) const {
-    std::string lines;
-    for (const PictureChange& change : changes) {
-      const std::string name = std::filesystem::path(change.fileName).stem();
-      if (!accepted.empty() && accepted != name && accepted != change.fileName) {
-        continue;
-      }
-      const Done kept = change.actual.empty() ? folder.remove(change.fileName)
-                                              : folder.write(change.fileName, change.actual);
-      if (!kept) {
-        return kept;
-      }
-      lines += change.fileName + (change.actual.empty() ? " removed\n" : " kept\n");
-    }
-    if (lines.empty() && !accepted.empty()) {
-      return failure(
-          ExitStatus::wrongUsage,
-          "no picture \"" + accepted + "\" changed; without --accept, gallery --check lists them");
-    }
-    return print(lines.empty() ? "Nothing changed.\n" : lines);
+    return done ? plan->outcome() : done;
   }
 };
 

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "platform/foundation/Json.h"
+#include "platform/os/FolderListing.h"
 #include "platform/os/WholeFile.h"
 
 namespace quillpad::home {
@@ -86,19 +87,15 @@ Done GalleryFolder::remove(const std::string& name) const {
 }
 
 std::expected<std::vector<std::string>, Failure> GalleryFolder::pictures() const {
-  std::vector<std::string> names;
-  std::error_code error;
-  for (std::filesystem::directory_iterator entry(folder_, error), end; !error && entry != end;
-       entry.increment(error)) {
-    if (entry->path().extension() == ".png") {
-      names.push_back(entry->path().filename());
-    }
+  auto names = stemsIn(folder_, ".png");
+  if (!names) {
+    return unreadable(folder_, names.error().message());
   }
-  if (error) {
-    return unreadable(folder_, error.message());
+  for (std::string& name : *names) {
+    name += ".png";
   }
-  std::ranges::sort(names);
-  return names;
+  std::ranges::sort(*names);
+  return *std::move(names);
 }
 
 std::expected<std::optional<GallerySettings>, Failure> GalleryFolder::settings() const {

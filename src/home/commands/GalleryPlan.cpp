@@ -241,6 +241,16 @@ std::expected<GallerySettings, std::string> GallerySettings::fromValue(const Val
   return d.result(std::move(settings));
 }
 
+Done GalleryPlan::outcome() const {
+  if (!failure) {
+    return {};
+  }
+  return home::failure(
+      failure->status,
+      std::to_string(missing.size()) + " of " + std::to_string(missing.size() + cards.size()) +
+          " cards could not be drawn, first " + missing.front() + ": " + failure->message);
+}
+
 std::expected<GalleryPlan, Failure> planGallery(
     ExtensionBatch& extension, const GallerySettings& settings) {
   return Planner(extension, settings).plan();

@@ -51,6 +51,9 @@ struct GalleryPlan {
   std::vector<Card> cards;
   std::vector<std::string> missing;  // the stems of the cards that cannot be drawn
   std::optional<Failure> failure;    // why, of the first of them
+
+  // The failure with how many cards are missing, if any is.
+  Done outcome() const;
 };
 
 // The plan; a failure where there is nothing to draw at all.

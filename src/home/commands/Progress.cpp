@@ -8,7 +8,7 @@
 namespace quillpad::home {
 namespace {
 
-constexpr std::size_t width = 40;
+constexpr std::size_t barWidth = 40;
 constexpr auto pause = std::chrono::milliseconds(50);
 
 }  // namespace
@@ -33,8 +33,8 @@ void Progress::advance() {
     return;
   }
   next_ = now + pause;
-  std::string bar(done_ * width / total_, '#');
-  bar.resize(width, ' ');
+  std::string bar(done_ * barWidth / total_, '#');
+  bar.resize(barWidth, ' ');
   std::fprintf(stderr, "\r[%s] %zu of %zu pictures", bar.c_str(), done_, total_);
 }
 
