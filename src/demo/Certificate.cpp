@@ -86,48 +86,49 @@ bool allSucceeded(std::initializer_list<int> results) {
   return true;
 }
 
-std::optional<Certificate> makeCertificate() {
-  const Key key;
-  const X509 certificate;
-  gnutls_x509_crt_t crt = certificate.get();
-  std::array<unsigned char, 16> serial{};
+// Makes it that of localhost and its addresses for a year, signed with the key.
+bool describeAndSign(gnutls_x509_crt_t certificate, gnutls_x509_privkey_t key) {
   constexpr std::string_view name = "Quillpad demo gateway";
   constexpr std::string_view host = "localhost";
   constexpr std::array<unsigned char, 4> loopback4 = {127, 0, 0, 1};
   constexpr std::array<unsigned char, 16> loopback6 = {
       0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1};
-  const std::time_t now = std::time(nullptr);
   const auto addName =
       [&](gnutls_x509_subject_alt_name_t kind, const void* data, std::size_t size) {
         return gnutls_x509_crt_set_subject_alt_name(
-            crt, kind, data, static_cast<unsigned>(size), GNUTLS_FSAN_APPEND);
+            certificate, kind, data, static_cast<unsigned>(size), GNUTLS_FSAN_APPEND);
       };
+  std::array<unsigned char, 16> serial{};
+  const std::time_t now = std::time(nullptr);
+  return gnutls_rnd(GNUTLS_RND_NONCE, serial.data(), serial.size()) == 0 &&
+         allSucceeded(
+             {gnutls_x509_crt_set_version(certificate, 3),
+              gnutls_x509_crt_set_serial(certificate, serial.data(), serial.size()),
+              gnutls_x509_crt_set_dn_by_oid(
+                  certificate, GNUTLS_OID_X520_COMMON_NAME, 0, name.data(), unsigned{name.size()}),
+              gnutls_x509_crt_set_activation_time(certificate, now - day),
+              gnutls_x509_crt_set_expiration_time(certificate, now + 365 * day),
+              gnutls_x509_crt_set_key(certificate, key),
+              gnutls_x509_crt_set_basic_constraints(certificate, 1, 0),
+              gnutls_x509_crt_set_key_usage(
+                  certificate, GNUTLS_KEY_DIGITAL_SIGNATURE | GNUTLS_KEY_KEY_CERT_SIGN),
+              gnutls_x509_crt_set_key_purpose_oid(certificate, GNUTLS_KP_TLS_WWW_SERVER, 0),
+              addName(GNUTLS_SAN_DNSNAME, host.data(), host.size()),
+              addName(GNUTLS_SAN_IPADDRESS, loopback4.data(), loopback4.size()),
+              addName(GNUTLS_SAN_IPADDRESS, loopback6.data(), loopback6.size()),
+              gnutls_x509_crt_sign2(certificate, certificate, key, GNUTLS_DIG_SHA256, 0)});
+}
 
-  const bool made =
-      gnutls_rnd(GNUTLS_RND_NONCE, serial.data(), serial.size()) == 0 &&
-      allSucceeded({
-          gnutls_x509_privkey_generate(
-              key.get(), GNUTLS_PK_ECDSA, GNUTLS_CURVE_TO_BITS(GNUTLS_ECC_CURVE_SECP256R1), 0),
-          gnutls_x509_crt_set_version(crt, 3),
-          gnutls_x509_crt_set_serial(crt, serial.data(), serial.size()),
-          gnutls_x509_crt_set_dn_by_oid(
-              crt, GNUTLS_OID_X520_COMMON_NAME, 0, name.data(), unsigned{name.size()}),
-          gnutls_x509_crt_set_activation_time(crt, now - day),
-          gnutls_x509_crt_set_expiration_time(crt, now + 365 * day),
-          gnutls_x509_crt_set_key(crt, key.get()),
-          gnutls_x509_crt_set_basic_constraints(crt, 1, 0),
-          gnutls_x509_crt_set_key_usage(
-              crt, GNUTLS_KEY_DIGITAL_SIGNATURE | GNUTLS_KEY_KEY_CERT_SIGN),
-          gnutls_x509_crt_set_key_purpose_oid(crt, GNUTLS_KP_TLS_WWW_SERVER, 0),
-          addName(GNUTLS_SAN_DNSNAME, host.data(), host.size()),
-          addName(GNUTLS_SAN_IPADDRESS, loopback4.data(), loopback4.size()),
-          addName(GNUTLS_SAN_IPADDRESS, loopback6.data(), loopback6.size()),
-          gnutls_x509_crt_sign2(crt, crt, key.get(), GNUTLS_DIG_SHA256, 0),
-      });
+std::optional<Certificate> makeCertificate() {
+  constexpr unsigned keyBits = GNUTLS_CURVE_TO_BITS(GNUTLS_ECC_CURVE_SECP256R1);
+  const Key key;
+  const X509 certificate;
   gnutls_datum_t keyText{};
   gnutls_datum_t certificateText{};
-  if (!made || gnutls_x509_privkey_export2(key.get(), GNUTLS_X509_FMT_PEM, &keyText) < 0 ||
-      gnutls_x509_crt_export2(crt, GNUTLS_X509_FMT_PEM, &certificateText) < 0) {
+  if (gnutls_x509_privkey_generate(key.get(), GNUTLS_PK_ECDSA, keyBits, 0) < 0 ||
+      !describeAndSign(certificate.get(), key.get()) ||
+      gnutls_x509_privkey_export2(key.get(), GNUTLS_X509_FMT_PEM, &keyText) < 0 ||
+      gnutls_x509_crt_export2(certificate.get(), GNUTLS_X509_FMT_PEM, &certificateText) < 0) {
     return {};
   }
   return Certificate{.certificate = textOf(certificateText), .key = textOf(keyText)};

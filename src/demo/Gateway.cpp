@@ -288,30 +288,31 @@ Answer Gateway::answer(const Request& request) {
 
 Answer Gateway::answerPost(const Request& request) {
   const Fault fault = faults_.take(request.path);
-  const auto faulty = [&fault](Answer answer) {
-    answer.delay = fault.delay;
-    answer.status = fault.status.value_or(answer.status);
-    if (fault.damage == Damage::notJson) {
-      answer.body = "<!DOCTYPE html><title>Bad gateway</title><h1>Bad gateway</h1>\n";
-      answer.contentType = "text/html";
-    } else if (fault.damage == Damage::drop) {
-      answer.delivery = Answer::Delivery::dropped;
-    } else if (fault.damage == Damage::truncate) {
-      answer.delivery = Answer::Delivery::truncated;
-    }
-    return answer;
-  };
+  Answer answer = answerWithDocuments(request, fault.damage);
+  answer.delay = fault.delay;
+  answer.status = fault.status.value_or(answer.status);
+  if (fault.damage == Damage::notJson) {
+    answer.body = "<!DOCTYPE html><title>Bad gateway</title><h1>Bad gateway</h1>\n";
+    answer.contentType = "text/html";
+  } else if (fault.damage == Damage::drop) {
+    answer.delivery = Answer::Delivery::dropped;
+  } else if (fault.damage == Damage::truncate) {
+    answer.delivery = Answer::Delivery::truncated;
+  }
+  return answer;
+}
 
+Answer Gateway::answerWithDocuments(const Request& request, Damage damage) const {
   if (!areEqual(token_, request.authorization)) {
-    return faulty(refuse(401, "the token in 'Authorization' is missing or wrong"));
+    return refuse(401, "the token in 'Authorization' is missing or wrong");
   }
   if (!request.contentType.starts_with("application/json")) {
-    return faulty(refuse(415, "the content type must be application/json"));
+    return refuse(415, "the content type must be application/json");
   }
   const auto body = readJson(request.body, JsonFragments::refused);
   const Dictionary* members = body ? body->as<Dictionary>() : nullptr;
   if (members == nullptr) {
-    return faulty(refuse(400, "the body must be one JSON object"));
+    return refuse(400, "the body must be one JSON object");
   }
 
   Fields fields(*members);
@@ -320,15 +321,15 @@ Answer Gateway::answerPost(const Request& request) {
   const std::string currentTime = isSummary ? fields.moment("currentTime") : "";
   const Query query = isSummary ? Query{} : queryOf(fields);
   if (const std::string error = fields.error(); !error.empty()) {
-    return faulty(refuse(400, error));
+    return refuse(400, error);
   }
   if (business != businessId) {
-    return faulty(refuse(403, "the token gives no access to this business"));
+    return refuse(403, "the token gives no access to this business");
   }
   const std::vector<Document> documents = documentsOn(clock_());
   const Dictionary document =
       isSummary ? summaryDocument(documents, currentTime) : listDocument(documents, query);
-  return faulty({.body = packed(document, fault.damage)});
+  return {.body = packed(document, damage)};
 }
 
 // GET tells the fault in force and those on offer, POST takes the items of another one.

@@ -50,6 +50,7 @@ class Gateway {
 
  private:
   Answer answerPost(const Request& request);
+  Answer answerWithDocuments(const Request& request, Damage damage) const;
   Answer answerSwitchboard(const Request& request);
   Answer listDocuments() const;
 

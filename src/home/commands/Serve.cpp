@@ -23,29 +23,46 @@
 namespace quillpad::home {
 namespace {
 
-// SIGINT, SIGTERM and SIGHUP as a descriptor to read from.
-FileDescriptor catchStopSignals(bool keepsRunning) {
+// What ends the home screen: each is readable when it is time, and not open where it does not
+// count.
+struct StopRequests {
+  FileDescriptor signals;  // SIGINT, SIGTERM and SIGHUP
+  FileDescriptor parent;   // its end
+};
+
+// A program that ignores SIGHUP, as under nohup, is meant to outlive its shell and its parent.
+StopRequests catchStopRequests() {
+  struct sigaction hangUp{};
+  ::sigaction(SIGHUP, nullptr, &hangUp);
+  const bool outlivesItsParent = hangUp.sa_handler == SIG_IGN;
+
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
   sigaddset(&signals, SIGTERM);
-  if (!keepsRunning) {
+  if (!outlivesItsParent) {
     sigaddset(&signals, SIGHUP);
   }
   ::sigprocmask(SIG_BLOCK, &signals, nullptr);
-  return FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+  StopRequests requests{FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK)), {}};
+  if (!outlivesItsParent) {
+    requests.parent = FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, ::getppid(), 0)));
+  }
+  return requests;
 }
 
-// Whether SIGHUP is ignored, which is how a person says that the program is to outlive its shell.
-bool outlivesItsParent() {
-  struct sigaction action{};
-  ::sigaction(SIGHUP, nullptr, &action);
-  return action.sa_handler == SIG_IGN;
-}
-
-// Readable once the parent process has ended; not open where it cannot be watched.
-FileDescriptor watchParent() {
-  return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, ::getppid(), 0)));
+void runUntilStopped(HomeScreen& screen, const StopRequests& requests) {
+  std::vector<pollfd> descriptors;
+  for (;;) {
+    descriptors = {{requests.signals.get(), POLLIN, 0}, {requests.parent.get(), POLLIN, 0}};
+    screen.addDescriptors(descriptors);
+    ::poll(descriptors.data(), descriptors.size(), screen.pollTimeout());
+    if (descriptors[0].revents != 0 || descriptors[1].revents != 0) {
+      screen.stop();
+      return;
+    }
+    screen.run();
+  }
 }
 
 struct Serve {
@@ -69,10 +86,7 @@ struct Serve {
 
   Done run(const CommandContext& context) const {
     ::signal(SIGPIPE, SIG_IGN);  // the reader of the messages may leave
-    const bool keepsRunning = outlivesItsParent();
-    const FileDescriptor parent = keepsRunning ? FileDescriptor() : watchParent();
-    const FileDescriptor signals = catchStopSignals(keepsRunning);
-
+    const StopRequests stopRequests = catchStopRequests();
     const SampleFolder folder(samples);
     if (const auto read = folder.read(); !read && !samples.empty()) {
       return failure(ExitStatus::notPossible, read.error());
@@ -104,18 +118,8 @@ struct Serve {
     if (::isatty(STDERR_FILENO) == 1) {
       std::fputs("Ctrl-C ends the home screen.\n", stderr);
     }
-
-    std::vector<pollfd> descriptors;
-    for (;;) {
-      descriptors = {{signals.get(), POLLIN, 0}, {parent.get(), POLLIN, 0}};
-      (*screen)->addDescriptors(descriptors);
-      ::poll(descriptors.data(), descriptors.size(), (*screen)->pollTimeout());
-      if (descriptors[0].revents != 0 || descriptors[1].revents != 0) {
-        (*screen)->stop();
-        return {};
-      }
-      (*screen)->run();
-    }
+    runUntilStopped(**screen, stopRequests);
+    return {};
   }
 };
 
