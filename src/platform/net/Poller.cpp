@@ -8,11 +8,6 @@
 #include "platform/foundation/Fatal.h"
 
 namespace quillpad {
-namespace {
-
-constexpr int notASocket = -1;
-
-}  // namespace
 
 // Neither the timer nor the waker is ever read: triggered by edges, each of their events is told
 // once. Of the threads that wait, the kernel wakes the one that began last.
@@ -21,7 +16,7 @@ Poller::Poller()
       timer_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)),
       waker_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
   for (const FileDescriptor* own : {&timer_, &waker_}) {
-    epoll_event event{.events = EPOLLIN | EPOLLET, .data = {.fd = notASocket}};
+    epoll_event event{.events = EPOLLIN | EPOLLET, .data = {.fd = own->get()}};
     if (::epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, own->get(), &event) != 0) {
       fatal("the URL session has no file descriptors to wait with");
     }
@@ -30,9 +25,8 @@ Poller::Poller()
 
 void Poller::watch(int socket, std::uint32_t events) {
   epoll_event event{.events = events | EPOLLONESHOT, .data = {.fd = socket}};
-  if (::epoll_ctl(epoll_.get(), EPOLL_CTL_MOD, socket, &event) != 0) {
-    ::epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, socket, &event);
-  }
+  ::epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, socket, nullptr);
+  ::epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, socket, &event);
 }
 
 void Poller::setAlarm(Clock::time_point time) {
@@ -48,13 +42,11 @@ void Poller::wake() { ::eventfd_write(waker_.get(), 1); }
 std::vector<int> Poller::wait() {
   std::array<epoll_event, 16> events{};
   const int count = ::epoll_wait(epoll_.get(), events.data(), events.size(), -1);
-  std::vector<int> sockets;
+  std::vector<int> descriptors;
   for (int i = 0; i < count; ++i) {
-    if (events[i].data.fd != notASocket) {
-      sockets.push_back(events[i].data.fd);
-    }
+    descriptors.push_back(events[i].data.fd);
   }
-  return sockets;
+  return descriptors;
 }
 
 }  // namespace quillpad

@@ -28,8 +28,8 @@ class Poller {
   // Has one waiting thread go on, or the next that would wait.
   void wake();
 
-  // Waits until something happens, and gives the sockets to which it did; after an alarm or wake()
-  // there may be none.
+  // Waits until something happens, and gives the sockets to which it did, and maybe descriptors of
+  // the poller's own.
   std::vector<int> wait();
 
  private:

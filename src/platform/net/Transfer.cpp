@@ -24,6 +24,10 @@ struct FreeURL {
   void operator()(CURLU* url) const { curl_url_cleanup(url); }
 };
 
+struct FreeText {
+  void operator()(char* text) const { curl_free(text); }
+};
+
 // The parts of an address as libcurl reads them; empty where it cannot be read.
 struct Parts {
   std::string scheme;
@@ -38,13 +42,10 @@ Parts partsOf(const std::string& address) {
     return {};
   }
   const auto part = [&](CURLUPart which) -> std::string {
-    char* text = nullptr;
-    if (curl_url_get(url.get(), which, &text, CURLU_DEFAULT_PORT) != CURLUE_OK) {
-      return {};
-    }
-    std::string copy = text;
-    curl_free(text);
-    return copy;
+    char* found = nullptr;
+    curl_url_get(url.get(), which, &found, CURLU_DEFAULT_PORT);
+    const std::unique_ptr<char, FreeText> text(found);
+    return text ? text.get() : "";
   };
   return {
       .scheme = part(CURLUPART_SCHEME),

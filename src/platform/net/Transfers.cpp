@@ -40,10 +40,12 @@ Transfers::List Transfers::advance(List arrivals, const std::vector<int>& socket
   return std::exchange(ended_, {});
 }
 
-// libcurl looks itself what has happened.
 void Transfers::take(int socket) {
+  if (!sockets_.contains(socket)) {
+    return;
+  }
   int running{};
-  curl_multi_socket_action(multi_, socket, 0, &running);
+  curl_multi_socket_action(multi_, socket, 0, &running);  // looks itself what has happened
   if (const auto watched = sockets_.find(socket); watched != sockets_.end()) {
     poller_.watch(socket, watched->second);
   }
@@ -53,7 +55,7 @@ int Transfers::onSocket(
     CURL* /*handle*/, curl_socket_t socket, int what, void* transfers, void* /*mark*/) {
   Transfers& self = *static_cast<Transfers*>(transfers);
   if (what == CURL_POLL_REMOVE) {
-    self.sockets_.erase(socket);  // what is next of it wakes a thread in vain, once at most
+    self.sockets_.erase(socket);
   } else {
     const std::uint32_t events =
         ((what & CURL_POLL_IN) != 0 ? EPOLLIN : 0U) | ((what & CURL_POLL_OUT) != 0 ? EPOLLOUT : 0U);
@@ -73,7 +75,7 @@ int Transfers::onTimer(CURLM* /*multi*/, long milliseconds, void* transfers) {
 bool Transfers::isBusy(const std::string& authority) const {
   constexpr std::ptrdiff_t maxPerHost = 6;
   return std::ranges::count_if(running_, [&](const auto& each) {
-           return each.second->authority() == authority;
+           return each.second.transfer->authority() == authority;
          }) == maxPerHost;
 }
 
@@ -86,7 +88,9 @@ void Transfers::startWaiting() {
     CURL* handle = curl_easy_init();
     curl_easy_setopt(handle, CURLOPT_SHARE, tlsSessions_);
     (*next)->prepare(handle);
-    running_.emplace(handle, std::move(*next));
+    Exchange& exchange = running_[handle];
+    exchange.transfer = std::move(*next);
+    exchange.handle.reset(handle);
     curl_multi_add_handle(multi_, handle);
     next = waiting_.erase(next);
   }
@@ -94,10 +98,9 @@ void Transfers::startWaiting() {
 
 void Transfers::end(CURL* handle, CURLcode result) {
   curl_multi_remove_handle(multi_, handle);
-  std::unique_ptr<Transfer> transfer = std::move(running_.extract(handle).mapped());
-  const bool goesOn = transfer->endExchange(handle, result);
-  curl_easy_cleanup(handle);
-  (goesOn ? waiting_ : ended_).push_back(std::move(transfer));
+  Exchange exchange = std::move(running_.extract(handle).mapped());
+  const bool goesOn = exchange.transfer->endExchange(handle, result);
+  (goesOn ? waiting_ : ended_).push_back(std::move(exchange.transfer));
   startWaiting();
 }
 
@@ -121,8 +124,8 @@ void Transfers::endOverdue() {
   waiting_.erase(late.begin(), late.end());
 
   std::vector<CURL*> overdue;
-  for (const auto& [handle, transfer] : running_) {
-    if (isOverdue(*transfer)) {
+  for (const auto& [handle, exchange] : running_) {
+    if (isOverdue(*exchange.transfer)) {
       overdue.push_back(handle);
     }
   }
@@ -136,8 +139,8 @@ void Transfers::setAlarm() {
   for (const auto& transfer : waiting_) {
     alarm = std::min(alarm, transfer->deadline());
   }
-  for (const auto& [handle, transfer] : running_) {
-    alarm = std::min(alarm, transfer->deadline());
+  for (const auto& [handle, exchange] : running_) {
+    alarm = std::min(alarm, exchange.transfer->deadline());
   }
   poller_.setAlarm(alarm);
 }

@@ -31,6 +31,16 @@ class Transfers {
  private:
   using Clock = Transfer::Clock;
 
+  struct FreeHandle {
+    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+  };
+
+  // The handle, which points to what the transfer holds, ends before it.
+  struct Exchange {
+    std::unique_ptr<Transfer> transfer;
+    std::unique_ptr<CURL, FreeHandle> handle;
+  };
+
   static int onSocket(CURL* handle, curl_socket_t socket, int what, void* transfers, void* mark);
   static int onTimer(CURLM* multi, long milliseconds, void* transfers);
 
@@ -47,7 +57,7 @@ class Transfers {
   CURLSH* tlsSessions_ = curl_share_init();
   std::unordered_map<curl_socket_t, std::uint32_t> sockets_;  // with the events to watch for
   List waiting_;  // for their host, in their order; libcurl's own queue may forget who waits in it
-  std::unordered_map<CURL*, std::unique_ptr<Transfer>> running_;
+  std::unordered_map<CURL*, Exchange> running_;
   List ended_;
   Clock::time_point curlTimer_ = Clock::time_point::max();
 };
