@@ -43,14 +43,14 @@ TEST(Page, NamesAreTextWhateverTheyHold) {
 
 TEST(Page, OnlyLinksToApplicationsStandOnIt) {
   channel::CatalogueItem widget;
-  widget.linkSchemes = {"quillpad", "ZettelAtoZ", "javascript", "http", "file"};
+  widget.linkSchemes = {"quillpad", "ZettelAtoZ", "javascript", "http", "file", ""};
   for (const char* link : {"quillpad://Report", "QuillPad://x", "zettelatoz:one"}) {
     EXPECT_TRUE(leadsToApplication(widget, link)) << link;
   }
   const std::vector<const char*> refused[] = {
       {"other://Report", "Report", "", "//evil.example", "http://evil.example"},
       {"https://evil.example", "file:///etc/passwd", "data:text/html,x", "vbscript:x"},
-      {"javascript:alert(1)", "JavaScript:alert(1)", " javascript:alert(1)"}};
+      {"javascript:alert(1)", "JavaScript:alert(1)", " javascript:alert(1)", "quillpad://["}};
   for (const auto& links : refused) {
     for (const char* link : links) {
       EXPECT_FALSE(leadsToApplication(widget, link)) << link;

@@ -1,6 +1,8 @@
 #include "platform/net/Poller.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <sys/timerfd.h>
@@ -43,9 +45,11 @@ std::vector<int> Poller::wait() {
   std::array<epoll_event, 16> events{};
   const int count = ::epoll_wait(epoll_.get(), events.data(), events.size(), -1);
   std::vector<int> descriptors;
-  for (int i = 0; i < count; ++i) {
-    descriptors.push_back(events[i].data.fd);
-  }
+  std::transform(
+      events.begin(),
+      events.begin() + std::max(count, 0),
+      std::back_inserter(descriptors),
+      [](const epoll_event& event) { return event.data.fd; });
   return descriptors;
 }
 
