@@ -136,14 +136,18 @@ TEST_F(ExtensionDriverTest, ForgetsAnAccountAsSoonAsItsStoreSaysSo) {
 }
 
 TEST_F(ExtensionDriverTest, StartsAnExtensionThatWasKilledAndRelaysWhatItPrints) {
-  const ScriptedExtension extension(
-      "echo I am $$; echo '{\"id\":1,\"result\":[]}' >/dev/null; exec sleep 60");
+  const ScriptedExtension extension("echo I am $$; exec sleep 60");
   start(extension.path());
   runUntil("it speaks", [this] { return relayed_.size() == 1; });
   ::kill(std::stoi(relayed_.front().substr(5)), SIGKILL);
   runUntil("it speaks again", [this] { return relayed_.size() == 2; });
   EXPECT_EQ(driver_->supervisor().lastEnd()->detail, "signal 9, Killed");
-  EXPECT_THAT(relayed_.back(), testing::StartsWith("I am "));
+  ASSERT_THAT(relayed_.back(), testing::StartsWith("I am "));
+  ::kill(std::stoi(relayed_.back().substr(5)), SIGKILL);
+  runUntil("it is left alone for a while", [this] {
+    return driver_->supervisor().life() == Supervisor::Life::backingOff;
+  });
+  EXPECT_EQ(driver_->privateMemory(), std::nullopt);
 }
 
 // What an extension is not shown at its start it never sees.
@@ -177,7 +181,9 @@ TEST_F(ExtensionDriverTest, AStateThatIsNotUnderstoodIsKeptAside) {
   start();
   EXPECT_THAT(relayed_, ElementsAre(testing::AllOf(HasSubstr("version"), HasSubstr("kept as"))));
   runUntilLive();
+  EXPECT_GT(driver_->privateMemory(), 0U);
   driver_->stop(now_);
+  EXPECT_EQ(driver_->privateMemory(), std::nullopt);
   EXPECT_THAT(fixtures::contentsOf(file_.string() + ".unreadable"), HasSubstr("precious"));
   EXPECT_TRUE(std::filesystem::exists(file_));
 }

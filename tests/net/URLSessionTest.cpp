@@ -425,7 +425,9 @@ TEST_F(URLSessionTest, RedirectsKeepOrDropTheBodyAndNeverCarryTheToken) {
     request.httpMethod = method;
     request.setValue("kept", "X-Custom");
 
-    EXPECT_EQ(fetch(std::move(request)).status(), 200);
+    const Result result = fetch(std::move(request));
+    EXPECT_EQ(result.status(), 200);
+    EXPECT_EQ(result.data, "");
 
     ASSERT_EQ(server.requests().size(), 2U);
     const HttpsServer::Request next = server.requests().at(1);
@@ -493,6 +495,8 @@ TEST_F(URLSessionTest, ManyTasksAtOnceShareFewConnectionsAndNoThreadEach) {
   // The test's own thread, the session's two, the server's acceptor and one for each connection,
   // and a few of the sanitizers'.
   EXPECT_LE(threadsOfThisProcess(), 4 + 6 + 4);
+  const HttpsServer other([](auto&, auto& exchange) { exchange.respond(200, "other"); });
+  EXPECT_EQ(fetch(other.address("/")).data, "other") << "it waits for no other host";
   server.release();
 
   std::set<std::string> bodies;

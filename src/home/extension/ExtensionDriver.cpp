@@ -123,7 +123,6 @@ void ExtensionDriver::carryOut(const Moment& now, const Supervisor::Action& acti
 }
 
 void ExtensionDriver::startExtension(const Moment& now) {
-  session_.reset();
   auto started = ExtensionSession::start(program_);
   if (started) {
     session_.emplace(std::move(*started));
