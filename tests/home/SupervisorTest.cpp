@@ -39,6 +39,7 @@ class SupervisorTest : public testing::Test {
  protected:
   // What the supervisor has had done since the last call, in words.
   std::vector<std::string> done() {
+    supervisor.timePassed(now());
     const std::vector<Supervisor::Action> actions = supervisor.takeActions();
     expectVersionsTell();
     expectNothingIsMissed();
@@ -240,6 +241,7 @@ class SupervisorTest : public testing::Test {
   void endExtension(
       const std::string& manner = "signal 9, Killed", const std::string& lastWords = "") {
     supervisor.ended(now(), {SessionEnd::Cause::exited, manner, lastWords});
+    supervisor.timePassed(now());
   }
 
   void passThePause() {
@@ -335,7 +337,7 @@ TEST_F(SupervisorTest, AReloadTimeInThePastOrFarAwayIsBounded) {
   };
   bringUp();
   for (const auto& [reloadAfter, wait] : cases) {
-    supervisor.remove(now(), "B");
+    supervisor.remove("B");
     reloadAll();
     answer("timeline A", channel::Timeline{{entryAt(date, "a1")}, {reloadAfter}});
     answerAllButTimelines();
@@ -429,8 +431,8 @@ TEST_F(SupervisorTest, WidgetsStandWhereAPersonPutThem) {
     EXPECT_EQ(order(), expected) << kind << " before " << before;
     expectVersionsTell();
   }
-  supervisor.remove(now(), "C");
-  supervisor.place(now(), "C");
+  supervisor.remove("C");
+  supervisor.place("C");
   EXPECT_EQ(order(), "BCDA") << "before the first one that follows it in the catalogue";
   EXPECT_EQ(supervisor.saved().placed, (std::vector<std::string>{"B", "C", "D", "A"}));
 }
@@ -623,7 +625,7 @@ TEST_F(SupervisorTest, NothingStaysOfWidgetsThatAreNeitherOfferedNorPlaced) {
   bringUp();
   supervisor.openGallery(now());
   answerAllButTimelines();
-  supervisor.remove(now(), "B");
+  supervisor.remove("B");
   for (const auto& kinds : std::vector<std::vector<std::string>>{{"A", "B"}, {"A"}}) {
     endExtension();
     passThePause();
@@ -732,11 +734,11 @@ TEST_F(SupervisorTest, AnIdleExtensionIsPingedAndStartedAgainWhereItIsStuck) {
 
 TEST_F(SupervisorTest, AnOutdatedExtensionIsStartedAgainWhereItIsNotAtWork) {
   bringUp();
-  supervisor.extensionNeedsRestart(now());
+  supervisor.extensionNeedsRestart();
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("end", "start", "catalogue"));
-  supervisor.reload(now());
-  supervisor.extensionNeedsRestart(now());
-  EXPECT_THAT(done(), ElementsAre("timeline A", "timeline B"));
+  reloadAll();
+  supervisor.extensionNeedsRestart();
+  EXPECT_THAT(done(), IsEmpty());
 }
 
 TEST_F(SupervisorTest, OneWidgetThatEndsTheExtensionTakesNoOtherWithIt) {
@@ -783,13 +785,13 @@ TEST_F(SupervisorTest, AnExtensionThatCannotBeStartedCountsAsOneThatEnds) {
 
 TEST_F(SupervisorTest, RemovesAndAddsInTheCataloguesOrder) {
   bringUp();
-  EXPECT_TRUE(supervisor.remove(now(), "A"));
-  EXPECT_FALSE(supervisor.place(now(), "C"));
-  EXPECT_FALSE(supervisor.remove(now(), "C"));
+  EXPECT_TRUE(supervisor.remove("A"));
+  EXPECT_FALSE(supervisor.place("C"));
+  EXPECT_FALSE(supervisor.remove("C"));
   EXPECT_EQ(supervisor.widgets().size(), 1U);
   EXPECT_THAT(after(5min), ElementsAre("timeline B"));
 
-  EXPECT_TRUE(supervisor.place(now(), "A"));
+  EXPECT_TRUE(supervisor.place("A"));
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("placeholder A", "render A", "timeline A"));
   EXPECT_EQ(supervisor.widgets().front().about->kind, "A");
   EXPECT_EQ(supervisor.widgets().size(), 2U);
@@ -798,7 +800,7 @@ TEST_F(SupervisorTest, RemovesAndAddsInTheCataloguesOrder) {
 TEST_F(SupervisorTest, AnAnswerForAWidgetThatIsGoneChangesNothing) {
   bringUp();
   reloadAll();
-  supervisor.remove(now(), "A");
+  supervisor.remove("A");
   deliver("A", "a2");
   EXPECT_EQ(supervisor.widgets().size(), 1U);
   EXPECT_FALSE(supervisor.saved().pictures.contains("A"));
@@ -806,7 +808,7 @@ TEST_F(SupervisorTest, AnAnswerForAWidgetThatIsGoneChangesNothing) {
 
 TEST_F(SupervisorTest, ShowsWhatAnEarlierRunLeftUntilFreshEntriesCome) {
   bringUp();
-  supervisor.remove(now(), "B");
+  supervisor.remove("B");
   startAfresh(supervisor.saved());
   date += 24h;
   EXPECT_EQ(shown("A"), "a1");

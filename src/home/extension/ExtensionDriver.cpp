@@ -56,7 +56,7 @@ void ExtensionDriver::run(const Moment& now) {
     take(now, event);
   }
   if (session_ && !supervisor_.awaitsAnswers() && session_->needsRestart()) {
-    supervisor_.extensionNeedsRestart(now);
+    supervisor_.extensionNeedsRestart();
   }
   supervisor_.timePassed(now);
   for (auto actions = supervisor_.takeActions(); !actions.empty();
@@ -64,6 +64,7 @@ void ExtensionDriver::run(const Moment& now) {
     for (const Supervisor::Action& action : actions) {
       carryOut(now, action);
     }
+    supervisor_.timePassed(now);
   }
   state_.run(now, supervisor_);
 }

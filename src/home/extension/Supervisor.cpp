@@ -60,8 +60,6 @@ void Supervisor::restore(SavedHome saved) {
 
 // Events
 
-void Supervisor::timePassed(const Moment& now) { advance(now); }
-
 void Supervisor::replied(const Moment& now, const channel::NumberedReply& reply) {
   if (const auto request = takePending(reply.id.value_or(0))) {
     pingAt_ = now.uptime + pingPause;
@@ -105,11 +103,10 @@ void Supervisor::failedToStart(const Moment& now, std::string why) {
        .since = now.date});
 }
 
-void Supervisor::extensionNeedsRestart(const Moment& now) {
+void Supervisor::extensionNeedsRestart() {
   if (life_ == Life::running && pending_.empty()) {
     actions_.emplace_back(EndExtension{});
     life_ = Life::stopped;
-    advance(now);
   }
 }
 
@@ -135,7 +132,6 @@ bool Supervisor::accountIs(const std::string& mark) {
 
 void Supervisor::programReplaced(const Moment& now) {
   replaceBy_ = replaceBy_.value_or(now.uptime + lastRequests);
-  advance(now);
 }
 
 void Supervisor::setCatalogue(std::vector<channel::CatalogueItem> items) {
@@ -162,26 +158,24 @@ std::size_t Supervisor::placeInCatalogueOrder(std::string_view kind) const {
   return static_cast<std::size_t>(next - placed_.begin());
 }
 
-bool Supervisor::place(const Moment& now, std::string_view kind) {
+bool Supervisor::place(std::string_view kind) {
   if (offered(kind) == nullptr) {
     return false;
   }
   if (placed_.insert(placeInCatalogueOrder(kind), std::string(kind))) {
     markChanged(widgets_[std::string(kind)]);
     ++savedVersion_;
-    advance(now);
   }
   return true;
 }
 
-bool Supervisor::remove(const Moment& now, std::string_view kind) {
+bool Supervisor::remove(std::string_view kind) {
   if (!placed_.erase(kind)) {
     return offered(kind) != nullptr;
   }
   recordOf(kind).leave();
   ++version_;
   ++savedVersion_;
-  advance(now);
   return true;
 }
 
@@ -202,7 +196,6 @@ bool Supervisor::reload(const Moment& now, std::string_view kind) {
   widget.want(now);
   markChanged(widget);
   restartAtOnce();
-  advance(now);
   return true;
 }
 
@@ -213,7 +206,6 @@ void Supervisor::reload(const Moment& now) {
     markChanged(widget);
   }
   restartAtOnce();
-  advance(now);
 }
 
 void Supervisor::restartAtOnce() {
@@ -232,12 +224,12 @@ void Supervisor::forgetEnds() {
 
 void Supervisor::openGallery(const Moment& now) {
   galleryOpened_ = true;
-  advance(now);
+  timePassed(now);
 }
 
 // The state machine
 
-void Supervisor::advance(const Moment& now) {
+void Supervisor::timePassed(const Moment& now) {
   if (life_ == Life::backingOff && now.uptime >= startAt_.uptime) {
     life_ = Life::stopped;
   }
@@ -499,7 +491,6 @@ void Supervisor::loseExtension(const Moment& now, Problem problem) {
   }
   lastEnd_ = std::move(problem);
   ++version_;
-  advance(now);
 }
 
 // What there is to see and to do

@@ -48,8 +48,8 @@ class Supervisor {
   // Takes up what an earlier run left; every placed widget is asked afresh. Before any event.
   void restore(SavedHome saved);
 
-  // What happened. Each may lead to actions, replies only once timePassed is called: after all that
-  // came together, as many widgets are looked at then.
+  // What happened. It leads to actions once timePassed is called: after all that came together, as
+  // many widgets are looked at then.
   void timePassed(const Moment& now);
   void replied(const Moment& now, const channel::NumberedReply& reply);
   void answerIsLate(const Moment& now, const LateAnswer& late);
@@ -57,7 +57,7 @@ class Supervisor {
   void ended(const Moment& now, const SessionEnd& end);
   void failedToStart(const Moment& now, std::string why);
   // There is something to read that only another run of the extension would see.
-  void extensionNeedsRestart(const Moment& now);
+  void extensionNeedsRestart();
   // The extension's program is another one now: it is started again when nothing is under way, or
   // after a while, and what the widgets show is asked of the new one and changes all at once.
   void programReplaced(const Moment& now);
@@ -68,12 +68,13 @@ class Supervisor {
   bool accountIs(const std::string& mark);
 
   // What a person wants. Those with a kind return false for one that is not there.
-  bool place(const Moment& now, std::string_view kind);
-  bool remove(const Moment& now, std::string_view kind);
+  bool place(std::string_view kind);
+  bool remove(std::string_view kind);
   bool reload(const Moment& now, std::string_view kind);
   // Puts a placed widget before another one; behind all where that is empty.
   bool move(std::string_view kind, std::string_view before);
   void reload(const Moment& now);
+  // Asks for what the gallery lacks at once.
   void openGallery(const Moment& now);
 
   // The actions since the last call.
@@ -119,7 +120,6 @@ class Supervisor {
   void setCatalogue(std::vector<channel::CatalogueItem> items);
   const channel::CatalogueItem* offered(std::string_view kind) const;
   std::size_t placeInCatalogueOrder(std::string_view kind) const;
-  void advance(const Moment& now);
   void startExtension();
   void replaceExtension(const Moment& now);
   std::map<std::uint64_t, Pending> takeBackRequests();

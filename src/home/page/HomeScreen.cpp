@@ -257,8 +257,8 @@ bool HomeScreen::changeWidgets(const Moment& now, const WebRequest& request) {
     return true;
   }
   return (request.path == "/reload" && supervisor().reload(now, kind)) ||
-         (request.path == "/place" && supervisor().place(now, kind)) ||
-         (request.path == "/remove" && supervisor().remove(now, kind)) ||
+         (request.path == "/place" && supervisor().place(kind)) ||
+         (request.path == "/remove" && supervisor().remove(kind)) ||
          (request.path == "/move" && supervisor().move(kind, request.parameter("before")));
 }
 
