@@ -163,7 +163,7 @@ void takeTimelines(
         ++answers.timelines;
       } else if (const auto* transfer = std::get_if<TransferReport>(&event)) {
         answers.failedTransfers += transfer->error ? 1 : 0;
-      } else if (const auto* end = std::get_if<home::SessionEnd>(&event)) {
+      } else if (const auto* end = std::get_if<home::Problem>(&event)) {
         giveUp("the extension ended: " + end->lastWords);
       }
     }

@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using Cause = SessionEnd::Cause;
+using Cause = Problem::Cause;
 
 class ExtensionSessionTest : public testing::Test {
  protected:
@@ -54,26 +54,26 @@ class ExtensionSessionTest : public testing::Test {
 };
 
 TEST_F(ExtensionSessionTest, TellsTheCausesOfAnEndApart) {
-  using enum SessionEnd::Cause;
+  using enum Problem::Cause;
   const std::tuple<std::string, Cause, std::string, std::string> cases[] = {
-      {"exit 7", exited, "exit status 7", ""},
+      {"exit 7", ended, "exit status 7", ""},
       {"echo one >&2; echo 'Unit line 8: broken' >&2; kill -ABRT $$",
-       exited,
+       ended,
        "signal 6, Aborted",
        "Unit line 8: broken"},
-      {"printf 'no line end' >&2; exit 1", exited, "exit status 1", "no line end"},
+      {"printf 'no line end' >&2; exit 1", ended, "exit status 1", "no line end"},
       {"echo 'last words' >&2; sleep 0.1; echo later; exit 1",
-       exited,
+       ended,
        "exit status 1",
        "last words"},
-      {"exec 3>&-; sleep 60", exited, "signal 9, Killed", ""},
+      {"exec 3>&-; sleep 60", ended, "signal 9, Killed", ""},
       {"echo 'no message' >&3; sleep 60", protocolError, "invalid JSON at line 1", ""},
       {"head -c 8388609 /dev/zero >&3; sleep 60", protocolError, "more than 8 MiB", ""},
   };
   for (const auto& [commands, cause, detail, lastWords] : cases) {
     start("read r <&3; " + commands);
     ask();
-    const auto end = until<SessionEnd>();
+    const auto end = until<Problem>();
     EXPECT_EQ(end.cause, cause) << commands;
     EXPECT_THAT(end.detail, HasSubstr(detail)) << commands;
     EXPECT_EQ(end.lastWords, lastWords) << commands;
@@ -87,7 +87,7 @@ TEST_F(ExtensionSessionTest, WhatWasPrintedForAnEarlierRequestIsNoLastWord) {
   ask();
   until<channel::NumberedReply>();
   ask();
-  EXPECT_EQ(until<SessionEnd>().lastWords, "");
+  EXPECT_EQ(until<Problem>().lastWords, "");
   EXPECT_THAT(printed_, ElementsAre("grumble"));
 }
 
@@ -99,7 +99,7 @@ TEST_F(ExtensionSessionTest, AnExtensionThatSaysNothingInTimeHangsAndIsEnded) {
   EXPECT_THAT(session_->poll(uptime_), testing::IsEmpty());
   EXPECT_LE(session_->nextDeadline(), asked + 90s);
   uptime_ = asked + 90s;
-  const auto end = until<SessionEnd>();
+  const auto end = until<Problem>();
   EXPECT_EQ(end.cause, Cause::late);
   EXPECT_EQ(end.detail, "90 seconds");
 }
@@ -129,11 +129,11 @@ TEST_F(ExtensionSessionTest, EndsWhatUsesMoreMemoryThanItMay) {
   auto descriptors = session_->descriptors();
   EXPECT_EQ(::poll(descriptors.data(), descriptors.size(), 50), 0) << "nothing is asked";
   ask();
-  SessionEnd end;
+  Problem end;
   for (int turn = 0; turn < 1000 && end.detail.empty(); ++turn) {
     uptime_ += 100ms;
     for (SessionEvent& event : session_->poll(uptime_)) {
-      end = std::get<SessionEnd>(event);
+      end = std::get<Problem>(event);
     }
     ::usleep(2000);
   }
@@ -163,7 +163,7 @@ TEST_F(ExtensionSessionTest, WhoAnswersWhatItDidNotReadIsEnded) {
   ask();
   const channel::Entry entry{.date = {}, .data = std::string(1'000'000, 'x')};
   session_->ask(uptime_, channel::RenderRequest{"A", entry, std::nullopt});
-  const auto end = until<SessionEnd>();
+  const auto end = until<Problem>();
   EXPECT_EQ(end.cause, Cause::protocolError);
   EXPECT_EQ(end.detail, "the answer to a request that it had not read");
 }
@@ -182,13 +182,13 @@ TEST_F(ExtensionSessionTest, ManyWidgetsShareWhatTheirMessagesMayTake) {
   session_->ask(uptime_, channel::CatalogueRequest{});
   until<channel::NumberedReply>();
   ask();
-  EXPECT_EQ(until<SessionEnd>().detail, "a message of more than 256 KiB");
+  EXPECT_EQ(until<Problem>().detail, "a message of more than 256 KiB");
 }
 
 TEST_F(ExtensionSessionTest, PrintedLinesAreShowableWhateverTheirBytes) {
   start(R"(printf 'plain \303\205se\n\377\376 bad\n\033[31mred\tblue\302\233\n' >&2; )"
         R"(head -c 70000 /dev/zero | tr '\0' x; echo; exit 1)");
-  const auto end = until<SessionEnd>();
+  const auto end = until<Problem>();
   EXPECT_THAT(
       printed_,
       testing::UnorderedElementsAre(
@@ -244,7 +244,7 @@ TEST_F(ExtensionSessionTest, AnEndSparesWhatIsNotItsOwn) {
     ::pause();
   }
   start("exit 0");
-  until<SessionEnd>();
+  until<Problem>();
   EXPECT_EQ(::kill(neighbour->pid(), 0), 0);
   EXPECT_EQ(::waitpid(child, nullptr, WNOHANG), 0);
   ::kill(child, SIGKILL);

@@ -131,11 +131,11 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
   fallback.failure = {{-1004, "Could not connect to the server."}};
   RenderedEntry restored = live;
   restored.restored = true;
-  const Problem dropped{Cause::dropped, "It has no hands.", "", noon};
-  const Problem droppedSilently{Cause::dropped, "", "", noon};
-  const Problem ended{Cause::ended, "signal 6, Aborted", "SalesData line 58: no JSON", noon};
-  const Problem late{Cause::late, "90 s", "", noon};
-  const Problem tooLarge{Cause::overMemory, "it used 41 MiB, the limit is 30 MiB", "", noon};
+  const Problem dropped{Cause::dropped, "It has no hands."};
+  const Problem droppedSilently{Cause::dropped};
+  const Problem ended{Cause::ended, "signal 6, Aborted", "SalesData line 58: no JSON"};
+  const Problem late{Cause::late, "90 s"};
+  const Problem tooLarge{Cause::overMemory, "it used 41 MiB, the limit is 30 MiB"};
   using Words = std::vector<const char*>;
   const std::tuple<const RenderedEntry*, const Problem*, const char*, Words> cases[] = {
       {&live, nullptr, "live", {}},
@@ -167,7 +167,7 @@ TEST(WidgetStatus, SaysInPlainWordsWhatIsShown) {
 TEST(WidgetStatus, KeptFiguresAreStaleForWhateverReason) {
   RenderedEntry zeros{.source = EntrySource::timeline, .entry = {}, .received = noon};
   zeros.failure = {{-1004, "Could not connect to the server."}};
-  const Problem late{Problem::Cause::late, "90 s", "", noon};
+  const Problem late{Problem::Cause::late, "90 s"};
   const WidgetStatus status = statusOfKept({.picture = &zeros, .problem = &late});
   EXPECT_EQ(levelName(status.level), "stale");
   EXPECT_THAT(

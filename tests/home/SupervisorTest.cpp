@@ -240,7 +240,7 @@ class SupervisorTest : public testing::Test {
 
   void endExtension(
       const std::string& manner = "signal 9, Killed", const std::string& lastWords = "") {
-    supervisor.ended(now(), {SessionEnd::Cause::exited, manner, lastWords});
+    supervisor.ended(now(), {Problem::Cause::ended, manner, lastWords});
     supervisor.timePassed(now());
   }
 
@@ -562,16 +562,10 @@ TEST_F(SupervisorTest, ALateAnswerIsAskedForAgainLaterAndNotTakenAnyMore) {
 
 // An extension that hung is asked again as soon as it runs again, like one that ended by itself.
 TEST_F(SupervisorTest, AnEndForWhateverCauseIsFollowedByTheNextQuestion) {
-  const std::pair<SessionEnd::Cause, Cause> cases[] = {
-      {SessionEnd::Cause::exited, Cause::ended},
-      {SessionEnd::Cause::late, Cause::late},
-      {SessionEnd::Cause::overMemory, Cause::overMemory},
-      {SessionEnd::Cause::protocolError, Cause::protocolError},
-  };
   bringUp();
-  for (const auto& [end, cause] : cases) {
+  for (const Cause cause : {Cause::ended, Cause::late, Cause::overMemory, Cause::protocolError}) {
     reloadAll();
-    supervisor.ended(now(), {.cause = end, .detail = "how", .lastWords = ""});
+    supervisor.ended(now(), {.cause = cause, .detail = "how"});
     EXPECT_EQ(supervisor.lastEnd()->cause, cause);
     EXPECT_EQ(problem("A").cause, cause);
     EXPECT_EQ(problem("A").detail, "how");
@@ -727,7 +721,7 @@ TEST_F(SupervisorTest, AnIdleExtensionIsPingedAndStartedAgainWhereItIsStuck) {
   after(29s);
   EXPECT_EQ(lastPing, lastId) << "once";
   supervisor.reload(now(), "B");
-  supervisor.ended(now(), {.cause = SessionEnd::Cause::late, .detail = "", .lastWords = ""});
+  supervisor.ended(now(), {.cause = Cause::late});
   EXPECT_THAT(answerAllButTimelines(), ElementsAre("start", "catalogue", "timeline B"));
   EXPECT_EQ(widget("A").problem, nullptr);
 }
@@ -776,7 +770,7 @@ TEST_F(SupervisorTest, AnExtensionThatCannotBeStartedCountsAsOneThatEnds) {
   supervisor.timePassed(now());
   for (int attempt = 0; attempt < 5; ++attempt) {
     EXPECT_THAT(done(), ElementsAre("start", "catalogue"));
-    supervisor.failedToStart(now(), "There is no program there.");
+    supervisor.ended(now(), {Cause::notStarted, "There is no program there."});
     passThePause();
   }
   EXPECT_EQ(supervisor.life(), Life::gaveUp);
@@ -967,7 +961,7 @@ TEST_F(SupervisorTest, AProgramThatDoesNotServeLeavesTheLastPicturesWithItsLastW
   bringUp();
   supervisor.programReplaced(now());
   done();
-  supervisor.failedToStart(now(), "no such file");
+  supervisor.ended(now(), {Cause::notStarted, "no such file"});
   EXPECT_EQ(problem("A").detail + problem("B").detail, "no such fileno such file");
   done();
   answer("catalogue", catalogueOf({"A", "B"}));
@@ -976,7 +970,7 @@ TEST_F(SupervisorTest, AProgramThatDoesNotServeLeavesTheLastPicturesWithItsLastW
   EXPECT_EQ(widget("A").problem, nullptr) << "one by one after an end";
   done();
   endExtension("signal 6, Aborted", "the entry has no rows");
-  EXPECT_EQ(problem("B").output, "the entry has no rows");
+  EXPECT_EQ(problem("B").lastWords, "the entry has no rows");
   EXPECT_EQ(shown("B"), "b1");
   for (int end = 0; supervisor.life() != Life::gaveUp && end < 9; ++end) {
     passThePause();

@@ -34,7 +34,7 @@ class ExtensionTest : public HomeScreenTest {
         }
         if (const auto* transfer = std::get_if<TransferReport>(&event)) {
           transfers_.push_back(*transfer);
-        } else if (const auto* end = std::get_if<home::SessionEnd>(&event)) {
+        } else if (const auto* end = std::get_if<home::Problem>(&event)) {
           ADD_FAILURE() << end->detail << ": " << end->lastWords;
           return 0;
         }

@@ -43,15 +43,15 @@ Failure late(const std::string& waited) {
       "the extension has not answered within " + waited + " and was stopped; try again"};
 }
 
-Failure meaningOf(const SessionEnd& end) {
+Failure meaningOf(const Problem& end) {
   switch (end.cause) {
-    case SessionEnd::Cause::late:
+    case Problem::Cause::late:
       return late(end.detail);
-    case SessionEnd::Cause::protocolError:
+    case Problem::Cause::protocolError:
       return {ExitStatus::notPossible, "the extension sent " + end.detail};
-    case SessionEnd::Cause::overMemory:
+    case Problem::Cause::overMemory:
       return {ExitStatus::extensionEnded, "the extension was ended: " + end.detail};
-    case SessionEnd::Cause::exited:
+    default:
       break;
   }
   return {
@@ -96,7 +96,7 @@ std::vector<std::optional<Answer>> ExtensionClient::answersTo(
         transfers_.push_back(*transfer);
       } else if (auto* line = std::get_if<PrintedLine>(&event)) {
         relay(std::move(*line));
-      } else if (const auto* end = std::get_if<SessionEnd>(&event)) {
+      } else if (const auto* end = std::get_if<Problem>(&event)) {
         over_ = meaningOf(*end);
         if (!places.empty() && !end->lastWords.empty()) {
           heldLine_.reset();

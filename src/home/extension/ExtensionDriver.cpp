@@ -98,9 +98,9 @@ void ExtensionDriver::take(const Moment& now, const SessionEvent& event) {
         relay_(line.text);
       },
       [&](const LateAnswer& late) { supervisor_.answerIsLate(now, late); },
-      [&](const SessionEnd& end) {
+      [&](const Problem& end) {
         session_.reset();
-        log_.noteRun(now.date, problemOf(end, now.date));
+        log_.noteRun(now.date, end);
         supervisor_.ended(now, end);
       }};
   std::visit(taken, event);
@@ -130,14 +130,9 @@ void ExtensionDriver::startExtension(const Moment& now) {
     log_.noteRun(now.date, ProcessLog::Started{session_->pid()});
     return;
   }
-  log_.noteRun(
-      now.date,
-      Problem{
-          .cause = Problem::Cause::notStarted,
-          .detail = started.error(),
-          .output = "",
-          .since = now.date});
-  supervisor_.failedToStart(now, started.error());
+  const Problem problem{.cause = Problem::Cause::notStarted, .detail = started.error()};
+  log_.noteRun(now.date, problem);
+  supervisor_.ended(now, problem);
 }
 
 }  // namespace quillpad::home

@@ -76,7 +76,7 @@ std::vector<SessionEvent> ExtensionSession::poll(Uptime now) {
     open_.clear();
     events.emplace_back(
         ending_ ? std::move(*ending_)
-                : SessionEnd{SessionEnd::Cause::exited, arrivals.end->manner(), lastWords_});
+                : Problem{Problem::Cause::ended, arrivals.end->manner(), lastWords_});
     return events;
   }
   giveUpLateAnswers(now, events);
@@ -90,8 +90,7 @@ void ExtensionSession::take(
     return;
   }
   if (line.tooLong || line.text.size() > maxMessage_) {
-    return end(
-        SessionEnd::Cause::protocolError, "a message of more than " + bytesText(maxMessage_));
+    return end(Problem::Cause::protocolError, "a message of more than " + bytesText(maxMessage_));
   }
   auto message = channel::decodeFromExtension(
       line.text, [this](std::uint64_t id) -> std::optional<channel::Method> {
@@ -99,7 +98,7 @@ void ExtensionSession::take(
         return request == open_.end() ? std::nullopt : std::optional(request->second.method);
       });
   if (!message) {
-    return end(SessionEnd::Cause::protocolError, printableText(message.error()));
+    return end(Problem::Cause::protocolError, printableText(message.error()));
   }
   lastHeard_ = now;
   if (auto* transfer = std::get_if<TransferReport>(&*message)) {
@@ -114,7 +113,7 @@ void ExtensionSession::take(
 void ExtensionSession::takeReply(channel::NumberedReply reply, std::vector<SessionEvent>& events) {
   const auto request = open_.find(reply.id.value_or(0));
   if (request != open_.end() && request->second.end > process_.sentBytes()) {
-    return end(SessionEnd::Cause::protocolError, "the answer to a request that it had not read");
+    return end(Problem::Cause::protocolError, "the answer to a request that it had not read");
   }
   if (!reply.id && open_.size() == 1) {
     reply.id = open_.begin()->first;
@@ -140,7 +139,7 @@ void ExtensionSession::giveUpLateAnswers(Uptime now, std::vector<SessionEvent>& 
     }
     const auto waited = std::chrono::ceil<std::chrono::seconds>(times.deadline - times.sent);
     if (lastHeard_ <= times.sent) {  // not a word since: it hangs
-      end(SessionEnd::Cause::late, std::to_string(waited.count()) + " seconds");
+      end(Problem::Cause::late, std::to_string(waited.count()) + " seconds");
     } else {
       events.emplace_back(LateAnswer{id, waited});
       request = open_.erase(request);
@@ -154,13 +153,13 @@ void ExtensionSession::measureMemory(Uptime now) {
   }
   nextMeasurement_ = now + measurementPause;
   if (const std::size_t used = privateMemory(process_.pid()); used > memoryLimit_) {
-    end(SessionEnd::Cause::overMemory,
+    end(Problem::Cause::overMemory,
         "it used " + bytesText(used) + ", the limit is " + bytesText(memoryLimit_));
   }
 }
 
-void ExtensionSession::end(SessionEnd::Cause cause, std::string detail) {
-  ending_ = SessionEnd{.cause = cause, .detail = std::move(detail), .lastWords = ""};
+void ExtensionSession::end(Problem::Cause cause, std::string detail) {
+  ending_ = Problem{.cause = cause, .detail = std::move(detail)};
   process_.kill();
 }
 

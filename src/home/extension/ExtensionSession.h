@@ -19,18 +19,10 @@
 
 #include "home/extension/ExtensionProcess.h"
 #include "home/extension/Moment.h"
+#include "home/extension/Problem.h"
 #include "platform/channel/Messages.h"
 
 namespace quillpad::home {
-
-// Why the extension is gone.
-struct SessionEnd {
-  enum class Cause { exited, overMemory, late, protocolError };
-
-  Cause cause = Cause::exited;
-  std::string detail;     // how it exited, what it used, how long it was waited for, what it said
-  std::string lastWords;  // the last line that it wrote to standard error about what it was asked
-};
 
 // No answer to the request came in time, though the extension is alive; none will be reported.
 struct LateAnswer {
@@ -38,10 +30,10 @@ struct LateAnswer {
   std::chrono::seconds waited{};
 };
 
-// Every request is followed by its reply or its LateAnswer, unless the session ends before; nothing
-// follows a SessionEnd.
+// Every request is followed by its reply or its LateAnswer, unless the session ends before; a
+// Problem says why, and nothing follows it.
 using SessionEvent =
-    std::variant<channel::NumberedReply, TransferReport, PrintedLine, LateAnswer, SessionEnd>;
+    std::variant<channel::NumberedReply, TransferReport, PrintedLine, LateAnswer, Problem>;
 
 class ExtensionSession {
  public:
@@ -94,7 +86,7 @@ class ExtensionSession {
   void shareOut(std::size_t widgets);
   void giveUpLateAnswers(Uptime now, std::vector<SessionEvent>& events);
   void measureMemory(Uptime now);
-  void end(SessionEnd::Cause cause, std::string detail);
+  void end(Problem::Cause cause, std::string detail);
 
   ExtensionProcess process_;
   std::size_t memoryLimit_;
@@ -104,7 +96,7 @@ class ExtensionSession {
   Uptime lastHeard_ = Uptime::min();
   Uptime nextMeasurement_{};
   std::string lastWords_;
-  std::optional<SessionEnd> ending_;  // why it was killed, until its end is seen
+  std::optional<Problem> ending_;  // why it was killed, until its end is seen
 };
 
 }  // namespace quillpad::home

@@ -83,11 +83,10 @@ void PreviewSession::take(const Moment& now, SessionEvent& event) {
   } else if (std::holds_alternative<LateAnswer>(event)) {
     session_.reset();
     finish(now, std::unexpected("The extension did not answer in time."));
-  } else if (const auto* end = std::get_if<SessionEnd>(&event)) {
-    const Problem problem = problemOf(*end, now.date);
+  } else if (const auto* problem = std::get_if<Problem>(&event)) {
     session_.reset();
     if (asked_) {
-      finish(now, std::unexpected(inPlainWords(problem)));
+      finish(now, std::unexpected(inPlainWords(*problem)));
     }
   }
 }

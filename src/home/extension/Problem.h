@@ -3,13 +3,9 @@
 
 #include <string>
 
-#include "platform/foundation/Value.h"
-
 namespace quillpad::home {
 
-struct SessionEnd;
-
-// Why a widget did not get a newer picture when it was last asked for.
+// Why a widget did not get a newer picture when it was last asked for, or why a session ended.
 struct Problem {
   enum class Cause {
     dropped,        // the extension let the request go unanswered
@@ -22,12 +18,9 @@ struct Problem {
   };
 
   Cause cause = Cause::ended;
-  std::string detail;  // the circumstances, or the extension's reason; may be empty
-  std::string output;  // the extension's last words; may be empty
-  Date since;
+  std::string detail{};  // the circumstances, or the extension's reason; may be empty
+  // The last line that the extension wrote to standard error about what it was asked; may be empty.
+  std::string lastWords{};
 };
-
-// The end of a session as a problem of those who wait for its answers.
-Problem problemOf(const SessionEnd& end, Date now);
 
 }  // namespace quillpad::home

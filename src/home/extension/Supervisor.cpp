@@ -75,10 +75,7 @@ void Supervisor::answerIsLate(const Moment& now, const LateAnswer& late) {
       requestFailed(
           now,
           *request,
-          {.cause = Problem::Cause::late,
-           .detail = std::to_string(late.waited.count()) + " s",
-           .output = "",
-           .since = now.date});
+          {.cause = Problem::Cause::late, .detail = std::to_string(late.waited.count()) + " s"});
     }
   }
 }
@@ -88,19 +85,6 @@ void Supervisor::transferred(const TransferReport& transfer) {
     found->second.failure = transfer.error;
     found->second.statusCode = transfer.statusCode;
   }
-}
-
-void Supervisor::ended(const Moment& now, const SessionEnd& end) {
-  loseExtension(now, problemOf(end, now.date));
-}
-
-void Supervisor::failedToStart(const Moment& now, std::string why) {
-  loseExtension(
-      now,
-      {.cause = Problem::Cause::notStarted,
-       .detail = std::move(why),
-       .output = "",
-       .since = now.date});
 }
 
 void Supervisor::extensionNeedsRestart() {
@@ -358,10 +342,7 @@ std::optional<Supervisor::Pending> Supervisor::takePending(std::uint64_t id) {
 
 void Supervisor::take(const Moment& now, const Pending& request, const channel::Reply& reply) {
   const auto fail = [&](Problem::Cause cause, std::string detail) {
-    requestFailed(
-        now,
-        request,
-        {.cause = cause, .detail = std::move(detail), .output = "", .since = now.date});
+    requestFailed(now, request, {.cause = cause, .detail = std::move(detail)});
   };
   answeredInThisRun_ = answeredInThisRun_ || request.purpose == Purpose::timeline;
   if (request.purpose == Purpose::ping) {
@@ -450,7 +431,7 @@ void Supervisor::takeRendering(const std::string& kind, const channel::Rendering
 void Supervisor::requestFailed(const Moment& now, const Pending& request, Problem problem) {
   if (request.purpose == Purpose::catalogue) {
     actions_.emplace_back(EndExtension{});
-    return loseExtension(now, std::move(problem));
+    return ended(now, problem);
   }
   if (request.purpose == Purpose::ping) {
     return;
@@ -464,8 +445,7 @@ void Supervisor::requestFailed(const Moment& now, const Pending& request, Proble
   markChanged(widget);
 }
 
-// Who was being asked keeps its picture and is asked again in the next run.
-void Supervisor::loseExtension(const Moment& now, Problem problem) {
+void Supervisor::ended(const Moment& now, const Problem& problem) {
   const auto pause = restarts_.pauseAfterEnd();
   life_ = pause ? Life::backingOff : Life::gaveUp;
   const Uptime wait = pause.value_or(Uptime{});
@@ -489,7 +469,7 @@ void Supervisor::loseExtension(const Moment& now, Problem problem) {
     }
     markChanged(widget);
   }
-  lastEnd_ = std::move(problem);
+  lastEnd_ = problem;
   ++version_;
 }
 

@@ -54,8 +54,9 @@ class Supervisor {
   void replied(const Moment& now, const channel::NumberedReply& reply);
   void answerIsLate(const Moment& now, const LateAnswer& late);
   void transferred(const TransferReport& transfer);
-  void ended(const Moment& now, const SessionEnd& end);
-  void failedToStart(const Moment& now, std::string why);
+  // The extension did, or could not be started. Who was being asked keeps its picture and is asked
+  // again in the next run.
+  void ended(const Moment& now, const Problem& problem);
   // There is something to read that only another run of the extension would see.
   void extensionNeedsRestart();
   // The extension's program is another one now: it is started again when nothing is under way, or
@@ -132,7 +133,6 @@ class Supervisor {
   void takeRendering(const std::string& kind, const channel::Rendering& rendering);
   std::optional<Pending> takePending(std::uint64_t id);
   void requestFailed(const Moment& now, const Pending& request, Problem problem);
-  void loseExtension(const Moment& now, Problem problem);
   void restartAtOnce();
   void forgetEnds();
   bool hasProcess() const { return life_ == Life::starting || life_ == Life::running; }

@@ -80,8 +80,8 @@ std::string inPlainWords(const Problem& problem, const Language& language) {
       break;
   }
   std::string words = language.text("The extension ended ({1}).", {detail});
-  if (!problem.output.empty()) {
-    words += " " + language.text("Its last words: “{1}”.", {problem.output});
+  if (!problem.lastWords.empty()) {
+    words += " " + language.text("Its last words: “{1}”.", {problem.lastWords});
   }
   return words;
 }
