@@ -41,6 +41,14 @@ function measureBuilds() {
   }
 }
 
+// Its last line tells the whole, the ones before it when the steps began.
+function measureFreshMachine() {
+  const steps = execFileSync(join(root, "bench/fresh"), { encoding: "utf8", stdio: ["ignore", "pipe", "ignore"] });
+  const second = (step) => numberIn(steps, new RegExp(`^(\\d+) s: ${step}`, "m"));
+  const installing = second("Building") - second("Installing");
+  add("bare Debian 12: clone, ./demo --once", `${second("five timelines")} s, of it installing ${installing} s`, "", "70 s");
+}
+
 function measureCommands() {
   const output = execFileSync(join(programs, "extension_bench"), ["cold"], { encoding: "utf8" });
   const time = (name) => numberIn(output, new RegExp(`^ +${name} +([\\d.]+) ms`, "m"));
@@ -151,6 +159,7 @@ async function measureManyWidgets() {
 }
 
 if (process.argv.includes("--build")) measureBuilds();
+if (process.argv.includes("--fresh")) measureFreshMachine();
 measureCommands();
 measureCards();
 measureRefresh();
