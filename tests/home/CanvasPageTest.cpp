@@ -67,6 +67,22 @@ TEST(CanvasPage, ShowsSoManyPicturesAndSaysThatThereAreMore) {
   EXPECT_LT(canvasPictures(model).size(), 21'000U);
 }
 
+TEST(CanvasQuery, ItsAddressHasWhatIsChosen) {
+  EXPECT_EQ(CanvasQuery{}.toUrl("/?view=canvas"), "/?view=canvas");
+  const CanvasQuery query{
+      .kind = "A&b",
+      .entry = "rows-emoji",
+      .screen = "430x932",
+      .language = "zh-Hans",
+      .appearance = ui::Appearance::dark,
+      .currency = "€",
+      .scale = 3};
+  EXPECT_EQ(
+      query.toUrl("/canvas.zip"),
+      "/canvas.zip?kind=A%26b&entry=rows-emoji&screen=430x932&language=zh-Hans&appearance=dark"
+      "&currency=%E2%82%AC&scale=3");
+}
+
 TEST(CanvasPage, WhatIsWrongInTheAddressHasItsUsualValue) {
   const WebRequest request{
       .method = "GET",

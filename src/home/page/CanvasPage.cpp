@@ -201,16 +201,13 @@ CanvasQuery CanvasQuery::parse(const WebRequest& request) {
 
 std::string CanvasQuery::toUrl(std::string_view path) const {
   std::string url(path);
-  for (const auto& [name, value] :
-       {std::pair<std::string_view, std::string_view>{"kind", kind},
-        {"entry", entry},
-        {"screen", screen},
-        {"language", language},
-        {"appearance", appearanceParameter(appearance)},
-        {"currency", currency},
-        {"scale", scaleParameter(scale)}}) {
-    addParameter(url, name, value);
-  }
+  addParameter(url, "kind", kind);
+  addParameter(url, "entry", entry);
+  addParameter(url, "screen", screen);
+  addParameter(url, "language", language);
+  addParameter(url, "appearance", appearanceParameter(appearance));
+  addParameter(url, "currency", currency);
+  addParameter(url, "scale", scaleParameter(scale));
   return url;
 }
 
